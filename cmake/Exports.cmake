@@ -1,0 +1,20 @@
+# The exported names come from one list, include/zkr13n/exports.list: a version script for a shared object, a
+# definition file for a DLL.
+function(zkr_exports target)
+  set(list ${CMAKE_SOURCE_DIR}/include/zkr13n/exports.list)
+  set_property(DIRECTORY ${CMAKE_SOURCE_DIR} APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+  file(STRINGS ${list} names REGEX "^[A-Za-z_]")
+  if(WIN32)
+    list(JOIN names "\n    " lines)
+    file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/ZKR13N.def CONTENT "LIBRARY ZKR13N\nEXPORTS\n    ${lines}\n" @ONLY)
+    set_target_properties(${target} PROPERTIES PREFIX "")
+    target_sources(${target} PRIVATE ${CMAKE_BINARY_DIR}/ZKR13N.def)
+    target_link_options(${target} PRIVATE -static -Wl,--enable-stdcall-fixup)
+  else()
+    list(JOIN names "; " lines)
+    file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/ZKR13N.map CONTENT "{ global: ${lines}; local: *; };\n" @ONLY)
+    target_link_options(${target} PRIVATE -Wl,--version-script=${CMAKE_BINARY_DIR}/ZKR13N.map
+                                          -Wl,-Bsymbolic-functions)
+    set_target_properties(${target} PROPERTIES LINK_DEPENDS ${CMAKE_BINARY_DIR}/ZKR13N.map)
+  endif()
+endfunction()

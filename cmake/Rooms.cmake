@@ -1,0 +1,64 @@
+# The library is put together from the folders of the tree. A folder adds its files with zkr_sources(); files of
+# row kernels go through zkr_kernels(), which compiles them once for each instruction set.
+#
+#   zkr13n         the product, a shared library
+#   zkr13n_inner   the same code as a static library in which every allocation, mapping and file call can be made
+#                  to fail; tests that look inside link it
+
+add_library(zkr13n_rooms OBJECT)
+target_link_libraries(zkr13n_rooms PRIVATE zkr_inside)
+
+if(ZKR_TESTS)
+  add_library(zkr13n_faulty_rooms OBJECT)
+  target_link_libraries(zkr13n_faulty_rooms PRIVATE zkr_inside)
+  target_compile_definitions(zkr13n_faulty_rooms PRIVATE ZKR_FAULT_INJECTION=1)
+endif()
+
+# Instruction sets: a name and its compiler options. Each set's kernels live in a namespace of that name.
+set(ZKR_INSTRUCTION_SETS baseline)
+set(ZKR_OPTIONS_baseline "")
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64|i[3-6]86")
+  list(APPEND ZKR_INSTRUCTION_SETS avx2)
+  set(ZKR_OPTIONS_avx2 -mavx2 -mbmi -mbmi2 -mlzcnt -mpopcnt)
+endif()
+foreach(set IN LISTS ZKR_INSTRUCTION_SETS)
+  add_library(zkr13n_kernels_${set} OBJECT)
+  target_link_libraries(zkr13n_kernels_${set} PRIVATE zkr_inside)
+  target_compile_definitions(zkr13n_kernels_${set} PRIVATE ZKR_KERNEL_SET=${set})
+  target_compile_options(zkr13n_kernels_${set} PRIVATE -O3 ${ZKR_OPTIONS_${set}})
+endforeach()
+
+function(zkr_sources)
+  list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  target_sources(zkr13n_rooms PRIVATE ${ARGN})
+  if(ZKR_TESTS)
+    target_sources(zkr13n_faulty_rooms PRIVATE ${ARGN})
+  endif()
+endfunction()
+
+function(zkr_kernels)
+  list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  foreach(set IN LISTS ZKR_INSTRUCTION_SETS)
+    target_sources(zkr13n_kernels_${set} PRIVATE ${ARGN})
+  endforeach()
+endfunction()
+
+# Called once all folders have been read.
+function(zkr_library)
+  foreach(set IN LISTS ZKR_INSTRUCTION_SETS)
+    list(APPEND kernels $<TARGET_OBJECTS:zkr13n_kernels_${set}>)
+  endforeach()
+
+  add_library(zkr13n SHARED $<TARGET_OBJECTS:zkr13n_rooms> ${kernels})
+  set_target_properties(zkr13n PROPERTIES OUTPUT_NAME ZKR13N)
+  target_include_directories(zkr13n PUBLIC $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/include>
+                                           $<INSTALL_INTERFACE:include>)
+  zkr_exports(zkr13n)
+
+  if(ZKR_TESTS)
+    add_library(zkr13n_inner STATIC $<TARGET_OBJECTS:zkr13n_faulty_rooms> ${kernels})
+    target_link_libraries(zkr13n_inner PUBLIC zkr_exact)
+    target_compile_definitions(zkr13n_inner PUBLIC ZKR_FAULT_INJECTION=1)
+    target_include_directories(zkr13n_inner PUBLIC ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/include)
+  endif()
+endfunction()

@@ -1,0 +1,20 @@
+# GoogleTest is built from the sources that Debian's googletest package installs, for each target anew.
+set(ZKR_GOOGLETEST /usr/src/googletest CACHE PATH "Sources of GoogleTest")
+set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+add_subdirectory(${ZKR_GOOGLETEST} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
+
+# zkr_test(name [INNER] SOURCES file...): one test program, one line in ctest's summary. It goes through the public
+# headers and the shared library; with INNER it sees the inside of the library and can inject faults.
+function(zkr_test name)
+  cmake_parse_arguments(test "INNER" "" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${test_SOURCES})
+  target_link_libraries(${name} PRIVATE zkr_warnings zkr_exact GTest::gmock GTest::gtest_main ${test_LIBRARIES})
+  if(test_INNER)
+    target_link_libraries(${name} PRIVATE zkr13n_inner)
+  else()
+    target_link_libraries(${name} PRIVATE zkr13n)
+  endif()
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  add_test(NAME ${name} COMMAND ${name})
+endfunction()

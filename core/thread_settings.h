@@ -1,0 +1,63 @@
+// The defaults that the library keeps for each calling thread. The record of a thread is made when a function
+// first needs it and released when the thread ends; a thread whose record cannot be made shares one static record
+// of zeroes.
+#pragma once
+
+#include "zkr13n/files.h"
+#include "zkr13n/frame.h"
+
+#include <cstdint>
+
+namespace zkr {
+
+// The functions through which bitmap files are reached.
+struct FileVector {
+    decltype(&Z_OsOpen) Open;
+    decltype(&Z_OsRead) Read;
+    decltype(&Z_OsWrite) Write;
+    decltype(&Z_OsSeek) Seek;
+    decltype(&Z_OsClose) Close;
+};
+
+// Something that another room keeps for the thread; Release is called with Data when the thread ends.
+struct ThreadAttachment {
+    void* Data;
+    void (*Release)(void* data);
+};
+
+struct ThreadSettings {
+    uint32_t* MatchTable; // the thread's current colour match table, owned by whoever set it
+    FileVector File;
+    int32_t DefaultDithering;
+    int32_t DefaultXResolution;
+    int32_t DefaultYResolution;
+    int32_t DefaultMemoryType;
+    int32_t MaxConventionalSize;
+    int32_t MemoryReserve;
+    int32_t TileSize;
+    int32_t ConventionalTiles;
+    int32_t MappedTiles;
+    char TempDirectory[260];
+    ::StatusCallback StatusCallback;
+    intptr_t StatusUserData;
+    ::StatusCallback CopyStatusCallback;
+    intptr_t CopyStatusUserData;
+    uint32_t HotKeyState;
+    ::SubstituteFontCallback SubstituteFontCallback;
+    intptr_t SubstituteFontUserData;
+    const uint8_t* CapabilityLocks;
+
+    ThreadAttachment PaletteSearch; // the nearest-colour index of the palette last matched against
+};
+
+// The record of the calling thread, or the static record; never fails.
+ThreadSettings& CurrentThreadSettings();
+
+// Whether the record is the shared static one, where nothing may be attached.
+bool IsFallbackRecord(const ThreadSettings& settings);
+
+// The match table that colour resolution finds and leaves for the calling thread.
+uint32_t* CurrentMatchTable();
+uint32_t* SwapMatchTable(uint32_t* table); // returns the table that stood there before
+
+} // namespace zkr

@@ -1,0 +1,25 @@
+/*
+ * ZKR13N, a raster image kernel: everything in one include. The headers of the families are complete manuals of
+ * their functions and can be included one by one.
+ */
+#ifndef ZKR13N_H
+#define ZKR13N_H
+
+#include "zkr13n/allocation.h"
+#include "zkr13n/bitmap.h"
+#include "zkr13n/codes.h"
+#include "zkr13n/colour_values.h"
+#include "zkr13n/convert.h"
+#include "zkr13n/copy.h"
+#include "zkr13n/files.h"
+#include "zkr13n/frame.h"
+#include "zkr13n/gray.h"
+#include "zkr13n/lists.h"
+#include "zkr13n/locks.h"
+#include "zkr13n/palettes.h"
+#include "zkr13n/platform_types.h"
+#include "zkr13n/playback.h"
+#include "zkr13n/rows.h"
+#include "zkr13n/storage.h"
+
+#endif

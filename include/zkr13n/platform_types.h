@@ -1,0 +1,56 @@
+/*
+ * The few types of the operating system that cross the interface of the library, and how its functions are
+ * called and exported. On Windows they are the system's own; elsewhere they are declared here under the same
+ * names, with the same sizes for everything that lies in memory.
+ */
+#ifndef ZKR13N_PLATFORM_TYPES_H
+#define ZKR13N_PLATFORM_TYPES_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef _WIN32
+
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
+/* The calling convention of every exported function and callback. */
+#define Z_CALL __stdcall
+/* Marks an exported function. The names of the DLL come from its definition file. */
+#define Z_API
+
+#else
+
+#define Z_CALL
+#define Z_API __attribute__((visibility("default")))
+
+/* A palette entry: four bytes, blue first. */
+typedef struct tagRGBQUAD {
+    uint8_t rgbBlue;
+    uint8_t rgbGreen;
+    uint8_t rgbRed;
+    uint8_t rgbReserved;
+} RGBQUAD;
+
+/* Handles are opaque and pointer-sized; a handle is never an address that a caller may follow. */
+typedef void* HANDLE;
+typedef HANDLE HGLOBAL;
+typedef struct HPALETTE__* HPALETTE;
+typedef struct HDC__* HDC;
+
+#endif
+
+#ifdef __cplusplus
+#define Z_BEGIN_DECLS extern "C" {
+#define Z_END_DECLS }
+#else
+#define Z_BEGIN_DECLS
+#define Z_END_DECLS
+#endif
+
+#endif
