@@ -1,5 +1,5 @@
-// The bits of BitmapHandle.Flags under the names that the library's own code uses, and the storage classes that
-// they stand for.
+// The bits of BitmapHandle.Flags under the names that the library's own code uses, and the storage classes
+// that they stand for.
 #pragma once
 
 #include "zkr13n/bitmap.h"
@@ -29,7 +29,11 @@ inline constexpr uint32_t PaletteIsBlock = Z_FLAG_PALETTE_IS_BLOCK;
 
 } // namespace flag
 
-inline bool HasFlag(const BitmapHandle& bitmap, uint32_t flags) { return (bitmap.Flags & flags) != 0; }
-inline bool IsAllocated(const BitmapHandle* bitmap) { return bitmap != nullptr && HasFlag(*bitmap, flag::Allocated); }
+inline bool HasFlag(const BitmapHandle& bitmap, uint32_t flags) {
+    return (bitmap.Flags & flags) != 0;
+}
+inline bool IsAllocated(const BitmapHandle* bitmap) {
+    return bitmap != nullptr && HasFlag(*bitmap, flag::Allocated);
+}
 
 } // namespace zkr

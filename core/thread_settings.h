@@ -1,6 +1,6 @@
 // The defaults that the library keeps for each calling thread. The record of a thread is made when a function
-// first needs it and released when the thread ends; a thread whose record cannot be made shares one static record
-// of zeroes.
+// first needs it and released when the thread ends; a thread whose record cannot be made shares one static
+// record of zeroes.
 #pragma once
 
 #include "zkr13n/files.h"

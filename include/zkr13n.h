@@ -1,6 +1,6 @@
 /*
- * ZKR13N, a raster image kernel: everything in one include. The headers of the families are complete manuals of
- * their functions and can be included one by one.
+ * ZKR13N, a raster image kernel: everything in one include. The headers of the families are complete manuals
+ * of their functions and can be included one by one.
  */
 #ifndef ZKR13N_H
 #define ZKR13N_H

@@ -9,33 +9,33 @@
 Z_BEGIN_DECLS
 
 /*
- * One bitmap. The caller owns the record, the library owns what it points at until Z_FreeBitmap. The record is
- * plain data: a copy of it refers to the same storage. On 32 bits it is exactly 39 words of 32 bits; on 64
+ * One bitmap. The caller owns the record, the library owns what it points at until Z_FreeBitmap. The record
+ * is plain data: a copy of it refers to the same storage. On 32 bits it is exactly 39 words of 32 bits; on 64
  * bits pointers, handles and the two byte counts Size and CurrentRowOffset are 64 bits wide.
  */
 typedef struct BitmapHandle {
-    HANDLE StorageHandle;       /* what owns the data: mapping, global memory or file; 0 for other classes */
-    void* Addr;                 /* row 0 where the data lies in one block of memory, or a control block */
-    int32_t Width;              /* pixels in a row */
-    int32_t Height;             /* rows */
-    int32_t BitsPerPixel;       /* 1 to 8, 12, 16, 24, 32, 48 or 64 */
-    uint32_t BytesPerLine;      /* bytes in a row, a multiple of 4 */
-    size_t CurrentRowOffset;    /* byte offset of CurrentRow, kept by the row functions */
-    uint32_t CurrentRow;        /* the row last reached */
-    uint32_t Flags;             /* Z_FLAG_... */
-    uint32_t ColorsUsed;        /* palette entries up to 8 bits per pixel, else 0 */
-    void* Palette;              /* HPALETTE, or with Z_FLAG_PALETTE_IS_BLOCK a block of RGBQUADs; 0 for none */
-    int32_t ViewPerspective;    /* where row 0 and column 0 lie on the picture: 0 to 5, 7, 8 */
-    int32_t Order;              /* Z_ORDER_... */
-    size_t Size;                /* bytes of data */
-    void* DitherData;           /* state of a dithering run */
-    int32_t DitheringMethod;    /* how colours are to be reduced */
-    void* Region;               /* region of interest, 0 for none */
-    int32_t XResolution;        /* dots per inch */
-    int32_t YResolution;        /* dots per inch */
-    int32_t PlaybackLeft;       /* place of an animation frame on its canvas, pixels */
-    int32_t PlaybackTop;        /* likewise */
-    int32_t PlaybackDelay;      /* milliseconds that a frame stays */
+    HANDLE StorageHandle;    /* what owns the data: mapping, global memory or file; 0 for other classes */
+    void* Addr;              /* row 0 where the data lies in one block of memory, or a control block */
+    int32_t Width;           /* pixels in a row */
+    int32_t Height;          /* rows */
+    int32_t BitsPerPixel;    /* 1 to 8, 12, 16, 24, 32, 48 or 64 */
+    uint32_t BytesPerLine;   /* bytes in a row, a multiple of 4 */
+    size_t CurrentRowOffset; /* byte offset of CurrentRow, kept by the row functions */
+    uint32_t CurrentRow;     /* the row last reached */
+    uint32_t Flags;          /* Z_FLAG_... */
+    uint32_t ColorsUsed;     /* palette entries up to 8 bits per pixel, else 0 */
+    void* Palette;           /* HPALETTE, or with Z_FLAG_PALETTE_IS_BLOCK a block of RGBQUADs; 0 for none */
+    int32_t ViewPerspective; /* where row 0 and column 0 lie on the picture: 0 to 5, 7, 8 */
+    int32_t Order;           /* Z_ORDER_... */
+    size_t Size;             /* bytes of data */
+    void* DitherData;        /* state of a dithering run */
+    int32_t DitheringMethod; /* how colours are to be reduced */
+    void* Region;            /* region of interest, 0 for none */
+    int32_t XResolution;     /* dots per inch */
+    int32_t YResolution;     /* dots per inch */
+    int32_t PlaybackLeft;    /* place of an animation frame on its canvas, pixels */
+    int32_t PlaybackTop;     /* likewise */
+    int32_t PlaybackDelay;   /* milliseconds that a frame stays */
     uint32_t PlaybackBackColor; /* colour value of the canvas */
     uint32_t TransparentColor;  /* colour value, valid with Z_FLAG_PLAYBACK_TRANSPARENCY */
     int32_t DisposalMethod;     /* what happens to a frame when the next one comes */
@@ -85,11 +85,13 @@ enum {
 /* Bits of the flags argument of Z_DupBitmapNewDim and Z_FreeDuplicateBitmap. */
 enum { Z_DUP_DATA = 1, Z_DUP_PALETTE = 2, Z_DUP_REGION = 4 };
 
-Z_API ReturnCode Z_CALL Z_InitBitmap(BitmapHandle* bitmap, int32_t width, int32_t height, int32_t bitsPerPixel);
+Z_API ReturnCode Z_CALL Z_InitBitmap(BitmapHandle* bitmap, int32_t width, int32_t height,
+                                     int32_t bitsPerPixel);
 Z_API ReturnCode Z_CALL Z_AllocateBitmap(BitmapHandle* bitmap, int32_t memoryType);
-Z_API ReturnCode Z_CALL Z_CreateBitmap(BitmapHandle* bitmap, int32_t memoryType, int32_t width, int32_t height,
-                                       int32_t bitsPerPixel, int32_t order, const RGBQUAD* palette,
-                                       int32_t viewPerspective, void* data, size_t dataSize);
+Z_API ReturnCode Z_CALL Z_CreateBitmap(BitmapHandle* bitmap, int32_t memoryType, int32_t width,
+                                       int32_t height, int32_t bitsPerPixel, int32_t order,
+                                       const RGBQUAD* palette, int32_t viewPerspective, void* data,
+                                       size_t dataSize);
 Z_API ReturnCode Z_CALL Z_FreeBitmap(BitmapHandle* bitmap);
 Z_API ReturnCode Z_CALL Z_FreeImage(BitmapHandle* bitmap, int32_t ownsAttachments);
 Z_API void Z_CALL Z_CopyBitmapHandle(BitmapHandle* destination, const BitmapHandle* source);

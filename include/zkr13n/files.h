@@ -9,12 +9,7 @@
 Z_BEGIN_DECLS
 
 /* Attribute bits of Z_OsCreat. */
-enum {
-    Z_CREATE_READ_ONLY = 1,
-    Z_CREATE_HIDDEN = 2,
-    Z_CREATE_SYSTEM = 4,
-    Z_CREATE_DELETE_ON_CLOSE = 8
-};
+enum { Z_CREATE_READ_ONLY = 1, Z_CREATE_HIDDEN = 2, Z_CREATE_SYSTEM = 4, Z_CREATE_DELETE_ON_CLOSE = 8 };
 
 Z_API intptr_t Z_CALL Z_OsCreat(const char* name, int32_t attributes);
 Z_API intptr_t Z_CALL Z_OsOpen(const char* name, int32_t flags, int32_t share, intptr_t userData);

@@ -8,7 +8,8 @@
 
 Z_BEGIN_DECLS
 
-/* Called by long operations with 0 to 100; any result but 1 stops the operation, which returns that result. */
+/* Called by long operations with 0 to 100; any result but 1 stops the operation, which returns that result.
+ */
 typedef ReturnCode(Z_CALL* StatusCallback)(int32_t percent, intptr_t userData);
 
 /* A callback that is kept for the family's vector module, which alone knows how to call it. */
@@ -29,7 +30,8 @@ Z_API StatusCallback Z_CALL Z_GetStatusCallBack(intptr_t* userDataOut);
 Z_API StatusCallback Z_CALL Z_SetCopyStatusCallBack(StatusCallback callback, intptr_t userData);
 Z_API StatusCallback Z_CALL Z_GetCopyStatusCallBack(intptr_t* userDataOut);
 Z_API ReturnCode Z_CALL Z_VecSetSubstituteFontCallback(SubstituteFontCallback callback, intptr_t userData);
-Z_API ReturnCode Z_CALL Z_VecGetSubstituteFontCallback(SubstituteFontCallback* callbackOut, intptr_t* userDataOut);
+Z_API ReturnCode Z_CALL Z_VecGetSubstituteFontCallback(SubstituteFontCallback* callbackOut,
+                                                       intptr_t* userDataOut);
 Z_API ReturnCode Z_CALL Z_VersionInfo(VersionRecord* record);
 Z_API int32_t Z_CALL Z_GetDefaultDithering(void);
 

@@ -19,8 +19,10 @@ Z_API ReturnCode Z_CALL Z_SetBitmapListItem(BitmapList list, uint32_t index, con
 Z_API ReturnCode Z_CALL Z_InsertBitmapListItem(BitmapList list, uint32_t index, const BitmapHandle* bitmap);
 Z_API ReturnCode Z_CALL Z_RemoveBitmapListItem(BitmapList list, uint32_t index, BitmapHandle* bitmapOut);
 Z_API ReturnCode Z_CALL Z_DeleteBitmapListItems(BitmapList list, uint32_t index, uint32_t count);
-Z_API ReturnCode Z_CALL Z_CopyBitmapListItems(BitmapList* listOut, BitmapList list, uint32_t index, uint32_t count);
-Z_API ReturnCode Z_CALL Z_MoveBitmapListItems(BitmapList* listOut, BitmapList list, uint32_t index, uint32_t count);
+Z_API ReturnCode Z_CALL Z_CopyBitmapListItems(BitmapList* listOut, BitmapList list, uint32_t index,
+                                              uint32_t count);
+Z_API ReturnCode Z_CALL Z_MoveBitmapListItems(BitmapList* listOut, BitmapList list, uint32_t index,
+                                              uint32_t count);
 
 Z_END_DECLS
 

@@ -10,13 +10,13 @@ Z_BEGIN_DECLS
 
 /* Memory types of Z_AllocateBitmap and Z_CreateBitmap. Only the combinations named there are accepted. */
 enum {
-    MemoryConventional = 1,     /* prefer a mapped block */
-    MemoryUser = 2,             /* the caller supplies the data */
-    MemoryTiled = 4,            /* skip the mapped block above the tile size */
-    MemoryNoTiled = 8,          /* never tile */
-    MemoryDisk = 128,           /* go straight to a temporary file */
-    MemoryNoDisk = 256,         /* no temporary file */
-    MemoryCompressed = 512,     /* 1-bit rows as runs */
+    MemoryConventional = 1,      /* prefer a mapped block */
+    MemoryUser = 2,              /* the caller supplies the data */
+    MemoryTiled = 4,             /* skip the mapped block above the tile size */
+    MemoryNoTiled = 8,           /* never tile */
+    MemoryDisk = 128,            /* go straight to a temporary file */
+    MemoryNoDisk = 256,          /* no temporary file */
+    MemoryCompressed = 512,      /* 1-bit rows as runs */
     MemorySuperCompressed = 1024 /* rows in compressed strips */
 };
 
@@ -42,8 +42,8 @@ enum {
 Z_API ReturnCode Z_CALL Z_SetDefaultMemoryType(int32_t type);
 Z_API ReturnCode Z_CALL Z_GetDefaultMemoryType(int32_t* typeOut);
 Z_API ReturnCode Z_CALL Z_SetMemoryThresholds(int32_t memoryReserve, int32_t maxConventionalSize,
-                                              int32_t tileSize, int32_t conventionalTiles, int32_t mappedTiles,
-                                              uint32_t flags);
+                                              int32_t tileSize, int32_t conventionalTiles,
+                                              int32_t mappedTiles, uint32_t flags);
 Z_API void Z_CALL Z_GetMemoryThresholds(int32_t* reserveOut, int32_t* maxSizeOut, int32_t* tileSizeOut,
                                         int32_t* conventionalTilesOut, int32_t* mappedTilesOut);
 Z_API ReturnCode Z_CALL Z_GetBitmapMemoryInfo(BitmapHandle* bitmap, int32_t* typeOut, int32_t* tileSizeOut,
