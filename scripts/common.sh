@@ -1,0 +1,116 @@
+# What the doors of the project share: where things lie, packages, configuring and building. Sourced, not run.
+set -euo pipefail
+
+top="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+cache="${XDG_CACHE_HOME:-${HOME:-/tmp}/.cache}/zkr13n"
+no_answer=75 # exit status when a package server does not answer
+
+say() { printf '\033[1m==> %s\033[0m\n' "$*" >&2; }
+die() {
+  printf 'error: %s\n' "$*" >&2
+  exit 1
+}
+
+# as_root command...: runs a command with the rights to install.
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  elif command -v sudo >/dev/null && { sudo -n true 2>/dev/null || [ -t 0 ]; }; then
+    sudo "$@"
+  else
+    die "this needs root: $*
+       Run it as root yourself, or start this program from a terminal of a user that may use sudo."
+  fi
+}
+
+# The package source and the release of this machine, as "address release", from its own apt sources.
+package_source() {
+  local release
+  release="$(. /etc/os-release && echo "${VERSION_CODENAME:-}")"
+  {
+    cat /etc/apt/sources.list /etc/apt/sources.list.d/*.list 2>/dev/null |
+      sed -nE 's/^deb +(\[[^]]*\] +)?([^ ]+) +([^ ]+) +(.*)/\2 \3/p' || true
+    awk 'function flush(i, j, n, m, u, s) {
+           if (types ~ /deb( |$)/ && enabled != "no") {
+             n = split(uris, u, " "); m = split(suites, s, " ")
+             for (i = 1; i <= n; i++) for (j = 1; j <= m; j++) print u[i], s[j]
+           }
+           types = uris = suites = enabled = ""
+         }
+         /^[ \t]*$/ { flush() } FNR == 1 { flush() }
+         /^Types:/ { $1 = ""; types = $0 } /^URIs:/ { $1 = ""; uris = $0 }
+         /^Suites:/ { $1 = ""; suites = $0 } /^Enabled:/ { enabled = $2 }
+         END { flush() }' /etc/apt/sources.list.d/*.sources 2>/dev/null || true
+  } | awk -v release="$release" '$2 == release && $1 ~ /^(https?|file):/ { print $1, $2; exit }'
+}
+
+# Whether the package source gives its index at all.
+server_answers() {
+  local address release file status=0
+  read -r address release <<<"$(package_source)" || return 1
+  file="$(mktemp)"
+  /usr/lib/apt/apt-helper -o Acquire::Retries=2 download-file "${address%/}/dists/$release/Release" "$file" \
+    >/dev/null 2>&1 || status=1
+  rm -f "$file"
+  return $status
+}
+
+# Ends the program after a failed installation: with the status of its own where the server is to blame.
+installation_failed() {
+  if server_answers; then
+    die "could not install: $*"
+  fi
+  printf 'error: could not install %s: the package server does not answer\n' "$*" >&2
+  exit $no_answer
+}
+
+installed() { [ "$(dpkg-query -W -f '${Status}' "$1" 2>/dev/null)" = "install ok installed" ]; }
+
+# need why package...: installs the packages that are missing.
+need() {
+  local why="$1" package missing=()
+  shift
+  if ! command -v dpkg-query >/dev/null; then
+    say "Not a Debian system: make sure that you have what these packages hold ($why): $*"
+    return
+  fi
+  for package in "$@"; do
+    installed "$package" || missing+=("$package")
+  done
+  [ ${#missing[@]} -eq 0 ] && return
+  say "Installing for $why: ${missing[*]}"
+  local install=(env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=600
+    install --no-install-recommends "${missing[@]}")
+  # Old lists name files that are gone. An index that does not load (of another architecture, say) matters
+  # only when a package then cannot be had.
+  if ! apt-cache show "${missing[@]}" >/dev/null 2>&1 || ! as_root "${install[@]}" >&2; then
+    say "Refreshing the lists of packages"
+    as_root apt-get -q -o DPkg::Lock::Timeout=600 update >&2 || true
+    as_root "${install[@]}" >&2 || installation_failed "${missing[@]}"
+  fi
+}
+
+need_compiler() { need "building" g++ cmake ninja-build ccache pkg-config python3; }
+need_pictures() {
+  need "the program zkr and its pictures" libcli11-dev libpng-dev libjpeg62-turbo-dev libfreetype-dev \
+    fonts-dejavu-core palapeli-data jbigkit-bin jbigkit-testdata
+}
+need_tests() { need "testing" googletest; }
+
+# build preset [target...]: configures where needed and builds what changed.
+build() {
+  local preset="$1" target targets=()
+  shift
+  for target in "$@"; do targets+=(--target "$target"); done
+  say "Building build/$preset"
+  mkdir -p "$top/build"
+  (
+    cd "$top"
+    log="build/configure-$preset.log"
+    cmake --preset "$preset" >"$log" 2>&1 || {
+      cat "$log" >&2
+      die "cannot configure the preset $preset"
+    }
+    cmake --build "build/$preset" -j "$(nproc)" "${targets[@]}" >&2
+  )
+}
