@@ -4,10 +4,11 @@ set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
 add_subdirectory(${ZKR_GOOGLETEST} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
 
-# zkr_test(name [INNER] SOURCES file...): one test program, one line in ctest's summary. It goes through the public
-# headers and the shared library; with INNER it sees the inside of the library and can inject faults.
+# zkr_test(name [INNER] [BOTH_SETS] SOURCES file...): one test program, one line in ctest's summary. It goes through
+# the public headers and the shared library; with INNER it sees the inside of the library and can inject faults. With
+# BOTH_SETS it is run a second time with the plainest instruction set, as <name>_baseline.
 function(zkr_test name)
-  cmake_parse_arguments(test "INNER" "" "SOURCES;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(test "INNER;BOTH_SETS" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${test_SOURCES})
   target_link_libraries(${name} PRIVATE zkr_warnings zkr_exact GTest::gmock GTest::gtest_main ${test_LIBRARIES})
   if(test_INNER)
@@ -17,4 +18,8 @@ function(zkr_test name)
   endif()
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
   add_test(NAME ${name} COMMAND ${name})
+  if(test_BOTH_SETS)
+    add_test(NAME ${name}_baseline COMMAND ${name})
+    set_tests_properties(${name}_baseline PROPERTIES ENVIRONMENT ZKR_CPU=baseline)
+  endif()
 endfunction()
