@@ -1,0 +1,78 @@
+// The nearest entry of a palette and the match table that is filled from it.
+#include "zkr13n/palettes.h"
+
+#include "colour/rows/kernel_set.h"
+#include "colour/rows/palette_match.h"
+#include "zkr13n/allocation.h"
+
+#include "core/return_codes.h"
+
+namespace zkr {
+
+namespace {
+
+// The match table knows five bits of a channel, and stands for them by the lowest colour that has them.
+constexpr uint32_t matchTableCells = 32768;
+constexpr int32_t channelStep = 8;
+
+void FillCube(uint32_t* table, const RGBQUAD* palette, int32_t entries, int32_t red, int32_t green,
+              int32_t blue) {
+    using namespace rows;
+    uint8_t winners[cubeColours];
+    Kernels().Match.FindForCube(
+        palette, entries, {red * channelStep, green * channelStep, blue * channelStep, channelStep}, winners);
+    const uint8_t* winner = winners;
+    for (int32_t r = red; r < red + cubeSide; ++r) {
+        for (int32_t g = green; g < green + cubeSide; ++g) {
+            for (int32_t b = blue; b < blue + cubeSide; ++b)
+                table[r << 10 | g << 5 | b] = *winner++ + 1u;
+        }
+    }
+}
+
+void FillByCubes(uint32_t* table, const RGBQUAD* palette, int32_t entries) {
+    for (int32_t red = 0; red < 32; red += rows::cubeSide) {
+        for (int32_t green = 0; green < 32; green += rows::cubeSide) {
+            for (int32_t blue = 0; blue < 32; blue += rows::cubeSide) {
+                FillCube(table, palette, entries, red, green, blue);
+            }
+        }
+    }
+}
+
+void FillCellByCell(uint32_t* table, const RGBQUAD* palette, int32_t entries) {
+    for (uint32_t cell = 0; cell < matchTableCells; ++cell) {
+        const auto channel = [&](uint32_t shift) {
+            return static_cast<int32_t>(cell >> shift & 31) * channelStep;
+        };
+        const int32_t index = Z_FindPaletteIndex(palette, entries, channel(10), channel(5), channel(0));
+        table[cell] = static_cast<uint32_t>(index + 1);
+    }
+}
+
+} // namespace
+
+} // namespace zkr
+
+using namespace zkr;
+
+int32_t Z_CALL Z_FindPaletteIndex(const RGBQUAD* palette, int32_t entries, int32_t red, int32_t green,
+                                  int32_t blue) {
+    return rows::Kernels().Match.Find(palette, entries, red & 255, green & 255, blue & 255);
+}
+
+uint32_t* Z_CALL Z_CreateUserMatchTable(const RGBQUAD* palette, int32_t entries) {
+    uint32_t* table = static_cast<uint32_t*>(Z_Malloc(matchTableCells * sizeof(uint32_t)));
+    if (table == nullptr) return nullptr;
+    if (entries >= 1 && entries <= 256) {
+        FillByCubes(table, palette, entries);
+    } else {
+        FillCellByCell(table, palette, entries);
+    }
+    return table;
+}
+
+ReturnCode Z_CALL Z_FreeUserMatchTable(uint32_t* table) {
+    Z_Free(table);
+    return code::Success;
+}

@@ -1,0 +1,330 @@
+// The kernels of palette_match.h, on vectors of eight 32-bit lanes that the compiler maps to what the
+// instruction set has.
+#include "colour/rows/palette_match.h"
+
+#include "colour/rows/colour_class.h"
+#include "colour/rows/squares.h"
+
+#include <cstring>
+
+#if defined(__AVX2__) || defined(__SSE2__)
+#include <immintrin.h>
+#endif
+
+namespace zkr::rows {
+namespace {
+
+// The widest vectors that the set has whole; wider ones would be taken apart lane by lane.
+#if defined(__AVX2__)
+constexpr int32_t laneCount = 8;
+#else
+constexpr int32_t laneCount = 4;
+#endif
+typedef int32_t Lanes __attribute__((vector_size(laneCount * 4)));
+typedef uint32_t UnsignedLanes __attribute__((vector_size(laneCount * 4)));
+typedef uint16_t HalfLanes __attribute__((vector_size(laneCount * 4)));
+
+constexpr int32_t noDistance = 0x7FFFFFFF;
+
+// One bit a lane, lane 0 lowest; the lanes are 0 or -1.
+inline uint32_t LaneBits(Lanes mask) {
+#if defined(__AVX2__)
+    return static_cast<uint32_t>(_mm256_movemask_ps(reinterpret_cast<__m256>(mask)));
+#elif defined(__SSE2__)
+    return static_cast<uint32_t>(_mm_movemask_ps(reinterpret_cast<__m128>(mask)));
+#else
+    uint32_t bits = 0;
+    for (int32_t lane = 0; lane < laneCount; ++lane)
+        bits |= (mask[lane] != 0 ? 1u : 0u) << lane;
+    return bits;
+#endif
+}
+
+inline int32_t LeastLane(Lanes lanes) {
+    int32_t values[laneCount];
+    std::memcpy(values, &lanes, sizeof values);
+    int32_t least = values[0];
+    for (const int32_t value : values)
+        least = value < least ? value : least;
+    return least;
+}
+
+inline Lanes Load(const void* bytes) {
+    Lanes lanes;
+    std::memcpy(&lanes, bytes, sizeof lanes);
+    return lanes;
+}
+
+inline int32_t Magnitude(int32_t value) {
+    return value < 0 ? -value : value;
+}
+
+// A colour that is looked for, with its bytes spread as Distances needs them.
+struct Target {
+    Target(int32_t red, int32_t green, int32_t blue)
+        : Red(red), Green(green), Blue(blue), RedAndBlue(red << 16 | blue) {}
+
+    int32_t DistanceTo(const RGBQUAD& entry) const {
+        return static_cast<int32_t>(squares[static_cast<size_t>(Magnitude(entry.rgbRed - Red))] +
+                                    squares[static_cast<size_t>(Magnitude(entry.rgbGreen - Green))] +
+                                    squares[static_cast<size_t>(Magnitude(entry.rgbBlue - Blue))]);
+    }
+    int32_t Class() const { return ColourClass(Red, Green, Blue); }
+
+    int32_t Red;
+    int32_t Green;
+    int32_t Blue;
+    int32_t RedAndBlue;
+};
+
+inline int32_t ClassOf(const RGBQUAD& entry) {
+    return ColourClass(entry.rgbRed, entry.rgbGreen, entry.rgbBlue);
+}
+
+// The square of a difference of bytes fits 16 bits without a sign, whatever the sign of the difference was.
+inline Lanes Distances(const RGBQUAD* entries, const Target& target) {
+    const Lanes quads = Load(entries);
+    const HalfLanes redBlue = reinterpret_cast<HalfLanes>((quads & 0x00FF00FF)) -
+                              reinterpret_cast<HalfLanes>(Lanes{} + target.RedAndBlue);
+    const HalfLanes green = reinterpret_cast<HalfLanes>((quads >> 8 & 0xFF)) -
+                            reinterpret_cast<HalfLanes>(Lanes{} + target.Green);
+    const UnsignedLanes squaresOfTwo = reinterpret_cast<UnsignedLanes>(redBlue * redBlue);
+    const UnsignedLanes sum = (squaresOfTwo & 0xFFFF) + (squaresOfTwo >> 16) +
+                              (reinterpret_cast<UnsignedLanes>(green * green) & 0xFFFF);
+    return reinterpret_cast<Lanes>(sum);
+}
+
+struct Nearest {
+    int32_t Index;
+    int32_t Distance;
+};
+
+// Few entries: one after the other.
+Nearest FindAmongFew(const RGBQUAD* palette, int32_t first, int32_t end, const Target& target, Nearest best) {
+    for (int32_t i = first; i < end && best.Distance != 0; ++i) {
+        const int32_t distance = target.DistanceTo(palette[i]);
+        if (distance < best.Distance ||
+            (distance == best.Distance && ClassOf(palette[i]) == target.Class())) {
+            best = {i, distance};
+        }
+    }
+    return best;
+}
+
+// Chunks of whole vectors: first the least distance, then, from the distances kept, the entries that have it.
+constexpr int32_t chunkEntries = 256;
+
+Nearest FindInChunk(const RGBQUAD* palette, int32_t first, int32_t end, const Target& target, Nearest best) {
+    Lanes distances[chunkEntries / laneCount];
+    Lanes least = Lanes{} + best.Distance;
+    Lanes* place = distances;
+    for (int32_t i = first; i < end; i += laneCount) {
+        const Lanes distance = Distances(palette + i, target);
+        if (const uint32_t exact = LaneBits(distance == 0)) return {i + __builtin_ctz(exact), 0};
+        least = distance < least ? distance : least;
+        *place++ = distance;
+    }
+    const int32_t leastDistance = LeastLane(least);
+    const int32_t targetClass = target.Class();
+    place = distances;
+    for (int32_t i = first; i < end; i += laneCount) {
+        for (uint32_t nearest = LaneBits(*place++ == leastDistance); nearest != 0; nearest &= nearest - 1) {
+            const int32_t index = i + __builtin_ctz(nearest);
+            if (leastDistance < best.Distance || ClassOf(palette[index]) == targetClass) {
+                best = {index, leastDistance};
+            }
+        }
+    }
+    return best;
+}
+
+bool IsColour(const RGBQUAD& entry, int32_t level) {
+    return entry.rgbRed == level && entry.rgbGreen == level && entry.rgbBlue == level;
+}
+
+// The end of the palette that a black or white target goes to at once, or -1.
+int32_t FindAtEnds(const RGBQUAD* palette, int32_t entries, const Target& target) {
+    const int32_t last = entries - 1;
+    if ((target.Red | target.Green | target.Blue) == 0) {
+        return IsColour(palette[0], 0) ? 0 : IsColour(palette[last], 0) ? last : -1;
+    }
+    if ((target.Red & target.Green & target.Blue) == 255) {
+        return IsColour(palette[last], 255) ? last : IsColour(palette[0], 255) ? 0 : -1;
+    }
+    return -1;
+}
+
+int32_t Find(const RGBQUAD* palette, int32_t entries, int32_t red, int32_t green, int32_t blue) {
+    if (entries <= 0) return -1;
+    const Target target(red, green, blue);
+    if (target.DistanceTo(palette[0]) == 0 && (red | green | blue) != 0 && (red & green & blue) != 255)
+        return 0;
+    if (const int32_t end = FindAtEnds(palette, entries, target); end >= 0) return end;
+
+    Nearest best = {-1, noDistance};
+    const int32_t inVectors = entries - entries % laneCount;
+    for (int32_t first = 0; first < inVectors && best.Distance != 0; first += chunkEntries) {
+        const int32_t end = inVectors - first < chunkEntries ? inVectors : first + chunkEntries;
+        best = FindInChunk(palette, first, end, target, best);
+    }
+    return FindAmongFew(palette, inVectors, entries, target, best).Index;
+}
+
+// One channel of an entry against the span of a cube.
+struct ChannelReach {
+    ChannelReach(int32_t channel, int32_t low, int32_t span) {
+        const int32_t fromLow = Magnitude(channel - low);
+        const int32_t fromHigh = Magnitude(channel - low - span);
+        const bool inside = channel >= low && channel <= low + span;
+        Nearest = inside ? 0 : fromLow < fromHigh ? fromLow * fromLow : fromHigh * fromHigh;
+        Farthest = fromLow > fromHigh ? fromLow * fromLow : fromHigh * fromHigh;
+    }
+    int32_t Nearest;
+    int32_t Farthest;
+};
+
+// The entries that can win anywhere in a cube, in their order. Some entry is nowhere farther than the least
+// of all farthest distances, so an entry that is nowhere as near can win nowhere.
+struct Candidates {
+    Candidates(const RGBQUAD* palette, int32_t entries, const CubeCorner& corner) : Count(0) {
+        const int32_t span = corner.Step * (cubeSide - 1);
+        int32_t nearest[256];
+        int32_t bound = noDistance;
+        for (int32_t i = 0; i < entries; ++i) {
+            const ChannelReach red(palette[i].rgbRed, corner.Red, span);
+            const ChannelReach green(palette[i].rgbGreen, corner.Green, span);
+            const ChannelReach blue(palette[i].rgbBlue, corner.Blue, span);
+            nearest[i] = red.Nearest + green.Nearest + blue.Nearest;
+            const int32_t farthest = red.Farthest + green.Farthest + blue.Farthest;
+            bound = farthest < bound ? farthest : bound;
+        }
+        for (int32_t i = 0; i < entries; ++i) {
+            Index[Count] = static_cast<uint8_t>(i);
+            Count += nearest[i] <= bound ? 1 : 0;
+        }
+    }
+    int32_t Count;
+    uint8_t Index[256 + 1];
+};
+
+// What a candidate adds to the distance at each step along each side of the cube.
+struct CandidateTerms {
+    CandidateTerms() = default;
+    CandidateTerms(const RGBQUAD& entry, int32_t index, const CubeCorner& corner)
+        : Index(index), Class(ClassOf(entry)) {
+        for (int32_t i = 0; i < cubeSide; ++i) {
+            const int32_t red = corner.Red + i * corner.Step - entry.rgbRed;
+            const int32_t green = corner.Green + i * corner.Step - entry.rgbGreen;
+            const int32_t blue = corner.Blue + i * corner.Step - entry.rgbBlue;
+            Red[i] = red * red;
+            Green[i] = green * green;
+            Blue[i] = blue * blue;
+        }
+    }
+    int32_t Blue[cubeSide];
+    int32_t Red[cubeSide];
+    int32_t Green[cubeSide];
+    int32_t Index;
+    int32_t Class;
+};
+
+inline Lanes LaneNumbers() {
+#if defined(__AVX2__)
+    return Lanes{0, 1, 2, 3, 4, 5, 6, 7};
+#else
+    return Lanes{0, 1, 2, 3};
+#endif
+}
+
+// ColourClass of colours that differ in blue alone.
+inline Lanes ColourClasses(int32_t red, int32_t green, Lanes blue) {
+    const Lanes above = green > red ? (blue < green) & 1 : Lanes{};
+    const Lanes below = green < red ? (blue > green) & 2 : Lanes{};
+    return above | below | ((blue > red) & 4);
+}
+
+// Ties at distance 0 are settled too late by the class rule: the first of the exact entries is to stay.
+void KeepFirstExact(const RGBQUAD* palette, const Candidates& candidates, const CubeCorner& corner,
+                    uint8_t* winners) {
+    for (int32_t i = candidates.Count - 1; i >= 0; --i) {
+        const RGBQUAD& entry = palette[candidates.Index[i]];
+        const int32_t red = entry.rgbRed - corner.Red;
+        const int32_t green = entry.rgbGreen - corner.Green;
+        const int32_t blue = entry.rgbBlue - corner.Blue;
+        const int32_t span = corner.Step * (cubeSide - 1);
+        const bool inside =
+            red >= 0 && red <= span && green >= 0 && green <= span && blue >= 0 && blue <= span;
+        if (!inside || (red | green | blue) % corner.Step != 0) continue;
+        winners[(red * 64 + green * 8 + blue) / corner.Step] = candidates.Index[i];
+    }
+}
+
+void FindForCube(const RGBQUAD* palette, int32_t entries, const CubeCorner& corner, uint8_t* winners) {
+    const Candidates candidates(palette, entries, corner);
+    CandidateTerms terms[256];
+    for (int32_t i = 0; i < candidates.Count; ++i) {
+        terms[i] = CandidateTerms(palette[candidates.Index[i]], candidates.Index[i], corner);
+    }
+
+    uint8_t* place = winners;
+    for (int32_t r = 0; r < cubeSide; ++r) {
+        for (int32_t g = 0; g < cubeSide; ++g) {
+            for (int32_t b = 0; b < cubeSide; b += laneCount) {
+                const Lanes blue = (LaneNumbers() + b) * corner.Step + corner.Blue;
+                const Lanes classes =
+                    ColourClasses(corner.Red + r * corner.Step, corner.Green + g * corner.Step, blue);
+                Lanes least = Lanes{} + noDistance;
+                Lanes index = Lanes{};
+                for (const CandidateTerms* term = terms; term != terms + candidates.Count; ++term) {
+                    const Lanes distance = Load(term->Blue + b) + (term->Red[r] + term->Green[g]);
+                    const Lanes takes = (distance < least) | ((distance == least) & (classes == term->Class));
+                    least = distance < least ? distance : least;
+                    index = takes ? Lanes{} + term->Index : index;
+                }
+                for (int32_t lane = 0; lane < laneCount; ++lane)
+                    *place++ = static_cast<uint8_t>(index[lane]);
+            }
+        }
+    }
+    KeepFirstExact(palette, candidates, corner, winners);
+
+    const int32_t top = corner.Step * (cubeSide - 1);
+    if ((corner.Red | corner.Green | corner.Blue) == 0) {
+        winners[0] = static_cast<uint8_t>(Find(palette, entries, 0, 0, 0));
+    }
+    if (((corner.Red + top) & (corner.Green + top) & (corner.Blue + top)) == 255) {
+        winners[cubeColours - 1] = static_cast<uint8_t>(Find(palette, entries, 255, 255, 255));
+    }
+}
+
+size_t LookUp(const uint8_t* quads, uint8_t* indices, size_t pixels, const uint16_t* blocks,
+              const uint8_t* winners) {
+    size_t done = 0;
+    for (; pixels - done >= laneCount; done += laneCount) {
+        const Lanes quad = Load(quads + done * 4);
+        const Lanes cube = (quad >> 3 & 0x1F) | (quad >> 6 & 0x3E0) | (quad >> 9 & 0x7C00);
+        const Lanes inside = (quad & 7) | (quad >> 5 & 0x38) | (quad >> 10 & 0x1C0);
+        uint32_t block[laneCount];
+        uint32_t all = 0;
+        for (int32_t lane = 0; lane < laneCount; ++lane) {
+            block[lane] = blocks[cube[lane]];
+            all |= block[lane];
+        }
+        if (all > lastKnownCube) break;
+        for (int32_t lane = 0; lane < laneCount; ++lane) {
+            indices[done + static_cast<size_t>(lane)] =
+                winners[block[lane] * cubeColours + static_cast<uint32_t>(inside[lane])];
+        }
+    }
+    return done;
+}
+
+} // namespace
+
+namespace ZKR_KERNEL_SET {
+
+extern const MatchKernels matchKernels;
+const MatchKernels matchKernels = {Find, FindForCube, LookUp};
+
+} // namespace ZKR_KERNEL_SET
+} // namespace zkr::rows
