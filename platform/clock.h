@@ -1,0 +1,9 @@
+// The running clock. The names and contracts are those of Windows; namespace zkr::platform
+// holds them on every system. Constants are reached without the namespace.
+#pragma once
+
+#ifdef _WIN32
+#include "platform/windows/clock.h"
+#else
+#include "platform/portable/clock.h"
+#endif

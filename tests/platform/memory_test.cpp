@@ -1,0 +1,168 @@
+// Global blocks, mappings and the system's figures.
+#include "platform/files.h"
+#include "platform/memory.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+namespace zkr {
+namespace {
+
+using namespace platform;
+
+constexpr DWORD Anonymous = PAGE_READWRITE | SEC_COMMIT | SEC_NOCACHE;
+
+HANDLE MapAnonymous(uint64_t size) {
+    return CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, Anonymous, static_cast<DWORD>(size >> 32),
+                              static_cast<DWORD>(size), nullptr);
+}
+
+TEST(GlobalMemory, IsFoundAgainByItsAddressAlone) {
+    std::vector<HGLOBAL> handles;
+    for (size_t i = 1; i <= 2000; ++i) {
+        handles.push_back(GlobalAlloc(GMEM_MOVEABLE | GMEM_SHARE, i));
+        ASSERT_NE(handles.back(), nullptr);
+    }
+    for (size_t i = 0; i < handles.size(); ++i) {
+        auto* bytes = static_cast<uint8_t*>(GlobalLock(handles[i]));
+        ASSERT_NE(bytes, nullptr);
+        EXPECT_EQ(GlobalHandle(bytes), handles[i]);
+        EXPECT_EQ(GlobalUnlock(handles[i]), FALSE);
+        EXPECT_EQ(GlobalFree(handles[i]), nullptr);
+    }
+}
+
+TEST(GlobalMemory, ResizingKeepsOldBytesAndClearsNewOnesOnRequest) {
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, 100);
+    auto* bytes = static_cast<uint8_t*>(GlobalLock(block));
+    EXPECT_TRUE(std::all_of(bytes, bytes + 100, [](uint8_t byte) { return byte == 0; }));
+    std::memset(bytes, 7, 100);
+    GlobalUnlock(block);
+
+    block = GlobalReAlloc(block, 100000, GMEM_MOVEABLE | GMEM_ZEROINIT);
+    ASSERT_NE(block, nullptr);
+    bytes = static_cast<uint8_t*>(GlobalLock(block));
+    EXPECT_EQ(GlobalHandle(bytes), block);
+    EXPECT_EQ(std::count(bytes, bytes + 100, 7), 100);
+    EXPECT_EQ(std::count(bytes + 100, bytes + 100000, 0), 99900);
+    GlobalUnlock(block);
+    EXPECT_EQ(GlobalFree(block), nullptr);
+}
+
+TEST(GlobalMemory, CountsItsLocks) {
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 8);
+    void* first = GlobalLock(block);
+    EXPECT_EQ(GlobalLock(block), first);
+    EXPECT_NE(GlobalUnlock(block), FALSE);
+    EXPECT_EQ(GlobalUnlock(block), FALSE);
+    GlobalFree(block);
+}
+
+#ifndef _WIN32
+TEST(GlobalMemory, RefusesWhatIsNotALiveBlock) {
+    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 64);
+    auto* bytes = static_cast<uint8_t*>(GlobalLock(block));
+    int local = 0;
+    EXPECT_EQ(GlobalHandle(bytes + 1), nullptr);
+    EXPECT_EQ(GlobalHandle(&local), nullptr);
+    EXPECT_EQ(GlobalHandle(reinterpret_cast<void*>(uintptr_t{4096})), nullptr); // not even readable
+    EXPECT_EQ(GlobalLock(&local), nullptr);
+    EXPECT_EQ(GlobalFree(bytes), bytes);
+    GlobalFree(block);
+
+    EXPECT_EQ(GlobalHandle(bytes), nullptr);
+    EXPECT_EQ(GlobalLock(block), nullptr);
+    EXPECT_EQ(GlobalReAlloc(block, 10, GMEM_MOVEABLE), nullptr);
+    EXPECT_EQ(GlobalSize(block), 0u);
+    EXPECT_EQ(GlobalFree(block), block);
+    EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
+}
+#endif
+
+TEST(Mapping, OfAnySizeIsZeroedAndHoldsItsBytes) {
+    // Around the borders between heap, pages and huge pages.
+    for (const uint64_t size : {1u, 65535u, 65536u, 100000u, (2u << 20) - 1, 2u << 20, (36u << 20) + 31}) {
+        HANDLE mapping = MapAnonymous(size);
+        ASSERT_NE(mapping, nullptr) << size;
+        auto* view = static_cast<uint8_t*>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0));
+        ASSERT_NE(view, nullptr) << size;
+        EXPECT_TRUE(std::all_of(view, view + size, [](uint8_t byte) { return byte == 0; })) << size;
+        std::memset(view, 0xA5, size);
+        EXPECT_NE(CloseHandle(mapping), FALSE);
+        EXPECT_EQ(std::count(view, view + size, 0xA5), static_cast<ptrdiff_t>(size)) << "view without handle";
+        EXPECT_NE(UnmapViewOfFile(view), FALSE);
+    }
+}
+
+TEST(Mapping, ViewsOfOneMappingShareItsMemory) {
+    HANDLE mapping = MapAnonymous(200000);
+    auto* whole = static_cast<uint8_t*>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0));
+    auto* part = static_cast<uint8_t*>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 65536, 1000));
+    ASSERT_TRUE(whole != nullptr && part != nullptr);
+    whole[65536] = 11;
+    EXPECT_EQ(part[0], 11);
+    UnmapViewOfFile(whole);
+    UnmapViewOfFile(part);
+    auto* again = static_cast<uint8_t*>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0));
+    EXPECT_EQ(again[65536], 11) << "the handle keeps the memory between views";
+    EXPECT_EQ(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 1000, 10), nullptr) << "offset between borders";
+    EXPECT_EQ(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 65536, 200000), nullptr) << "past the end";
+    CloseHandle(mapping);
+    UnmapViewOfFile(again);
+}
+
+TEST(Mapping, RefusesWhatCannotBe) {
+    EXPECT_EQ(MapAnonymous(0), nullptr);
+    EXPECT_EQ(CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, Anonymous, 0x7FFFFFFF, 0xFFFFFFFF, nullptr),
+              nullptr);
+    int local = 0;
+    EXPECT_EQ(UnmapViewOfFile(&local), FALSE);
+    HANDLE mapping = MapAnonymous(10);
+    EXPECT_NE(CloseHandle(mapping), FALSE);
+#ifndef _WIN32
+    EXPECT_EQ(CloseHandle(mapping), FALSE);
+    EXPECT_EQ(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0), nullptr);
+#endif
+}
+
+#ifndef _WIN32
+// Memory of the process in bytes, as the kernel counts it.
+size_t AddressSpace() {
+    FILE* file = std::fopen("/proc/self/statm", "r");
+    size_t pages = 0;
+    EXPECT_EQ(std::fscanf(file, "%zu", &pages), 1);
+    std::fclose(file);
+    return pages * 4096;
+}
+
+TEST(Mapping, GivesTheMemoryBackWhenHandleAndViewAreGone) {
+    constexpr uint64_t size = uint64_t{6} << 30;
+    const size_t before = AddressSpace();
+    HANDLE mapping = MapAnonymous(size);
+    auto* view = static_cast<uint8_t*>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0));
+    ASSERT_NE(view, nullptr);
+    view[size - 1] = 1;
+    EXPECT_GE(AddressSpace(), before + size);
+    EXPECT_NE(UnmapViewOfFile(view), FALSE);
+    CloseHandle(mapping);
+    EXPECT_LT(AddressSpace(), before + (size_t{64} << 20));
+}
+#endif
+
+TEST(MemoryStatus, TellsTheSystemsFigures) {
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof status;
+    ASSERT_NE(GlobalMemoryStatusEx(&status), FALSE);
+    EXPECT_GT(status.ullTotalPhys, uint64_t{64} << 20);
+    EXPECT_GT(status.ullAvailPhys, 0u);
+    EXPECT_LE(status.ullAvailPhys, status.ullTotalPhys);
+    EXPECT_LE(status.ullAvailPageFile, status.ullTotalPageFile);
+    status.dwLength = 1;
+    EXPECT_EQ(GlobalMemoryStatusEx(&status), FALSE);
+}
+
+} // namespace
+} // namespace zkr
