@@ -22,13 +22,8 @@ if [ "$bits" = 32 ]; then export WINEARCH=win32; else export WINEARCH=win64; fi
 export WINEPREFIX="$home/prefix"
 
 # A namespace of mounts, as root, or as a user who is root in it.
-own_mounts() {
-  if [ "$(id -u)" -eq 0 ]; then
-    unshare --mount "$@"
-  else
-    unshare --map-root-user --mount "$@"
-  fi
-}
+own_mounts=(unshare --mount)
+[ "$(id -u)" -eq 0 ] || own_mounts+=(--map-root-user)
 
 # Finds the programs of Wine. Inside the i386 system they have its paths.
 machine_wine() {
@@ -43,7 +38,7 @@ machine_wine() {
 }
 system_wine() {
   wine=/usr/lib/wine/wine server=/usr/lib/wine/wineserver
-  in_system=(own_mounts /bin/bash -c 'mount --bind "$0/etc" /etc && mount --bind "$0/usr" /usr && exec "$@"' "$root")
+  in_system=("${own_mounts[@]}" /bin/bash -c 'mount --bind "$0/etc" /etc && mount --bind "$0/usr" /usr && exec "$@"' "$root")
 }
 choose_wine() {
   wine="" server=""
@@ -97,6 +92,18 @@ prepare_system() {
   as_root mv "$root.new" "$root"
 }
 
+# A prefix without its mark is half-made.
+make_prefix() {
+  [ -e "$WINEPREFIX/ready" ] && return
+  say "Making a Wine prefix in $WINEPREFIX"
+  rm -rf --one-file-system "$WINEPREFIX"
+  mkdir -p "$WINEPREFIX"
+  "${in_system[@]}" "$wine" wineboot --init >/dev/null 2>&1 || true
+  "${in_system[@]}" "$server" -w
+  [ -e "$WINEPREFIX/system.reg" ] || die "Wine did not make its prefix in $WINEPREFIX"
+  touch "$WINEPREFIX/ready"
+}
+
 prepare() {
   mkdir -p "$home"
   exec 9>"$home/lock"
@@ -108,15 +115,10 @@ prepare() {
     choose_wine
     ready || { [ "$bits" = 32 ] && prepare_system; }
   fi
-  if [ ! -e "$WINEPREFIX/ready" ]; then
-    say "Making a Wine prefix in $WINEPREFIX"
-    rm -rf --one-file-system "$WINEPREFIX"
-    mkdir -p "$WINEPREFIX"
-    env -u DISPLAY "${in_system[@]}" "$wine" wineboot --init >/dev/null 2>&1 || true
-    "${in_system[@]}" "$server" -w
-    [ -e "$WINEPREFIX/system.reg" ] || die "Wine did not make its prefix in $WINEPREFIX"
-    touch "$WINEPREFIX/ready"
-  fi
+  (
+    unset DISPLAY
+    make_prefix
+  )
   exec 9>&-
 }
 
@@ -126,25 +128,28 @@ not_ready="Wine is not ready for $bits-bit programs: scripts/wine.sh prepare $bi
 run_on_screen() {
   local screen number status=0
   WINEPREFIX="$home/prefix-display"
-  mkdir -p "$WINEPREFIX"
   exec 7>"$home/prefix-display.lock"
   flock 7
   coproc "${in_system[@]}" Xvfb -displayfd 1 -screen 0 "$ZKR_WINE_DISPLAY" -nolisten tcp 2>/dev/null 7>&-
   screen="$COPROC_PID"
   trap 'kill "$screen" 2>/dev/null; wait "$screen" 2>/dev/null || true' EXIT
   read -r -t 30 number <&"${COPROC[0]}" || die "Xvfb does not start"
-  DISPLAY=":$number" "${in_system[@]}" "$wine" "$@" 7>&- || status=$?
+  export DISPLAY=":$number"
+  make_prefix
+  "${in_system[@]}" "$wine" "$@" 7>&- || status=$?
   "${in_system[@]}" "$server" -k || true
   "${in_system[@]}" "$server" -w
   exit "$status"
 }
 
-# The server ends with its last session, and by itself a minute after a session that could not end it.
+# The server ends with its last session, and by itself ten minutes after a session that could not end it. The
+# services that it starts hold what the first program's output goes to, so that program writes nowhere.
 run_session() {
   local status=0
   exec 8>"$home/sessions"
   flock -s 8
-  "${in_system[@]}" "$server" -p60 8>&- || true
+  "${in_system[@]}" "$server" -p600 >/dev/null 2>&1 8>&- || true
+  "${in_system[@]}" "$wine" cmd /c exit >/dev/null 2>&1 8>&- || true
   trap 'flock -n -x 8 && "${in_system[@]}" "$server" -k 8>&- || true' EXIT
   "$@" 8>&- || status=$?
   exit "$status"
