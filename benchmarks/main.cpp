@@ -1,0 +1,144 @@
+// Runs every work and its peers with Google Benchmark, interleaved, and prints one table of ratios. Options
+// of Google Benchmark are taken as they are (--benchmark_filter=24 and the like).
+#include "work.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+namespace {
+
+struct Entry {
+    Work Ours;
+    std::vector<Peer> Peers;
+};
+
+std::map<int, Entry>& Entries() {
+    static std::map<int, Entry> entries;
+    return entries;
+}
+
+std::string NameOf(int number, const std::string& doer) {
+    return Entries()[number].Ours.Name + " / " + doer;
+}
+
+constexpr const char* Ours = "ZKR13N";
+constexpr const char* CopyName = "memcpy of 36 MB";
+constexpr size_t CopyBytes = 36u << 20;
+
+// Collects the times of all repetitions; the median counts.
+class TableReporter : public benchmark::BenchmarkReporter {
+  public:
+    bool ReportContext(const Context&) override { return true; }
+
+    void ReportRuns(const std::vector<Run>& runs) override {
+        for (const Run& run : runs) {
+            if (run.run_type != Run::RT_Iteration) continue;
+            times_[run.run_name.function_name].push_back(run.real_accumulated_time /
+                                                         static_cast<double>(run.iterations));
+            std::fputc('.', stderr);
+        }
+    }
+
+    void Finalize() override {
+        std::fputc('\n', stderr);
+        const double copySecondsPerByte = Median(CopyName) / (2.0 * CopyBytes);
+        std::printf("%-28s %9s %9s %7s   %-24s %9s %7s %7s\n", "work", "ms", "Mpixel/s", "memcpy", "peer",
+                    "peer ms", "ratio", "reach");
+        for (const auto& [number, entry] : Entries())
+            PrintEntry(number, entry, copySecondsPerByte);
+    }
+
+    int Missed() const { return missed_; }
+
+  private:
+    double Median(const std::string& name) const {
+        const auto found = times_.find(name);
+        if (found == times_.end()) return 0;
+        std::vector<double> sorted = found->second;
+        std::sort(sorted.begin(), sorted.end());
+        return sorted[sorted.size() / 2];
+    }
+
+    void PrintEntry(int number, const Entry& entry, double copySecondsPerByte) {
+        const double ours = Median(NameOf(number, Ours));
+        if (ours == 0) return;
+        std::printf("%-28s %9.3f %9.0f %7.2f", entry.Ours.Name.c_str(), ours * 1e3,
+                    static_cast<double>(entry.Ours.Pixels) / ours / 1e6,
+                    copySecondsPerByte * static_cast<double>(entry.Ours.Bytes) / ours);
+        bool first = true;
+        for (const Peer& peer : entry.Peers) {
+            const double time = Median(NameOf(number, peer.Name)) / peer.Share;
+            if (time == 0) continue;
+            const bool missed = time / ours < peer.RatioToReach;
+            missed_ += missed;
+            std::printf("%*s   %-24s %9.3f %7.2f %7.2f%s\n", first ? 0 : 56, "", peer.Name.c_str(),
+                        time * 1e3, time / ours, peer.RatioToReach, missed ? "  below" : "");
+            first = false;
+        }
+        if (first) std::printf("\n");
+    }
+
+    std::map<std::string, std::vector<double>> times_;
+    int missed_ = 0;
+};
+
+void Register(const std::string& name, const Body& body) {
+    benchmark::RegisterBenchmark(name.c_str(), [body](benchmark::State& state) {
+        for (auto _ : state)
+            body();
+    })->UseRealTime();
+}
+
+void RegisterAll() {
+    static std::vector<char> from(CopyBytes, 1);
+    static std::vector<char> to(CopyBytes, 2);
+    Register(CopyName, [] {
+        std::memcpy(to.data(), from.data(), CopyBytes);
+        Touch(to.data());
+    });
+    for (const auto& [number, entry] : Entries()) {
+        Register(NameOf(number, Ours), entry.Ours.Run);
+        for (const Peer& peer : entry.Peers)
+            Register(NameOf(number, peer.Name), peer.Run);
+    }
+}
+
+} // namespace
+
+void AddWork(int number, Work work) {
+    Entries()[number].Ours = std::move(work);
+}
+void AddPeer(int number, Peer peer) {
+    Entries()[number].Peers.push_back(std::move(peer));
+}
+void Touch(const void* data) {
+    benchmark::DoNotOptimize(data);
+    benchmark::ClobberMemory();
+}
+
+} // namespace bench
+
+int main(int argc, char** argv) {
+    char minTime[] = "--benchmark_min_time=0.05";
+    char repetitions[] = "--benchmark_repetitions=5";
+    char interleaving[] = "--benchmark_enable_random_interleaving=true";
+    std::vector<char*> arguments{argv[0], minTime, repetitions, interleaving};
+    arguments.insert(arguments.end(), argv + 1, argv + argc);
+    int count = static_cast<int>(arguments.size());
+    arguments.push_back(nullptr);
+
+    bench::RegisterAll();
+    benchmark::Initialize(&count, arguments.data());
+    if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
+    bench::TableReporter reporter;
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    return 0;
+}

@@ -1,0 +1,45 @@
+// libimagequant matching the photograph against the 256 given colours, on one thread and without dithering.
+#include "../pictures.h"
+#include "../work.h"
+
+#include <libimagequant.h>
+
+#include <vector>
+
+namespace bench {
+
+namespace {
+
+void Remap() {
+    static std::vector<liq_color> pixels = [] {
+        std::vector<liq_color> made(PhotographPixels);
+        const uint8_t* pixel = Photograph().data();
+        for (liq_color& colour : made) {
+            colour = {pixel[2], pixel[1], pixel[0], 255};
+            pixel += 3;
+        }
+        return made;
+    }();
+    static std::vector<uint8_t> indices(PhotographPixels);
+    liq_attr* attributes = liq_attr_create();
+    liq_image* image = liq_image_create_rgba(attributes, pixels.data(), PhotographWidth, PhotographHeight, 0);
+    liq_histogram* histogram = liq_histogram_create(attributes);
+    for (const RGBQUAD& entry : Palette256())
+        liq_histogram_add_fixed_color(histogram, {entry.rgbRed, entry.rgbGreen, entry.rgbBlue, 255}, 0);
+    liq_result* result = nullptr;
+    if (liq_histogram_quantize(histogram, attributes, &result) == LIQ_OK) {
+        liq_set_dithering_level(result, 0);
+        liq_write_remapped_image(result, image, indices.data(), indices.size());
+        liq_result_destroy(result);
+    }
+    Touch(indices.data());
+    liq_histogram_destroy(histogram);
+    liq_image_destroy(image);
+    liq_attr_destroy(attributes);
+}
+
+const Adds adds([] { AddPeer(From24ToPalette, {"libimagequant, near exact", 25, Remap}); });
+
+} // namespace
+
+} // namespace bench

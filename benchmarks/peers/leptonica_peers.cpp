@@ -1,0 +1,33 @@
+// Leptonica on the page. Its pixels lie in words of the machine's order; that makes no difference to the
+// time.
+#include "../pictures.h"
+#include "../work.h"
+
+#include <leptonica/allheaders.h>
+
+#include <cstring>
+
+namespace bench {
+
+namespace {
+
+PIX* Page() {
+    static PIX* page = [] {
+        PIX* made = pixCreate(PageWidth, PageHeight, 1);
+        std::memcpy(pixGetData(made), Data(PageBitmap()), PageBitmap()->Size);
+        return made;
+    }();
+    return page;
+}
+
+const Adds adds([] {
+    AddPeer(From1To8, {"Leptonica", 4, [] {
+                           static PIX* target = pixCreate(PageWidth, PageHeight, 8);
+                           pixConvert1To8(target, Page(), 0, 255);
+                           Touch(pixGetData(target));
+                       }});
+});
+
+} // namespace
+
+} // namespace bench

@@ -1,0 +1,57 @@
+// OpenCV on the photograph, on one thread.
+#include "../pictures.h"
+#include "../work.h"
+
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+
+namespace bench {
+
+namespace {
+
+// The pixels of one of our bitmaps, in place.
+cv::Mat View(BitmapHandle* bitmap, int type) {
+    return {bitmap->Height, bitmap->Width, type, Data(bitmap), bitmap->BytesPerLine};
+}
+
+void AddColour(int number, double ratio, int32_t fromBits, int32_t fromOrder, int fromType, int conversion) {
+    AddPeer(number, {"OpenCV", ratio, [=] {
+                         static cv::Mat target[64];
+                         cv::setNumThreads(1);
+                         cv::Mat& to = target[number];
+                         cv::cvtColor(View(PhotographBitmap(fromBits, fromOrder), fromType), to, conversion);
+                         Touch(to.data);
+                     }});
+}
+
+const Adds adds([] {
+    AddColour(Swap24, 0.8, 24, 1, CV_8UC3, cv::COLOR_BGR2RGB);
+    AddColour(From24To32, 0.8, 24, 1, CV_8UC3, cv::COLOR_BGR2BGRA);
+    AddColour(From32To24, 0.8, 32, 1, CV_8UC4, cv::COLOR_BGRA2BGR);
+    AddColour(From24ToGray, 0.9, 24, 1, CV_8UC3, cv::COLOR_BGR2GRAY);
+    AddColour(From24To16, 0.9, 24, 1, CV_8UC3, cv::COLOR_BGR2BGR555);
+    AddColour(From16To24, 0.9, 16, 1, CV_8UC2, cv::COLOR_BGR5552BGR);
+    AddColour(FromGrayTo24, 0.8, 8, 0, CV_8UC1, cv::COLOR_GRAY2BGR);
+    AddPeer(From24To48, {"OpenCV", 0.9, [] {
+                             static cv::Mat target;
+                             cv::setNumThreads(1);
+                             View(PhotographBitmap(24, 1), CV_8UC3).convertTo(target, CV_16U, 257);
+                             Touch(target.data);
+                         }});
+    AddPeer(FromPaletteTo24,
+            {"OpenCV", 3, [] {
+                 static cv::Mat target;
+                 static cv::Mat colours(256, 1, CV_8UC3);
+                 cv::setNumThreads(1);
+                 for (int i = 0; i < 256; ++i) {
+                     const RGBQUAD& entry = Palette256()[static_cast<size_t>(i)];
+                     colours.at<cv::Vec3b>(i, 0) = {entry.rgbBlue, entry.rgbGreen, entry.rgbRed};
+                 }
+                 cv::applyColorMap(View(PhotographBitmap(8, 0), CV_8UC1), target, colours);
+                 Touch(target.data);
+             }});
+});
+
+} // namespace
+
+} // namespace bench

@@ -1,0 +1,51 @@
+// libswscale: indexed pictures and bitonal pages to colour.
+#include "../pictures.h"
+#include "../work.h"
+
+extern "C" {
+#include <libavutil/pixfmt.h>
+#include <libswscale/swscale.h>
+}
+
+#include <cstring>
+#include <vector>
+
+namespace bench {
+
+namespace {
+
+void Scale(SwsContext* context, BitmapHandle* source, const uint8_t* palette, uint8_t* target,
+           int targetLine) {
+    const uint8_t* sources[4] = {Data(source), palette, nullptr, nullptr};
+    const int sourceLines[4] = {static_cast<int>(source->BytesPerLine), 0, 0, 0};
+    uint8_t* targets[4] = {target, nullptr, nullptr, nullptr};
+    const int targetLines[4] = {targetLine, 0, 0, 0};
+    sws_scale(context, sources, sourceLines, 0, source->Height, targets, targetLines);
+    Touch(target);
+}
+
+SwsContext* Context(int width, int height, AVPixelFormat from, AVPixelFormat to) {
+    return sws_getContext(width, height, from, width, height, to, SWS_POINT, nullptr, nullptr, nullptr);
+}
+
+const Adds adds([] {
+    AddPeer(FromPaletteTo32,
+            {"libswscale", 1.2, [] {
+                 static SwsContext* context =
+                     Context(PhotographWidth, PhotographHeight, AV_PIX_FMT_PAL8, AV_PIX_FMT_BGRA);
+                 static std::vector<uint8_t> target(PhotographPixels * 4);
+                 uint8_t palette[1024];
+                 std::memcpy(palette, Palette256().data(), sizeof palette);
+                 Scale(context, PhotographBitmap(8, 0), palette, target.data(), PhotographWidth * 4);
+             }});
+    AddPeer(From1To24, {"libswscale", 10, [] {
+                            static SwsContext* context =
+                                Context(PageWidth, PageHeight, AV_PIX_FMT_MONOBLACK, AV_PIX_FMT_BGR24);
+                            static std::vector<uint8_t> target(PagePixels * 3);
+                            Scale(context, PageBitmap(), nullptr, target.data(), PageWidth * 3);
+                        }});
+});
+
+} // namespace
+
+} // namespace bench

@@ -1,0 +1,71 @@
+// What the benchmarks are made of: a work is something that the library does, a peer another library's way of
+// doing the same. Files of works and of peers add theirs before main() runs, so that a peer that is not
+// installed is simply not compiled.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+using Body = std::function<void()>;
+
+struct Peer {
+    std::string Name;
+    double RatioToReach; // peer's time / ours
+    Body Run;
+    double Share = 1; // the part of the work that Run does; its time is divided by this
+};
+
+struct Work {
+    std::string Name;
+    size_t Pixels;
+    size_t Bytes; // read and written, for the ratio to memcpy
+    Body Run;
+};
+
+// Works are reported in the order of their numbers.
+void AddWork(int number, Work work);
+void AddPeer(int number, Peer peer);
+
+// Runs everything once and keeps the compiler from leaving anything out.
+void Touch(const void* data);
+
+// For namespace-scope registration: bench::Adds adds([] { ... });
+struct Adds {
+    template <typename F> explicit Adds(F&& f) { f(); }
+};
+
+// The numbers of the works; a peer names the work that it competes with by these.
+enum WorkNumber {
+    PutRow,
+    GetRow,
+    PutRowSmall,
+    GetRowSmall,
+    PutRowUser,
+    GetRowUser,
+    PutRowTile,
+    GetRowTile,
+    Swap24,
+    From24To32,
+    From32To24,
+    From24ToGray,
+    From24To16,
+    From16To24,
+    FromGrayTo24,
+    FromGray16To8,
+    From24To48,
+    From48To24,
+    FromPaletteTo24,
+    FromPaletteTo32,
+    From1To8,
+    From1To24,
+    From24ToPalette,
+    MatchTable,
+    OddDepths, // and what follows: 1000 + depth * 2 + direction
+    FreshMemory = 2000
+};
+
+} // namespace bench
