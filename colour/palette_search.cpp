@@ -14,7 +14,7 @@ namespace {
 // A cube is made when a single search has been done in it so many times: that costs about as much as making
 // it, so that colours which never come again are not paid for twice.
 constexpr uint16_t unknownCube = rows::lastKnownCube + 1;
-constexpr uint16_t searchesBeforeMaking = 8;
+constexpr uint16_t searchesBeforeMaking = 4;
 
 constexpr int32_t firstRoom = 512; // cubes, 256 KB
 

@@ -22,6 +22,8 @@ constexpr int32_t laneCount = 4;
 #endif
 typedef int32_t Lanes __attribute__((vector_size(laneCount * 4)));
 typedef uint32_t UnsignedLanes __attribute__((vector_size(laneCount * 4)));
+typedef uint8_t ByteLanes __attribute__((vector_size(laneCount)));
+typedef uint8_t ManyBytes __attribute__((vector_size(laneCount * 4)));
 typedef uint16_t HalfLanes __attribute__((vector_size(laneCount * 4)));
 
 constexpr int32_t noDistance = 0x7FFFFFFF;
@@ -59,10 +61,9 @@ inline int32_t Magnitude(int32_t value) {
     return value < 0 ? -value : value;
 }
 
-// A colour that is looked for, with its bytes spread as Distances needs them.
+// A colour that is looked for.
 struct Target {
-    Target(int32_t red, int32_t green, int32_t blue)
-        : Red(red), Green(green), Blue(blue), RedAndBlue(red << 16 | blue) {}
+    Target(int32_t red, int32_t green, int32_t blue) : Red(red), Green(green), Blue(blue) {}
 
     int32_t DistanceTo(const RGBQUAD& entry) const {
         return static_cast<int32_t>(squares[static_cast<size_t>(Magnitude(entry.rgbRed - Red))] +
@@ -74,24 +75,32 @@ struct Target {
     int32_t Red;
     int32_t Green;
     int32_t Blue;
-    int32_t RedAndBlue;
 };
 
 inline int32_t ClassOf(const RGBQUAD& entry) {
     return ColourClass(entry.rgbRed, entry.rgbGreen, entry.rgbBlue);
 }
 
+// Bytes of RGBQUADs as words of 16 bits: red and blue in one vector, green in another.
+inline HalfLanes RedBlueWords(Lanes quads) {
+    return reinterpret_cast<HalfLanes>(quads & 0x00FF00FF);
+}
+inline HalfLanes GreenWords(Lanes quads) {
+    return reinterpret_cast<HalfLanes>(quads >> 8 & 0xFF);
+}
+
 // The square of a difference of bytes fits 16 bits without a sign, whatever the sign of the difference was.
+inline Lanes SumOfSquares(HalfLanes redBlue, HalfLanes green) {
+    const UnsignedLanes squaresOfTwo = reinterpret_cast<UnsignedLanes>(redBlue * redBlue);
+    const UnsignedLanes squareOfOne = reinterpret_cast<UnsignedLanes>(green * green);
+    return reinterpret_cast<Lanes>((squaresOfTwo & 0xFFFF) + (squaresOfTwo >> 16) + squareOfOne);
+}
+
 inline Lanes Distances(const RGBQUAD* entries, const Target& target) {
     const Lanes quads = Load(entries);
-    const HalfLanes redBlue = reinterpret_cast<HalfLanes>((quads & 0x00FF00FF)) -
-                              reinterpret_cast<HalfLanes>(Lanes{} + target.RedAndBlue);
-    const HalfLanes green = reinterpret_cast<HalfLanes>((quads >> 8 & 0xFF)) -
-                            reinterpret_cast<HalfLanes>(Lanes{} + target.Green);
-    const UnsignedLanes squaresOfTwo = reinterpret_cast<UnsignedLanes>(redBlue * redBlue);
-    const UnsignedLanes sum = (squaresOfTwo & 0xFFFF) + (squaresOfTwo >> 16) +
-                              (reinterpret_cast<UnsignedLanes>(green * green) & 0xFFFF);
-    return reinterpret_cast<Lanes>(sum);
+    return SumOfSquares(RedBlueWords(quads) -
+                            reinterpret_cast<HalfLanes>(Lanes{} + (target.Red << 16 | target.Blue)),
+                        GreenWords(quads) - reinterpret_cast<HalfLanes>(Lanes{} + target.Green));
 }
 
 struct Nearest {
@@ -170,41 +179,65 @@ int32_t Find(const RGBQUAD* palette, int32_t entries, int32_t red, int32_t green
     return FindAmongFew(palette, inVectors, entries, target, best).Index;
 }
 
-// One channel of an entry against the span of a cube.
-struct ChannelReach {
-    ChannelReach(int32_t channel, int32_t low, int32_t span) {
-        const int32_t fromLow = Magnitude(channel - low);
-        const int32_t fromHigh = Magnitude(channel - low - span);
-        const bool inside = channel >= low && channel <= low + span;
-        Nearest = inside ? 0 : fromLow < fromHigh ? fromLow * fromLow : fromHigh * fromHigh;
-        Farthest = fromLow > fromHigh ? fromLow * fromLow : fromHigh * fromHigh;
+// The corners of a cube as vectors of bytes, against which entries are held.
+struct CubeSpan {
+    explicit CubeSpan(const CubeCorner& corner) {
+        const int32_t low = corner.Red << 16 | corner.Green << 8 | corner.Blue;
+        Low = reinterpret_cast<ManyBytes>(Lanes{} + low);
+        High = reinterpret_cast<ManyBytes>(Lanes{} + (low + corner.Step * (cubeSide - 1) * 0x010101));
     }
-    int32_t Nearest;
-    int32_t Farthest;
+    // The squared distances from entries to the nearest point of the cube and to its farthest.
+    Lanes Nearest(Lanes entries) const {
+        const ManyBytes channels = reinterpret_cast<ManyBytes>(entries);
+        return SumOfSquares(PositivePart(Low, channels) | PositivePart(channels, High));
+    }
+    Lanes Farthest(Lanes entries) const {
+        const ManyBytes channels = reinterpret_cast<ManyBytes>(entries);
+        return SumOfSquares(Greater(PositivePart(channels, Low), PositivePart(High, channels)));
+    }
+
+  private:
+    static ManyBytes Greater(ManyBytes a, ManyBytes b) { return a > b ? a : b; }
+    static ManyBytes PositivePart(ManyBytes a, ManyBytes b) { return Greater(a, b) - b; }
+    static Lanes SumOfSquares(ManyBytes differences) {
+        const Lanes quads = reinterpret_cast<Lanes>(differences);
+        return rows::SumOfSquares(RedBlueWords(quads), GreenWords(quads));
+    }
+    ManyBytes Low;
+    ManyBytes High;
 };
 
 // The entries that can win anywhere in a cube, in their order. Some entry is nowhere farther than the least
 // of all farthest distances, so an entry that is nowhere as near can win nowhere.
 struct Candidates {
     Candidates(const RGBQUAD* palette, int32_t entries, const CubeCorner& corner) : Count(0) {
-        const int32_t span = corner.Step * (cubeSide - 1);
-        int32_t nearest[256];
-        int32_t bound = noDistance;
-        for (int32_t i = 0; i < entries; ++i) {
-            const ChannelReach red(palette[i].rgbRed, corner.Red, span);
-            const ChannelReach green(palette[i].rgbGreen, corner.Green, span);
-            const ChannelReach blue(palette[i].rgbBlue, corner.Blue, span);
-            nearest[i] = red.Nearest + green.Nearest + blue.Nearest;
-            const int32_t farthest = red.Farthest + green.Farthest + blue.Farthest;
+        // Whole vectors, the last one filled up with repetitions of the last entry.
+        RGBQUAD padded[256];
+        const size_t bytes = static_cast<size_t>(entries) * sizeof(RGBQUAD);
+        std::memcpy(padded, palette, bytes);
+        for (int32_t i = entries; i % laneCount != 0; ++i)
+            padded[i] = palette[entries - 1];
+
+        const CubeSpan cube(corner);
+        Lanes nearest[256 / laneCount];
+        Lanes bound = Lanes{} + noDistance;
+        for (int32_t i = 0; i < entries; i += laneCount) {
+            const Lanes quads = Load(padded + i);
+            nearest[i / laneCount] = cube.Nearest(quads);
+            const Lanes farthest = cube.Farthest(quads);
             bound = farthest < bound ? farthest : bound;
         }
-        for (int32_t i = 0; i < entries; ++i) {
-            Index[Count] = static_cast<uint8_t>(i);
-            Count += nearest[i] <= bound ? 1 : 0;
+        bound = Lanes{} + LeastLane(bound);
+        for (int32_t i = 0; i < entries; i += laneCount) {
+            for (uint32_t near = LaneBits(nearest[i / laneCount] <= bound); near != 0; near &= near - 1) {
+                Index[Count++] = static_cast<uint8_t>(i + __builtin_ctz(near));
+            }
         }
+        while (Index[Count - 1] >= entries)
+            --Count;
     }
     int32_t Count;
-    uint8_t Index[256 + 1];
+    uint8_t Index[256];
 };
 
 // What a candidate adds to the distance at each step along each side of the cube.
@@ -259,34 +292,52 @@ void KeepFirstExact(const RGBQUAD* palette, const Candidates& candidates, const 
     }
 }
 
-void FindForCube(const RGBQUAD* palette, int32_t entries, const CubeCorner& corner, uint8_t* winners) {
-    const Candidates candidates(palette, entries, corner);
+// The winners along one line of a cube. The terms are in the order of their entries.
+inline Lanes FindOnLine(const CandidateTerms* terms, int32_t count, int32_t r, int32_t g, int32_t b,
+                        Lanes targetClasses) {
+    Lanes least = Lanes{} + noDistance;
+    Lanes index = Lanes{};
+    for (const CandidateTerms* term = terms; term != terms + count; ++term) {
+        const Lanes distance = Load(term->Blue + b) + term->Green[g] + term->Red[r];
+        const Lanes takes = (distance < least) | ((distance == least) & (targetClasses == term->Class));
+        least = distance < least ? distance : least;
+        index = takes ? Lanes{} + term->Index : index;
+    }
+    return index;
+}
+
+void FindAmong(const Candidates& candidates, const RGBQUAD* palette, const CubeCorner corner,
+               uint8_t* winners) {
     CandidateTerms terms[256];
     for (int32_t i = 0; i < candidates.Count; ++i) {
         terms[i] = CandidateTerms(palette[candidates.Index[i]], candidates.Index[i], corner);
     }
-
-    uint8_t* place = winners;
+    alignas(Lanes) int32_t wide[cubeColours]; // narrowed all at once
+    int32_t* place = wide;
     for (int32_t r = 0; r < cubeSide; ++r) {
         for (int32_t g = 0; g < cubeSide; ++g) {
             for (int32_t b = 0; b < cubeSide; b += laneCount) {
-                const Lanes blue = (LaneNumbers() + b) * corner.Step + corner.Blue;
                 const Lanes classes =
-                    ColourClasses(corner.Red + r * corner.Step, corner.Green + g * corner.Step, blue);
-                Lanes least = Lanes{} + noDistance;
-                Lanes index = Lanes{};
-                for (const CandidateTerms* term = terms; term != terms + candidates.Count; ++term) {
-                    const Lanes distance = Load(term->Blue + b) + (term->Red[r] + term->Green[g]);
-                    const Lanes takes = (distance < least) | ((distance == least) & (classes == term->Class));
-                    least = distance < least ? distance : least;
-                    index = takes ? Lanes{} + term->Index : index;
-                }
-                for (int32_t lane = 0; lane < laneCount; ++lane)
-                    *place++ = static_cast<uint8_t>(index[lane]);
+                    ColourClasses(corner.Red + r * corner.Step, corner.Green + g * corner.Step,
+                                  (LaneNumbers() + b) * corner.Step + corner.Blue);
+                const Lanes index = FindOnLine(terms, candidates.Count, r, g, b, classes);
+                std::memcpy(place, &index, sizeof index);
+                place += laneCount;
             }
         }
     }
+    for (int32_t i = 0; i < cubeColours; ++i)
+        winners[i] = static_cast<uint8_t>(wide[i]);
     KeepFirstExact(palette, candidates, corner, winners);
+}
+
+void FindForCube(const RGBQUAD* palette, int32_t entries, const CubeCorner& corner, uint8_t* winners) {
+    const Candidates candidates(palette, entries, corner);
+    if (candidates.Count == 1) {
+        std::memset(winners, candidates.Index[0], cubeColours);
+        return;
+    }
+    FindAmong(candidates, palette, corner, winners);
 
     const int32_t top = corner.Step * (cubeSide - 1);
     if ((corner.Red | corner.Green | corner.Blue) == 0) {
