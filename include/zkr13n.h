@@ -21,5 +21,6 @@
 #include "zkr13n/playback.h"
 #include "zkr13n/rows.h"
 #include "zkr13n/storage.h"
+#include "zkr13n/surface.h"
 
 #endif

@@ -1,5 +1,5 @@
 // The one question about modules for which the system has no single call.
-#include "platform/windows/modules.h"
+#include "platform/modules.h"
 
 #include <cstring>
 

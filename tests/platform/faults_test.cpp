@@ -59,12 +59,12 @@ TEST_F(Faults, ReachEveryMappingAndFileCall) {
             return failed;
         }
         DWORD count = 0;
-        LARGE_INTEGER far;
-        far.QuadPart = 1000;
+        LARGE_INTEGER distance;
+        distance.QuadPart = 1000;
         note(WriteFile(file, "abc", 3, &count, nullptr) != FALSE);
         note(SetFilePointer(file, 0, nullptr, FILE_BEGIN) == 0);
         note(ReadFile(file, name, 3, &count, nullptr) != FALSE);
-        note(SetFilePointerEx(file, far, nullptr, FILE_BEGIN) != FALSE);
+        note(SetFilePointerEx(file, distance, nullptr, FILE_BEGIN) != FALSE);
         note(SetEndOfFile(file) != FALSE);
         HANDLE mapping = CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, 100, nullptr);
         if (note(mapping != nullptr)) {

@@ -106,7 +106,7 @@ TEST(Files, ReadOnlyFilesResistWritingAndDeletion) {
     const std::string name = FreshName();
     DeleteFileA(name.c_str());
     CloseHandle(Open(name, ReadWrite, 0, CREATE_ALWAYS, FILE_ATTRIBUTE_READONLY));
-    EXPECT_EQ(GetFileAttributesA(name.c_str()) & FILE_ATTRIBUTE_READONLY, FILE_ATTRIBUTE_READONLY);
+    EXPECT_NE(GetFileAttributesA(name.c_str()) & FILE_ATTRIBUTE_READONLY, 0u);
     EXPECT_EQ(DeleteFileA(name.c_str()), FALSE);
     EXPECT_EQ(std::remove(name.c_str()), 0);
 }
@@ -160,10 +160,10 @@ TEST(Files, DeleteOnCloseLeavesNothing) {
 TEST(Files, PositionsBeyondFourGiBWork) {
     const std::string name = FreshName();
     HANDLE file = Open(name, ReadWrite, 0, CREATE_ALWAYS, FILE_FLAG_DELETE_ON_CLOSE);
-    constexpr int64_t far = int64_t{5} << 30;
-    ASSERT_EQ(Seek(file, far, FILE_BEGIN), far);
+    constexpr int64_t fiveGiB = int64_t{5} << 30;
+    ASSERT_EQ(Seek(file, fiveGiB, FILE_BEGIN), fiveGiB);
     ASSERT_TRUE(Write(file, "end"));
-    EXPECT_EQ(Seek(file, 0, FILE_END), far + 3);
+    EXPECT_EQ(Seek(file, 0, FILE_END), fiveGiB + 3);
 
     LONG high = 1;
     EXPECT_EQ(SetFilePointer(file, 0x40000001, &high, FILE_BEGIN), 0x40000001u);

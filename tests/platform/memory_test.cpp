@@ -84,7 +84,8 @@ TEST(GlobalMemory, RefusesWhatIsNotALiveBlock) {
 
 TEST(Mapping, OfAnySizeIsZeroedAndHoldsItsBytes) {
     // Around the borders between heap, pages and huge pages.
-    for (const uint64_t size : {1u, 65535u, 65536u, 100000u, (2u << 20) - 1, 2u << 20, (36u << 20) + 31}) {
+    constexpr size_t sizes[] = {1, 65535, 65536, 100000, (2 << 20) - 1, 2 << 20, (36 << 20) + 31};
+    for (const size_t size : sizes) {
         HANDLE mapping = MapAnonymous(size);
         ASSERT_NE(mapping, nullptr) << size;
         auto* view = static_cast<uint8_t*>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0));

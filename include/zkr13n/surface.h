@@ -1,0 +1,68 @@
+/*
+ * Surfaces: the display of systems that have none of their own. A host describes pixels in its memory and
+ * gets a device context, which every function of the library that takes an HDC accepts; one surface can serve
+ * as the screen of the process. On Windows the system's own device contexts are used and this family does not
+ * exist.
+ */
+#ifndef ZKR13N_SURFACE_H
+#define ZKR13N_SURFACE_H
+
+#include "codes.h"
+
+#ifndef _WIN32
+
+Z_BEGIN_DECLS
+
+typedef struct SurfaceDescription {
+    uint32_t StructSize;  /* sizeof(SurfaceDescription) */
+    int32_t Width;        /* pixels, 1 and more */
+    int32_t Height;       /* rows, 1 and more */
+    int32_t BitsPerPixel; /* 1, 4, 8: index of a colour, the leftmost pixel in the highest bits; 16: five bits
+                             each of red, green, blue from bit 14 down, low byte first; 24, 32: blue, green,
+                             red and, with 32, a byte without meaning */
+    int32_t Pitch;   /* bytes from one row to the next in memory, at least (Width * BitsPerPixel + 7) / 8 */
+    int32_t TopDown; /* 0: the first row in memory is the lowest of the picture; else the uppermost */
+    void* Bits;      /* the first row in memory; Height * Pitch bytes that stay the host's */
+    const RGBQUAD* Colors; /* with 1, 4 and 8 bits: what the indices mean; may be null with ColorCount 0 */
+    int32_t ColorCount;    /* entries of Colors, 0 to 2^BitsPerPixel; the rest of the table is black */
+    int32_t StaticColors;  /* 0, or with 8 bits: the surface is a palette display whose system palette is
+                              Colors  and keeps this many entries, 1 to 256, one half at either end */
+} SurfaceDescription;
+
+/*
+ * Makes a surface on the host's pixels and gives a device context for it.
+ *
+ * description  in: the pixels; the record and Colors are copied, Bits must last until Z_DeleteSurface
+ * contextOut   out: the device context, released by Z_DeleteSurface
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: a null pointer, a StructSize that is not known, a size, pitch or count
+ * outside its range. Z_ERROR_BITS_PER_PIXEL: a depth that is not listed. Z_ERROR_MEMORY: memory is short. On
+ * failure contextOut is not written.
+ */
+Z_API ReturnCode Z_CALL Z_CreateSurface(const SurfaceDescription* description, HDC* contextOut);
+
+/*
+ * Releases a surface and its device context. Where it was the screen, the process has no screen surface any
+ * more. Device contexts of the screen that are still held stay valid and show nothing.
+ *
+ * context  in: what Z_CreateSurface gave
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: not a live device context of Z_CreateSurface; nothing is changed.
+ */
+Z_API ReturnCode Z_CALL Z_DeleteSurface(HDC context);
+
+/*
+ * Makes a surface the screen of the process, from which the library reads the properties of the display and
+ * its system palette. Without one the screen has 1024 x 768 pixels of 32 bits that nobody sees.
+ *
+ * context  in: what Z_CreateSurface gave, or null for no screen surface
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: not a live device context of Z_CreateSurface; the screen stays as it was.
+ */
+Z_API ReturnCode Z_CALL Z_SetScreenSurface(HDC context);
+
+Z_END_DECLS
+
+#endif
+
+#endif

@@ -1,0 +1,30 @@
+// What the library asks of Windows: palettes and device contexts.
+#pragma once
+
+#include "platform/windows/guarded.h"
+
+namespace zkr::platform {
+
+using ::BOOL;
+using ::BYTE;
+using ::COLORREF;
+using ::HGDIOBJ;
+using ::HWND;
+using ::LOGPALETTE;
+using ::PALETTEENTRY;
+using ::UINT;
+using ::WORD;
+
+ZKR_FAULTABLE(CreatePalette, Palette, nullptr, ERROR_NOT_ENOUGH_MEMORY);
+using ::DeleteObject;
+using ::GetNearestPaletteIndex;
+using ::GetObjectA;
+using ::GetPaletteEntries;
+using ::SetPaletteEntries;
+
+ZKR_FAULTABLE(GetDC, Device, nullptr, ERROR_NOT_ENOUGH_MEMORY);
+using ::GetDeviceCaps;
+using ::GetSystemPaletteEntries;
+using ::ReleaseDC;
+
+} // namespace zkr::platform

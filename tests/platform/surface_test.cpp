@@ -1,0 +1,122 @@
+// Surfaces of the host: what is refused, and a palette display as the screen.
+#include "platform/faults.h"
+#include "platform/graphics.h"
+#include "platform/portable/device.h"
+#include "zkr13n/surface.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <vector>
+
+namespace zkr {
+namespace {
+
+using namespace platform;
+
+class Surfaces : public testing::Test {
+  protected:
+    void SetUp() override {
+        for (int i = 0; i < 256; ++i) {
+            colors_[static_cast<size_t>(i)] = {static_cast<uint8_t>(i), static_cast<uint8_t>(255 - i), 7, 99};
+        }
+        description_ = {sizeof description_, 10, 4, 8, 12, 0, pixels_.data(), colors_.data(), 256, 20};
+        handles_ = CountHandles();
+    }
+    void TearDown() override {
+        Z_SetScreenSurface(nullptr);
+        EXPECT_EQ(CountHandles(), handles_);
+    }
+
+    std::vector<uint8_t> pixels_ = std::vector<uint8_t>(12 * 4);
+    std::vector<RGBQUAD> colors_ = std::vector<RGBQUAD>(256);
+    SurfaceDescription description_;
+    uint32_t handles_ = 0;
+};
+
+TEST_F(Surfaces, RefuseWhatCannotBeShown) {
+    using Change = std::function<void(SurfaceDescription&)>;
+    const std::pair<Change, ReturnCode> cases[] = {
+        {[](auto& d) { d.StructSize = 4; }, Z_ERROR_ARGUMENT},
+        {[](auto& d) { d.Width = 0; }, Z_ERROR_ARGUMENT},
+        {[](auto& d) { d.Height = -1; }, Z_ERROR_ARGUMENT},
+        {[](auto& d) { d.Bits = nullptr; }, Z_ERROR_ARGUMENT},
+        {[](auto& d) { d.Pitch = 9; }, Z_ERROR_ARGUMENT},
+        {[](auto& d) { d.Width = 0x7FFFFFFF; }, Z_ERROR_ARGUMENT},
+        {[](auto& d) { d.ColorCount = 257; }, Z_ERROR_ARGUMENT},
+        {[](auto& d) { d.Colors = nullptr; }, Z_ERROR_ARGUMENT},
+        {[](auto& d) { d.StaticColors = 257; }, Z_ERROR_ARGUMENT},
+        {[](auto& d) { d.BitsPerPixel = 12; }, Z_ERROR_BITS_PER_PIXEL},
+        {[](auto& d) { d.BitsPerPixel = 4; }, Z_ERROR_ARGUMENT}, // too many colours for it
+    };
+    HDC context = nullptr;
+    for (const auto& [change, code] : cases) {
+        SurfaceDescription changed = description_;
+        change(changed);
+        EXPECT_EQ(Z_CreateSurface(&changed, &context), code) << &change - &cases[0].first;
+    }
+    EXPECT_EQ(Z_CreateSurface(nullptr, &context), Z_ERROR_ARGUMENT);
+    EXPECT_EQ(Z_CreateSurface(&description_, nullptr), Z_ERROR_ARGUMENT);
+    fault::Arm(fault::Device, 1);
+    EXPECT_EQ(Z_CreateSurface(&description_, &context), Z_ERROR_MEMORY);
+    fault::Disarm();
+    EXPECT_EQ(context, nullptr);
+}
+
+TEST_F(Surfaces, ShowTheirRowsFromTheTop) {
+    HDC context = nullptr;
+    ASSERT_EQ(Z_CreateSurface(&description_, &context), Z_SUCCESS);
+    {
+        const Pin<DeviceContext> pin(context);
+        EXPECT_EQ(pin->surface->topRow, pixels_.data() + 36);
+        EXPECT_EQ(pin->surface->pitch, -12);
+    }
+    EXPECT_EQ(Z_DeleteSurface(context), Z_SUCCESS);
+    description_.TopDown = 1;
+    ASSERT_EQ(Z_CreateSurface(&description_, &context), Z_SUCCESS);
+    {
+        const Pin<DeviceContext> pin(context);
+        EXPECT_EQ(pin->surface->topRow, pixels_.data());
+        EXPECT_EQ(pin->surface->pitch, 12);
+    }
+    EXPECT_EQ(Z_DeleteSurface(context), Z_SUCCESS);
+}
+
+TEST_F(Surfaces, ServeAsAPaletteDisplay) {
+    HDC context = nullptr;
+    ASSERT_EQ(Z_CreateSurface(&description_, &context), Z_SUCCESS);
+    ASSERT_EQ(Z_SetScreenSurface(context), Z_SUCCESS);
+    HDC screen = GetDC(nullptr);
+    EXPECT_NE(GetDeviceCaps(screen, RASTERCAPS) & RC_PALETTE, 0);
+    EXPECT_EQ(GetDeviceCaps(screen, SIZEPALETTE), 256);
+    EXPECT_EQ(GetDeviceCaps(screen, NUMRESERVED), 20);
+    EXPECT_EQ(GetDeviceCaps(screen, BITSPIXEL), 8);
+    EXPECT_EQ(GetDeviceCaps(screen, HORZRES), 10);
+    PALETTEENTRY got[3] = {};
+    EXPECT_EQ(GetSystemPaletteEntries(screen, 254, 3, got), 2u);
+    EXPECT_EQ(got[1].peBlue, 255);
+    EXPECT_EQ(got[1].peGreen, 0);
+    EXPECT_EQ(got[1].peRed, 7);
+    EXPECT_EQ(got[1].peFlags, 0);
+
+    EXPECT_EQ(Z_DeleteSurface(screen), Z_ERROR_ARGUMENT) << "not the host's own context";
+    EXPECT_EQ(Z_SetScreenSurface(screen), Z_ERROR_ARGUMENT);
+    EXPECT_EQ(ReleaseDC(nullptr, context), 0);
+
+    EXPECT_EQ(Z_DeleteSurface(context), Z_SUCCESS);
+    {
+        const Pin<DeviceContext> pin(screen);
+        ASSERT_TRUE(pin) << "contexts of the screen outlive its surface";
+        EXPECT_EQ(pin->surface->topRow, nullptr) << "but let go of the host's pixels";
+    }
+    EXPECT_EQ(ReleaseDC(nullptr, screen), 1);
+    screen = GetDC(nullptr);
+    EXPECT_EQ(GetDeviceCaps(screen, RASTERCAPS) & RC_PALETTE, 0) << "the screen went with its surface";
+    EXPECT_EQ(GetDeviceCaps(screen, BITSPIXEL), 32);
+    EXPECT_EQ(GetSystemPaletteEntries(screen, 0, 3, got), 0u);
+    ReleaseDC(nullptr, screen);
+    EXPECT_EQ(Z_DeleteSurface(context), Z_ERROR_ARGUMENT);
+}
+
+} // namespace
+} // namespace zkr
