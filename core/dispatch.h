@@ -16,4 +16,6 @@ struct DispatchTable {
 
 extern DispatchTable dispatch;
 
+void ClearDispatch();
+
 } // namespace zkr

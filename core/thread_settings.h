@@ -46,6 +46,7 @@ struct ThreadSettings {
     ::SubstituteFontCallback SubstituteFontCallback;
     intptr_t SubstituteFontUserData;
     const uint8_t* CapabilityLocks;
+    char* TokenRest; // where Z_Strtok goes on
 
     ThreadAttachment PaletteSearch; // the nearest-colour index of the palette last matched against
 };
@@ -59,5 +60,8 @@ bool IsFallbackRecord(const ThreadSettings& settings);
 // The match table that colour resolution finds and leaves for the calling thread.
 uint32_t* CurrentMatchTable();
 uint32_t* SwapMatchTable(uint32_t* table); // returns the table that stood there before
+
+// Releases the calling thread's record and stops the library. Whoever needs a record next starts it again.
+void ShutDown();
 
 } // namespace zkr

@@ -9,12 +9,10 @@
 
 namespace zkr::rows {
 
-struct ConvertKernels; // row_kernel.h
-struct MatchKernels;   // palette_match.h
+struct MatchKernels; // palette_match.h
 
 struct RowKernels {
     const char* Name; // as ZKR_CPU names it
-    const ConvertKernels& Convert;
     const MatchKernels& Match;
 };
 

@@ -8,31 +8,108 @@
 
 Z_BEGIN_DECLS
 
-/* Called by long operations with 0 to 100; any result but 1 stops the operation, which returns that result.
+/*
+ * Called by long operations, on the thread that called the operation.
+ *
+ * percent     0 before the first row, then rising; 100 after the last row
+ * userData    what was given with the callback
+ *
+ * Returns Z_SUCCESS to go on. Any other result stops the operation, which then cleans up and returns that
+ * result.
  */
 typedef ReturnCode(Z_CALL* StatusCallback)(int32_t percent, intptr_t userData);
 
 /* A callback that is kept for the family's vector module, which alone knows how to call it. */
 typedef void(Z_CALL* SubstituteFontCallback)(void);
 
+/* Values of VersionRecord.ProductLevel. */
+enum { Z_PRODUCT_DOCUMENT = 0, Z_PRODUCT_STANDARD = 1, Z_PRODUCT_MEDICAL = 2 };
+
 /* What Z_VersionInfo fills: 104 bytes on every platform. */
 typedef struct VersionRecord {
-    char Product[60];     /* zero-padded */
-    int32_t ProductLevel; /* 2 medical, 0 document, 1 neither */
+    char Product[60];     /* zero-padded text */
+    int32_t ProductLevel; /* Z_PRODUCT_..., by the capabilities that are unlocked at the moment of the call */
     int32_t VersionMajor;
     int32_t VersionMinor;
-    char Date[16]; /* zero-padded */
-    char Time[16]; /* zero-padded */
+    char Date[16]; /* zero-padded text */
+    char Time[16]; /* zero-padded text */
 } VersionRecord;
 
+/*
+ * Sets the status callback of the calling thread, which long operations report to.
+ *
+ * callback    in: null turns reports off
+ * userData    in: handed to the callback
+ *
+ * Returns the callback that stood there before, null for none. An operation reads the callback once, when it
+ * starts.
+ */
 Z_API StatusCallback Z_CALL Z_SetStatusCallBack(StatusCallback callback, intptr_t userData);
+
+/*
+ * Reads the status callback of the calling thread.
+ *
+ * userDataOut    out, may be null: what was given with the callback
+ *
+ * Returns the callback, null for none.
+ */
 Z_API StatusCallback Z_CALL Z_GetStatusCallBack(intptr_t* userDataOut);
+
+/*
+ * Sets the copy status callback of the calling thread, which copies of bitmaps report to in place of the
+ * status callback.
+ *
+ * callback    in: null turns reports off
+ * userData    in: handed to the callback
+ *
+ * Returns the callback that stood there before, null for none.
+ */
 Z_API StatusCallback Z_CALL Z_SetCopyStatusCallBack(StatusCallback callback, intptr_t userData);
+
+/*
+ * Reads the copy status callback of the calling thread.
+ *
+ * userDataOut    out, may be null: what was given with the callback
+ *
+ * Returns the callback, null for none.
+ */
 Z_API StatusCallback Z_CALL Z_GetCopyStatusCallBack(intptr_t* userDataOut);
+
+/*
+ * Stores a callback of the calling thread for the vector module. This library never calls it.
+ *
+ * callback    in: may be null
+ * userData    in: kept with the callback
+ *
+ * Returns Z_SUCCESS.
+ */
 Z_API ReturnCode Z_CALL Z_VecSetSubstituteFontCallback(SubstituteFontCallback callback, intptr_t userData);
+
+/*
+ * Reads what Z_VecSetSubstituteFontCallback has stored for the calling thread.
+ *
+ * callbackOut    out: the callback, null for none
+ * userDataOut    out: what was given with it
+ *
+ * Returns Z_SUCCESS, or Z_ERROR_ARGUMENT when either pointer is null; nothing is written then.
+ */
 Z_API ReturnCode Z_CALL Z_VecGetSubstituteFontCallback(SubstituteFontCallback* callbackOut,
                                                        intptr_t* userDataOut);
+
+/*
+ * Tells which library this is.
+ *
+ * record    out: the version record
+ *
+ * Returns Z_SUCCESS, or Z_ERROR_ARGUMENT when record is null.
+ */
 Z_API ReturnCode Z_CALL Z_VersionInfo(VersionRecord* record);
+
+/*
+ * The dithering method that a new bitmap of the calling thread gets.
+ *
+ * Returns a dithering method, 7 unless the thread could not be given settings of its own for want of memory.
+ */
 Z_API int32_t Z_CALL Z_GetDefaultDithering(void);
 
 Z_END_DECLS

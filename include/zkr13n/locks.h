@@ -1,5 +1,7 @@
 /*
- * Capability locks: one process-wide table of 32 capabilities, all unlocked at start.
+ * Capability locks: one process-wide table of 32 capabilities, all unlocked at start. A function that needs a
+ * locked capability fails with the code that its description names. And the end of the library's work in a
+ * process.
  */
 #ifndef ZKR13N_LOCKS_H
 #define ZKR13N_LOCKS_H
@@ -44,10 +46,49 @@ enum {
     Z_SUPPORT_OCR_PDF_OUTPUT = 31
 };
 
+/*
+ * Locks and unlocks all capabilities at once.
+ *
+ * mask    in: bit n set locks capability n, clear unlocks it
+ */
 Z_API void Z_CALL Z_SetSupportLocks(uint32_t mask);
+
+/*
+ * The capability table.
+ *
+ * Returns 32 bytes, 1 for a locked capability and 0 for an unlocked one. The table belongs to the library and
+ * follows later changes.
+ */
 Z_API const uint8_t* Z_CALL Z_GetSupportLocks(void);
+
+/*
+ * Tells whether a capability is locked.
+ *
+ * capability    in: Z_SUPPORT_..., 0 to 31
+ *
+ * Returns 1 for a locked capability and for a number above 31, else 0.
+ */
 Z_API int32_t Z_CALL Z_IsSupportLocked(uint32_t capability);
+
+/*
+ * Unlocks a capability.
+ *
+ * capability    in: Z_SUPPORT_..., 0 to 31
+ * key           in: any text but the empty one
+ *
+ * Returns Z_SUCCESS, also for a capability that was not locked, or Z_ERROR_ARGUMENT for a number above 31 and
+ * for a null or empty key; the table then stays as it was.
+ */
 Z_API ReturnCode Z_CALL Z_UnlockSupport(uint32_t capability, const char* key);
+
+/*
+ * Shuts the library down: what it keeps for the process and for the calling thread is released. Bitmaps and
+ * lists stay, so do the settings of other threads and the capability table. May be called in any state and
+ * any number of times; the next function that is called starts the library again, with fresh settings for the
+ * calling thread.
+ *
+ * Returns Z_SUCCESS.
+ */
 Z_API ReturnCode Z_CALL Z_IntShutdown(void);
 
 Z_END_DECLS

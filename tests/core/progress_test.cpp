@@ -1,0 +1,159 @@
+// The percent rule, against the closed form: after k of n rows the percentage is 100 k / n rounded down, told
+// whenever it has changed.
+#include "core/progress.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace {
+
+using namespace zkr;
+
+struct Listener {
+    std::vector<int32_t> Seen;
+    size_t StopAt = SIZE_MAX; // number of the report that stops the work
+    ReturnCode Answer = 0;
+
+    StatusReceiver Receiver() { return {Hear, reinterpret_cast<intptr_t>(this)}; }
+
+    static ReturnCode Z_CALL Hear(int32_t percent, intptr_t userData) {
+        auto& self = *reinterpret_cast<Listener*>(userData);
+        self.Seen.push_back(percent);
+        return self.Seen.size() - 1 == self.StopAt ? self.Answer : code::Success;
+    }
+};
+
+std::vector<int32_t> ExpectedReports(int64_t rows) {
+    std::vector<int32_t> expected{0};
+    for (int64_t row = 1; row <= rows; ++row)
+        if (const auto percent = static_cast<int32_t>(100 * row / rows); percent != expected.back())
+            expected.push_back(percent);
+    return expected;
+}
+
+TEST(Progress, TellsEachPercentageOnce) {
+    std::vector<int32_t> counts = {9999, 65536, 1000003};
+    for (int32_t count = 1; count <= 1000; ++count)
+        counts.push_back(count);
+    for (int32_t count : counts) {
+        Listener listener;
+        Progress progress(listener.Receiver(), count);
+        EXPECT_EQ(progress.Begin(), code::Success);
+        for (int32_t row = 0; row < count; ++row)
+            ASSERT_EQ(progress.Step(), code::Success);
+        EXPECT_EQ(listener.Seen, ExpectedReports(count)) << count;
+    }
+}
+
+TEST(Progress, CarriesOverTheLargestHeights) {
+    Listener listener;
+    Progress progress(listener.Receiver(), INT32_MAX);
+    for (int32_t row = 0; row < 21474837; ++row) // the first row at which 100 rows make a whole of the height
+        progress.Step();
+    EXPECT_EQ(listener.Seen, std::vector<int32_t>{1});
+}
+
+TEST(Progress, AnyOtherResultStops) {
+    for (ReturnCode answer : {0, 2, -1, -29}) {
+        Listener listener{.Seen = {}, .StopAt = 3, .Answer = answer};
+        Progress progress(listener.Receiver(), 10);
+        ReturnCode status = progress.Begin();
+        int rows = 0;
+        for (; status == code::Success && rows < 10; ++rows)
+            status = progress.Step();
+        EXPECT_EQ(status, answer);
+        EXPECT_EQ(rows, 3);
+    }
+    Listener atOnce{.Seen = {}, .StopAt = 0, .Answer = -29};
+    EXPECT_EQ(Progress(atOnce.Receiver(), 10).Begin(), -29);
+}
+
+TEST(Progress, WithoutACallbackNothingIsTold) {
+    Progress progress(StatusReceiver{}, 3);
+    EXPECT_EQ(progress.Begin(), code::Success);
+    EXPECT_EQ(progress.Step(), code::Success);
+}
+
+TEST(Progress, TheReceiversAreTheThreadsOwn) {
+    Listener status, copy;
+    Z_SetStatusCallBack(Listener::Hear, status.Receiver().UserData);
+    Z_SetCopyStatusCallBack(Listener::Hear, copy.Receiver().UserData);
+    StatusReceiver::Status().Report(11);
+    StatusReceiver::Copy().Report(22);
+    EXPECT_EQ(status.Seen, std::vector<int32_t>{11});
+    EXPECT_EQ(copy.Seen, std::vector<int32_t>{22});
+    Z_SetStatusCallBack(nullptr, 0);
+    Z_SetCopyStatusCallBack(nullptr, 0);
+}
+
+class ProgressStageTest : public ::testing::Test {
+  protected:
+    void SetUp() override { Z_SetStatusCallBack(Listener::Hear, listener_.Receiver().UserData); }
+    void TearDown() override { Z_SetStatusCallBack(nullptr, 0); }
+
+    static bool IsSilent() { return Z_GetStatusCallBack(nullptr) == nullptr; }
+
+    Listener listener_;
+};
+
+// Whatever the range and its units: 100 k / 100 of the units are reached at inner percentage k, rounded down,
+// and their share of the range is told, rounded down, whenever it has changed.
+TEST_F(ProgressStageTest, MapsTheInnerRangeIntoTheOuterOne) {
+    const struct {
+        int32_t Start, End, Total;
+    } stages[] = {{0, 100, 100}, {0, 50, 100},   {50, 100, 100}, {30, 37, 100},
+                  {10, 90, 7},   {0, 100, 3000}, {99, 100, 1}};
+    for (const auto& stage : stages) {
+        for (int32_t stride : {1, 7, 50}) {
+            listener_.Seen.clear();
+            ProgressStage tested;
+            ASSERT_EQ(tested.Begin(stage.Start, stage.End, stage.Total), code::Success);
+            std::vector<int32_t> expected{stage.Start};
+            for (int32_t inner = 0; inner < 100 + stride; inner += stride) {
+                const int32_t reached = std::min(inner, 100);
+                EXPECT_TRUE(IsSilent());
+                ASSERT_EQ(tested.Report(reached), code::Success);
+                const int32_t units = reached * stage.Total / 100;
+                const int32_t percent = stage.Start + (stage.End - stage.Start) * units / stage.Total;
+                if (percent != expected.back()) expected.push_back(percent);
+            }
+            EXPECT_FALSE(IsSilent()) << "the outer operation goes on reporting";
+            EXPECT_EQ(listener_.Seen, expected) << stage.Start << " " << stage.End << " " << stage.Total;
+        }
+    }
+}
+
+TEST_F(ProgressStageTest, ARefusalAtTheStartLeavesTheCallback) {
+    listener_.StopAt = 0;
+    listener_.Answer = -29;
+    ProgressStage stage;
+    EXPECT_EQ(stage.Begin(20, 40), -29);
+    EXPECT_EQ(listener_.Seen, std::vector<int32_t>{20});
+    EXPECT_FALSE(IsSilent());
+}
+
+TEST_F(ProgressStageTest, AnOperationThatEndsEarlyGivesTheCallbackBack) {
+    listener_.StopAt = 2;
+    listener_.Answer = 5;
+    {
+        ProgressStage stage;
+        ASSERT_EQ(stage.Begin(), code::Success);
+        EXPECT_EQ(stage.Report(10), code::Success);
+        EXPECT_EQ(stage.Report(20), 5);
+    }
+    EXPECT_FALSE(IsSilent());
+}
+
+TEST_F(ProgressStageTest, WithoutACallbackNothingHappens) {
+    Z_SetStatusCallBack(nullptr, 0);
+    ProgressStage stage;
+    ASSERT_EQ(stage.Begin(), code::Success);
+    Z_SetStatusCallBack(Listener::Hear, listener_.Receiver().UserData);
+    EXPECT_EQ(stage.Report(50), code::Success);
+    EXPECT_FALSE(IsSilent());
+    EXPECT_TRUE(listener_.Seen.empty());
+}
+
+} // namespace

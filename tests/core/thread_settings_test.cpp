@@ -1,0 +1,111 @@
+// The life of a thread's record: what it starts with, what stands in for it when memory is short, and what
+// goes with it.
+#include "core/thread_settings.h"
+
+#include "core/dispatch.h"
+#include "platform/faults.h"
+#include "zkr13n/allocation.h"
+#include "zkr13n/locks.h"
+#include "zkr13n/storage.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+namespace {
+
+using namespace zkr;
+namespace fault = platform::fault;
+
+std::atomic<int> released = 0;
+void CountRelease(void* data) {
+    released += *static_cast<int*>(data);
+}
+
+ReturnCode EmptyRegion(BitmapHandle*) {
+    return 1;
+}
+
+TEST(ThreadSettings, StartWithTheDefaults) {
+    std::thread([] {
+        const ThreadSettings& settings = CurrentThreadSettings();
+        EXPECT_FALSE(IsFallbackRecord(settings));
+        EXPECT_EQ(settings.MatchTable, nullptr);
+        EXPECT_EQ(settings.File.Open, &Z_OsOpen);
+        EXPECT_EQ(settings.File.Read, &Z_OsRead);
+        EXPECT_EQ(settings.File.Write, &Z_OsWrite);
+        EXPECT_EQ(settings.File.Seek, &Z_OsSeek);
+        EXPECT_EQ(settings.File.Close, &Z_OsClose);
+        EXPECT_EQ(settings.DefaultXResolution, 150);
+        EXPECT_EQ(settings.DefaultYResolution, 150);
+        EXPECT_EQ(settings.HotKeyState, 0u);
+        EXPECT_EQ(settings.CapabilityLocks, Z_GetSupportLocks());
+        EXPECT_EQ(&settings, &CurrentThreadSettings());
+    }).join();
+}
+
+TEST(ThreadSettings, WithoutMemoryAThreadSeesZeros) {
+    std::thread([] {
+        for (fault::Kind kind : {fault::Heap, fault::Thread}) {
+            fault::Arm(kind, 1, true);
+            EXPECT_EQ(Z_GetDefaultDithering(), 0);
+            EXPECT_EQ(Z_SetDefaultMemoryType(128), 1);
+            int32_t type = -1;
+            EXPECT_EQ(Z_GetDefaultMemoryType(&type), 1);
+            EXPECT_EQ(type, 0);
+            EXPECT_TRUE(IsFallbackRecord(CurrentThreadSettings()));
+            fault::Disarm();
+        }
+        EXPECT_EQ(Z_GetDefaultDithering(), 7) << "the thread gets its settings once there is memory";
+        EXPECT_FALSE(IsFallbackRecord(CurrentThreadSettings()));
+    }).join();
+}
+
+TEST(ThreadSettings, AnAttachmentGoesWithItsThread) {
+    int weight = 1;
+    released = 0;
+    std::thread([&] { CurrentThreadSettings().PaletteSearch = {&weight, CountRelease}; }).join();
+    EXPECT_EQ(released, 1);
+    std::thread([&] {
+        CurrentThreadSettings().PaletteSearch = {&weight, CountRelease};
+        Z_IntShutdown();
+        EXPECT_EQ(released, 2);
+        Z_GetDefaultDithering();
+    }).join();
+    EXPECT_EQ(released, 2);
+}
+
+TEST(ThreadSettings, TheLastRecordStopsTheLibrary) {
+    Z_IntShutdown();
+    std::thread([] {
+        Z_GetDefaultDithering();
+        dispatch.FreeBitmapRegion = EmptyRegion;
+        std::thread([] { Z_GetDefaultDithering(); }).join();
+        EXPECT_EQ(dispatch.FreeBitmapRegion, &EmptyRegion) << "stopped while this thread has a record";
+    }).join();
+    EXPECT_EQ(dispatch.FreeBitmapRegion, nullptr);
+}
+
+TEST(ThreadSettings, AShutdownStopsTheLibraryWhoeverCallsIt) {
+    Z_GetDefaultDithering();
+    dispatch.FreeBitmapRegion = EmptyRegion;
+    std::thread([] { Z_IntShutdown(); }).join();
+    EXPECT_EQ(dispatch.FreeBitmapRegion, nullptr);
+    dispatch.FreeBitmapRegion = EmptyRegion;
+    Z_GetDefaultDithering(); // this thread's record is the first of a new start
+    EXPECT_EQ(dispatch.FreeBitmapRegion, &EmptyRegion);
+    Z_IntShutdown();
+    EXPECT_EQ(dispatch.FreeBitmapRegion, nullptr);
+}
+
+TEST(MatchTable, IsSwappedAndKeptForEachThread) {
+    uint32_t first = 0, second = 0;
+    EXPECT_EQ(SwapMatchTable(&first), nullptr);
+    EXPECT_EQ(SwapMatchTable(&second), &first);
+    EXPECT_EQ(CurrentMatchTable(), &second);
+    std::thread([] { EXPECT_EQ(CurrentMatchTable(), nullptr); }).join();
+    EXPECT_EQ(SwapMatchTable(nullptr), &second);
+}
+
+} // namespace
