@@ -1,4 +1,4 @@
-// The one gray of a colour.
+// The one gray of a colour, and the ramp of grays.
 #pragma once
 
 #include "zkr13n/platform_types.h"
@@ -16,6 +16,11 @@ constexpr uint8_t GrayOf(const RGBQUAD& entry) {
 constexpr RGBQUAD GrayRampEntry(uint32_t i, uint32_t n) {
     const uint8_t level = static_cast<uint8_t>(i * 255 / (n - 1));
     return {level, level, level, 0};
+}
+
+inline void WriteGrayRamp(RGBQUAD* destination, uint32_t entries) {
+    for (uint32_t i = 0; i < entries; ++i)
+        destination[i] = GrayRampEntry(i, entries);
 }
 
 } // namespace zkr

@@ -1,3 +1,4 @@
+# shellcheck shell=bash disable=SC2034
 # What the doors of the project share: where things lie, packages, configuring and building. Sourced, not run.
 set -euo pipefail
 
@@ -23,7 +24,8 @@ as_root() {
   fi
 }
 
-# The package source and the release of this machine, as "address release", from its own apt sources.
+# The package source and the release of this machine, as "address release", from its own apt sources; nothing
+# where there is none.
 package_source() {
   local release
   release="$(. /etc/os-release && echo "${VERSION_CODENAME:-}")"
@@ -41,13 +43,14 @@ package_source() {
          /^Types:/ { $1 = ""; types = $0 } /^URIs:/ { $1 = ""; uris = $0 }
          /^Suites:/ { $1 = ""; suites = $0 } /^Enabled:/ { enabled = $2 }
          END { flush() }' /etc/apt/sources.list.d/*.sources 2>/dev/null || true
-  } | awk -v release="$release" '$2 == release && $1 ~ /^(https?|file):/ { print $1, $2; exit }'
+  } | awk -v release="$release" '($2 == release || $2 == "stable") && $1 ~ /^(https?|file):/ { print $1, release; exit }'
 }
 
 # Whether the package source gives its index at all.
 server_answers() {
   local address release file status=0
-  read -r address release <<<"$(package_source)" || return 1
+  read -r address release <<<"$(package_source)"
+  [ -n "$address" ] || return 0
   file="$(mktemp)"
   /usr/lib/apt/apt-helper -o Acquire::Retries=2 download-file "${address%/}/dists/$release/Release" "$file" \
     >/dev/null 2>&1 || status=1

@@ -8,6 +8,7 @@
 # Where no Wine of the machine runs 32-bit programs, a small i386 system is made in the cache folder. A program
 # sees its /usr and /etc in the place of the machine's own, and everything else as it is. The mounts live in a
 # namespace of that one process: nothing is left behind, whatever ends it.
+# shellcheck source=common.sh disable=SC2016
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 action="${1:-}" bits="${2:-}"
@@ -80,7 +81,8 @@ make_system='
 prepare_system() {
   local address release
   need "making an i386 system with Wine in $home" debootstrap
-  read -r address release <<<"$(package_source)" || die "found no package source of Debian in /etc/apt"
+  read -r address release <<<"$(package_source)"
+  [ -n "$address" ] || die "found no package source of Debian in /etc/apt"
   say "Making a small i386 system with Wine (once, about a minute and 2 GB in $home)"
   as_root rm -rf --one-file-system "$root.new" "$root"
   as_root unshare --mount /bin/bash -c "$make_system" make "$root.new" "$address" "$release" "$recipe" \

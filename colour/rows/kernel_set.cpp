@@ -14,6 +14,7 @@ namespace zkr::rows {
 
 #define ZKR_DECLARE_TABLES(set)                                                                              \
     namespace set {                                                                                          \
+    extern const ConvertKernels convertKernels;                                                              \
     extern const MatchKernels matchKernels;                                                                  \
     }
 ZKR_FOR_EACH_SET(ZKR_DECLARE_TABLES)
@@ -21,7 +22,7 @@ ZKR_FOR_EACH_SET(ZKR_DECLARE_TABLES)
 
 namespace {
 
-#define ZKR_LIST_TABLES(set) {#set, set::matchKernels},
+#define ZKR_LIST_TABLES(set) {#set, set::convertKernels, set::matchKernels},
 constexpr RowKernels allSets[] = {ZKR_FOR_EACH_SET(ZKR_LIST_TABLES)};
 #undef ZKR_LIST_TABLES
 

@@ -9,10 +9,12 @@
 
 namespace zkr::rows {
 
-struct MatchKernels; // palette_match.h
+struct ConvertKernels; // row_kernel.h
+struct MatchKernels;   // palette_match.h
 
 struct RowKernels {
     const char* Name; // as ZKR_CPU names it
+    const ConvertKernels& Convert;
     const MatchKernels& Match;
 };
 

@@ -229,8 +229,8 @@ struct Candidates {
         }
         bound = Lanes{} + LeastLane(bound);
         for (int32_t i = 0; i < entries; i += laneCount) {
-            for (uint32_t near = LaneBits(nearest[i / laneCount] <= bound); near != 0; near &= near - 1) {
-                Index[Count++] = static_cast<uint8_t>(i + __builtin_ctz(near));
+            for (uint32_t close = LaneBits(nearest[i / laneCount] <= bound); close != 0; close &= close - 1) {
+                Index[Count++] = static_cast<uint8_t>(i + __builtin_ctz(close));
             }
         }
         while (Index[Count - 1] >= entries)

@@ -340,6 +340,9 @@ void ReferenceMirrorLine(uint8_t* row, int width, int bits) {
         pixels.push_back(ReadPixel(row, bits, i));
     for (int i = 0; i < width; ++i)
         WritePixel(row, bits, i, pixels[static_cast<size_t>(width - 1 - i)]);
+    if (bits != 1 && bits != 2 && bits != 4) return;
+    for (int bit = width * bits; bit % 8 != 0; ++bit)
+        WritePixel(row, 1, bit, 0);
 }
 
 } // namespace zkr::test

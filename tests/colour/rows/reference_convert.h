@@ -31,7 +31,8 @@ std::string Describe(const Conversion& conversion);
 ReturnCode Convert(void* row, int width, const Conversion& conversion);
 ReturnCode ReferenceConvert(uint8_t* row, int width, const Conversion& conversion);
 
-// The model of Z_MirrorLine. Bits behind the last pixel are left as they are.
+// The model of Z_MirrorLine. Bits behind the last pixel become zero at 1, 2 and 4 bits, where the row is
+// shifted into its place, and are left as they are at other depths.
 void ReferenceMirrorLine(uint8_t* row, int width, int bits);
 
 } // namespace zkr::test

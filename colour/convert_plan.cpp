@@ -1,0 +1,360 @@
+// Chooses the kernels of a conversion and their parameters.
+#include "colour/convert_plan.h"
+
+#include "colour/gray_of.h"
+#include "colour/palette_map.h"
+#include "colour/palette_search.h"
+#include "colour/rows/kernel_set.h"
+#include "zkr13n/bitmap.h"
+#include "zkr13n/gray.h"
+#include "zkr13n/palettes.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace zkr {
+
+using rows::GrayScale;
+using rows::MakeGrayScale;
+using rows::RowParameters;
+using rows::Source;
+using rows::Target;
+
+// Where the value lies in a gray pixel.
+struct GrayWindow {
+    uint32_t Bits;
+    uint32_t Mask;
+    uint32_t Shift;
+};
+
+namespace {
+
+constexpr GrayScale unscaled = MakeGrayScale(1, 1);
+
+constexpr auto identityMap = [] {
+    std::array<uint8_t, 128> map{};
+    for (uint8_t i = 0; i < 128; ++i)
+        map[i] = i;
+    return map;
+}();
+
+bool IsDepth(int32_t bits) {
+    return (bits >= 0 && bits <= 8) || bits == 12 || bits == 16 || bits == 24 || bits == 32 || bits == 48 ||
+           bits == 64;
+}
+
+bool IsOrderOfDepth(int32_t order, int32_t bits) {
+    if (bits < 16) return true;
+    return order == Z_ORDER_RGB || order == Z_ORDER_BGR || (bits == 16 && order == Z_ORDER_GRAY);
+}
+
+// A window that is the whole pixel.
+bool IsWholePixel(const ConvertRequest& request, int32_t depth) {
+    return request.LowBit < 1 && (request.HighBit < 0 || request.HighBit == PixelBits(depth) - 1);
+}
+
+// Whatever the bits that a caller asks for, the result can be shifted by and divided by.
+GrayWindow MakeWindow(int32_t depth, int32_t maximumBits, int32_t lowBit, int32_t highBit) {
+    int32_t bits = 0;
+    uint32_t mask = 0;
+    int32_t shift = 0;
+    constexpr int32_t farthest = 64;
+    Z_GetGrayParams(PixelBits(depth), maximumBits, std::clamp(lowBit, -1, farthest),
+                    std::clamp(highBit, -1, farthest), &bits, &mask, &shift);
+    const auto kept = static_cast<uint32_t>(std::clamp(bits, 0, 16));
+    return {kept, (1u << kept) - 1, static_cast<uint32_t>(std::clamp(shift, 0, 31))};
+}
+
+// A gray of eight bits to the bits of a window.
+GrayScale EightBitsTo(const GrayWindow& window) {
+    return window.Bits <= 8 ? MakeGrayScale(1u << window.Bits, 256, window.Shift)
+                            : MakeGrayScale(window.Mask, 255, window.Shift);
+}
+
+// The upper bits of a gray of so many bits, moved into a window.
+GrayScale UpperBitsOf(uint32_t bits, const GrayWindow& window) {
+    return MakeGrayScale(1u << window.Bits, 1u << bits, window.Shift);
+}
+
+// The value of a window to the whole range up to a limit.
+GrayScale Stretched(uint32_t limit, const GrayWindow& window) {
+    return MakeGrayScale(limit, std::max(window.Mask, 1u));
+}
+
+// The widest gray value that a target can take from a source of 12 or 16 bits.
+int32_t ValueBitsFor(const ConvertRequest& request) {
+    const int32_t bits = request.TargetBits;
+    if (bits >= 1 && bits < 16) return bits;
+    if (bits == 16) return request.Has(Z_CONVERT_TARGET_GRAY) ? 16 : 8;
+    return bits >= 48 ? 16 : 8;
+}
+
+GrayWindow WindowFrom12(const ConvertRequest& request) {
+    const int32_t maximum = request.SourcePalette == nullptr ? ValueBitsFor(request) : 12;
+    if (request.Has(Z_CONVERT_SOURCE_WINDOW)) return MakeWindow(12, maximum, request.LowBit, request.HighBit);
+    if (request.Has(Z_CONVERT_TARGET_WINDOW))
+        return MakeWindow(request.TargetBits, 12, request.LowBit, request.HighBit);
+    return MakeWindow(12, maximum, -1, -1);
+}
+
+// Decides which bits of a 16-bit pixel are read and, for a gray target, where they are written.
+GrayWindow WindowFrom16(const ConvertRequest& request) {
+    const bool sourceGray = request.Has(Z_CONVERT_SOURCE_GRAY);
+    const bool targetGray = request.Has(Z_CONVERT_TARGET_GRAY);
+    const bool lookup = request.SourcePalette != nullptr;
+    const int32_t targetBits = PixelBits(request.TargetBits);
+    if (sourceGray && request.Has(Z_CONVERT_SOURCE_WINDOW))
+        return MakeWindow(16, lookup ? 16 : ValueBitsFor(request), request.LowBit, request.HighBit);
+    if (targetGray && request.Has(Z_CONVERT_TARGET_WINDOW))
+        return MakeWindow(targetBits, lookup ? 8 : targetBits, request.LowBit, request.HighBit);
+    if (targetGray && (!sourceGray || lookup))
+        return MakeWindow(targetBits, targetBits >= 48 ? 16 : 8, -1, -1);
+    if (sourceGray && lookup) return MakeWindow(16, 16, -1, -1);
+    const int32_t narrow = targetGray && request.TargetBits != 0 ? request.TargetBits : 8;
+    return MakeWindow(16, targetBits >= 48 ? 16 : narrow, -1, -1);
+}
+
+// Where a gray target of 12 or 16 bits takes its value from sources that are not gray words. A window without
+// a high bit ends at the top of the stated depth.
+GrayWindow TargetWindow(const ConvertRequest& request, int32_t depth) {
+    const bool given = request.Has(Z_CONVERT_TARGET_WINDOW);
+    return given ? MakeWindow(depth, request.TargetBits, request.LowBit, request.HighBit)
+                 : MakeWindow(request.TargetBits, request.TargetBits, -1, -1);
+}
+
+Source ColourSource(int32_t bits) {
+    switch (bits) {
+    case 16: return Source::Colour16;
+    case 24: return Source::Colour24;
+    case 32: return Source::Colour32;
+    case 48: return Source::Deep48;
+    default: return Source::Deep64;
+    }
+}
+
+Target TargetOf(const ConvertRequest& request, bool opaque) {
+    switch (request.TargetBits) {
+    case 0: return Target::Gray8;
+    case 12: return Target::GrayWords;
+    case 16: return request.Has(Z_CONVERT_TARGET_GRAY) ? Target::GrayWords : Target::Colour16;
+    case 24: return Target::Colour24;
+    case 32: return opaque ? Target::Colour32Opaque : Target::Colour32;
+    case 48: return Target::Deep48;
+    default: return opaque ? Target::Deep64Opaque : Target::Deep64;
+    }
+}
+
+void MatchBySearch(const uint8_t* quads, uint8_t* indices, size_t pixels, const RowParameters& parameters) {
+    static_cast<PaletteSearch*>(const_cast<void*>(parameters.Table))->MatchRow(quads, indices, pixels);
+}
+
+// Mask is the number of entries.
+void MatchByScan(const uint8_t* quads, uint8_t* indices, size_t pixels, const RowParameters& parameters) {
+    const auto* palette = static_cast<const RGBQUAD*>(parameters.Table);
+    for (; pixels > 0; --pixels, quads += 4, ++indices) {
+        *indices = static_cast<uint8_t>(
+            Z_FindPaletteIndex(palette, static_cast<int32_t>(parameters.Mask), quads[2], quads[1], quads[0]));
+    }
+}
+
+} // namespace
+
+bool CheckConversion(ConvertRequest& request) {
+    if (request.Width <= 0) return false;
+    request.Flags &= Z_CONVERT_SOURCE_WINDOW | Z_CONVERT_TARGET_WINDOW;
+    if (request.SourceOrder == Z_ORDER_GRAY) request.Flags |= Z_CONVERT_SOURCE_GRAY;
+    if (request.TargetOrder == Z_ORDER_GRAY) request.Flags |= Z_CONVERT_TARGET_GRAY;
+    const bool sourceWindow = request.Has(Z_CONVERT_SOURCE_WINDOW);
+    const bool targetWindow = request.Has(Z_CONVERT_TARGET_WINDOW);
+    if (sourceWindow && (targetWindow || !request.Has(Z_CONVERT_SOURCE_GRAY))) return false;
+    if (targetWindow && !request.Has(Z_CONVERT_TARGET_GRAY)) return false;
+    if (request.SourceBits == 12 && !request.Has(Z_CONVERT_SOURCE_GRAY)) return false;
+    if (request.TargetBits == 12 && !request.Has(Z_CONVERT_TARGET_GRAY)) return false;
+    if (sourceWindow && IsWholePixel(request, request.SourceBits))
+        request.Flags &= ~uint32_t{Z_CONVERT_SOURCE_WINDOW};
+    if (targetWindow && IsWholePixel(request, request.TargetBits))
+        request.Flags &= ~uint32_t{Z_CONVERT_TARGET_WINDOW};
+    return IsDepth(request.SourceBits) && IsDepth(request.TargetBits) &&
+           IsOrderOfDepth(request.SourceOrder, request.SourceBits) &&
+           IsOrderOfDepth(request.TargetOrder, request.TargetBits);
+}
+
+ConvertPlan::ConvertPlan(const ConvertRequest& request)
+    : request_(request), kernels_(rows::Kernels().Convert) {
+    if (request.SourceBits <= 8) {
+        PlanIndices();
+    } else if (request.SourceBits <= 16 && request.Has(Z_CONVERT_SOURCE_GRAY)) {
+        PlanGray();
+    } else {
+        PlanColour();
+    }
+}
+
+void ConvertPlan::Add(rows::RowKernel kernel, const RowParameters& parameters) {
+    stages_[stageCount_++] = {kernel, parameters};
+}
+
+void ConvertPlan::Add(Source source, Target target, const RowParameters& parameters) {
+    Add(kernels_.Convert[static_cast<size_t>(source)][static_cast<size_t>(target)], parameters);
+}
+
+const RGBQUAD* ConvertPlan::TargetPalette() const {
+    return request_.TargetPalette != nullptr ? request_.TargetPalette
+                                             : Z_IntGetFixedPalette(request_.TargetBits);
+}
+
+// The last stages of a conversion that goes through colours or scaled gray values. Alpha is left as it was
+// where the source is gray words.
+void ConvertPlan::AddTarget(Source source, RowParameters parameters) {
+    if (TargetIsIndexed()) {
+        Add(source, Target::Colour32, parameters);
+        AddMatch();
+        return;
+    }
+    const bool opaque = source == Source::GrayValue || source == Source::GrayLookup;
+    parameters.TargetIsRgb = request_.TargetOrder == Z_ORDER_RGB;
+    Add(source, TargetOf(request_, opaque), parameters);
+    if (request_.TargetBits == 12) Add(kernels_.Pack12, {});
+}
+
+void ConvertPlan::AddMatch() {
+    const int32_t entries = 1 << request_.TargetBits;
+    if (PaletteSearch* search = PaletteSearchFor(TargetPalette(), entries)) {
+        Add(MatchBySearch, {.Table = search});
+    } else {
+        Add(MatchByScan, {.Table = TargetPalette(), .Mask = static_cast<uint32_t>(entries)});
+    }
+    AddPack();
+}
+
+void ConvertPlan::AddPack() {
+    if (request_.TargetBits >= 1 && request_.TargetBits <= 7) Add(kernels_.Pack[request_.TargetBits], {});
+}
+
+void ConvertPlan::PlanIndices() {
+    const int32_t bits = request_.SourceBits;
+    if (request_.TargetBits <= 8) return PlanIndexMap();
+    const RGBQUAD* palette =
+        request_.SourcePalette != nullptr ? request_.SourcePalette : Z_IntGetFixedPalette(bits);
+    RowParameters parameters{.Table = palette};
+    parameters.Scale = EightBitsTo(TargetWindow(request_, request_.TargetBits));
+    if (bits == 0) return AddTarget(Source::Gray8, parameters);
+    if (bits == 1 && (request_.TargetBits == 24 || request_.TargetBits == 32))
+        return AddTarget(Source::Bits1, parameters);
+    if (bits < 8) Add(kernels_.Unpack[bits], {.Table = identityMap.data()});
+    AddTarget(Source::Index8, parameters);
+}
+
+// Bytes and packed indices among each other: one map serves the whole row.
+void ConvertPlan::PlanIndexMap() {
+    const int32_t bits = request_.SourceBits;
+    const int32_t entries = 1 << PixelBits(bits);
+    const RGBQUAD* source = bits == 0                           ? nullptr
+                            : request_.SourcePalette != nullptr ? request_.SourcePalette
+                                                                : Z_IntGetFixedPalette(bits);
+    const RGBQUAD* target = request_.TargetBits == 0 ? nullptr : TargetPalette();
+    if (bits == request_.TargetBits &&
+        (bits == 0 || std::memcmp(source, target, static_cast<size_t>(entries) * sizeof(RGBQUAD)) == 0))
+        return;
+    const bool isIdentity =
+        BuildPaletteMap(source, entries, target, 1 << PixelBits(request_.TargetBits), map_) == 1;
+    if (bits >= 1 && bits <= 7) {
+        Add(kernels_.Unpack[bits], {.Table = isIdentity ? identityMap.data() : map_});
+    } else if (!isIdentity) {
+        Add(kernels_.MapBytes, {.Table = map_});
+    }
+    AddPack();
+}
+
+// Words of gray. Of 12 bits a lookup table plays no part where the target is gray words too.
+void ConvertPlan::PlanGray() {
+    const bool is12 = request_.SourceBits == 12;
+    const bool toWords = TargetOf(request_, true) == Target::GrayWords && !TargetIsIndexed();
+    if (is12 && toWords) request_.SourcePalette = nullptr;
+    const GrayWindow window = is12 ? WindowFrom12(request_) : WindowFrom16(request_);
+    if (request_.SourceBits == request_.TargetBits && toWords && request_.SourcePalette == nullptr &&
+        !request_.Has(Z_CONVERT_SOURCE_WINDOW | Z_CONVERT_TARGET_WINDOW))
+        return;
+    if (is12) Add(kernels_.Unpack12, {});
+    RowParameters parameters{.Table = request_.SourcePalette, .Mask = window.Mask, .Shift = window.Shift};
+    if (toWords) {
+        is12 ? Plan12ToGray(window) : Plan16ToGray(window);
+    } else if (request_.SourcePalette != nullptr) {
+        AddTarget(Source::GrayLookup, parameters);
+    } else if (TargetIsIndexed()) {
+        PlanGrayToMap(window);
+    } else {
+        parameters.Scale = request_.TargetBits >= 48 ? Stretched(0xFFFF, window)
+                           : window.Mask < 0xFF      ? Stretched(0xFF, window)
+                                                     : unscaled;
+        AddTarget(Source::GrayValue, parameters);
+    }
+}
+
+void ConvertPlan::Plan12ToGray(const GrayWindow& window) {
+    if (request_.Has(Z_CONVERT_TARGET_WINDOW)) {
+        AddTarget(Source::GrayValue, {.Mask = 0xFFF, .Scale = UpperBitsOf(12, window)});
+    } else {
+        const GrayScale scale = request_.TargetBits == 12 ? unscaled : Stretched(0xFFFF, window);
+        AddTarget(Source::GrayValue, {.Mask = window.Mask, .Shift = window.Shift, .Scale = scale});
+    }
+}
+
+void ConvertPlan::Plan16ToGray(const GrayWindow& window) {
+    const bool to12 = request_.TargetBits == 12;
+    const RGBQUAD* lookup = request_.SourcePalette;
+    const Source source = lookup != nullptr ? Source::GrayLookup : Source::GrayValue;
+    if (request_.Has(Z_CONVERT_SOURCE_WINDOW)) {
+        RowParameters parameters{.Table = lookup, .Mask = window.Mask, .Shift = window.Shift};
+        if (lookup != nullptr) {
+            parameters.Scale = MakeGrayScale(to12 ? 0xFFF : 0xFFFF, 0xFF);
+        } else if (!to12 || window.Mask < 0xFFF) {
+            parameters.Scale = Stretched(to12 ? 0xFFF : 0xFFFF, window);
+        }
+        return AddTarget(source, parameters);
+    }
+    // Without a window on the source the whole word is the value, and the index into a lookup table.
+    RowParameters parameters{.Table = lookup, .Mask = 0xFFFF};
+    const bool given = request_.Has(Z_CONVERT_TARGET_WINDOW);
+    if (lookup == nullptr) {
+        parameters.Scale = given ? UpperBitsOf(16, window) : MakeGrayScale(1, 16);
+        AddTarget(source, parameters);
+    } else if (to12 && !given) {
+        // The one place where green and blue exchange their weights.
+        parameters.Scale = MakeGrayScale(273, 17);
+        Add(source, Target::SwappedGray, parameters);
+        Add(kernels_.Pack12, {});
+    } else {
+        parameters.Scale = to12 ? EightBitsTo(window) : MakeGrayScale(window.Mask, 0xFF, window.Shift);
+        AddTarget(source, parameters);
+    }
+}
+
+// Gray values without a lookup table to indices: one map from the ramp of all values.
+void ConvertPlan::PlanGrayToMap(const GrayWindow& window) {
+    const uint32_t entries = std::clamp(window.Mask + 1, 2u, 256u);
+    RGBQUAD ramp[256];
+    for (uint32_t i = 0; i < entries; ++i)
+        ramp[i] = GrayRampEntry(i, entries);
+    BuildPaletteMap(ramp, static_cast<int32_t>(entries), TargetPalette(), 1 << request_.TargetBits, map_);
+    Add(Source::GrayValue, Target::Gray8, {.Mask = window.Mask & 0xFF, .Shift = window.Shift});
+    Add(kernels_.MapBytes, {.Table = map_});
+    AddPack();
+}
+
+void ConvertPlan::PlanColour() {
+    const int32_t bits = request_.SourceBits;
+    if (bits == request_.TargetBits && request_.SourceOrder == request_.TargetOrder) return;
+    RowParameters parameters{.SourceIsRgb = request_.SourceOrder == Z_ORDER_RGB};
+    if (bits == 16) {
+        parameters.Scale = EightBitsTo(WindowFrom16(request_));
+    } else if (bits <= 32) {
+        parameters.Scale = EightBitsTo(TargetWindow(request_, request_.TargetBits));
+    } else {
+        parameters.Scale = UpperBitsOf(16, TargetWindow(request_, 16));
+    }
+    AddTarget(ColourSource(bits), parameters);
+}
+
+} // namespace zkr

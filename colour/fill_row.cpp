@@ -1,0 +1,167 @@
+// The colour is first turned into the pattern of bytes that its pixels make, which is then repeated.
+#include "colour/fill_row.h"
+
+#include "colour/colour_value.h"
+#include "core/return_codes.h"
+#include "zkr13n/gray.h"
+#include "zkr13n/palettes.h"
+
+#include <cstring>
+
+namespace zkr {
+
+namespace {
+
+// The fewest pixels that fill whole bytes.
+struct Pattern {
+    uint8_t Bytes[8];
+    uint32_t Length;
+};
+
+// The low bytes of a value, the lowest first.
+Pattern LowFirst(uint64_t value, uint32_t length) {
+    Pattern pattern = {{}, length};
+    for (uint32_t i = 0; i < length; ++i)
+        pattern.Bytes[i] = static_cast<uint8_t>(value >> (8 * i));
+    return pattern;
+}
+
+// Shifts that a window outside the pixel could ask for give 0.
+uint32_t ShiftRight(uint32_t value, int32_t bits) {
+    return bits < 0 || bits > 31 ? 0 : value >> bits;
+}
+uint32_t ShiftLeft(uint32_t value, int32_t bits) {
+    return bits < 0 || bits > 31 ? 0 : value << bits;
+}
+
+struct GrayWindow {
+    explicit GrayWindow(const BitmapHandle& bitmap) {
+        Z_GetGrayParams(bitmap.BitsPerPixel, bitmap.BitsPerPixel, bitmap.LowBit, bitmap.HighBit, &ValueBits,
+                        &Mask, &Shift);
+    }
+    // A value of so many bits cut to those of the window, in its place.
+    uint32_t Place(uint32_t value, int32_t bits) const {
+        return ShiftLeft(ShiftRight(value, bits - ValueBits), Shift);
+    }
+    int32_t ValueBits;
+    uint32_t Mask;
+    int32_t Shift;
+};
+
+uint32_t LevelIndex(const BitmapHandle& bitmap, ColourValue colour) {
+    const int32_t entries = static_cast<int32_t>(std::min(bitmap.LevelLUTLength, 0x7FFFFFFFu));
+    return static_cast<uint32_t>(
+        Z_FindPaletteIndex(bitmap.LevelLUT, entries, colour.Red(), colour.Green(), colour.Blue()));
+}
+
+uint32_t Gray12Pixel(const BitmapHandle& bitmap, ColourValue colour) {
+    const GrayWindow window(bitmap);
+    if (colour.TopByte() == ColourValue::IndexForm) return window.Place(colour.Value() & 0xFFF, 12);
+    if (colour.TopByte() == ColourValue::WideGrayForm) return window.Place(colour.Value() & 0xFFFF, 16);
+    if (HasActiveLevelTable(bitmap)) return ShiftLeft(LevelIndex(bitmap, colour), window.Shift);
+    return window.Place(colour.Gray() * 257u, 16);
+}
+
+uint32_t Gray16Pixel(const BitmapHandle& bitmap, ColourValue colour) {
+    const GrayWindow window(bitmap);
+    constexpr uint32_t grayForms = 0x05000000; // any top byte with one of these bits
+    if ((colour.Value() & grayForms) != 0) return window.Place(colour.Value() & 0xFFFF, 16);
+    if (HasActiveLevelTable(bitmap)) return ShiftLeft(LevelIndex(bitmap, colour), window.Shift);
+    const uint32_t gray = colour.Gray() * 257u;
+    return window.Shift != 0 ? window.Place(gray, 16) : gray; // a narrow window at bit 0 does not cut
+}
+
+// The three channels in the order of the bitmap's bytes.
+struct Channels {
+    Channels(const BitmapHandle& bitmap, ColourValue colour)
+        : First(bitmap.Order == Z_ORDER_RGB ? colour.Red() : colour.Blue()), Second(colour.Green()),
+          Third(bitmap.Order == Z_ORDER_RGB ? colour.Blue() : colour.Red()) {}
+    uint64_t Packed(uint32_t multiplier, uint32_t bits) const {
+        return First * multiplier | Second * multiplier << bits | Third * multiplier << 2 * bits;
+    }
+    uint64_t First;
+    uint64_t Second;
+    uint64_t Third;
+};
+
+Pattern IndexedPattern(const BitmapHandle& bitmap, ColourValue colour) {
+    const uint32_t bits = static_cast<uint32_t>(bitmap.BitsPerPixel);
+    uint32_t index = colour.TopByte() == ColourValue::IndexForm
+                         ? colour.Index() & ((1u << bits) - 1)
+                         : Z_GetNearestPaletteIndex(&bitmap, colour.Value());
+    if (bits == 1) index = index > 0 ? 1 : 0;
+    uint64_t eight = 0;
+    for (uint32_t i = 0; i < 8; ++i)
+        eight = eight << bits | (index & ((1u << bits) - 1));
+    Pattern pattern = {{}, bits};
+    for (uint32_t i = 0; i < bits; ++i)
+        pattern.Bytes[i] = static_cast<uint8_t>(eight >> (8 * (bits - 1 - i)));
+    return pattern;
+}
+
+Pattern PatternOf(const BitmapHandle& bitmap, ColourValue colour) {
+    const Channels channels(bitmap, colour);
+    switch (bitmap.BitsPerPixel) {
+    case 12: {
+        const uint32_t pixel = Gray12Pixel(bitmap, colour) & 0xFFF;
+        return LowFirst(pixel | pixel << 12, 3);
+    }
+    case 16: {
+        if (IsGray(bitmap)) return LowFirst(Gray16Pixel(bitmap, colour), 2);
+        const uint64_t first = channels.First >> 3, second = channels.Second >> 3,
+                       third = channels.Third >> 3;
+        return LowFirst(first | second << 5 | third << 10, 2);
+    }
+    case 24: return LowFirst(channels.Packed(1, 8), 3);
+    case 32: return LowFirst(channels.Packed(1, 8), 4);
+    case 48: return LowFirst(channels.Packed(257, 16), 6);
+    case 64: return LowFirst(channels.Packed(257, 16), 8);
+    default: return IndexedPattern(bitmap, colour);
+    }
+}
+
+void Repeat(const Pattern& pattern, uint8_t* row, size_t bytes) {
+    size_t done = std::min<size_t>(pattern.Length, bytes);
+    std::memcpy(row, pattern.Bytes, done);
+    // Each copy doubles what is there, and so keeps in step with the pattern.
+    while (done < bytes) {
+        const size_t more = std::min(done, bytes - done);
+        std::memcpy(row + done, row, more);
+        done += more;
+    }
+}
+
+bool IsDepth(int32_t bits) {
+    return (bits >= 1 && bits <= 8) || bits == 12 || bits == 16 || bits == 24 || bits == 32 || bits == 48 ||
+           bits == 64;
+}
+
+// Writes those bits of a byte that mask has.
+void Merge(uint8_t& target, uint8_t value, uint32_t mask) {
+    target = static_cast<uint8_t>((target & ~mask) | (value & mask));
+}
+
+} // namespace
+
+ReturnCode FillRowWithColor(const BitmapHandle& bitmap, uint32_t colour, uint8_t* row, int32_t count) {
+    const int32_t bits = bitmap.BitsPerPixel;
+    if (!IsDepth(bits) || count <= 0) return code::Success;
+
+    ColourValue value(colour);
+    const bool keepsExtendedGray = IsGray(bitmap) && !HasActiveLevelTable(bitmap);
+    if (value.IsExtendedGray() && !keepsExtendedGray) value = value.PlainOfExtendedGray();
+
+    const Pattern pattern = PatternOf(bitmap, value);
+    const uint64_t rowBits = static_cast<uint64_t>(count) * static_cast<uint64_t>(bits);
+    const size_t wholeBytes = static_cast<size_t>(rowBits / 8);
+    Repeat(pattern, row, wholeBytes);
+    if (const uint32_t rest = static_cast<uint32_t>(rowBits % 8); rest != 0) {
+        const bool fillsByte = bits == 1 || bits == 2 || bits == 4;
+        const uint32_t upper = 0xFF00u >> rest & 0xFF;
+        const uint32_t mask = fillsByte ? 0xFF : bits == 12 ? 0x0F : upper;
+        Merge(row[wholeBytes], pattern.Bytes[wholeBytes % pattern.Length], mask);
+    }
+    return code::Success;
+}
+
+} // namespace zkr
