@@ -9,10 +9,10 @@ namespace {
 
 using WriteColour24 = WriteColour<3>;
 using WriteColour32 = WriteColour<4>;
-using WriteOpaque32 = WriteColour<4, Alpha::Kept>;
+using WriteOpaque32 = WriteColour<4, Alpha::Ignored>;
 using WriteDeep48 = WriteDeep<3>;
 using WriteDeep64 = WriteDeep<4>;
-using WriteOpaque64 = WriteDeep<4, Alpha::Kept>;
+using WriteOpaque64 = WriteDeep<4, Alpha::Ignored>;
 
 struct KernelRow {
     RowKernel To[targetForms] = {};
@@ -64,7 +64,7 @@ template <size_t channels> constexpr KernelRow FromDeep() {
     KernelRow row;
     row[Target::Gray8] = ConvertRow<ReadDeepHigh<channels>, WriteGray8>;
     row[Target::GrayWords] = ConvertRow<ReadDeep<channels>, WriteGrayWords>;
-    row[Target::Colour16] = ConvertRow<ReadDeep<channels>, WriteColour16>;
+    row[Target::Colour16] = ConvertRow<ReadDeepHigh<channels, Alpha::Ignored>, WriteColour16>;
     row[Target::Colour24] = ConvertRow<ReadDeepHigh<channels>, WriteColour24>;
     row[Target::Colour32] = ConvertRow<ReadDeepHigh<channels>, WriteColour32>;
     row[Target::Deep48] = ConvertRow<ReadDeep<channels>, WriteDeep48>;

@@ -142,15 +142,15 @@ template <size_t channels> struct ReadDeep {
 };
 
 // The high bytes of a deep pixel.
-template <size_t channels> struct ReadDeepHigh {
+template <size_t channels, Alpha alpha = Alpha::Used> struct ReadDeepHigh {
     static constexpr size_t bits = channels * 16;
     ChannelOrder order;
     explicit ReadDeepHigh(const RowParameters& p) : order(p.SourceIsRgb) {}
     Colour operator()(const uint8_t* source, size_t pixel) const {
         const uint8_t* place = source + pixel * channels * 2 + 1;
-        const uint32_t alpha = channels == 4 ? place[6] : 0u;
+        const uint32_t alphaByte = channels == 4 && alpha == Alpha::Used ? place[6] : 0u;
         return {static_cast<uint32_t>(place[order.Blue * 2]) | static_cast<uint32_t>(place[2]) << 8 |
-                static_cast<uint32_t>(place[order.Red * 2]) << 16 | alpha << 24};
+                static_cast<uint32_t>(place[order.Red * 2]) << 16 | alphaByte << 24};
     }
 };
 
@@ -208,16 +208,9 @@ struct WriteColour16 {
         StoreWord(target + pixel * 2, Channel(colour, 0) >> 3 << blueShift | Channel(colour, 8) >> 3 << 5 |
                                           Channel(colour, 16) >> 3 << redShift | colour.Bits >> 31 << 15);
     }
-    void operator()(uint8_t* target, size_t pixel, DeepColour colour) const {
-        StoreWord(target + pixel * 2, DeepChannel(colour, 0) >> 11 << blueShift |
-                                          DeepChannel(colour, 16) >> 11 << 5 |
-                                          DeepChannel(colour, 32) >> 11 << redShift);
-    }
 };
 
-enum class Alpha { Written, Kept };
-
-template <size_t channels, Alpha alpha = Alpha::Written> struct WriteColour {
+template <size_t channels, Alpha alpha = Alpha::Used> struct WriteColour {
     static constexpr size_t bits = channels * 8;
     ChannelOrder order;
     explicit WriteColour(const RowParameters& p) : order(p.TargetIsRgb) {}
@@ -226,12 +219,12 @@ template <size_t channels, Alpha alpha = Alpha::Written> struct WriteColour {
         place[order.Blue] = static_cast<uint8_t>(Channel(colour, 0));
         place[1] = static_cast<uint8_t>(Channel(colour, 8));
         place[order.Red] = static_cast<uint8_t>(Channel(colour, 16));
-        if constexpr (channels == 4 && alpha == Alpha::Written)
+        if constexpr (channels == 4 && alpha == Alpha::Used)
             place[3] = static_cast<uint8_t>(Channel(colour, 24));
     }
 };
 
-template <size_t channels, Alpha alpha = Alpha::Written> struct WriteDeep {
+template <size_t channels, Alpha alpha = Alpha::Used> struct WriteDeep {
     static constexpr size_t bits = channels * 16;
     ChannelOrder order;
     GrayScale scale;
@@ -241,7 +234,7 @@ template <size_t channels, Alpha alpha = Alpha::Written> struct WriteDeep {
         StoreWord(place + order.Blue * 2, DeepChannel(colour, 0));
         StoreWord(place + 2, DeepChannel(colour, 16));
         StoreWord(place + order.Red * 2, DeepChannel(colour, 32));
-        if constexpr (channels == 4 && alpha == Alpha::Written) StoreWord(place + 6, DeepChannel(colour, 48));
+        if constexpr (channels == 4 && alpha == Alpha::Used) StoreWord(place + 6, DeepChannel(colour, 48));
     }
     void operator()(uint8_t* target, size_t pixel, Colour colour) const {
         const uint64_t spread = Channel(colour, 0) | static_cast<uint64_t>(Channel(colour, 8)) << 16 |

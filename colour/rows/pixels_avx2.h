@@ -1,0 +1,480 @@
+// Readers and writers of 32 pixels at a time for AVX2. What they hand over is the same as in pixels_plain.h:
+// colours of four bytes (blue, green, red, alpha from the lowest), deep colours of four words, or gray
+// values, here as vectors that hold the pixels in their order. No reader or writer goes beyond its 32 pixels.
+#pragma once
+
+#include "colour/rows/row_kernel.h"
+
+#include <cstring>
+#include <immintrin.h>
+
+namespace zkr::rows {
+namespace {
+
+inline constexpr size_t unitPixels = 32;
+
+struct Colours {
+    __m256i Eight[4];
+};
+struct DeepColours {
+    __m256i Four[8];
+};
+struct GrayLevels {
+    __m256i Eight[4];
+};
+
+inline __m256i Load(const uint8_t* place) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(place));
+}
+inline __m128i LoadHalf(const uint8_t* place) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(place));
+}
+inline void Store(uint8_t* place, __m256i value) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(place), value);
+}
+
+// 24 bytes, of which each half of the vector gets 12: in the low half from its start, in the high half from
+// its fifth byte.
+inline __m256i Load24(const uint8_t* place) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(LoadHalf(place)), LoadHalf(place + 8), 1);
+}
+
+// 96 bytes from four vectors that have 12 at the start of each half.
+inline void Store96(uint8_t* place, __m256i a, __m256i b, __m256i c, __m256i d) {
+    a = _mm256_permutevar8x32_epi32(a, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 0, 0));
+    b = _mm256_permutevar8x32_epi32(b, _mm256_setr_epi32(2, 4, 5, 6, 0, 0, 0, 1));
+    c = _mm256_permutevar8x32_epi32(c, _mm256_setr_epi32(5, 6, 0, 0, 0, 1, 2, 4));
+    d = _mm256_permutevar8x32_epi32(d, _mm256_setr_epi32(0, 0, 0, 1, 2, 4, 5, 6));
+    Store(place, _mm256_blend_epi32(a, b, 0xC0));
+    Store(place + 32, _mm256_blend_epi32(b, c, 0xF0));
+    Store(place + 64, _mm256_blend_epi32(c, d, 0xFC));
+}
+
+// Puts vectors of eight values of at most 16 bits next to each other.
+inline __m256i PackWords(__m256i low, __m256i high) {
+    return _mm256_permute4x64_epi64(_mm256_packus_epi32(low, high), 0xD8);
+}
+inline __m256i PackBytes(const __m256i (&eight)[4]) {
+    const __m256i low = _mm256_packus_epi32(eight[0], eight[1]);
+    const __m256i high = _mm256_packus_epi32(eight[2], eight[3]);
+    return _mm256_permutevar8x32_epi32(_mm256_packus_epi16(low, high),
+                                       _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+}
+
+// A byte shuffle within the halves of a vector, made from the places of each half; 0x80 gives zero, whatever
+// is added to it.
+struct Places {
+    uint8_t Place[16];
+};
+inline __m256i MakeShuffle(const Places& places, char addToHigh = 0) {
+    const __m128i low = LoadHalf(places.Place);
+    return _mm256_setr_m128i(low, _mm_add_epi8(low, _mm_set1_epi8(addToHigh)));
+}
+constexpr uint8_t none = 0x80;
+
+// Bytes of pixels that are taken from, or put into, the places of a colour: for each channel of each pixel of
+// a half of a vector the place that it comes from.
+template <class PlaceOf> constexpr Places MakePlaces(size_t pixels, size_t channels, PlaceOf placeOf) {
+    Places places{};
+    for (size_t i = 0; i < 16; ++i)
+        places.Place[i] =
+            i < pixels * channels ? static_cast<uint8_t>(placeOf(i / channels, i % channels)) : none;
+    return places;
+}
+
+// The channel that stands at a place of a pixel of so many channels, or the place of a channel: the exchange
+// of red and blue goes both ways.
+constexpr size_t Ordered(size_t channel, bool isRgb) {
+    return isRgb && channel < 3 ? 2 - channel : channel;
+}
+
+// Places of whole pixels of channels of so many bytes in pixels of other numbers of channels.
+constexpr Places Reorder(size_t fromChannels, size_t toChannels, size_t channelBytes, bool isRgb) {
+    const size_t widest = fromChannels > toChannels ? fromChannels : toChannels;
+    const size_t pixels = 16 / (widest * channelBytes);
+    return MakePlaces(pixels, toChannels * channelBytes, [&](size_t pixel, size_t byte) {
+        const size_t channel = Ordered(byte / channelBytes, isRgb);
+        return channel < fromChannels ? (pixel * fromChannels + channel) * channelBytes + byte % channelBytes
+                                      : none;
+    });
+}
+inline __m256i ReorderShuffle(size_t fromChannels, size_t toChannels, size_t channelBytes, bool isRgb,
+                              char addToHigh = 0) {
+    return MakeShuffle(Reorder(fromChannels, toChannels, channelBytes, isRgb), addToHigh);
+}
+
+// Readers
+
+struct ReadBits1 {
+    static constexpr size_t bits = 1;
+    __m256 zero, one;
+    explicit ReadBits1(const RowParameters& p) {
+        uint32_t entries[2];
+        std::memcpy(entries, p.Table, sizeof entries);
+        zero = _mm256_castsi256_ps(_mm256_set1_epi32(static_cast<int>(entries[0] & 0xFFFFFF)));
+        one = _mm256_castsi256_ps(_mm256_set1_epi32(static_cast<int>(entries[1] & 0xFFFFFF)));
+    }
+    Colours operator()(const uint8_t* source) const {
+        Colours colours;
+        const __m256i toSign = _mm256_setr_epi32(24, 25, 26, 27, 28, 29, 30, 31);
+        for (size_t i = 0; i < 4; ++i) {
+            const __m256i signs = _mm256_sllv_epi32(_mm256_set1_epi32(source[i]), toSign);
+            colours.Eight[i] = _mm256_castps_si256(_mm256_blendv_ps(zero, one, _mm256_castsi256_ps(signs)));
+        }
+        return colours;
+    }
+};
+
+inline __m256i PaletteEntries(const void* palette, __m256i indices) {
+    const __m256i entries = _mm256_i32gather_epi32(static_cast<const int*>(palette), indices, 4);
+    return _mm256_and_si256(entries, _mm256_set1_epi32(0xFFFFFF));
+}
+
+struct ReadIndex8 {
+    static constexpr size_t bits = 8;
+    const void* palette;
+    explicit ReadIndex8(const RowParameters& p) : palette(p.Table) {}
+    Colours operator()(const uint8_t* source) const {
+        Colours colours;
+        for (size_t i = 0; i < 4; ++i) {
+            const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(source + i * 8));
+            colours.Eight[i] = PaletteEntries(palette, _mm256_cvtepu8_epi32(bytes));
+        }
+        return colours;
+    }
+};
+
+struct ReadGray8 {
+    static constexpr size_t bits = 8;
+    __m256i replicate =
+        MakeShuffle(MakePlaces(4, 4, [](size_t pixel, size_t byte) { return byte < 3 ? pixel : none; }), 4);
+    explicit ReadGray8(const RowParameters&) {}
+    Colours operator()(const uint8_t* source) const {
+        Colours colours;
+        for (size_t i = 0; i < 4; ++i) {
+            const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(source + i * 8));
+            colours.Eight[i] = _mm256_shuffle_epi8(_mm256_broadcastq_epi64(bytes), replicate);
+        }
+        return colours;
+    }
+};
+
+struct ReadGrayValue {
+    static constexpr size_t bits = 16;
+    __m128i shift;
+    __m256i mask;
+    explicit ReadGrayValue(const RowParameters& p)
+        : shift(_mm_cvtsi32_si128(static_cast<int>(p.Shift))),
+          mask(_mm256_set1_epi32(static_cast<int>(p.Mask))) {}
+    GrayLevels operator()(const uint8_t* source) const {
+        GrayLevels levels;
+        for (size_t i = 0; i < 4; ++i) {
+            const __m256i words = _mm256_cvtepu16_epi32(LoadHalf(source + i * 16));
+            levels.Eight[i] = _mm256_and_si256(_mm256_srl_epi32(words, shift), mask);
+        }
+        return levels;
+    }
+};
+
+struct ReadGrayColour : ReadGrayValue {
+    __m256i replicate =
+        MakeShuffle(MakePlaces(4, 4, [](size_t pixel, size_t byte) { return byte < 3 ? pixel * 4 : none; }));
+    using ReadGrayValue::ReadGrayValue;
+    Colours operator()(const uint8_t* source) const {
+        const GrayLevels levels = ReadGrayValue::operator()(source);
+        Colours colours;
+        for (size_t i = 0; i < 4; ++i)
+            colours.Eight[i] = _mm256_shuffle_epi8(levels.Eight[i], replicate);
+        return colours;
+    }
+};
+
+struct ReadGrayLookup : ReadGrayValue {
+    const void* palette;
+    explicit ReadGrayLookup(const RowParameters& p) : ReadGrayValue(p), palette(p.Table) {}
+    Colours operator()(const uint8_t* source) const {
+        const GrayLevels levels = ReadGrayValue::operator()(source);
+        Colours colours;
+        for (size_t i = 0; i < 4; ++i)
+            colours.Eight[i] = PaletteEntries(palette, levels.Eight[i]);
+        return colours;
+    }
+};
+
+inline __m256i Masked(__m256i value, uint32_t mask) {
+    return _mm256_and_si256(value, _mm256_set1_epi32(static_cast<int>(mask)));
+}
+
+struct ReadColour16 {
+    static constexpr size_t bits = 16;
+    __m256i order;
+    explicit ReadColour16(const RowParameters& p) : order(ReorderShuffle(4, 4, 1, p.SourceIsRgb)) {}
+    Colours operator()(const uint8_t* source) const {
+        Colours colours;
+        for (size_t i = 0; i < 4; ++i) {
+            const __m256i words =
+                _mm256_cvtepi16_epi32(LoadHalf(source + i * 16)); // bit 15 fills the upper half
+            const __m256i outer = _mm256_or_si256(Masked(_mm256_slli_epi32(words, 3), 0xF8),
+                                                  Masked(_mm256_slli_epi32(words, 9), 0xF80000));
+            const __m256i upper = _mm256_or_si256(outer, Masked(_mm256_slli_epi32(words, 6), 0xF800));
+            const __m256i lower = Masked(_mm256_srli_epi32(upper, 5), 0x070707);
+            const __m256i channels =
+                _mm256_or_si256(_mm256_or_si256(upper, lower), Masked(words, 0xFF000000));
+            colours.Eight[i] = _mm256_shuffle_epi8(channels, order);
+        }
+        return colours;
+    }
+};
+
+template <size_t channels> struct ReadColour {
+    static constexpr size_t bits = channels * 8;
+    __m256i order;
+    explicit ReadColour(const RowParameters& p)
+        : order(ReorderShuffle(channels, 4, 1, p.SourceIsRgb, channels == 3 ? 4 : 0)) {}
+    Colours operator()(const uint8_t* source) const {
+        Colours colours;
+        for (size_t i = 0; i < 4; ++i) {
+            const uint8_t* place = source + i * bits;
+            colours.Eight[i] = _mm256_shuffle_epi8(channels == 3 ? Load24(place) : Load(place), order);
+        }
+        return colours;
+    }
+};
+
+template <size_t channels> struct ReadDeep {
+    static constexpr size_t bits = channels * 16;
+    __m256i order;
+    explicit ReadDeep(const RowParameters& p)
+        : order(ReorderShuffle(channels, 4, 2, p.SourceIsRgb, channels == 3 ? 4 : 0)) {}
+    DeepColours operator()(const uint8_t* source) const {
+        DeepColours colours;
+        for (size_t i = 0; i < 8; ++i) {
+            const uint8_t* place = source + i * bits / 2;
+            colours.Four[i] = _mm256_shuffle_epi8(channels == 3 ? Load24(place) : Load(place), order);
+        }
+        return colours;
+    }
+};
+
+template <size_t channels, Alpha alpha = Alpha::Used> struct ReadDeepHigh : ReadDeep<channels> {
+    using ReadDeep<channels>::ReadDeep;
+    Colours operator()(const uint8_t* source) const {
+        const DeepColours deep = ReadDeep<channels>::operator()(source);
+        Colours colours;
+        for (size_t i = 0; i < 4; ++i) {
+            const __m256i low = _mm256_srli_epi16(deep.Four[i * 2], 8);
+            const __m256i high = _mm256_srli_epi16(deep.Four[i * 2 + 1], 8);
+            colours.Eight[i] = _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0xD8);
+            if (alpha == Alpha::Ignored) colours.Eight[i] = Masked(colours.Eight[i], 0xFFFFFF);
+        }
+        return colours;
+    }
+};
+
+// Writers
+
+// Eight grays from eight colours, by the weights of blue, green and red.
+inline __m256i WeightedGray(__m256i colours, uint32_t weights) {
+    const __m256i pairs = _mm256_maddubs_epi16(colours, _mm256_set1_epi32(static_cast<int>(weights)));
+    const __m256i sums = _mm256_madd_epi16(pairs, _mm256_set1_epi16(1));
+    return _mm256_srli_epi32(_mm256_add_epi32(sums, _mm256_set1_epi32(4)), 3);
+}
+constexpr uint32_t grayWeights = 0x020501;
+constexpr uint32_t swappedWeights = 0x020105;
+
+inline GrayLevels GrayOf(const Colours& colours, uint32_t weights) {
+    GrayLevels levels;
+    for (size_t i = 0; i < 4; ++i)
+        levels.Eight[i] = WeightedGray(colours.Eight[i], weights);
+    return levels;
+}
+
+// Four grays in the low halves of four lanes of 64 bits.
+inline __m256i GrayOfFour(__m256i deep) {
+    const __m256i word = _mm256_set1_epi64x(0xFFFF);
+    const __m256i blue = _mm256_and_si256(deep, word);
+    const __m256i green = _mm256_and_si256(_mm256_srli_epi64(deep, 16), word);
+    const __m256i red = _mm256_and_si256(_mm256_srli_epi64(deep, 32), word);
+    const __m256i greens = _mm256_add_epi32(_mm256_slli_epi32(green, 2), green);
+    const __m256i rest =
+        _mm256_add_epi32(_mm256_slli_epi32(red, 1), _mm256_add_epi32(blue, _mm256_set1_epi64x(4)));
+    return _mm256_srli_epi32(_mm256_add_epi32(greens, rest), 3);
+}
+inline GrayLevels GrayOf(const DeepColours& deep) {
+    GrayLevels levels;
+    for (size_t i = 0; i < 4; ++i) {
+        const __m256 low = _mm256_castsi256_ps(GrayOfFour(deep.Four[i * 2]));
+        const __m256 high = _mm256_castsi256_ps(GrayOfFour(deep.Four[i * 2 + 1]));
+        levels.Eight[i] =
+            _mm256_permute4x64_epi64(_mm256_castps_si256(_mm256_shuffle_ps(low, high, 0x88)), 0xD8);
+    }
+    return levels;
+}
+
+// ApplyGrayScale for eight values, cut to the bits of a mask.
+struct Scaler {
+    __m256i whole, fraction, mask;
+    __m128i shift;
+    Scaler(const GrayScale& scale, uint32_t cut)
+        : whole(_mm256_set1_epi32(static_cast<int>(scale.Whole))),
+          fraction(_mm256_set1_epi32(static_cast<int>(scale.Fraction))),
+          mask(_mm256_set1_epi32(static_cast<int>(cut))),
+          shift(_mm_cvtsi32_si128(static_cast<int>(scale.Shift))) {}
+    __m256i operator()(__m256i values) const {
+        const __m256i even = _mm256_srli_epi64(_mm256_mul_epu32(values, fraction), 32);
+        const __m256i odd = _mm256_mul_epu32(_mm256_srli_epi64(values, 32), fraction);
+        const __m256i product = _mm256_blend_epi32(even, odd, 0xAA);
+        const __m256i sum = _mm256_add_epi32(_mm256_mullo_epi32(values, whole), product);
+        return _mm256_and_si256(_mm256_sll_epi32(sum, shift), mask);
+    }
+    GrayLevels operator()(const GrayLevels& levels) const {
+        GrayLevels scaled;
+        for (size_t i = 0; i < 4; ++i)
+            scaled.Eight[i] = (*this)(levels.Eight[i]);
+        return scaled;
+    }
+};
+
+struct WriteGray8 {
+    static constexpr size_t bits = 8;
+    Scaler scale;
+    explicit WriteGray8(const RowParameters& p) : scale(p.Scale, 0xFF) {}
+    void operator()(uint8_t* target, const Colours& colours) const {
+        Store(target, PackBytes(GrayOf(colours, grayWeights).Eight));
+    }
+    void operator()(uint8_t* target, const GrayLevels& levels) const {
+        Store(target, PackBytes(scale(levels).Eight));
+    }
+};
+
+struct WriteGrayWords {
+    static constexpr size_t bits = 16;
+    Scaler scale;
+    explicit WriteGrayWords(const RowParameters& p) : scale(p.Scale, 0xFFFF) {}
+    void operator()(uint8_t* target, const GrayLevels& levels) const {
+        const GrayLevels scaled = scale(levels);
+        Store(target, PackWords(scaled.Eight[0], scaled.Eight[1]));
+        Store(target + 32, PackWords(scaled.Eight[2], scaled.Eight[3]));
+    }
+    void operator()(uint8_t* target, const Colours& colours) const {
+        (*this)(target, GrayOf(colours, grayWeights));
+    }
+    void operator()(uint8_t* target, const DeepColours& colours) const { (*this)(target, GrayOf(colours)); }
+};
+
+struct WriteSwappedGray : WriteGrayWords {
+    using WriteGrayWords::WriteGrayWords;
+    void operator()(uint8_t* target, const Colours& colours) const {
+        WriteGrayWords::operator()(target, GrayOf(colours, swappedWeights));
+    }
+};
+
+struct WriteColour16 {
+    static constexpr size_t bits = 16;
+    __m256i order;
+    explicit WriteColour16(const RowParameters& p) : order(ReorderShuffle(4, 4, 1, p.TargetIsRgb)) {}
+    // The fields are put together by multiplying and adding: the upper five bits of the channels times 1, 32
+    // and 1024, and the upper bit of alpha times 2048.
+    __m256i Packed(__m256i colours) const {
+        const __m256i upper = Masked(_mm256_shuffle_epi8(colours, order), 0x80F8F8F8);
+        const __m256i pairs = _mm256_maddubs_epi16(upper, _mm256_set1_epi32(0x02012001));
+        return _mm256_srli_epi32(_mm256_madd_epi16(pairs, _mm256_set1_epi32(0x04000001)), 3);
+    }
+    void operator()(uint8_t* target, const Colours& colours) const {
+        Store(target, PackWords(Packed(colours.Eight[0]), Packed(colours.Eight[1])));
+        Store(target + 32, PackWords(Packed(colours.Eight[2]), Packed(colours.Eight[3])));
+    }
+};
+
+template <size_t channels, Alpha alpha = Alpha::Used> struct WriteColour {
+    static constexpr size_t bits = channels * 8;
+    __m256i order;
+    explicit WriteColour(const RowParameters& p) : order(ReorderShuffle(4, channels, 1, p.TargetIsRgb)) {}
+    void operator()(uint8_t* target, const Colours& colours) const {
+        __m256i eight[4];
+        for (size_t i = 0; i < 4; ++i)
+            eight[i] = _mm256_shuffle_epi8(colours.Eight[i], order);
+        if constexpr (channels == 3) return Store96(target, eight[0], eight[1], eight[2], eight[3]);
+        const __m256i alphaMask = _mm256_set1_epi32(static_cast<int>(0xFF000000));
+        for (size_t i = 0; i < 4; ++i) {
+            uint8_t* place = target + i * 32;
+            if (alpha == Alpha::Ignored) eight[i] = _mm256_blendv_epi8(eight[i], Load(place), alphaMask);
+            Store(place, eight[i]);
+        }
+    }
+};
+
+template <size_t channels, Alpha alpha = Alpha::Used> struct WriteDeep {
+    static constexpr size_t bits = channels * 16;
+    __m256i order, spread, replicate;
+    Scaler scale;
+    explicit WriteDeep(const RowParameters& p)
+        : order(ReorderShuffle(4, channels, 2, p.TargetIsRgb)),
+          spread(MakeShuffle(MakePlaces(
+              2, channels * 2,
+              [&](size_t pixel, size_t byte) { return pixel * 4 + Ordered(byte / 2, p.TargetIsRgb); }))),
+          replicate(MakeShuffle(
+              MakePlaces(2, channels * 2,
+                         [](size_t pixel, size_t byte) { return byte < 6 ? pixel * 4 + byte % 2 : none; }))),
+          scale(p.Scale, 0xFFFF) {}
+
+    // Eight vectors of four pixels in the layout of the target.
+    void Put(uint8_t* target, const __m256i (&four)[8]) const {
+        if constexpr (channels == 3) {
+            Store96(target, four[0], four[1], four[2], four[3]);
+            return Store96(target + 96, four[4], four[5], four[6], four[7]);
+        }
+        const __m256i alphaMask = _mm256_set1_epi64x(static_cast<long long>(0xFFFF000000000000));
+        for (size_t i = 0; i < 8; ++i) {
+            uint8_t* place = target + i * 32;
+            Store(place,
+                  alpha == Alpha::Ignored ? _mm256_blendv_epi8(four[i], Load(place), alphaMask) : four[i]);
+        }
+    }
+    // Vectors of eight narrow pixels, each spread over two of four by a shuffle that takes the low half of
+    // the bytes of its half.
+    void PutSpread(uint8_t* target, const __m256i (&eight)[4], __m256i shuffle) const {
+        __m256i four[8];
+        for (size_t i = 0; i < 4; ++i) {
+            const __m256i low = _mm256_permute4x64_epi64(eight[i], 0x50);
+            const __m256i high = _mm256_permute4x64_epi64(eight[i], 0xFA);
+            four[i * 2] = _mm256_shuffle_epi8(low, shuffle);
+            four[i * 2 + 1] = _mm256_shuffle_epi8(high, shuffle);
+        }
+        Put(target, four);
+    }
+    void operator()(uint8_t* target, const DeepColours& colours) const {
+        __m256i four[8];
+        for (size_t i = 0; i < 8; ++i)
+            four[i] = _mm256_shuffle_epi8(colours.Four[i], order);
+        Put(target, four);
+    }
+    void operator()(uint8_t* target, const Colours& colours) const {
+        PutSpread(target, colours.Eight, spread);
+    }
+    void operator()(uint8_t* target, const GrayLevels& levels) const {
+        PutSpread(target, scale(levels).Eight, replicate);
+    }
+};
+
+template <class Reader, class Writer>
+void ConvertRow(const uint8_t* source, uint8_t* target, size_t pixels, const RowParameters& parameters) {
+    const Reader read(parameters);
+    const Writer write(parameters);
+    for (; pixels >= unitPixels; pixels -= unitPixels) {
+        write(target, read(source));
+        source += unitPixels * Reader::bits / 8;
+        target += unitPixels * Writer::bits / 8;
+    }
+    if (pixels == 0) return;
+    uint8_t lastSource[unitPixels * 8] = {};
+    uint8_t lastTarget[unitPixels * 8];
+    const size_t targetBytes = pixels * Writer::bits / 8;
+    std::memcpy(lastSource, source, (pixels * Reader::bits + 7) / 8);
+    std::memcpy(lastTarget, target, targetBytes);
+    write(lastTarget, read(lastSource));
+    std::memcpy(target, lastTarget, targetBytes);
+}
+
+} // namespace
+} // namespace zkr::rows
