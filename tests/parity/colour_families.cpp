@@ -1,0 +1,267 @@
+// Parity cases of the colour family: conversion, mirroring, palette search, palettes of bitmaps, gray
+// windows.
+#include "parity/digest.h"
+
+#include "zkr13n/colour_values.h"
+#include "zkr13n/convert.h"
+#include "zkr13n/gray.h"
+#include "zkr13n/palettes.h"
+#include "zkr13n/playback.h"
+
+#include <array>
+#include <vector>
+
+namespace zkr::test {
+namespace {
+
+using Palette = std::array<RGBQUAD, 256>;
+
+// Now and then of a few colours only, so that distances tie.
+Palette RandomPalette(Seeded& seeded) {
+    Palette palette;
+    FillRandom(seeded, palette.data(), sizeof palette);
+    if (seeded.Below(3) == 0)
+        for (RGBQUAD& entry : palette) {
+            entry.rgbRed = static_cast<uint8_t>(entry.rgbRed & 0xC0);
+            entry.rgbGreen = static_cast<uint8_t>(entry.rgbGreen & 0xC0);
+            entry.rgbBlue = static_cast<uint8_t>(entry.rgbBlue & 0xC0);
+        }
+    return palette;
+}
+
+// A table that any 16-bit word can index.
+const RGBQUAD* LevelTable() {
+    static const std::vector<RGBQUAD> table = [] {
+        std::vector<RGBQUAD> entries(65536);
+        Seeded seeded(65536);
+        FillRandom(seeded, entries.data(), entries.size() * sizeof(RGBQUAD));
+        return entries;
+    }();
+    return table.data();
+}
+
+int RandomDepth(Seeded& seeded) {
+    return seeded.Below(15) == 0 ? 0 : Pick(seeded, Depths);
+}
+
+void ConvertCase(Seeded& seeded, Digest& digest) {
+    const int sourceBits = RandomDepth(seeded), targetBits = RandomDepth(seeded);
+    const int sourceOrder = sourceBits == 12 ? 2 : seeded.Below(sourceBits == 16 ? 3 : 2);
+    const int targetOrder = targetBits == 12 ? 2 : seeded.Below(targetBits <= 16 ? 3 : 2);
+    const Palette from = RandomPalette(seeded), to = RandomPalette(seeded);
+    uint32_t flags = 0;
+    int windowBits = 0;
+    if (sourceOrder == 2 && seeded.Below(3) == 0) {
+        flags = Z_CONVERT_SOURCE_WINDOW;
+        windowBits = sourceBits == 0 ? 8 : sourceBits;
+    } else if (targetOrder == 2 && seeded.Below(3) == 0) {
+        flags = Z_CONVERT_TARGET_WINDOW;
+        windowBits = targetBits == 0 ? 8 : targetBits;
+    }
+    const int low = windowBits ? seeded.Below(windowBits) : -1;
+    const int high = windowBits ? seeded.Between(low, windowBits - 1) : -1;
+    const int width = seeded.Between(1, 300);
+    std::vector<uint8_t> row(300 * 8);
+    FillRandom(seeded, row.data(), row.size());
+    const RGBQUAD* sourcePalette = seeded.Below(2) == 0 ? nullptr
+                                   : sourceBits > 8     ? LevelTable()
+                                                        : from.data();
+    const RGBQUAD* targetPalette = seeded.Below(2) == 0 ? nullptr : to.data();
+    digest.Add(Z_ConvertBufferExt(row.data(), width, sourceBits, targetBits, sourceOrder, targetOrder,
+                                  sourcePalette, targetPalette, flags, low, high));
+    digest.Add(row.data(), row.size());
+}
+
+void MirrorCase(Seeded& seeded, Digest& digest) {
+    std::vector<uint8_t> row(300 * 8);
+    FillRandom(seeded, row.data(), row.size());
+    const int width = seeded.Between(1, 300),
+              bits = seeded.Below(4) ? Pick(seeded, Depths) : seeded.Between(-1, 66);
+    digest.Add(Z_MirrorLine(row.data(), width, bits));
+    digest.Add(row.data(), row.size());
+}
+
+void SearchCase(Seeded& seeded, Digest& digest) {
+    const Palette palette = RandomPalette(seeded);
+    const int entries = seeded.Below(257);
+    for (int i = 0; i < 200; ++i) {
+        const int shift = seeded.Below(3) * 3;
+        const auto level = [&] { return seeded.Below(256) >> shift << shift; };
+        const int red = level(), green = level(), blue = level();
+        digest.Add(Z_FindPaletteIndex(palette.data(), entries, red, green, blue));
+    }
+}
+
+void MatchTableCase(Seeded& seeded, Digest& digest) {
+    const Palette palette = RandomPalette(seeded);
+    uint32_t* table = Z_CreateUserMatchTable(palette.data(), seeded.Between(1, 256));
+    for (int i = 0; i < 32768; ++i)
+        digest.Add(static_cast<int64_t>(table[i]));
+    digest.Add(Z_FreeUserMatchTable(table));
+}
+
+void AddPalette(Digest& digest, HPALETTE palette) {
+    Palette entries{};
+    digest.Add(palette != nullptr);
+    digest.Add(Z_GetPaletteSize(palette));
+    digest.Add(Z_GetPaletteEntries(palette, 0, 256, entries.data()));
+    digest.Add(entries.data(), sizeof entries);
+}
+
+// A record that owns nothing but a palette object gives it back.
+void Release(HPALETTE palette) {
+    BitmapHandle holder{};
+    holder.Palette = palette;
+    Z_FreeBitmap(&holder);
+}
+
+// Palette objects: on one platform the system's own, on the other the library's.
+void PaletteObjectCase(Seeded& seeded, Digest& digest) {
+    Palette entries = RandomPalette(seeded);
+    const auto count = static_cast<uint32_t>(seeded.Between(1, 256));
+    HPALETTE palette = seeded.Below(4)   ? Z_CreatePalette(entries.data(), count)
+                       : seeded.Below(2) ? Z_CreateGrayPalette(seeded.Below(9))
+                                         : Z_CreateFixedPalette(seeded.Below(9));
+    AddPalette(digest, palette);
+    for (int i = 0; i < 8; ++i) {
+        const auto start = static_cast<uint32_t>(seeded.Below(256));
+        const auto wanted = static_cast<uint32_t>(seeded.Between(1, 256 - static_cast<int>(start)));
+        if (seeded.Below(2)) {
+            digest.Add(Z_SetPaletteEntries(palette, start, wanted, entries.data()));
+            AddPalette(digest, palette);
+        } else {
+            digest.Add(Z_GetPaletteEntries(palette, start, wanted, entries.data()));
+            digest.Add(entries.data(), sizeof entries);
+        }
+    }
+    HPALETTE copy = Z_DupPalette(palette);
+    Release(palette);
+    AddPalette(digest, copy);
+    Release(copy);
+}
+
+void AddBitmapPalette(Digest& digest, const BitmapHandle& bitmap) {
+    Palette entries{};
+    digest.AddRecord(bitmap);
+    digest.Add(Z_GetBitmapPaletteEntries(&bitmap, 0, 256, entries.data()));
+    digest.Add(entries.data(), sizeof entries);
+}
+
+void BitmapPaletteCase(Seeded& seeded, Digest& digest) {
+    Palette entries = RandomPalette(seeded);
+    BitmapHandle bitmap;
+    const int bits = seeded.Between(1, 8);
+    const RGBQUAD* palette = seeded.Below(3) ? entries.data() : nullptr;
+    digest.Add(Z_CreateBitmap(&bitmap, 1, 8, 8, bits, 0, palette, 2, nullptr, 0));
+    for (int i = 0; i < 12; ++i) {
+        const int start = seeded.Below(static_cast<int>(bitmap.ColorsUsed) + 1), count = seeded.Below(40);
+        Palette other = RandomPalette(seeded);
+        const int operation = seeded.Below(7);
+        if (operation == 0) digest.Add(Z_PutBitmapColors(&bitmap, start, count, other.data()));
+        if (operation == 1) {
+            digest.Add(Z_GetBitmapColors(&bitmap, start, count, other.data()));
+            digest.Add(other.data(), sizeof other);
+        }
+        if (operation == 2) digest.Add(Z_SetPaletteType(&bitmap, seeded.Below(2)));
+        if (operation == 3) {
+            HPALETTE wanted = Z_CreatePalette(other.data(), static_cast<uint32_t>(seeded.Between(1, 256)));
+            digest.Add(Z_SetBitmapPalette(&bitmap, wanted));
+            Release(wanted);
+        }
+        if (operation == 4) digest.Add(Z_CompareBitmapToPalette(&bitmap, entries.data(), bitmap.ColorsUsed));
+        if (operation == 5) {
+            HPALETTE copy = Z_DupBitmapPalette(&bitmap);
+            AddPalette(digest, copy);
+            Release(copy);
+        }
+        if (operation == 6) {
+            BitmapHandle copy{};
+            digest.Add(Z_CopyBitmapPalette(&copy, &bitmap));
+            AddBitmapPalette(digest, copy);
+            Z_FreeBitmap(&copy);
+        }
+        AddBitmapPalette(digest, bitmap);
+    }
+    digest.Add(Z_FreeBitmap(&bitmap));
+    digest.AddRecord(bitmap);
+}
+
+void FixedPaletteCase(Seeded& seeded, Digest& digest) {
+    Palette entries{};
+    const int bits = seeded.Between(-1, 10);
+    digest.Add(bits < 0 ? 0 : Z_GetFixedPalette(entries.data(), bits));
+    digest.Add(entries.data(), sizeof entries);
+    digest.Add(Z_IntGetFixedPalette(bits) != nullptr);
+    // Both kinds of default palette in a fresh record of either form.
+    BitmapHandle bitmap{};
+    bitmap.BitsPerPixel = seeded.Between(1, 8);
+    bitmap.ColorsUsed =
+        seeded.Below(4) ? 1u << seeded.Between(1, 8) : static_cast<uint32_t>(seeded.Below(300));
+    bitmap.Flags = seeded.Below(2) ? static_cast<uint32_t>(Z_FLAG_PALETTE_IS_BLOCK) : 0u;
+    digest.Add(seeded.Below(2) ? Z_CreateBitmapFixedPalette(&bitmap) : Z_CreateBitmapGrayPalette(&bitmap));
+    AddBitmapPalette(digest, bitmap);
+    digest.Add(Z_FreeBitmap(&bitmap));
+}
+
+void GrayCase(Seeded& seeded, Digest& digest) {
+    int32_t valueBits = 0, shift = 0;
+    uint32_t mask = 0;
+    const int depth = seeded.Between(1, 16), high = seeded.Between(-1, 15);
+    const int low = seeded.Between(-1, high < 0 ? depth - 1 : high);
+    const int most = seeded.Between(1, 16);
+    Z_GetGrayParams(depth, most, low, high, &valueBits, &mask, &shift);
+    for (const int64_t number : {int64_t{valueBits}, int64_t{mask}, int64_t{shift}})
+        digest.Add(number);
+    BitmapHandle bitmap{}, copy{};
+    bitmap.BitsPerPixel = Pick(seeded, Depths);
+    Z_InitGrayParams(&bitmap);
+    digest.AddRecord(bitmap);
+    digest.Add(Z_CopyGrayParams(&copy, &bitmap));
+    digest.AddRecord(copy);
+}
+
+// Targets above 8 bits; below them the platform's own matching has a say.
+void ColourValueCase(Seeded& seeded, Digest& digest) {
+    const Palette entries = RandomPalette(seeded);
+    constexpr int Wide[] = {12, 16, 24, 32, 48, 64};
+    const int sourceBits = Pick(seeded, Depths), targetBits = Pick(seeded, Wide);
+    const int sourceOrder = seeded.Below(3), targetOrder = seeded.Below(3);
+    BitmapHandle source, target;
+    digest.Add(Z_CreateBitmap(&source, 1, 4, 4, sourceBits, sourceOrder, entries.data(), 2, nullptr, 0));
+    digest.Add(Z_CreateBitmap(&target, 1, 4, 4, targetBits, targetOrder, nullptr, 2, nullptr, 0));
+    constexpr uint32_t Forms[] = {0, 0x01000000, 0x02000000, 0x04000000, 0x05000000, 0xFF000000};
+    for (int i = 0; i < 20; ++i) {
+        const int unused = seeded.Below(3) * 8;
+        const auto plain = static_cast<uint32_t>(seeded.Next() & 0xFFFFFF) >> unused;
+        const uint32_t colour = plain | Pick(seeded, Forms);
+        digest.Add(Z_TranslateBitmapColor(&target, seeded.Below(8) ? &source : nullptr, colour));
+    }
+    source.PlaybackLeft = seeded.Below(100);
+    source.PlaybackBackColor = static_cast<uint32_t>(seeded.Next() & 0xFFFFFF);
+    source.TransparentColor = 0x01000000u | seeded.Byte();
+    source.Flags |= Z_FLAG_PLAYBACK_TRANSPARENCY;
+    digest.Add(Z_CopyPlaybackParms(&target, &source));
+    digest.AddRecord(target);
+    Z_FreeBitmap(&source);
+    Z_FreeBitmap(&target);
+}
+
+constexpr Family Families[] = {
+    {"convert", 6000, ConvertCase},
+    {"mirror", 1000, MirrorCase},
+    {"search", 500, SearchCase},
+    {"match-table", 10, MatchTableCase},
+    {"palette-object", 500, PaletteObjectCase},
+    {"bitmap-palette", 500, BitmapPaletteCase},
+    {"fixed-palette", 200, FixedPaletteCase},
+    {"gray", 500, GrayCase},
+    {"colour-value", 300, ColourValueCase},
+};
+
+} // namespace
+
+std::span<const Family> ColourFamilies() {
+    return Families;
+}
+
+} // namespace zkr::test
