@@ -129,7 +129,7 @@ TEST_P(ConvertAllPairs, EveryGrayWindow) {
                         conversion.flags = flag;
                         conversion.lowBit = low;
                         conversion.highBit = high;
-                        EXPECT_SAME(conversion, DealtWidths(++turn_, 2));
+                        EXPECT_SAME(conversion, DealtWidths(++turn_, 1));
                     }
         }
 }
