@@ -194,6 +194,36 @@ TEST(ConvertArguments, ShortFormTakesGrayFromTheOrders) {
         }
 }
 
+// Scaling truncates a quotient; a factor that stands in for a division must be right for every value, and for
+// every number of value bits.
+TEST(GrayScaling, IsExactForEveryLevel) {
+    for (const Format source : {Format{0, 0}, Format{12, 2}, Format{16, 2}})
+        for (const Format target : {Format{0, 0}, Format{12, 2}, Format{16, 2}, Format{48, 0}, Format{64, 1}})
+            for (const bool targetWindow : {false, true}) {
+                const Format windowed = targetWindow ? target : source;
+                if (windowed.order != 2) continue;
+                for (int bits = 1; bits <= windowed.bits; ++bits) {
+                    const Conversion conversion{.sourceBits = source.bits,
+                                                .targetBits = target.bits,
+                                                .sourceOrder = source.order,
+                                                .targetOrder = target.order,
+                                                .flags = static_cast<uint32_t>(targetWindow
+                                                                                   ? Z_CONVERT_TARGET_WINDOW
+                                                                                   : Z_CONVERT_SOURCE_WINDOW),
+                                                .lowBit = 0,
+                                                .highBit = bits - 1};
+                    const int levels = 1 << StoredBits(source.bits);
+                    std::vector<uint8_t> actual(RowBytes(levels, 64));
+                    for (int level = 0; level < levels; ++level)
+                        WritePixel(actual.data(), source.bits, level, static_cast<uint64_t>(level));
+                    std::vector<uint8_t> expected = actual;
+                    ReferenceConvert(expected.data(), levels, conversion);
+                    Convert(actual.data(), levels, conversion);
+                    EXPECT_TRUE(actual == expected) << Describe(conversion);
+                }
+            }
+}
+
 TEST(MirrorLine, TurnsPixelsRound) {
     for (const int bits : {-1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 12, 13, 16, 24, 32, 40, 48, 64, 65}) {
         RowKernel kernel{.name = "mirror " + std::to_string(bits), .sourceBits = bits, .targetBits = bits};
