@@ -24,10 +24,10 @@ TEST_P(FindPaletteIndex, DecidesTiesAndEndsAsTold) {
     const RGBQUAD class1 = EntryOf(100, 120, 80), class2 = EntryOf(100, 60, 80);
     const RGBQUAD class0 = EntryOf(130, 90, 80), class0Too = EntryOf(100, 90, 50);
     // Twelve entries that are far from all colours below, so that vectors are at work too.
-    const std::vector<RGBQUAD> far(12, EntryOf(255, 0, 255));
+    const std::vector<RGBQUAD> distant(12, EntryOf(255, 0, 255));
     const auto with = [&](std::initializer_list<RGBQUAD> first, std::initializer_list<RGBQUAD> last = {}) {
         std::vector<RGBQUAD> palette(first);
-        palette.insert(palette.end(), far.begin(), far.end());
+        palette.insert(palette.end(), distant.begin(), distant.end());
         palette.insert(palette.end(), last);
         return palette;
     };
