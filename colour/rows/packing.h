@@ -2,7 +2,11 @@
 // compiled for.
 #pragma once
 
+#if defined(__AVX2__)
+#include "colour/rows/packing_avx2.h"
+#else
 #include "colour/rows/packing_plain.h"
+#endif
 
 namespace zkr::rows {
 namespace {

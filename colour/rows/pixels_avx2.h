@@ -4,14 +4,10 @@
 #pragma once
 
 #include "colour/rows/row_kernel.h"
-
-#include <cstring>
-#include <immintrin.h>
+#include "colour/rows/units_avx2.h"
 
 namespace zkr::rows {
 namespace {
-
-inline constexpr size_t unitPixels = 32;
 
 struct Colours {
     __m256i Eight[4];
@@ -23,33 +19,6 @@ struct GrayLevels {
     __m256i Eight[4];
 };
 
-inline __m256i Load(const uint8_t* place) {
-    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(place));
-}
-inline __m128i LoadHalf(const uint8_t* place) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(place));
-}
-inline void Store(uint8_t* place, __m256i value) {
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(place), value);
-}
-
-// 24 bytes, of which each half of the vector gets 12: in the low half from its start, in the high half from
-// its fifth byte.
-inline __m256i Load24(const uint8_t* place) {
-    return _mm256_inserti128_si256(_mm256_castsi128_si256(LoadHalf(place)), LoadHalf(place + 8), 1);
-}
-
-// 96 bytes from four vectors that have 12 at the start of each half.
-inline void Store96(uint8_t* place, __m256i a, __m256i b, __m256i c, __m256i d) {
-    a = _mm256_permutevar8x32_epi32(a, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 0, 0));
-    b = _mm256_permutevar8x32_epi32(b, _mm256_setr_epi32(2, 4, 5, 6, 0, 0, 0, 1));
-    c = _mm256_permutevar8x32_epi32(c, _mm256_setr_epi32(5, 6, 0, 0, 0, 1, 2, 4));
-    d = _mm256_permutevar8x32_epi32(d, _mm256_setr_epi32(0, 0, 0, 1, 2, 4, 5, 6));
-    Store(place, _mm256_blend_epi32(a, b, 0xC0));
-    Store(place + 32, _mm256_blend_epi32(b, c, 0xF0));
-    Store(place + 64, _mm256_blend_epi32(c, d, 0xFC));
-}
-
 // Puts vectors of eight values of at most 16 bits next to each other.
 inline __m256i PackWords(__m256i low, __m256i high) {
     return _mm256_permute4x64_epi64(_mm256_packus_epi32(low, high), 0xD8);
@@ -60,17 +29,6 @@ inline __m256i PackBytes(const __m256i (&eight)[4]) {
     return _mm256_permutevar8x32_epi32(_mm256_packus_epi16(low, high),
                                        _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
 }
-
-// A byte shuffle within the halves of a vector, made from the places of each half; 0x80 gives zero, whatever
-// is added to it.
-struct Places {
-    uint8_t Place[16];
-};
-inline __m256i MakeShuffle(const Places& places, char addToHigh = 0) {
-    const __m128i low = LoadHalf(places.Place);
-    return _mm256_setr_m128i(low, _mm_add_epi8(low, _mm_set1_epi8(addToHigh)));
-}
-constexpr uint8_t none = 0x80;
 
 // Bytes of pixels that are taken from, or put into, the places of a colour: for each channel of each pixel of
 // a half of a vector the place that it comes from.
@@ -137,7 +95,7 @@ struct ReadIndex8 {
     Colours operator()(const uint8_t* source) const {
         Colours colours;
         for (size_t i = 0; i < 4; ++i) {
-            const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(source + i * 8));
+            const __m128i bytes = LoadQuarter(source + i * 8);
             colours.Eight[i] = PaletteEntries(palette, _mm256_cvtepu8_epi32(bytes));
         }
         return colours;
@@ -152,7 +110,7 @@ struct ReadGray8 {
     Colours operator()(const uint8_t* source) const {
         Colours colours;
         for (size_t i = 0; i < 4; ++i) {
-            const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(source + i * 8));
+            const __m128i bytes = LoadQuarter(source + i * 8);
             colours.Eight[i] = _mm256_shuffle_epi8(_mm256_broadcastq_epi64(bytes), replicate);
         }
         return colours;
@@ -457,23 +415,21 @@ template <size_t channels, Alpha alpha = Alpha::Used> struct WriteDeep {
     }
 };
 
+template <class Reader, class Writer> struct ConvertStep {
+    static constexpr size_t sourceBits = Reader::bits;
+    static constexpr size_t targetBits = Writer::bits;
+    static constexpr size_t reach = unitPixels;
+
+    Reader read;
+    Writer write;
+
+    explicit ConvertStep(const RowParameters& p) : read(p), write(p) {}
+    void operator()(uint8_t* target, const uint8_t* source) const { write(target, read(source)); }
+};
+
 template <class Reader, class Writer>
 void ConvertRow(const uint8_t* source, uint8_t* target, size_t pixels, const RowParameters& parameters) {
-    const Reader read(parameters);
-    const Writer write(parameters);
-    for (; pixels >= unitPixels; pixels -= unitPixels) {
-        write(target, read(source));
-        source += unitPixels * Reader::bits / 8;
-        target += unitPixels * Writer::bits / 8;
-    }
-    if (pixels == 0) return;
-    uint8_t lastSource[unitPixels * 8] = {};
-    uint8_t lastTarget[unitPixels * 8];
-    const size_t targetBytes = pixels * Writer::bits / 8;
-    std::memcpy(lastSource, source, (pixels * Reader::bits + 7) / 8);
-    std::memcpy(lastTarget, target, targetBytes);
-    write(lastTarget, read(lastSource));
-    std::memcpy(target, lastTarget, targetBytes);
+    RunUnits(ConvertStep<Reader, Writer>(parameters), source, target, pixels);
 }
 
 } // namespace
