@@ -1,0 +1,186 @@
+// Z_PutBitmapRowSegments: pieces of a row, exact to the pixel at every depth. Pixels of 1 to 7 bits are
+// packed from the top bit of a byte down, pixels of 12 bits from the bottom bit up; all others are whole
+// bytes.
+#include "core/flags.h"
+#include "core/return_codes.h"
+#include "core/sizes.h"
+#include "core/storage/storage_class.h"
+#include "zkr13n/rows.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace zkr {
+
+namespace {
+
+// A place in a string of bits.
+template <typename Byte> struct BitPlace {
+    Byte* Data;
+    uint64_t Bit;
+};
+
+// Copies a string of bits onto another, whatever their phases. No byte is touched, and none is read, that
+// holds none of the bits.
+template <bool topFirst> class BitMerge {
+  public:
+    BitMerge(BitPlace<uint8_t> target, BitPlace<const uint8_t> source, uint64_t count)
+        : target_(target.Data + target.Bit / 8), source_(source.Data + source.Bit / 8),
+          start_(target.Bit % 8), end_(start_ + count),
+          distance_(static_cast<int64_t>(source.Bit % 8) - static_cast<int64_t>(start_)) {}
+
+    void Run() {
+        const uint64_t bytes = (end_ + 7) / 8;
+        uint64_t byte = 0;
+        if (distance_ == 0) {
+            if (start_ != 0) MergeByte(byte++);
+            const uint64_t whole = end_ / 8;
+            if (whole > byte) {
+                std::memcpy(target_ + byte, source_ + byte, static_cast<size_t>(whole - byte));
+                byte = whole;
+            }
+        }
+        for (; byte < bytes; ++byte)
+            MergeByte(byte);
+    }
+
+  private:
+    // The bits of a byte from a position on, in the order of the string.
+    static unsigned BitsFrom(uint64_t position) {
+        return topFirst ? 0xFFu >> position : 0xFFu << position & 0xFFu;
+    }
+
+    void MergeByte(uint64_t byte) {
+        const uint64_t begin = byte == 0 ? start_ : 0;
+        const uint64_t stop = std::min<uint64_t>(8, end_ - byte * 8);
+        const unsigned mask = BitsFrom(begin) & ~BitsFrom(stop);
+
+        const int64_t place = static_cast<int64_t>(byte * 8) + distance_;
+        const int64_t firstNeeded = (place + static_cast<int64_t>(begin)) >> 3;
+        const int64_t lastNeeded = (place + static_cast<int64_t>(stop) - 1) >> 3;
+        const int64_t base = place >> 3;
+        const unsigned shift = static_cast<unsigned>(place & 7);
+        const unsigned first = base >= firstNeeded ? source_[base] : 0u;
+        const unsigned second = base + 1 <= lastNeeded ? source_[base + 1] : 0u;
+        const unsigned bits =
+            topFirst ? first << shift | second >> (8 - shift) : first >> shift | second << (8 - shift);
+
+        target_[byte] = static_cast<uint8_t>((target_[byte] & ~mask) | (bits & mask));
+    }
+
+    uint8_t* target_;
+    const uint8_t* source_;
+    uint64_t start_;   // first bit in the target's first byte
+    uint64_t end_;     // behind the last bit, counted from the same byte
+    int64_t distance_; // phase of the source less that of the target
+};
+
+// How pixels are written: their bits, and how many of the last ones stay as the destination has them.
+struct PixelForm {
+    uint32_t Bits;
+    uint32_t KeptBits;
+};
+
+PixelForm FormOf(const BitmapHandle& bitmap, bool keepTopBits) {
+    PixelForm form = {static_cast<uint32_t>(bitmap.BitsPerPixel), 0};
+    if (!keepTopBits) return form;
+    if (form.Bits == 16 && bitmap.Order != Z_ORDER_GRAY) form.KeptBits = 1;
+    if (form.Bits == 32) form.KeptBits = 8;
+    if (form.Bits == 64) form.KeptBits = 16;
+    return form;
+}
+
+template <size_t pixelBytes, size_t writtenBytes>
+void MergeFirstBytes(uint8_t* target, const uint8_t* source, uint64_t count) {
+    for (; count > 0; --count, target += pixelBytes, source += pixelBytes)
+        std::memcpy(target, source, writtenBytes);
+}
+
+void MergeBelowTopBit(uint8_t* target, const uint8_t* source, uint64_t count) {
+    for (; count > 0; --count, target += 2, source += 2) {
+        target[0] = source[0];
+        target[1] = static_cast<uint8_t>((target[1] & 0x80) | (source[1] & 0x7F));
+    }
+}
+
+void MergePixels(PixelForm form, BitPlace<uint8_t> target, BitPlace<const uint8_t> source, uint64_t count) {
+    if (form.Bits < 8) return BitMerge<true>(target, source, count * form.Bits).Run();
+    if (form.KeptBits == 0) return BitMerge<false>(target, source, count * form.Bits).Run();
+    uint8_t* to = target.Data + target.Bit / 8;
+    const uint8_t* from = source.Data + source.Bit / 8;
+    if (form.Bits == 16) return MergeBelowTopBit(to, from, count);
+    if (form.Bits == 32) return MergeFirstBytes<4, 3>(to, from, count);
+    MergeFirstBytes<8, 6>(to, from, count);
+}
+
+// A piece of a row that lies inside the bitmap.
+struct Piece {
+    uint32_t Column;       // in the row
+    uint32_t SourceColumn; // in the buffer
+    uint32_t Count;        // pixels
+};
+
+Piece ClippedPiece(const BitmapHandle& bitmap, int32_t columnOffset, uint32_t start, uint32_t end) {
+    const int64_t from = std::max<int64_t>(int64_t{start} + columnOffset, 0);
+    const int64_t to = std::min<int64_t>(int64_t{end} + columnOffset, bitmap.Width);
+    if (to <= from) return {};
+    return {.Column = static_cast<uint32_t>(from),
+            .SourceColumn = static_cast<uint32_t>(from - columnOffset),
+            .Count = static_cast<uint32_t>(to - from)};
+}
+
+// Where a row is not in memory its bytes are fetched, merged and written back, a fixed buffer at a time.
+ReturnCode MergeThroughBuffer(BitmapHandle& bitmap, const storage::StorageClass& storageClass, int32_t row,
+                              const uint8_t* buffer, PixelForm form, Piece piece) {
+    std::array<uint8_t, 4096> window;
+    const uint32_t mostPixels = static_cast<uint32_t>((window.size() - 1) * 8 / form.Bits);
+    while (piece.Count > 0) {
+        const uint32_t count = std::min(piece.Count, mostPixels);
+        const uint64_t firstBit = uint64_t{piece.Column} * form.Bits;
+        const auto bytes = static_cast<uint32_t>((firstBit % 8 + uint64_t{count} * form.Bits + 7) / 8);
+        const auto column = static_cast<int32_t>(piece.Column);
+
+        ReturnCode moved = storageClass.Read(bitmap, window.data(), row, column, bytes);
+        if (moved < 0) return moved;
+        if (static_cast<uint32_t>(moved) != bytes) return code::ReadFailed;
+        MergePixels(form, {window.data(), firstBit % 8}, {buffer, uint64_t{piece.SourceColumn} * form.Bits},
+                    count);
+        moved = storageClass.Write(bitmap, window.data(), row, column, bytes);
+        if (moved < 0) return moved;
+        if (static_cast<uint32_t>(moved) != bytes) return code::WriteFailed;
+
+        piece = {.Column = piece.Column + count,
+                 .SourceColumn = piece.SourceColumn + count,
+                 .Count = piece.Count - count};
+    }
+    return code::Success;
+}
+
+} // namespace
+
+} // namespace zkr
+
+using namespace zkr;
+
+ReturnCode Z_CALL Z_PutBitmapRowSegments(BitmapHandle* bitmap, const void* buffer, int32_t row,
+                                         int32_t columnOffset, const uint32_t* segments,
+                                         uint32_t segmentEntries, int32_t keepTopBits) {
+    const storage::StorageClass* storageClass = storage::ClassOf(*bitmap);
+    if (storageClass == nullptr) return code::OutOfMemory;
+    const auto* source = static_cast<const uint8_t*>(buffer);
+    const PixelForm form = FormOf(*bitmap, keepTopBits != 0);
+    uint8_t* const data = storageClass->ReachRow(*bitmap, row);
+
+    for (uint32_t entry = 0; entry + 1 < segmentEntries; entry += 2) {
+        const Piece piece = ClippedPiece(*bitmap, columnOffset, segments[entry], segments[entry + 1]);
+        if (data != nullptr) {
+            MergePixels(form, {data, uint64_t{piece.Column} * form.Bits},
+                        {source, uint64_t{piece.SourceColumn} * form.Bits}, piece.Count);
+        } else {
+            const ReturnCode result = MergeThroughBuffer(*bitmap, *storageClass, row, source, form, piece);
+            if (result != code::Success) return result;
+        }
+    }
+    return code::Success;
+}

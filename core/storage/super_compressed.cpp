@@ -1,0 +1,24 @@
+// The super-compressed class, strips of 16 rows behind a filter module: one for 24-bit colour, one for 1-bit
+// data. Without them it cannot be built, so that no bitmap is ever of this class; a record that claims to be
+// one is refused everywhere.
+#include "core/return_codes.h"
+#include "core/storage/storage_class.h"
+#include "zkr13n/storage.h"
+
+namespace zkr::storage {
+
+ReturnCode BuildSuperCompressed(BitmapHandle& bitmap) {
+    return bitmap.BitsPerPixel == 1 ? code::FaxFilterMissing : code::ColourFilterMissing;
+}
+
+const StorageClass SuperCompressed = {
+    .MemoryType = MemorySuperCompressed,
+    .Release = [](BitmapHandle&) {},
+    .Read = [](BitmapHandle&, uint8_t*, int32_t, int32_t, uint32_t) { return code::InvalidBitmap; },
+    .Write = [](BitmapHandle&, const uint8_t*, int32_t, int32_t, uint32_t) { return code::InvalidBitmap; },
+    .ReachRow = [](BitmapHandle&, int32_t) -> uint8_t* { return nullptr; },
+    .ChangeHeight = [](BitmapHandle&, int32_t) { return code::OutOfMemory; },
+    .UpdateSize = [](BitmapHandle&) { return code::InvalidBitmap; },
+};
+
+} // namespace zkr::storage
