@@ -1,0 +1,282 @@
+// The record and its life: initialised, created, shared, duplicated, freed.
+#include "core/dispatch.h"
+#include "core/storage_faults.h"
+#include "zkr13n/allocation.h"
+#include "zkr13n/frame.h"
+#include "zkr13n/gray.h"
+#include "zkr13n/palettes.h"
+
+#include <array>
+#include <set>
+
+namespace zkr::test {
+namespace {
+
+TEST(InitBitmap, AcceptsTheFourteenDepths) {
+    const std::set<int32_t> depths = {1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 24, 32, 48, 64};
+    for (int32_t bits = -8; bits <= 130; ++bits) {
+        BitmapHandle bitmap;
+        std::memset(&bitmap, 0xCC, sizeof bitmap);
+        const bool accepted = depths.count(bits) != 0;
+        ASSERT_EQ(Z_InitBitmap(&bitmap, 33, 7, bits), accepted ? 1 : code::InvalidBitsPerPixel) << bits;
+        BitmapHandle expected = {};
+        if (accepted) {
+            expected.Width = 33, expected.Height = 7, expected.BitsPerPixel = bits;
+            expected.BytesPerLine = static_cast<uint32_t>((33 * bits + 31) / 32 * 4);
+            expected.Size = expected.BytesPerLine * 7;
+            expected.ColorsUsed = bits < 9 ? 1u << bits : 0;
+            expected.Order = bits < 9 ? 0 : bits == 12 ? 2 : 1;
+            expected.ViewPerspective = 2, expected.DitheringMethod = Z_GetDefaultDithering();
+            expected.XResolution = 150, expected.YResolution = 150;
+            expected.HighBit = bits - 1, expected.LevelHighBit = bits - 1, expected.PaintGamma = 100;
+        }
+        EXPECT_EQ(0, std::memcmp(&bitmap, &expected, sizeof bitmap)) << bits;
+    }
+    BitmapHandle empty;
+    std::memset(&empty, 0xCC, sizeof empty);
+    const BitmapHandle clear = {};
+    EXPECT_EQ(Z_InitBitmap(&empty, 0, 0, 0), 1);
+    EXPECT_EQ(0, std::memcmp(&empty, &clear, sizeof empty));
+    EXPECT_EQ(Z_InitBitmap(nullptr, 1, 1, 1), code::InvalidBitmap);
+    EXPECT_EQ(Z_AllocateBitmap(nullptr, 1), code::InvalidBitmap);
+}
+
+TEST(CreateBitmap, ChoosesPaletteAndOrder) {
+    std::array<RGBQUAD, 16> colours;
+    for (uint8_t i = 0; i < 16; ++i)
+        colours[i] = {.rgbBlue = i, .rgbGreen = static_cast<uint8_t>(2 * i), .rgbRed = 200, .rgbReserved = 0};
+    std::array<RGBQUAD, 256> found = {};
+
+    Bitmap own;
+    ASSERT_EQ(Z_CreateBitmap(&own, 1, 5, 5, 4, Z_ORDER_BGR, colours.data(), 7, nullptr, 0), 1);
+    EXPECT_EQ(own.ViewPerspective, 7);
+    EXPECT_EQ(own.Order, Z_ORDER_RGB) << "order is for bitmaps without a palette";
+    ASSERT_EQ(Z_GetBitmapPaletteEntries(&own, 0, 16, found.data()), 16u);
+    EXPECT_EQ(found[9].rgbGreen, 18);
+    EXPECT_EQ(found[9].rgbRed, 200);
+
+    Bitmap gray;
+    ASSERT_EQ(Z_CreateBitmap(&gray, 1, 5, 5, 0, Z_ORDER_RGB, colours.data(), 2, nullptr, 0), 1);
+    EXPECT_EQ(gray.BitsPerPixel, 8);
+    ASSERT_EQ(Z_GetBitmapPaletteEntries(&gray, 0, 256, found.data()), 256u);
+    EXPECT_EQ(found[100].rgbBlue, 100);
+    EXPECT_EQ(found[100].rgbRed, 100);
+
+    Bitmap fixed;
+    ASSERT_EQ(Z_CreateBitmap(&fixed, 1, 5, 5, 1, Z_ORDER_RGB, nullptr, 2, nullptr, 0), 1);
+    EXPECT_NE(fixed.Palette, nullptr);
+
+    Bitmap twelve;
+    ASSERT_EQ(Z_CreateBitmap(&twelve, 1, 5, 5, 12, Z_ORDER_BGR, nullptr, 2, nullptr, 0), 1);
+    EXPECT_EQ(twelve.Order, Z_ORDER_BGR);
+    EXPECT_EQ(twelve.Palette, nullptr);
+}
+
+TEST(CreateBitmap, RefusesAndLeavesNothing) {
+    EXPECT_EQ(Z_CreateBitmap(nullptr, 1, 5, 5, 8, 0, nullptr, 2, nullptr, 0), code::InvalidArgument);
+    Bitmap bitmap;
+    EXPECT_EQ(Z_CreateBitmap(&bitmap, 1, 5, 5, 9, 0, nullptr, 2, nullptr, 0), code::InvalidBitsPerPixel);
+    EXPECT_EQ(Z_CreateBitmap(&bitmap, 0, 5, 5, 8, 0, nullptr, 2, nullptr, 0), code::InvalidArgument);
+    uint8_t data[40];
+    EXPECT_EQ(Z_CreateBitmap(&bitmap, MemoryUser, 5, 5, 8, 0, nullptr, 2, data, 39), code::InvalidArgument);
+    EXPECT_EQ(bitmap.Flags & flag::Allocated, 0u);
+    EXPECT_EQ(bitmap.Palette, nullptr);
+    EXPECT_EQ(bitmap.PaintLUT, nullptr);
+    ASSERT_EQ(Z_CreateBitmap(&bitmap, MemoryUser, 5, 5, 8, 0, nullptr, 2, data, 40), 1);
+    EXPECT_EQ(bitmap.Addr, data);
+}
+
+TEST(UserData, IsPointedAt) {
+    uint8_t data[40], other[40];
+    EXPECT_EQ(Z_SetBitmapDataPointer(nullptr, data, 40), code::InvalidBitmap);
+    Bitmap bitmap(5, 5, 8);
+    EXPECT_EQ(Z_SetBitmapDataPointer(&bitmap, data, 40), code::InvalidArgument) << "not allocated";
+    ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryUser), 1);
+    EXPECT_EQ(Z_SetBitmapDataPointer(&bitmap, data, 40), 1);
+    EXPECT_EQ(Z_SetBitmapDataPointer(&bitmap, other, 41), code::InvalidArgument);
+    EXPECT_EQ(bitmap.Addr, data);
+    EXPECT_EQ(Z_SetBitmapDataPointer(&bitmap, nullptr, 7), 1);
+    EXPECT_EQ(bitmap.Addr, nullptr);
+    Bitmap conventional(5, 5, 8);
+    ASSERT_EQ(Z_AllocateBitmap(&conventional, 1), 1);
+    EXPECT_EQ(Z_SetBitmapDataPointer(&conventional, data, 40), code::InvalidArgument);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(conventional.Addr) % 32, 0u);
+}
+
+TEST(FreeBitmap, KeepsTheDimensionsForNewStorage) {
+    Bitmap bitmap;
+    ASSERT_EQ(Z_CreateBitmap(&bitmap, 1, 5, 6, 8, 0, nullptr, 2, nullptr, 0), 1);
+    EXPECT_EQ(Z_FreeBitmap(&bitmap), 1);
+    EXPECT_EQ(bitmap.Flags, 0u);
+    EXPECT_EQ(bitmap.Palette, nullptr);
+    EXPECT_EQ(bitmap.PaintLUT, nullptr);
+    EXPECT_EQ(Z_FreeBitmap(&bitmap), 0);
+    ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryDisk), 1);
+    EXPECT_EQ(Rows(bitmap), Bytes(48, 0));
+    Z_FreeBitmap(&bitmap);
+
+    Z_CreateBitmapFixedPalette(&bitmap);
+    EXPECT_NE(bitmap.Palette, nullptr);
+    EXPECT_EQ(Z_FreeBitmap(&bitmap), 0) << "nothing was stored";
+    EXPECT_EQ(bitmap.Palette, nullptr);
+    EXPECT_EQ(Z_FreeBitmap(nullptr), code::InvalidBitmap);
+}
+
+TEST(Locking, NestsWithoutACount) {
+    Bitmap bitmap(5, 5, 8);
+    Bytes none;
+    Allocate(bitmap, {"global", GlobalType}, none);
+    Z_ReleaseBitmap(&bitmap);
+    const int32_t outer = Z_LockBitmap(&bitmap);
+    void* const address = bitmap.Addr;
+    EXPECT_EQ(outer, 0);
+    EXPECT_NE(address, nullptr);
+    const int32_t inner = Z_LockBitmap(&bitmap);
+    EXPECT_EQ(inner, 1);
+    Z_UnlockBitmap(&bitmap, inner);
+    EXPECT_EQ(bitmap.Addr, address);
+    Z_UnlockBitmap(&bitmap, outer);
+    EXPECT_EQ(bitmap.Addr, nullptr);
+    EXPECT_EQ(bitmap.Flags & flag::Locked, 0u);
+
+    Bitmap conventional(5, 5, 8);
+    ASSERT_EQ(Z_AllocateBitmap(&conventional, 1), 1);
+    EXPECT_EQ(Z_LockBitmap(&conventional), 0);
+    Z_UnlockBitmap(&conventional, 0);
+    EXPECT_NE(conventional.Addr, nullptr);
+    Z_UnlockBitmap(nullptr, Z_LockBitmap(nullptr));
+}
+
+// Stands in for the region operations: a region is a number, and copies count up.
+class Duplicates : public testing::Test {
+  protected:
+    static inline ReturnCode copyResult;
+    static inline int regions;
+
+    void SetUp() override {
+        before_ = dispatch;
+        copyResult = 1, regions = 0;
+        dispatch.CopyBitmapRegion = [](BitmapHandle* destination, BitmapHandle*, int32_t, int32_t) {
+            destination->Region = reinterpret_cast<void*>(intptr_t{0xC0});
+            if (copyResult == 1) ++regions;
+            return copyResult;
+        };
+        dispatch.FreeBitmapRegion = [](BitmapHandle* bitmap) {
+            --regions;
+            bitmap->Region = nullptr;
+            return ReturnCode{1};
+        };
+        Z_CreateBitmap(&source, MemoryDisk, 8, 8, 8, 0, nullptr, 4, nullptr, 0);
+        source.Region = Original;
+        ++regions;
+        source.XResolution = 72, source.PlaybackLeft = 9;
+        source.Flags |= flag::Signed | flag::RegionUnclipped;
+        source.PaintLUT[1] = 99;
+    }
+    void TearDown() override {
+        Z_FreeBitmap(&source);
+        EXPECT_EQ(regions, 0);
+        dispatch = before_;
+    }
+
+    static inline void* const Original = reinterpret_cast<void*>(intptr_t{0xA0});
+    BitmapHandle source, copy;
+
+  private:
+    DispatchTable before_;
+};
+
+TEST_F(Duplicates, InheritEverythingButDimensions) {
+    ASSERT_EQ(Z_DupBitmapNewDim(&copy, &source, 20, 3, 4, 7), 1);
+    EXPECT_EQ(InfoOf(copy).Type, MemoryDisk) << "the class of the source";
+    EXPECT_EQ(copy.Width, 20);
+    EXPECT_EQ(copy.BytesPerLine, 12u);
+    EXPECT_EQ(copy.ViewPerspective, 4);
+    EXPECT_EQ(copy.XResolution, 72);
+    EXPECT_EQ(copy.PlaybackLeft, 9);
+    EXPECT_EQ(copy.ColorsUsed, 256u) << "copied from the source";
+    EXPECT_EQ(copy.Flags, flag::Allocated | flag::Disk | flag::Signed | flag::RegionUnclipped);
+    EXPECT_NE(copy.Palette, source.Palette);
+    EXPECT_EQ(copy.Region, reinterpret_cast<void*>(intptr_t{0xC0}));
+    EXPECT_EQ(source.Region, Original);
+    EXPECT_EQ(copy.PaintLUT[1], 99);
+    EXPECT_EQ(Z_FreeDuplicateBitmap(&copy, 7), 1);
+    EXPECT_EQ(copy.Flags & flag::Allocated, 0u);
+}
+
+TEST_F(Duplicates, ShareWhatTheyDoNotOwn) {
+    ASSERT_EQ(Z_DupBitmapNewDim(&copy, &source, 20, 3, 4, 0), 1);
+    EXPECT_EQ(copy.Flags & flag::Allocated, 0u);
+    EXPECT_EQ(copy.Palette, source.Palette);
+    EXPECT_EQ(copy.Region, Original);
+    EXPECT_EQ(Z_FreeDuplicateBitmap(&copy, 0), 1);
+    EXPECT_EQ(copy.Palette, nullptr);
+    EXPECT_EQ(regions, 1) << "the shared region is left alone";
+
+    ASSERT_EQ(Z_DupBitmapNewDim(&copy, &source, 20, 3, 4, 6), 1);
+    EXPECT_EQ(regions, 2);
+    EXPECT_EQ(Z_FreeDuplicateBitmap(&copy, 6), 1);
+    EXPECT_EQ(copy.Palette, nullptr) << "without storage its own palette and region are freed";
+    EXPECT_EQ(copy.Region, nullptr);
+    EXPECT_EQ(regions, 1);
+}
+
+TEST_F(Duplicates, FailWithTheirRegion) {
+    copyResult = code::OutOfMemory;
+    EXPECT_EQ(Z_DupBitmapNewDim(&copy, &source, 8, 8, 8, 7), code::OutOfMemory);
+    EXPECT_EQ(source.Region, Original);
+    EXPECT_EQ(copy.Flags & flag::Allocated, 0u);
+    EXPECT_EQ(copy.Region, nullptr);
+    dispatch.CopyBitmapRegion = nullptr;
+    ASSERT_EQ(Z_DupBitmapNewDim(&copy, &source, 8, 8, 8, 7), 1);
+    EXPECT_EQ(copy.Region, nullptr) << "nobody can copy a region";
+    Z_FreeDuplicateBitmap(&copy, 7);
+}
+
+TEST_F(Duplicates, CheckTheirArguments) {
+    EXPECT_EQ(Z_DupBitmapNewDim(nullptr, &source, 8, 8, 8, 7), code::InvalidBitmap);
+    EXPECT_EQ(Z_DupBitmapNewDim(&copy, nullptr, 8, 8, 8, 7), code::InvalidBitmap);
+    EXPECT_EQ(Z_DupBitmapNewDim(&copy, &source, 8, 8, 9, 7), code::InvalidDimensions) << "a cleared record";
+    EXPECT_EQ(Z_DupBitmapNewDim(&copy, &source, 8, 8, 9, 0), 1);
+    EXPECT_EQ(copy.Width, 0);
+    EXPECT_EQ(copy.XResolution, 72);
+    EXPECT_EQ(Z_FreeDuplicateBitmap(nullptr, 7), 1);
+}
+
+TEST_F(Duplicates, OfGrayCarryTheWindow) {
+    Bitmap gray(8, 8, 16);
+    gray.Order = Z_ORDER_GRAY;
+    ASSERT_EQ(Z_AllocateBitmap(&gray, 1), 1);
+    gray.LowBit = 3, gray.HighBit = 9;
+    gray.LevelLUT = static_cast<RGBQUAD*>(Z_OsAllocInit(4 * sizeof(RGBQUAD), 1));
+    gray.LevelLUTLength = 4;
+    ForEachFault(
+        fault::AllMemory, [] {}, [&] { return Z_DupBitmapNewDim(&copy, &gray, 4, 4, 16, 7); },
+        [&](ReturnCode result) {
+            EXPECT_TRUE(result == 1 || result == code::OutOfMemory) << result;
+            Z_FreeDuplicateBitmap(&copy, 7);
+        });
+    EXPECT_EQ(copy.HighBit, 9);
+    EXPECT_NE(copy.LevelLUT, gray.LevelLUT);
+    Z_FreeDuplicateBitmap(&copy, 7);
+    ASSERT_EQ(Z_DupBitmapNewDim(&copy, &gray, 4, 4, 12, 7), 1);
+    EXPECT_EQ(copy.HighBit, 11) << "another depth has its own window";
+    EXPECT_EQ(copy.Order, Z_ORDER_GRAY);
+    Z_FreeDuplicateBitmap(&copy, 7);
+}
+
+TEST_F(Duplicates, OfARecordShareItsStorage) {
+    Z_CopyBitmapHandle(&copy, &source);
+    EXPECT_EQ(0, std::memcmp(&copy, &source, sizeof copy));
+    EXPECT_EQ(Z_FreeImage(&copy, 0), 1);
+    EXPECT_EQ(copy.Palette, nullptr);
+    EXPECT_EQ(regions, 1) << "palette and region live on in the source";
+    source.Flags &= ~(flag::Allocated | flag::Disk);
+    source.PaintLUT = nullptr;
+    EXPECT_EQ(Z_FreeImage(&source, 1), 1);
+    EXPECT_NE(source.Palette, nullptr) << "nothing is done without storage";
+    EXPECT_EQ(Z_FreeImage(nullptr, 1), 1);
+}
+
+} // namespace
+} // namespace zkr::test

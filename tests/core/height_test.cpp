@@ -1,0 +1,128 @@
+// Z_ChangeBitmapHeight in every class: the rows that stay are whole, new rows are blank where memory is
+// fresh, and a failure leaves every row that Height counts.
+#include "core/storage/tile_table.h"
+#include "core/storage_faults.h"
+
+namespace zkr::test {
+namespace {
+
+class HeightTest : public testing::TestWithParam<Storage> {};
+
+TEST_P(HeightTest, KeepsTheRowsThatStay) {
+    for (const int32_t height : {1, 5, 7, 12, 14, 15, 22, 61}) {
+        Bitmap bitmap(6, 15, 8);
+        Bytes userData;
+        Allocate(bitmap, GetParam(), userData);
+        const Bytes before = Fill(bitmap, 8);
+        uint8_t row[8];
+        Z_GetBitmapRow(&bitmap, row, 9, 8);
+        const uint32_t aligned = bitmap.AlignOffset;
+        Z_ReleaseBitmap(&bitmap);
+        if (GetParam().Type == MemoryUser) {
+            EXPECT_EQ(Z_ChangeBitmapHeight(&bitmap, height), code::InvalidArgument);
+            EXPECT_EQ(bitmap.Height, 15);
+            continue;
+        }
+        ASSERT_EQ(Z_ChangeBitmapHeight(&bitmap, height), 1);
+        EXPECT_EQ(bitmap.Height, height);
+        EXPECT_EQ(bitmap.Size, static_cast<size_t>(height) * 8 + (height == 15 ? 0 : aligned));
+        const bool tiled = GetParam().Type == MemoryTiled;
+        EXPECT_EQ(bitmap.CurrentRow, height == 15 && !tiled ? 9u : 0u);
+        const int previous = Z_LockBitmap(&bitmap);
+        Bytes after = Rows(bitmap);
+        const auto kept = static_cast<ptrdiff_t>(std::min(before.size(), after.size()));
+        EXPECT_TRUE(std::equal(after.begin(), after.begin() + kept, before.begin())) << height;
+        EXPECT_EQ(Bytes(after.begin() + kept, after.end()),
+                  Bytes(after.size() - static_cast<size_t>(kept), 0));
+        const Bytes again = Fill(bitmap, 9);
+        EXPECT_EQ(Rows(bitmap), again);
+        Z_UnlockBitmap(&bitmap, previous);
+        ASSERT_EQ(Z_ChangeBitmapHeight(&bitmap, 15), 1);
+        EXPECT_EQ(Z_UpdateBitmapSize(&bitmap), 1);
+        EXPECT_EQ(bitmap.Size, 120u);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Storages, HeightTest, testing::ValuesIn(AllStorages()), [](const auto& test) {
+    std::string name = test.param.Name;
+    std::erase_if(name, [](char c) { return !isalnum(c); });
+    return name;
+});
+
+TEST(HeightArguments, AreChecked) {
+    EXPECT_EQ(Z_ChangeBitmapHeight(nullptr, 5), code::InvalidBitmap);
+    EXPECT_EQ(Z_UpdateBitmapSize(nullptr), code::InvalidBitmap);
+    Bitmap bitmap(6, 15, 8);
+    EXPECT_EQ(Z_ChangeBitmapHeight(&bitmap, 5), code::InvalidBitmap);
+    EXPECT_EQ(Z_UpdateBitmapSize(&bitmap), code::InvalidBitmap);
+    Bytes none;
+    Allocate(bitmap, {"global", GlobalType}, none);
+    EXPECT_EQ(Z_ChangeBitmapHeight(&bitmap, 15), code::InvalidArgument) << "locked, whatever the height";
+    Z_ReleaseBitmap(&bitmap);
+    EXPECT_EQ(Z_ChangeBitmapHeight(&bitmap, -1), code::InvalidDimensions);
+    EXPECT_EQ(Z_ChangeBitmapHeight(&bitmap, 15), 1);
+    EXPECT_EQ(bitmap.Size, 120u) << "an unchanged height changes nothing";
+}
+
+TEST(TiledHeight, KeepsTheTableInOrder) {
+    const Thresholds restore;
+    Thresholds::Tiles(40, 3, 1);
+    Bitmap bitmap(8, 23, 8);
+    ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryTiled), 1);
+    ASSERT_EQ(InfoOf(bitmap), (Info{MemoryTiled, 40, 5, 2, 1, 0}));
+    const Bytes before = Fill(bitmap, 10);
+    ASSERT_EQ(Z_ChangeBitmapHeight(&bitmap, 33), 1);
+    EXPECT_EQ(InfoOf(bitmap), (Info{MemoryTiled, 40, 7, 2, 1, 0})) << "the last tile had the view and grew";
+    Rows(bitmap);
+    ASSERT_EQ(Z_ChangeBitmapHeight(&bitmap, 7), 1);
+    EXPECT_EQ(InfoOf(bitmap), (Info{MemoryTiled, 40, 2, 2, 1, 0}));
+    ASSERT_EQ(Z_ChangeBitmapHeight(&bitmap, 2), 1);
+    EXPECT_EQ(InfoOf(bitmap), (Info{MemoryTiled, 40, 1, 1, 1, 0}));
+    EXPECT_EQ(Rows(bitmap), Bytes(before.begin(), before.begin() + 16));
+    ASSERT_EQ(Z_ChangeBitmapHeight(&bitmap, 12), 1);
+    EXPECT_EQ(InfoOf(bitmap), (Info{MemoryTiled, 40, 3, 1, 1, 0}))
+        << "new tiles are files, whatever the budget";
+}
+
+class HeightFaults : public testing::TestWithParam<Storage> {};
+
+TEST_P(HeightFaults, LoseNoRowThatHeightCounts) {
+    const TemporaryDirectory directory;
+    for (const int32_t height : {4, 13, 40}) {
+        BitmapHandle bitmap;
+        Bytes before, userData;
+        ForEachFault(
+            fault::All,
+            [&] {
+                Z_InitBitmap(&bitmap, 8, 18, 8);
+                Allocate(bitmap, GetParam(), userData);
+                before = Fill(bitmap, 11);
+                Z_ReleaseBitmap(&bitmap);
+            },
+            [&] { return Z_ChangeBitmapHeight(&bitmap, height); },
+            [&](ReturnCode result) {
+                EXPECT_TRUE(result == code::OutOfMemory || result == code::OutOfDiskSpace) << result;
+                EXPECT_TRUE(GetParam().Type == MemoryTiled || bitmap.Height == 18);
+                const int previous = Z_LockBitmap(&bitmap);
+                const Bytes after = Rows(bitmap);
+                EXPECT_TRUE(std::equal(after.begin(),
+                                       after.begin() + std::min<ptrdiff_t>(4 * 8, std::ssize(after)),
+                                       before.begin()));
+                const Bytes again = Fill(bitmap, 12);
+                EXPECT_EQ(Rows(bitmap), again);
+                Z_UnlockBitmap(&bitmap, previous);
+                EXPECT_EQ(Z_FreeBitmap(&bitmap), 1);
+            });
+        Z_FreeBitmap(&bitmap);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Storages, HeightFaults,
+                         testing::Values(Storage{"conventional", MemoryConventional},
+                                         Storage{"global", GlobalType}, Storage{"disk", MemoryDisk},
+                                         Storage{"memorytiles", MemoryTiled, 5, -100, 1},
+                                         Storage{"filetiles", MemoryTiled, 5, 0, 2}),
+                         [](const auto& test) { return test.param.Name; });
+
+} // namespace
+} // namespace zkr::test

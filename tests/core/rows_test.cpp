@@ -1,0 +1,97 @@
+// Row transfer in every storage class against a plain array of bytes.
+#include "core/test_bitmaps.h"
+
+namespace zkr::test {
+namespace {
+
+// The byte that holds the first bit of a column, counted by hand from the bits before it.
+size_t ByteOfColumn(int32_t bits, int32_t column) {
+    return static_cast<size_t>(static_cast<int64_t>(column) * bits / 8);
+}
+
+class RowsTest : public testing::TestWithParam<Storage> {};
+
+TEST_P(RowsTest, RandomTransfersAgreeWithAnArray) {
+    std::mt19937 random(20);
+    for (const int32_t bits : {1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 24, 32, 48, 64}) {
+        Bitmap bitmap(37, 23, bits);
+        Bytes userData;
+        Allocate(bitmap, GetParam(), userData);
+        ASSERT_EQ(Rows(bitmap), Bytes(bitmap.Size, 0)) << "fresh storage is zero";
+        Bytes model(bitmap.Size, 0);
+        for (int step = 0; step < 300; ++step) {
+            const auto row = static_cast<int32_t>(random() % 23);
+            const bool fromColumn = random() % 2 == 0;
+            const int32_t column = fromColumn ? static_cast<int32_t>(random() % 37) : 0;
+            const size_t place = static_cast<size_t>(row) * bitmap.BytesPerLine + ByteOfColumn(bits, column);
+            const size_t most = std::min<size_t>(model.size() - place, random() % 4 == 0 ? model.size() : 40);
+            const auto count = static_cast<uint32_t>(random() % (most + 1));
+            const auto expected = static_cast<ReturnCode>(count);
+            if (random() % 2 == 0) {
+                const Bytes data = RandomBytes(count, random);
+                ASSERT_EQ(fromColumn ? Z_PutBitmapRowCol(&bitmap, data.data(), row, column, count)
+                                     : Z_PutBitmapRow(&bitmap, data.data(), row, count),
+                          expected);
+                std::copy(data.begin(), data.end(), model.begin() + static_cast<ptrdiff_t>(place));
+            } else {
+                Bytes data(count + 1, 0xA5);
+                ASSERT_EQ(fromColumn ? Z_GetBitmapRowCol(&bitmap, data.data(), row, column, count)
+                                     : Z_GetBitmapRow(&bitmap, data.data(), row, count),
+                          expected);
+                ASSERT_EQ(data.back(), 0xA5);
+                data.pop_back();
+                const auto from = model.begin() + static_cast<ptrdiff_t>(place);
+                ASSERT_EQ(data, Bytes(from, from + count))
+                    << bits << " bits, row " << row << ", column " << column;
+            }
+        }
+        ASSERT_EQ(Rows(bitmap), model) << bits << " bits";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Storages, RowsTest, testing::ValuesIn(AllStorages()), [](const auto& test) {
+    std::string name = test.param.Name;
+    std::erase_if(name, [](char c) { return !isalnum(c); });
+    return name;
+});
+
+TEST(RowFailures, TellWhyNothingMoved) {
+    uint8_t buffer[64] = {};
+    Bitmap bitmap(8, 2, 8);
+    EXPECT_EQ(Z_GetBitmapRow(&bitmap, buffer, 0, 8), code::OutOfMemory) << "no class at all";
+    ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryUser), 1);
+    EXPECT_EQ(Z_GetBitmapRow(&bitmap, buffer, 0, 8), code::InvalidBitmap) << "a user bitmap without data";
+    EXPECT_EQ(Z_PutBitmapRowCol(&bitmap, buffer, 1, 3, 5), code::InvalidBitmap);
+
+    Bitmap global(8, 2, 8);
+    Bytes none;
+    Allocate(global, {"global", GlobalType}, none);
+    Z_ReleaseBitmap(&global);
+    EXPECT_EQ(Z_GetBitmapRow(&global, buffer, 0, 8), code::InvalidBitmap)
+        << "a global bitmap that is not locked";
+}
+
+TEST(RowCache, FollowsTheRowLastReached) {
+    Bitmap bitmap(10, 200, 8);
+    ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryConventional), 1);
+    uint8_t buffer[12];
+    for (const uint32_t row : {5u, 6u, 5u, 5u, 105u, 199u, 0u, 1u}) {
+        Z_GetBitmapRow(&bitmap, buffer, static_cast<int32_t>(row), 12);
+        EXPECT_EQ(bitmap.CurrentRow, row);
+        EXPECT_EQ(bitmap.CurrentRowOffset, row * 12u);
+    }
+}
+
+TEST(TiledRows, CountWhatWasAskedForBehindTheLastRow) {
+    const Thresholds restore;
+    Thresholds::Tiles(16, -100, 1);
+    Bitmap bitmap(8, 5, 8);
+    ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryTiled), 1);
+    Bytes buffer(100, 0xEE);
+    EXPECT_EQ(Z_GetBitmapRow(&bitmap, buffer.data(), 3, 100), 100);
+    EXPECT_EQ(Bytes(buffer.begin() + 16, buffer.end()), Bytes(84, 0xEE)) << "only two rows were left";
+    EXPECT_EQ(Z_PutBitmapRow(&bitmap, buffer.data(), 4, 100), 100);
+}
+
+} // namespace
+} // namespace zkr::test

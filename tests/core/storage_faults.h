@@ -1,0 +1,89 @@
+// Failures on purpose: the N-th call of the system fails, a disk fills up, and a temporary directory of the
+// test's own shows whether files are left behind.
+#pragma once
+
+#include "core/test_bitmaps.h"
+#include "platform/faults.h"
+
+#include <filesystem>
+
+#ifndef _WIN32
+#include <csignal>
+#include <sys/resource.h>
+#endif
+
+namespace zkr::test {
+
+namespace fault = platform::fault;
+
+class TemporaryDirectory {
+  public:
+    TemporaryDirectory() {
+        Z_GetTempDirectory(before_, sizeof before_);
+        path_ = std::filesystem::temp_directory_path() /
+                ("zkr13n-storage-test-" + std::to_string(std::random_device{}()));
+        std::filesystem::create_directory(path_);
+        EXPECT_EQ(Z_SetTempDirectory(path_.string().c_str()), 1);
+    }
+    ~TemporaryDirectory() {
+        Z_SetTempDirectory(before_);
+        EXPECT_TRUE(IsEmpty()) << "files left in " << path_;
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    bool IsEmpty() const { return std::filesystem::is_empty(path_); }
+
+  private:
+    char before_[260];
+    std::filesystem::path path_;
+};
+
+class Fault {
+  public:
+    Fault(uint32_t kinds, uint32_t nth, bool sticky = false) { fault::Arm(kinds, nth, sticky); }
+    ~Fault() { fault::Disarm(); }
+};
+
+// Calls attempt() with the first, the second, ... call of the system failing, until none is left to fail. In
+// each round prepare() goes first, out of danger; check(result) follows, out of danger too, when a fault was
+// delivered.
+template <typename Prepare, typename Attempt, typename Check>
+void ForEachFault(uint32_t kinds, Prepare prepare, Attempt attempt, Check check) {
+    for (uint32_t nth = 1; nth < 1000; ++nth) {
+        SCOPED_TRACE("call " + std::to_string(nth) + " fails");
+        prepare();
+        fault::Arm(kinds, nth);
+        const ReturnCode result = attempt();
+        fault::Disarm();
+        if (!fault::Fired()) {
+            EXPECT_EQ(result, 1);
+            return;
+        }
+        check(result);
+        if (testing::Test::HasFailure()) return;
+    }
+    FAIL() << "faults without end";
+}
+
+#ifndef _WIN32
+// No file can grow beyond a limit while this lives.
+class FileSizeLimit {
+  public:
+    explicit FileSizeLimit(uint64_t bytes) {
+        handler_ = std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit limit = {bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+
+  private:
+    rlimit before_;
+    void (*handler_)(int);
+};
+#endif
+
+} // namespace zkr::test
