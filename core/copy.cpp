@@ -1,0 +1,56 @@
+// Copies of whole bitmaps, from any storage class to any other, row by row.
+#include "zkr13n/copy.h"
+
+#include "core/flags.h"
+#include "core/return_codes.h"
+#include "core/row_walk.h"
+#include "core/scratch.h"
+#include "zkr13n/locks.h"
+#include "zkr13n/rows.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zkr {
+
+namespace {
+
+// A destination of other dimensions gets the rows and bytes that both bitmaps have; longer rows of it end in
+// zeros.
+ReturnCode CopyRows(BitmapHandle* destination, BitmapHandle* source) {
+    const uint32_t rowBytes = std::max(destination->BytesPerLine, source->BytesPerLine);
+    ScratchBuffer<uint8_t> row(rowBytes);
+    if (!row) return code::OutOfMemory;
+    std::memset(row.data(), 0, rowBytes);
+    const BitmapLock lock(destination);
+    return WalkRows(source, std::min(destination->Height, source->Height), StatusReceiver::Copy(),
+                    [&](int32_t index) {
+                        Z_GetBitmapRow(source, row.data(), index, source->BytesPerLine);
+                        Z_PutBitmapRow(destination, row.data(), index, destination->BytesPerLine);
+                        return code::Success;
+                    });
+}
+
+} // namespace
+
+} // namespace zkr
+
+using namespace zkr;
+
+ReturnCode Z_CALL Z_CopyBitmapData(BitmapHandle* destination, BitmapHandle* source) {
+    if (!IsAllocated(source) || !IsAllocated(destination)) return code::InvalidBitmap;
+    return destination == source ? code::Success : CopyRows(destination, source);
+}
+
+ReturnCode Z_CALL Z_CopyBitmap(BitmapHandle* destination, BitmapHandle* source) {
+    if (destination == nullptr || !IsAllocated(source)) return code::InvalidArgument;
+    if (destination == source) return code::Success;
+    if (HasFlag(*source, flag::Compressed) && Z_IsSupportLocked(Z_SUPPORT_DOCUMENT) != 0)
+        return code::DocumentLocked;
+    ReturnCode status = Z_DupBitmapNewDim(destination, source, source->Width, source->Height,
+                                          source->BitsPerPixel, Z_DUP_DATA | Z_DUP_PALETTE | Z_DUP_REGION);
+    if (status != code::Success) return status;
+    status = Z_CopyBitmapData(destination, source);
+    if (status != code::Success) Z_FreeBitmap(destination);
+    return status;
+}
