@@ -32,7 +32,7 @@ bool IsGrayWord(Format f) {
 // Palettes with what palettes have in practice and in bad luck. Each has 65536 entries: the longest level
 // table. Prefix begins alike at every depth; Marked is Prefix but for one reserved byte in its first pair of
 // entries.
-enum PaletteKind { None, Fixed, Prefix, Marked, Scattered, Duplicates, PaletteKinds };
+enum PaletteKind { None, Fixed, Prefix, Marked, Scattered, Duplicates, Ramp, PaletteKinds };
 
 std::vector<RGBQUAD> MakePalette(PaletteKind kind, int bits) {
     constexpr size_t Longest = 65536;
@@ -45,6 +45,11 @@ std::vector<RGBQUAD> MakePalette(PaletteKind kind, int bits) {
         entries.push_back(EntryOf(red, green, blue, seeded.Byte()));
     }
     if (kind == Marked) entries[1].rgbReserved ^= 1;
+    if (kind == Ramp) {
+        for (unsigned i = 0; i < 16; ++i)
+            entries[i] = EntryOf(i * 17, i * 17, i * 17);
+        entries[(size_t{1} << bits) - 1] = EntryOf(255, 255, 255);
+    }
     if (kind == Duplicates) { // the same black and white at both ends of every depth
         for (const size_t last : {1u, 3u, 7u, 15u, 31u, 63u, 127u, 255u})
             entries[last] = bits % 2 ? EntryOf(0, 0, 0) : EntryOf(255, 255, 255);
@@ -53,7 +58,7 @@ std::vector<RGBQUAD> MakePalette(PaletteKind kind, int bits) {
     return entries;
 }
 
-// The palettes are made once; depth matters to Fixed and Duplicates only.
+// The palettes are made once; depth matters to Fixed, Duplicates and Ramp only.
 const RGBQUAD* PaletteFor(PaletteKind kind, int bits) {
     static std::vector<RGBQUAD> made[PaletteKinds][9];
     if (kind == None || (kind == Fixed && bits == 0)) return nullptr;
@@ -126,6 +131,8 @@ TEST_P(ConvertAllPairs, EveryGrayWindow) {
                         if (high >= 0 && high < low) continue;
                         Conversion conversion = Between(GetParam(), target);
                         conversion.sourcePalette = PaletteFor(table, conversion.sourceBits);
+                        conversion.targetPalette =
+                            PaletteFor(table == None ? Ramp : None, conversion.targetBits);
                         conversion.flags = flag;
                         conversion.lowBit = low;
                         conversion.highBit = high;
