@@ -338,6 +338,10 @@ void ConvertPlan::PlanGrayToMap(const GrayWindow& window) {
     for (uint32_t i = 0; i < entries; ++i)
         ramp[i] = GrayRampEntry(i, entries);
     BuildPaletteMap(ramp, static_cast<int32_t>(entries), TargetPalette(), 1 << request_.TargetBits, map_);
+    // Every level goes where the search finds it. A target that begins with the ramp maps to itself at once,
+    // which is the same for all but white: that is looked for at the target's end first.
+    map_[entries - 1] =
+        static_cast<uint8_t>(Z_FindPaletteIndex(TargetPalette(), 1 << request_.TargetBits, 255, 255, 255));
     Add(Source::GrayValue, Target::Gray8, {.Mask = window.Mask & 0xFF, .Shift = window.Shift});
     Add(kernels_.MapBytes, {.Table = map_});
     AddPack();
