@@ -1,0 +1,258 @@
+// Bitmap lists: order against a plain vector, all refusals, copies and moves with their cuts, memory that
+// runs out.
+#include "platform/faults.h"
+#include "zkr13n/lists.h"
+#include "zkr13n/rows.h"
+#include "zkr13n/storage.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+namespace {
+
+namespace fault = zkr::platform::fault;
+
+constexpr uint32_t ToEnd = UINT32_MAX;
+
+// A record without storage; its width tells it from others.
+BitmapHandle Named(int32_t name) {
+    BitmapHandle record{};
+    record.Width = name;
+    return record;
+}
+
+std::vector<int32_t> NamesIn(BitmapList list) {
+    std::vector<int32_t> names;
+    uint32_t count = 0;
+    EXPECT_EQ(Z_GetBitmapListCount(list, &count), Z_SUCCESS);
+    for (uint32_t index = 0; index < count; ++index) {
+        BitmapHandle record;
+        EXPECT_EQ(Z_GetBitmapListItem(list, index, &record), Z_SUCCESS);
+        names.push_back(record.Width);
+    }
+    return names;
+}
+
+BitmapList ListOf(const std::vector<int32_t>& names) {
+    BitmapList list = nullptr;
+    EXPECT_EQ(Z_CreateBitmapList(&list), Z_SUCCESS);
+    for (int32_t name : names) {
+        const BitmapHandle record = Named(name);
+        EXPECT_EQ(Z_InsertBitmapListItem(list, ToEnd, &record), Z_SUCCESS);
+    }
+    return list;
+}
+
+TEST(Lists, RefuseBadArguments) {
+    BitmapHandle record = Named(7);
+    uint32_t count = 55;
+    BitmapList out = nullptr;
+    BitmapList three = ListOf({1, 2, 3});
+    BitmapList empty = ListOf({});
+    const ReturnCode refused[] = {
+        Z_CreateBitmapList(nullptr),
+        Z_DestroyBitmapList(nullptr),
+        Z_GetBitmapListCount(nullptr, &count),
+        Z_GetBitmapListCount(three, nullptr),
+        Z_GetBitmapListItem(nullptr, 0, &record),
+        Z_GetBitmapListItem(three, 3, &record),
+        Z_GetBitmapListItem(three, 0, nullptr),
+        Z_GetBitmapListItem(empty, 0, &record),
+        Z_SetBitmapListItem(nullptr, 0, &record),
+        Z_SetBitmapListItem(three, 3, &record),
+        Z_InsertBitmapListItem(nullptr, 0, &record),
+        Z_RemoveBitmapListItem(nullptr, 0, &record),
+        Z_RemoveBitmapListItem(three, 3, &record),
+        Z_RemoveBitmapListItem(three, ToEnd, nullptr),
+        Z_RemoveBitmapListItem(empty, 0, &record),
+        Z_DeleteBitmapListItems(nullptr, 0, 1),
+        Z_DeleteBitmapListItems(three, 3, 1),
+        Z_DeleteBitmapListItems(three, 0, 0),
+        Z_DeleteBitmapListItems(empty, 0, ToEnd),
+        Z_CopyBitmapListItems(&out, nullptr, 0, 1),
+        Z_CopyBitmapListItems(&out, three, 3, 1),
+        Z_CopyBitmapListItems(&out, three, 0, 0),
+        Z_CopyBitmapListItems(nullptr, three, 0, 1),
+        Z_CopyBitmapListItems(&out, three, 0, 1), // a record without storage cannot be copied
+        Z_MoveBitmapListItems(&out, nullptr, 0, 1),
+        Z_MoveBitmapListItems(&out, three, 4, 1),
+        Z_MoveBitmapListItems(&out, three, 0, 0),
+        Z_MoveBitmapListItems(&out, three, 3, 0),
+        Z_MoveBitmapListItems(nullptr, three, 0, 1),
+    };
+    for (size_t index = 0; index < std::size(refused); ++index)
+        EXPECT_EQ(refused[index], Z_ERROR_ARGUMENT) << "call " << index;
+    EXPECT_EQ(record.Width, 7);
+    EXPECT_EQ(count, 55u);
+    EXPECT_EQ(out, nullptr);
+    EXPECT_EQ(NamesIn(three), (std::vector<int32_t>{1, 2, 3}));
+    EXPECT_EQ(Z_DestroyBitmapList(three), Z_SUCCESS);
+    EXPECT_EQ(Z_DestroyBitmapList(empty), Z_SUCCESS);
+}
+
+TEST(Lists, NullStandsForAClearedRecord) {
+    BitmapList list = ListOf({1, 2});
+    EXPECT_EQ(Z_SetBitmapListItem(list, 1, nullptr), Z_SUCCESS);
+    EXPECT_EQ(Z_InsertBitmapListItem(list, 0, nullptr), Z_SUCCESS);
+    EXPECT_EQ(NamesIn(list), (std::vector<int32_t>{0, 1, 0}));
+    EXPECT_EQ(Z_RemoveBitmapListItem(list, 1, nullptr), Z_SUCCESS);
+    EXPECT_EQ(NamesIn(list), (std::vector<int32_t>{0, 0}));
+    Z_DestroyBitmapList(list);
+}
+
+// Random operations on a list and on a vector.
+TEST(Lists, BehaveLikeAVector) {
+    std::mt19937 random(1);
+    const auto below = [&](size_t limit) { return static_cast<uint32_t>(random() % limit); };
+    std::vector<int32_t> model;
+    BitmapList list = ListOf({});
+    for (int32_t name = 1; name <= 4000; ++name) {
+        const BitmapHandle record = Named(name);
+        const uint32_t index = below(model.size() + 3);
+        const auto valid = index < model.size();
+        const auto place = model.begin() + std::min<ptrdiff_t>(index, std::ssize(model));
+        const uint32_t count = below(6) == 0 ? ToEnd : 1 + below(5);
+        const auto end = place + std::min<ptrdiff_t>(count, model.end() - place);
+        switch (below(9)) {
+        case 0:
+            if (Z_DeleteBitmapListItems(list, index, count) == Z_SUCCESS) model.erase(place, end);
+            break;
+        case 1: {
+            BitmapHandle removed = Named(-1);
+            ASSERT_EQ(Z_RemoveBitmapListItem(list, index, &removed) == Z_SUCCESS, valid);
+            ASSERT_EQ(removed.Width, valid ? *place : -1);
+            if (valid) model.erase(place);
+            break;
+        }
+        case 2:
+            ASSERT_EQ(Z_SetBitmapListItem(list, index, &record) == Z_SUCCESS, valid);
+            if (valid) *place = name;
+            break;
+        case 3: {
+            BitmapList moved = nullptr;
+            const bool possible = index <= model.size();
+            ASSERT_EQ(Z_MoveBitmapListItems(&moved, list, index, count) == Z_SUCCESS, possible);
+            if (!possible) break;
+            ASSERT_EQ(NamesIn(moved), std::vector<int32_t>(place, end));
+            model.erase(place, end);
+            ASSERT_EQ(Z_DestroyBitmapList(moved), Z_SUCCESS);
+            break;
+        }
+        default:
+            ASSERT_EQ(Z_InsertBitmapListItem(list, index, &record), Z_SUCCESS);
+            model.insert(place, name);
+        }
+        ASSERT_EQ(NamesIn(list), model) << "after step " << name;
+    }
+    Z_DestroyBitmapList(list);
+}
+
+class ListsWithPixels : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        list_ = ListOf({});
+        for (uint8_t pixel = 0; pixel < Items; ++pixel) {
+            BitmapHandle bitmap;
+            ASSERT_EQ(
+                Z_CreateBitmap(&bitmap, MemoryConventional, 4, 3, 8, Z_ORDER_RGB, nullptr, 2, nullptr, 0),
+                Z_SUCCESS);
+            SetPixels(bitmap, pixel);
+            ASSERT_EQ(Z_InsertBitmapListItem(list_, ToEnd, &bitmap), Z_SUCCESS);
+        }
+    }
+    void TearDown() override { Z_DestroyBitmapList(list_); }
+
+    static void SetPixels(BitmapHandle& bitmap, uint8_t value) {
+        const uint8_t row[4] = {value, value, value, value};
+        for (int32_t index = 0; index < bitmap.Height; ++index)
+            Z_PutBitmapRow(&bitmap, row, index, 4);
+    }
+    static std::vector<int> PixelsIn(BitmapList list) {
+        std::vector<int> pixels;
+        for (uint32_t index = 0; index < NamesIn(list).size(); ++index) {
+            BitmapHandle bitmap;
+            uint8_t row[4];
+            Z_GetBitmapListItem(list, index, &bitmap);
+            EXPECT_EQ(Z_GetBitmapRow(&bitmap, row, 2, 4), 4);
+            pixels.push_back(row[3]);
+        }
+        return pixels;
+    }
+
+    static constexpr uint8_t Items = 5;
+    BitmapList list_ = nullptr;
+};
+
+TEST_F(ListsWithPixels, CopiesAreDeep) {
+    BitmapList copies = nullptr;
+    ASSERT_EQ(Z_CopyBitmapListItems(&copies, list_, 3, 100), Z_SUCCESS);
+    BitmapHandle original, copy;
+    Z_GetBitmapListItem(list_, 3, &original);
+    Z_GetBitmapListItem(copies, 0, &copy);
+    EXPECT_NE(original.Palette, copy.Palette);
+    SetPixels(original, 77);
+    EXPECT_EQ(PixelsIn(copies), (std::vector<int>{3, 4}));
+    EXPECT_EQ(PixelsIn(list_), (std::vector<int>{0, 1, 2, 77, 4}));
+    EXPECT_EQ(Z_DestroyBitmapList(copies), Z_SUCCESS);
+    EXPECT_EQ(PixelsIn(list_), (std::vector<int>{0, 1, 2, 77, 4}));
+}
+
+TEST_F(ListsWithPixels, RemovedAndMovedItemsOutliveTheList) {
+    BitmapHandle removed;
+    BitmapList moved = nullptr;
+    ASSERT_EQ(Z_RemoveBitmapListItem(list_, 1, &removed), Z_SUCCESS);
+    ASSERT_EQ(Z_MoveBitmapListItems(&moved, list_, 2, ToEnd), Z_SUCCESS);
+    EXPECT_EQ(Z_DestroyBitmapList(list_), Z_SUCCESS);
+    EXPECT_EQ(PixelsIn(moved), (std::vector<int>{3, 4}));
+    uint8_t row[4];
+    EXPECT_EQ(Z_GetBitmapRow(&removed, row, 0, 4), 4);
+    EXPECT_EQ(row[0], 1);
+    Z_FreeBitmap(&removed);
+    list_ = moved;
+}
+
+TEST_F(ListsWithPixels, AnItemThatCannotBeCopiedUndoesTheCopy) {
+    ASSERT_EQ(Z_InsertBitmapListItem(list_, 2, nullptr), Z_SUCCESS);
+    BitmapList copies = list_;
+    EXPECT_EQ(Z_CopyBitmapListItems(&copies, list_, 0, ToEnd), Z_ERROR_ARGUMENT);
+    EXPECT_EQ(copies, list_) << "written on success only";
+    Z_RemoveBitmapListItem(list_, 2, nullptr);
+}
+
+// Each allocation fails in its turn: the source stays as it was, and nothing is handed out.
+TEST_F(ListsWithPixels, ShortMemoryLeavesTheListAsItWas) {
+    const auto failInTurn = [&](auto operation) {
+        for (uint32_t turn = 1;; ++turn) {
+            fault::Arm(fault::All, turn, true); // all that comes later fails too
+            const ReturnCode status = operation();
+            const bool fired = fault::Fired();
+            fault::Disarm();
+            if (!fired) {
+                EXPECT_EQ(status, Z_SUCCESS);
+                return;
+            }
+            if (status == Z_SUCCESS) return; // only what may fail silently did
+            EXPECT_LT(status, 0);
+            ASSERT_EQ(PixelsIn(list_), (std::vector<int>{0, 1, 2, 3, 4})) << "turn " << turn;
+        }
+    };
+    BitmapList out = nullptr;
+    failInTurn([&] { return Z_CreateBitmapList(&out); });
+    Z_DestroyBitmapList(out);
+    out = nullptr;
+    failInTurn([&] { return Z_CopyBitmapListItems(&out, list_, 1, 3); });
+    EXPECT_EQ(PixelsIn(out), (std::vector<int>{1, 2, 3}));
+    Z_DestroyBitmapList(out);
+    out = nullptr;
+    failInTurn([&] { return Z_InsertBitmapListItem(list_, 2, nullptr); });
+    EXPECT_EQ(Z_RemoveBitmapListItem(list_, 2, nullptr), Z_SUCCESS);
+    failInTurn([&] { return Z_MoveBitmapListItems(&out, list_, 0, 2); });
+    EXPECT_EQ(PixelsIn(out), (std::vector<int>{0, 1}));
+    EXPECT_EQ(PixelsIn(list_), (std::vector<int>{2, 3, 4}));
+    Z_DestroyBitmapList(out);
+}
+
+} // namespace
