@@ -3,6 +3,8 @@
 // entries that can win in it, and its colours are then looked up. Pictures touch few cubes, so that the
 // tables stay small: 512 bytes a cube, 16 MB if a picture had every colour there is.
 //
+// The list of candidates of a region is the locally sorted search of Paul S. Heckbert (1982).
+//
 // Exact: the same indices as Z_FindPaletteIndex. One object serves one thread.
 #pragma once
 

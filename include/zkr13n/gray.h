@@ -41,9 +41,9 @@ Z_API void Z_CALL Z_InitGrayParams(BitmapHandle* bitmap);
 /*
  * Copies the window, the value range and the level table from one bitmap to another.
  *
- * target  in, out: takes LowBit, HighBit, LevelLowBit, LevelHighBit, MinVal, MaxVal, Z_FLAG_LEVEL_LUT_ACTIVE
- * and a copy of the table of its own; null and 0 where the source has no table or an empty one. A table that
- *         the target held before is not freed.
+ * target  in, out: takes LowBit, HighBit, LevelLowBit, LevelHighBit, MinVal, MaxVal, the flag
+ *         Z_FLAG_LEVEL_LUT_ACTIVE and a copy of the table of its own; null and 0 where the source has no
+ *         table or an empty one. A table that the target held before is not freed.
  * source  in
  *
  * 1 on success. Z_ERROR_BITMAP: a null pointer. Z_ERROR_MEMORY: the table could not be copied. On failure the
