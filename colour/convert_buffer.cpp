@@ -50,7 +50,7 @@ class RowWalk {
             size_t begin = (width - 1) / piecePixels * piecePixels;
             const uint64_t sourceBits = uint64_t{width} * sourceBits_;
             const auto apart =
-                static_cast<size_t>((sourceBits + targetBits_ - 1) / targetBits_ + 7) & ~size_t{7};
+                static_cast<size_t>((sourceBits + targetBits_ - 1) / targetBits_ + 31) & ~size_t{31};
             if (!single) {
                 RunStages(SourceAt(begin), TargetAt(begin), width - begin);
             } else if (apart + piecePixels / 8 <= width) {

@@ -30,26 +30,21 @@ template <size_t entries> struct ByteMap {
     }
 };
 
-// Bytes repeated over two halves of a vector, or words.
-template <class ByteAt> inline __m256i MakeBytes(ByteAt byteAt) {
-    uint8_t bytes[32];
-    for (size_t i = 0; i < 32; ++i)
-        bytes[i] = static_cast<uint8_t>(byteAt(i % 16));
-    return Load(bytes);
-}
-
 template <size_t bits> struct UnpackStep {
     static constexpr size_t sourceBits = bits;
     static constexpr size_t targetBits = 8;
     static constexpr size_t reach = 64;
 
     // Each pixel is moved to the top of the big-endian pair of bytes that holds it, and down from there.
-    __m256i pairs = MakeBytes([](size_t i) {
-        const size_t first = i / 2 * bits / 8;
+    static constexpr Places pairPlaces = MakePlaces([](size_t i) {
+        const size_t first = i % 16 / 2 * bits / 8;
         const size_t byte = i % 2 == 0 ? first + 1 : first;
         return byte < bits ? byte : none;
     });
-    __m256i factors = MakeBytes([](size_t i) { return i % 2 == 0 ? 1u << (i / 2 * bits % 8) : 0u; });
+    static constexpr Places factorBytes =
+        MakePlaces([](size_t i) { return i % 2 == 0 ? 1u << (i % 16 / 2 * bits % 8) : 0u; });
+    __m256i pairs = Load(pairPlaces);
+    __m256i factors = Load(factorBytes);
     ByteMap<size_t{1} << bits> map;
 
     explicit UnpackStep(const RowParameters& p) : map(p.Table) {}
@@ -72,9 +67,10 @@ template <> struct UnpackStep<1> {
     static constexpr size_t reach = unitPixels;
 
     __m256i zero, one;
-    __m256i spread = _mm256_setr_epi8(0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1, 1, 2, 2, 2, 2, 2, 2, 2, 2,
-                                      3, 3, 3, 3, 3, 3, 3, 3);
-    __m256i bit = MakeBytes([](size_t i) { return 0x80u >> i % 8; });
+    static constexpr Places bytePlaces = MakePlaces([](size_t i) { return i / 8; });
+    static constexpr Places bitBytes = MakePlaces([](size_t i) { return 0x80u >> i % 8; });
+    __m256i spread = Load(bytePlaces);
+    __m256i bit = Load(bitBytes);
 
     explicit UnpackStep(const RowParameters& p)
         : zero(_mm256_set1_epi8(static_cast<const char*>(p.Table)[0])),
@@ -93,9 +89,11 @@ template <size_t bits> struct PackStep {
     static constexpr size_t targetBits = bits;
     static constexpr size_t reach = 64;
 
-    __m256i byteFactors = MakeBytes([](size_t i) { return i % 2 == 0 ? 1u << bits : 1u; });
+    static constexpr Places reversed =
+        MakePlaces([](size_t i) { return i % 16 < 2 * bits ? i % 16 / bits * 8 + 7 - i % 16 % bits : none; });
+    __m256i byteFactors = _mm256_set1_epi16(1 << bits | 1 << 8);
     __m256i wordFactors = _mm256_set1_epi32(1 << (2 * bits) | 1 << 16);
-    __m256i reverse = MakeBytes([](size_t i) { return i < 2 * bits ? i / bits * 8 + 7 - i % bits : none; });
+    __m256i reverse = Load(reversed);
 
     explicit PackStep(const RowParameters&) {}
 
@@ -117,7 +115,8 @@ template <> struct PackStep<1> {
     static constexpr size_t targetBits = 1;
     static constexpr size_t reach = unitPixels;
 
-    __m256i reverse = MakeBytes([](size_t i) { return i ^ 7; });
+    static constexpr Places reversed = MakePlaces([](size_t i) { return i % 16 ^ 7; });
+    __m256i reverse = Load(reversed);
 
     explicit PackStep(const RowParameters&) {}
 
@@ -133,7 +132,10 @@ struct Unpack12Step {
     static constexpr size_t targetBits = 16;
     static constexpr size_t reach = unitPixels;
 
-    __m256i words = MakeShuffle({{0, 1, 1, 2, 3, 4, 4, 5, 6, 7, 7, 8, 9, 10, 10, 11}}, 4);
+    // Load24 leaves four bytes before the pixels of the high half.
+    static constexpr Places wordPlaces =
+        MakePlaces([](size_t i) { return i / 16 * 4 + i % 16 / 4 * 3 + (i % 4 + 1) / 2; });
+    __m256i words = Load(wordPlaces);
     __m256i factors = _mm256_set1_epi32(16 | 1 << 16);
 
     explicit Unpack12Step(const RowParameters&) {}
@@ -152,7 +154,9 @@ struct Pack12Step {
     static constexpr size_t targetBits = 12;
     static constexpr size_t reach = unitPixels;
 
-    __m256i bytes = MakeShuffle({{0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, none, none, none, none}});
+    static constexpr Places bytePlaces =
+        MakePlaces([](size_t i) { return i % 16 < 12 ? i % 16 / 3 * 4 + i % 16 % 3 : none; });
+    __m256i bytes = Load(bytePlaces);
 
     explicit Pack12Step(const RowParameters&) {}
 

@@ -30,35 +30,32 @@ inline __m256i PackBytes(const __m256i (&eight)[4]) {
                                        _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
 }
 
-// Bytes of pixels that are taken from, or put into, the places of a colour: for each channel of each pixel of
-// a half of a vector the place that it comes from.
-template <class PlaceOf> constexpr Places MakePlaces(size_t pixels, size_t channels, PlaceOf placeOf) {
-    Places places{};
-    for (size_t i = 0; i < 16; ++i)
-        places.Place[i] =
-            i < pixels * channels ? static_cast<uint8_t>(placeOf(i / channels, i % channels)) : none;
-    return places;
-}
-
-// The channel that stands at a place of a pixel of so many channels, or the place of a channel: the exchange
-// of red and blue goes both ways.
+// The channel that stands at a place of a pixel, or the place of a channel: the exchange of red and blue goes
+// both ways.
 constexpr size_t Ordered(size_t channel, bool isRgb) {
     return isRgb && channel < 3 ? 2 - channel : channel;
 }
 
-// Places of whole pixels of channels of so many bytes in pixels of other numbers of channels.
-constexpr Places Reorder(size_t fromChannels, size_t toChannels, size_t channelBytes, bool isRgb) {
-    const size_t widest = fromChannels > toChannels ? fromChannels : toChannels;
-    const size_t pixels = 16 / (widest * channelBytes);
-    return MakePlaces(pixels, toChannels * channelBytes, [&](size_t pixel, size_t byte) {
-        const size_t channel = Ordered(byte / channelBytes, isRgb);
-        return channel < fromChannels ? (pixel * fromChannels + channel) * channelBytes + byte % channelBytes
-                                      : none;
+// The shuffle that lays out pixels of some channels, of so many bytes each, as pixels of other channels. In
+// the high half of the vector the pixels begin so many bytes later.
+template <size_t fromChannels, size_t toChannels, size_t channelBytes>
+constexpr Places Reorder(bool isRgb, size_t highOffset) {
+    constexpr size_t widest = fromChannels > toChannels ? fromChannels : toChannels;
+    constexpr size_t pixels = 16 / (widest * channelBytes);
+    return MakePlaces([&](size_t i) {
+        const size_t pixel = i % 16 / (toChannels * channelBytes);
+        const size_t channel = Ordered(i % 16 / channelBytes % toChannels, isRgb);
+        if (pixel >= pixels || channel >= fromChannels) return size_t{none};
+        return i / 16 * highOffset + (pixel * fromChannels + channel) * channelBytes + i % channelBytes;
     });
 }
-inline __m256i ReorderShuffle(size_t fromChannels, size_t toChannels, size_t channelBytes, bool isRgb,
-                              char addToHigh = 0) {
-    return MakeShuffle(Reorder(fromChannels, toChannels, channelBytes, isRgb), addToHigh);
+
+// For both orders.
+template <size_t fromChannels, size_t toChannels, size_t channelBytes, size_t highOffset = 0>
+inline __m256i ReorderShuffle(bool isRgb) {
+    static constexpr Places places[2] = {Reorder<fromChannels, toChannels, channelBytes>(false, highOffset),
+                                         Reorder<fromChannels, toChannels, channelBytes>(true, highOffset)};
+    return Load(places[isRgb]);
 }
 
 // Readers
@@ -104,8 +101,8 @@ struct ReadIndex8 {
 
 struct ReadGray8 {
     static constexpr size_t bits = 8;
-    __m256i replicate =
-        MakeShuffle(MakePlaces(4, 4, [](size_t pixel, size_t byte) { return byte < 3 ? pixel : none; }), 4);
+    static constexpr Places places = MakePlaces([](size_t i) { return i % 4 < 3 ? i / 4 : none; });
+    __m256i replicate = Load(places);
     explicit ReadGray8(const RowParameters&) {}
     Colours operator()(const uint8_t* source) const {
         Colours colours;
@@ -135,8 +132,8 @@ struct ReadGrayValue {
 };
 
 struct ReadGrayColour : ReadGrayValue {
-    __m256i replicate =
-        MakeShuffle(MakePlaces(4, 4, [](size_t pixel, size_t byte) { return byte < 3 ? pixel * 4 : none; }));
+    static constexpr Places places = MakePlaces([](size_t i) { return i % 4 < 3 ? i % 16 / 4 * 4 : none; });
+    __m256i replicate = Load(places);
     using ReadGrayValue::ReadGrayValue;
     Colours operator()(const uint8_t* source) const {
         const GrayLevels levels = ReadGrayValue::operator()(source);
@@ -166,7 +163,7 @@ inline __m256i Masked(__m256i value, uint32_t mask) {
 struct ReadColour16 {
     static constexpr size_t bits = 16;
     __m256i order;
-    explicit ReadColour16(const RowParameters& p) : order(ReorderShuffle(4, 4, 1, p.SourceIsRgb)) {}
+    explicit ReadColour16(const RowParameters& p) : order(ReorderShuffle<4, 4, 1>(p.SourceIsRgb)) {}
     Colours operator()(const uint8_t* source) const {
         Colours colours;
         for (size_t i = 0; i < 4; ++i) {
@@ -188,7 +185,7 @@ template <size_t channels> struct ReadColour {
     static constexpr size_t bits = channels * 8;
     __m256i order;
     explicit ReadColour(const RowParameters& p)
-        : order(ReorderShuffle(channels, 4, 1, p.SourceIsRgb, channels == 3 ? 4 : 0)) {}
+        : order(ReorderShuffle < channels, 4, 1, channels == 3 ? 4 : 0 > (p.SourceIsRgb)) {}
     Colours operator()(const uint8_t* source) const {
         Colours colours;
         for (size_t i = 0; i < 4; ++i) {
@@ -203,7 +200,7 @@ template <size_t channels> struct ReadDeep {
     static constexpr size_t bits = channels * 16;
     __m256i order;
     explicit ReadDeep(const RowParameters& p)
-        : order(ReorderShuffle(channels, 4, 2, p.SourceIsRgb, channels == 3 ? 4 : 0)) {}
+        : order(ReorderShuffle < channels, 4, 2, channels == 3 ? 4 : 0 > (p.SourceIsRgb)) {}
     DeepColours operator()(const uint8_t* source) const {
         DeepColours colours;
         for (size_t i = 0; i < 8; ++i) {
@@ -330,7 +327,7 @@ struct WriteSwappedGray : WriteGrayWords {
 struct WriteColour16 {
     static constexpr size_t bits = 16;
     __m256i order;
-    explicit WriteColour16(const RowParameters& p) : order(ReorderShuffle(4, 4, 1, p.TargetIsRgb)) {}
+    explicit WriteColour16(const RowParameters& p) : order(ReorderShuffle<4, 4, 1>(p.TargetIsRgb)) {}
     // The fields are put together by multiplying and adding: the upper five bits of the channels times 1, 32
     // and 1024, and the upper bit of alpha times 2048.
     __m256i Packed(__m256i colours) const {
@@ -347,7 +344,7 @@ struct WriteColour16 {
 template <size_t channels, Alpha alpha = Alpha::Used> struct WriteColour {
     static constexpr size_t bits = channels * 8;
     __m256i order;
-    explicit WriteColour(const RowParameters& p) : order(ReorderShuffle(4, channels, 1, p.TargetIsRgb)) {}
+    explicit WriteColour(const RowParameters& p) : order(ReorderShuffle<4, channels, 1>(p.TargetIsRgb)) {}
     void operator()(uint8_t* target, const Colours& colours) const {
         __m256i eight[4];
         for (size_t i = 0; i < 4; ++i)
@@ -362,18 +359,27 @@ template <size_t channels, Alpha alpha = Alpha::Used> struct WriteColour {
     }
 };
 
+// Words of deep pixels, both bytes of each from the byte of its channel.
+constexpr Places SpreadBytes(size_t channels, bool isRgb) {
+    return MakePlaces([&](size_t i) {
+        const size_t pixel = i % 16 / (channels * 2);
+        return pixel < 2 ? pixel * 4 + Ordered(i % 16 / 2 % channels, isRgb) : none;
+    });
+}
+
 template <size_t channels, Alpha alpha = Alpha::Used> struct WriteDeep {
     static constexpr size_t bits = channels * 16;
-    __m256i order, spread, replicate;
+    static constexpr size_t pixelBytes = channels * 2;
+    static constexpr Places replicated = MakePlaces([](size_t i) {
+        const size_t byte = i % 16 % pixelBytes;
+        return i % 16 < 2 * pixelBytes && byte < 6 ? i % 16 / pixelBytes * 4 + byte % 2 : none;
+    });
+    static constexpr Places spreadPlaces[2] = {SpreadBytes(channels, false), SpreadBytes(channels, true)};
+    __m256i order, spread;
+    __m256i replicate = Load(replicated);
     Scaler scale;
     explicit WriteDeep(const RowParameters& p)
-        : order(ReorderShuffle(4, channels, 2, p.TargetIsRgb)),
-          spread(MakeShuffle(MakePlaces(
-              2, channels * 2,
-              [&](size_t pixel, size_t byte) { return pixel * 4 + Ordered(byte / 2, p.TargetIsRgb); }))),
-          replicate(MakeShuffle(
-              MakePlaces(2, channels * 2,
-                         [](size_t pixel, size_t byte) { return byte < 6 ? pixel * 4 + byte % 2 : none; }))),
+        : order(ReorderShuffle<4, channels, 2>(p.TargetIsRgb)), spread(Load(spreadPlaces[p.TargetIsRgb])),
           scale(p.Scale, 0xFFFF) {}
 
     // Eight vectors of four pixels in the layout of the target.

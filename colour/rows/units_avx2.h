@@ -61,16 +61,21 @@ inline void Store96(uint8_t* place, __m256i a, __m256i b, __m256i c, __m256i d) 
     Store(place + 64, _mm256_blend_epi32(c, d, 0xFC));
 }
 
-// A byte shuffle within the halves of a vector, made from the places of each half; none gives zero, whatever
-// is added to it.
+// A byte shuffle within the halves of a vector: the place in its half that each byte comes from, none for
+// zero.
 struct Places {
-    uint8_t Place[16];
+    uint8_t Place[32];
 };
 constexpr uint8_t none = 0x80;
 
-inline __m256i MakeShuffle(const Places& places, char addToHigh = 0) {
-    const __m128i low = LoadHalf(places.Place);
-    return _mm256_setr_m128i(low, _mm_add_epi8(low, _mm_set1_epi8(addToHigh)));
+template <class PlaceOf> constexpr Places MakePlaces(PlaceOf placeOf) {
+    Places places{};
+    for (size_t i = 0; i < 32; ++i)
+        places.Place[i] = static_cast<uint8_t>(placeOf(i));
+    return places;
+}
+inline __m256i Load(const Places& places) {
+    return Load(places.Place);
 }
 
 // The bits of the last byte that hold no pixel: two pixels of 12 bits fill their middle byte from below, all
