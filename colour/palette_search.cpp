@@ -11,10 +11,10 @@ namespace zkr {
 
 namespace {
 
-// A cube is made when a single search has been done in it so many times: that costs about as much as making
-// it, so that colours which never come again are not paid for twice.
+// A cube is made when more single searches than these have been asked for in it: they cost less than making
+// it, so that little is lost on colours that never come again.
 constexpr uint16_t unknownCube = rows::lastKnownCube + 1;
-constexpr uint16_t searchesBeforeMaking = 4;
+constexpr uint16_t searchesBeforeMaking = 2;
 
 constexpr int32_t firstRoom = 512; // cubes, 256 KB
 
