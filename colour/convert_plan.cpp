@@ -1,8 +1,7 @@
 // Chooses the kernels of a conversion and their parameters.
 #include "colour/convert_plan.h"
 
-#include "colour/gray_of.h"
-#include "colour/palette_map.h"
+#include "colour/kept_palette_map.h"
 #include "colour/palette_search.h"
 #include "colour/rows/kernel_set.h"
 #include "zkr13n/bitmap.h"
@@ -257,12 +256,12 @@ void ConvertPlan::PlanIndexMap() {
     if (bits == request_.TargetBits &&
         (bits == 0 || std::memcmp(source, target, static_cast<size_t>(entries) * sizeof(RGBQUAD)) == 0))
         return;
-    const bool isIdentity =
-        BuildPaletteMap(source, entries, target, 1 << PixelBits(request_.TargetBits), map_) == 1;
+    const PaletteMap& map =
+        PaletteMapFor(source, entries, target, 1 << PixelBits(request_.TargetBits), spareMap_);
     if (bits >= 1 && bits <= 7) {
-        Add(kernels_.Unpack[bits], {.Table = isIdentity ? identityMap.data() : map_});
-    } else if (!isIdentity) {
-        Add(kernels_.MapBytes, {.Table = map_});
+        Add(kernels_.Unpack[bits], {.Table = map.IsIdentity ? identityMap.data() : map.Index});
+    } else if (!map.IsIdentity) {
+        Add(kernels_.MapBytes, {.Table = map.Index});
     }
     AddPack();
 }
@@ -282,13 +281,11 @@ void ConvertPlan::PlanGray() {
         is12 ? Plan12ToGray(window) : Plan16ToGray(window);
     } else if (request_.SourcePalette != nullptr) {
         AddTarget(Source::GrayLookup, parameters);
-    } else if (TargetIsIndexed()) {
-        PlanGrayToMap(window);
     } else {
         parameters.Scale = request_.TargetBits >= 48 ? Stretched(0xFFFF, window)
                            : window.Mask < 0xFF      ? Stretched(0xFF, window)
                                                      : unscaled;
-        AddTarget(Source::GrayValue, parameters);
+        TargetIsIndexed() ? PlanGrayToMap(parameters) : AddTarget(Source::GrayValue, parameters);
     }
 }
 
@@ -331,19 +328,11 @@ void ConvertPlan::Plan16ToGray(const GrayWindow& window) {
     }
 }
 
-// Gray values without a lookup table to indices: one map from the ramp of all values.
-void ConvertPlan::PlanGrayToMap(const GrayWindow& window) {
-    const uint32_t entries = std::clamp(window.Mask + 1, 2u, 256u);
-    RGBQUAD ramp[256];
-    for (uint32_t i = 0; i < entries; ++i)
-        ramp[i] = GrayRampEntry(i, entries);
-    BuildPaletteMap(ramp, static_cast<int32_t>(entries), TargetPalette(), 1 << request_.TargetBits, map_);
-    // Every level goes where the search finds it. A target that begins with the ramp maps to itself at once,
-    // which is the same for all but white: that is looked for at the target's end first.
-    map_[entries - 1] =
-        static_cast<uint8_t>(Z_FindPaletteIndex(TargetPalette(), 1 << request_.TargetBits, 255, 255, 255));
-    Add(Source::GrayValue, Target::Gray8, {.Mask = window.Mask & 0xFF, .Shift = window.Shift});
-    Add(kernels_.MapBytes, {.Table = map_});
+// Gray values without a lookup table to indices: the values become gray levels, and one map serves the row.
+void ConvertPlan::PlanGrayToMap(const RowParameters& parameters) {
+    const PaletteMap& map = PaletteMapFor(nullptr, 256, TargetPalette(), 1 << request_.TargetBits, spareMap_);
+    Add(Source::GrayValue, Target::Gray8, parameters);
+    Add(kernels_.MapBytes, {.Table = map.Index});
     AddPack();
 }
 

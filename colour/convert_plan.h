@@ -2,6 +2,7 @@
 // with their parameters. Making the plan takes all decisions; running it takes none.
 #pragma once
 
+#include "colour/kept_palette_map.h"
 #include "colour/rows/row_kernel.h"
 #include "zkr13n/convert.h"
 
@@ -58,7 +59,7 @@ class ConvertPlan {
     void PlanGray();
     void Plan12ToGray(const GrayWindow& window);
     void Plan16ToGray(const GrayWindow& window);
-    void PlanGrayToMap(const GrayWindow& window);
+    void PlanGrayToMap(const rows::RowParameters& parameters);
     void PlanColour();
 
     void Add(rows::RowKernel kernel, const rows::RowParameters& parameters);
@@ -73,7 +74,7 @@ class ConvertPlan {
     const rows::ConvertKernels& kernels_;
     int32_t stageCount_ = 0;
     ConvertStage stages_[maximumStages];
-    uint8_t map_[256];
+    PaletteMap spareMap_;
 };
 
 } // namespace zkr

@@ -74,8 +74,8 @@ void DisarmHotKey(ThreadSettings& settings) {
 void Release(Record* record) {
     Unlink(record);
     DisarmHotKey(record->Settings);
-    const ThreadAttachment& search = record->Settings.PaletteSearch;
-    if (search.Release != nullptr) search.Release(search.Data);
+    for (const ThreadAttachment& attachment : {record->Settings.PaletteSearch, record->Settings.PaletteMap})
+        if (attachment.Release != nullptr) attachment.Release(attachment.Data);
     Z_Free(record);
 }
 

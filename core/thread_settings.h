@@ -49,6 +49,7 @@ struct ThreadSettings {
     char* TokenRest; // where Z_Strtok goes on
 
     ThreadAttachment PaletteSearch; // the nearest-colour index of the palette last matched against
+    ThreadAttachment PaletteMap;    // the map between the two palettes last converted between
 };
 
 // The record of the calling thread, or the static record; never fails.
