@@ -1,0 +1,55 @@
+// Bitmap: a bitmap of the library that frees itself, and the storage class that it was asked to live in.
+#pragma once
+
+#include "pixel_format.h"
+
+#include "zkr13n/bitmap.h"
+
+#include <memory>
+#include <string>
+
+namespace zkr::app {
+
+enum class StorageClass { Conventional, User, Tiled, Disk };
+
+// Where a bitmap shall live. A tiled one is cut into about `tiles` tiles, of which at most `memoryBudget` are
+// in memory at one time and `views` of these are windows on file tiles; the rest stay tiles in memory for
+// good.
+struct Storage {
+    StorageClass kind = StorageClass::Conventional;
+    int tiles = 12;
+    int memoryBudget = 5;
+    int views = 2;
+};
+
+class Bitmap {
+  public:
+    // `name` is the file or step that messages name. Throws Failure with the library's message.
+    Bitmap(const std::string& name, const PixelFormat& format, int width, int height, const Storage& storage);
+    Bitmap(Bitmap&& other) noexcept;
+    Bitmap& operator=(Bitmap&& other) noexcept;
+    ~Bitmap();
+
+    const std::string& Name() const { return name_; }
+    const PixelFormat& Format() const { return format_; }
+    int Width() const { return handle_.Width; }
+    int Height() const { return handle_.Height; }
+    size_t Bytes() const { return handle_.Size; }
+    uint32_t RowBytes() const { return handle_.BytesPerLine; }
+    BitmapHandle* Handle() { return &handle_; }
+
+    // Whole rows: buffers hold RowBytes().
+    void GetRow(int row, void* buffer);
+    void PutRow(int row, const void* buffer);
+
+  private:
+    std::string name_;
+    PixelFormat format_;
+    BitmapHandle handle_ = {};
+    std::unique_ptr<uint8_t[]> userData_;
+};
+
+// "conventional", "tiled: 3 memory, 2 views, 7 file": the class that a bitmap has in fact.
+std::string StorageOf(Bitmap& bitmap);
+
+} // namespace zkr::app

@@ -1,0 +1,149 @@
+// The command line: verbs and their options, and the one place where failures are printed. Whatever goes
+// wrong is one line on standard error and exit status 1.
+#include "failure.h"
+#include "progress.h"
+#include "verbs.h"
+
+#include "zkr13n/frame.h"
+
+#include <CLI/CLI.hpp>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zkr::app {
+
+namespace {
+
+// The words that an option takes, in the order in which they are listed.
+template <class Value> using Words = std::vector<std::pair<const char*, Value>>;
+
+const Words<int> OrderNames = {{"rgb", Z_ORDER_RGB}, {"bgr", Z_ORDER_BGR}, {"gray", Z_ORDER_GRAY}};
+const Words<PaletteChoice> PaletteNames = {{"fixed", PaletteChoice::Fixed}, {"gray", PaletteChoice::Gray}};
+const Words<StorageClass> StorageNames = {{"conventional", StorageClass::Conventional},
+                                          {"user", StorageClass::User},
+                                          {"tiled", StorageClass::Tiled},
+                                          {"disk", StorageClass::Disk}};
+
+constexpr const char* About = "zkr takes pictures through the ZKR13N raster image kernel.\n";
+
+constexpr const char* Notes =
+    "Pictures are read from PNG, JPEG, PBM (P4), PGM (P5) and, where jbgtopbm is installed, JBIG files, each "
+    "in\n"
+    "the depth that the file has. They are written as PNG. Depths that PNG lacks take the next that holds "
+    "them:\n"
+    "  3, 5, 6, 7 bits   8-bit palette picture with the palette of the depth\n"
+    "  12 bits           16-bit gray, marked as 12 significant bits, and read back as 12\n"
+    "  16 bits, colour   24-bit colour, marked as 5 significant bits a channel\n"
+    "The fourth channel of 32 and 64 bits is written as opaque where the picture had no alpha.\n\n"
+    "Exit status: 0 when all went well, 1 after an error, which is told in one line on standard error.";
+
+template <class Value> std::string ListOf(const Words<Value>& words) {
+    std::string list;
+    for (const auto& [word, value] : words)
+        list += (list.empty() ? "" : "|") + std::string(word);
+    return list;
+}
+
+template <class Value, class Target>
+void AddWord(CLI::App* verb, const std::string& name, Target& target, const Words<Value>& words,
+             const std::string& help) {
+    const auto set = [&target, &words](const std::string& given) {
+        for (const auto& [word, value] : words) {
+            if (given != word) continue;
+            target = value;
+            return;
+        }
+        throw CLI::ValidationError("'" + given + "' is not one of " + ListOf(words));
+    };
+    verb->add_option_function<std::string>(name, set, help)->type_name(ListOf(words));
+}
+
+std::string Version() {
+    VersionRecord record = {};
+    Z_VersionInfo(&record);
+    return "zkr, for ZKR13N " + std::to_string(record.VersionMajor) + "." +
+           std::to_string(record.VersionMinor);
+}
+
+int Run(int argc, char** argv) {
+    CLI::App app(About, "zkr");
+    app.footer(Notes);
+    app.set_version_flag("--version", Version, "Print the version and exit");
+    app.set_help_flag("-h,--help", "Print this help, or that of a verb, and exit");
+    app.require_subcommand(1);
+    app.get_formatter()->column_width(32);
+    app.get_formatter()->label("REQUIRED", "");
+
+    InfoOptions info;
+    CLI::App* infoVerb = app.add_subcommand("info", "Tell what a picture file holds, from its header");
+    infoVerb->add_option("PICTURE", info.picture, "the file")->required()->type_name("");
+    infoVerb->callback([&] { RunInfo(info); });
+
+    ConvertOptions convert;
+    CLI::App* convertVerb =
+        app.add_subcommand("convert", "Convert a picture to another depth, order or palette");
+    convertVerb->add_option("IN", convert.input, "the picture")->required()->type_name("");
+    convertVerb->add_option("OUT", convert.output, "the PNG file to write")->required()->type_name("");
+    convertVerb
+        ->add_option("--bits", convert.bits,
+                     "bits per pixel, must be given: 1 to 8 (palette),\n"
+                     "0 (8-bit gray), 12 (gray), 16, 24, 32, 48 or 64")
+        ->required()
+        ->type_name("N");
+    AddWord(convertVerb, "--order", convert.order, OrderNames,
+            "colour order from 12 bits on (default: gray for 12 bits\n"
+            "and for 16 bits of a gray picture, else rgb)");
+    AddWord(convertVerb, "--palette", convert.palette, PaletteNames,
+            "palette of 1 to 8 bits (default: the picture's own\n"
+            "where the depth stays, else fixed)");
+    AddWord(convertVerb, "--storage", convert.storage, StorageNames,
+            "where the bitmaps live on the way\n(default: conventional)");
+    convertVerb->callback([&] { RunConvert(convert); });
+
+    TourOptions tour;
+    CLI::App* tourVerb = app.add_subcommand("tour", "Take a picture through every storage class and depth");
+    tourVerb->add_option("PICTURE", tour.picture, "the picture (default: a photograph of a honey bee)")
+        ->type_name("");
+    tourVerb
+        ->add_option("--out", tour.out,
+                     "folder for the results, made where missing\n(default: " + tour.out + ")")
+        ->type_name("DIR");
+    tourVerb->callback([&] { RunTour(tour); });
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& help) {
+        return app.exit(help);
+    } catch (const CLI::Error& error) {
+        if (argc > 1 && app.get_subcommands().empty())
+            throw Failure(argv[1], "no verb of zkr (see zkr --help)");
+        std::fprintf(stderr, "zkr: %s (see zkr --help)\n", error.what());
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace
+
+} // namespace zkr::app
+
+int main(int argc, char** argv) {
+    // A reader that goes away and a limit on file sizes become errors of the write that meets them.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    zkr::app::StatusBar::WatchInterrupts();
+    try {
+        return zkr::app::Run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "zkr: %s\n", Z_GetErrorText(Z_ERROR_MEMORY));
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "zkr: %s\n", error.what());
+    }
+    return 1;
+}

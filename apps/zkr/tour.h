@@ -1,0 +1,57 @@
+// The tour: stations that take a picture through the library one after the other. A station adds lines to the
+// table on the terminal, writes pictures into the folder and puts small ones on the contact sheet.
+#pragma once
+
+#include "bitmap.h"
+#include "contact_sheet.h"
+
+#include <chrono>
+#include <filesystem>
+#include <string>
+
+namespace zkr::app {
+
+// One line of the table.
+struct TourStep {
+    std::string step = {};
+    std::string pixels = {};
+    std::string storage = {};
+    size_t bytes = 0;
+    double milliseconds = 0;
+    std::string result = {};
+    bool wrong = false; // the result is not what the library promises
+};
+
+struct Tour {
+    Bitmap photo;     // 24 bits, rgb
+    std::string page; // file of a bitonal page
+    std::filesystem::path out;
+    ContactSheet sheet;
+    std::vector<std::string> storageLines = {}; // of the photograph, for the sheet
+    int wrongSteps = 0;
+
+    void Print(const TourStep& step);
+    // A cell with a small copy of a bitmap of the photograph's format.
+    static ContactSheet::Cell Cell(Bitmap& bitmap, const std::string& title, const std::string& text);
+    void Write(Bitmap& bitmap, const std::string& fileName);
+};
+
+class Stopwatch {
+  public:
+    double Milliseconds() const {
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start_).count();
+    }
+
+  private:
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+// Takes rows of `source` into each storage class and compares what comes back. Gives a line of text for each.
+std::vector<std::string> ThroughStorageClasses(Tour& tour, Bitmap& source);
+
+void StorageStation(Tour& tour);
+void DepthStation(Tour& tour);
+void BitonalStation(Tour& tour);
+void SheetStation(Tour& tour);
+
+} // namespace zkr::app

@@ -1,0 +1,150 @@
+// Whatever is wrong with the input or the place of the output: one line on standard error that names the file
+// and the cause, exit status 1, and no file left behind.
+#include "picture_files.h"
+#include "run_program.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace {
+
+class BadInputTest : public ProgramTest {
+  protected:
+    BadInputTest() {
+        WritePng(Path("good.png"), PictureOf(64, 48, 8, PNG_COLOR_TYPE_RGB, Scattered));
+        WriteFlatJpeg(Path("good.jpg"), 64, 48, 3, 90);
+        std::filesystem::create_directory(Path("folder.png"));
+    }
+
+    void Fails(const std::vector<std::string>& words, const std::string& file, const std::string& cause,
+               const RunLimits& limits = {}) const {
+        SCOPED_TRACE(testing::PrintToString(words));
+        const std::vector<std::string> before = FilesInFolder();
+        const Outcome outcome = RunZkr(words, limits);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_TRUE(outcome.errors.starts_with("zkr: " + file)) << outcome.errors;
+        EXPECT_NE(outcome.errors.find(cause), std::string::npos) << outcome.errors;
+        EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;
+        EXPECT_EQ(FilesInFolder(), before);
+    }
+    void FailsOnInput(const std::string& name, const std::string& cause) const {
+        Fails({"convert", Path(name), Path("out.png"), "--bits", "24"}, Path(name) + ": ", cause);
+    }
+    void FailsOnOutput(const std::string& name, const std::string& cause,
+                       const RunLimits& limits = {}) const {
+        Fails({"convert", Path("good.png"), Path(name), "--bits", "24"}, Path(name) + ": ", cause, limits);
+    }
+    // Bytes of a good file, with some of them changed or cut away.
+    void Damaged(const std::string& source, const std::string& name, size_t length, size_t place = 0,
+                 const std::string& bytes = "") const {
+        std::string content = ReadText(source).substr(0, length);
+        content.replace(place, bytes.size(), bytes);
+        WriteText(name, content);
+    }
+};
+
+constexpr size_t whole = std::string::npos;
+constexpr size_t sizeInPng = 16; // where width and height stand, four bytes each
+
+} // namespace
+
+TEST_F(BadInputTest, FilesThatAreNoPictures) {
+    FailsOnInput("missing.png", "No such file");
+    FailsOnInput("folder.png", "directory");
+    WriteText("empty.png", "");
+    FailsOnInput("empty.png", "empty");
+    WriteText("text.png", "This is a letter and not a picture.");
+    FailsOnInput("text.png", "not a PNG");
+    Fails({"info", Path("missing.png")}, Path("missing.png") + ": ", "No such file");
+    Fails({"tour", Path("text.png"), "--out", Path("out")}, Path("text.png") + ": ", "not a PNG");
+}
+
+TEST_F(BadInputTest, TruncatedAndDamagedPictures) {
+    const size_t pngLength = ReadText("good.png").size();
+    for (const size_t length :
+         {size_t{8}, size_t{20}, size_t{33}, pngLength / 2, pngLength - 12, pngLength - 1}) {
+        Damaged("good.png", "short.png", length);
+        FailsOnInput("short.png", "the file ends too early");
+    }
+    Damaged("good.png", "bits.png", whole, pngLength / 2, "\x55\xAA");
+    FailsOnInput("bits.png", "");
+    const size_t jpegLength = ReadText("good.jpg").size();
+    for (const size_t length : {size_t{3}, size_t{100}, jpegLength - 20}) {
+        Damaged("good.jpg", "short.jpg", length);
+        FailsOnInput("short.jpg", "");
+    }
+    WriteText("short.pgm", "P5 10 10 255\n" + std::string(99, 'x'));
+    FailsOnInput("short.pgm", "the file ends too early");
+    WriteText("header.pgm", "P5 10 ten 255\n");
+    FailsOnInput("header.pgm", "header");
+    WriteText("noise.jbg", "this is no JBIG");
+    FailsOnInput("noise.jbg", "");
+    WriteFlatJpeg(Path("print.jpg"), 8, 8, 4, 90);
+    FailsOnInput("print.jpg", "four colours");
+}
+
+TEST_F(BadInputTest, SizesOfNothingAndOfTooMuch) {
+    const std::string invalidSize = "Invalid width/height";
+    Damaged("good.png", "flat.png", whole, sizeInPng + 4, std::string(4, '\0'));
+    FailsOnInput("flat.png", invalidSize);
+    Damaged("good.png", "thin.png", whole, sizeInPng, std::string(4, '\0'));
+    FailsOnInput("thin.png", invalidSize);
+    WriteText("nothing.pgm", "P5 0 0 255\n");
+    FailsOnInput("nothing.pgm", invalidSize);
+    WriteText("overflow.pgm", "P5 99999999999999999999 1 255\n");
+    FailsOnInput("overflow.pgm", invalidSize);
+    // No memory and no disk holds 2^62 pixels; the answer comes before anything is read.
+    WriteText("huge.pgm", "P5 2147483647 2147483647 65535\n");
+    FailsOnInput("huge.pgm", "");
+}
+
+TEST_F(BadInputTest, WishesThatCannotBeMet) {
+    const auto wish = [this](const std::vector<std::string>& options, const std::string& cause) {
+        std::vector<std::string> words = {"convert", Path("good.png"), Path("out.png"), "--bits"};
+        words.insert(words.end(), options.begin(), options.end());
+        Fails(words, Path("out.png") + ": ", cause);
+    };
+    for (const char* bits : {"9", "-1", "15", "65", "1000000"}) {
+        wish({bits}, std::string(bits) + " bits per pixel: Invalid bits/pixel");
+    }
+    wish({"24", "--order", "gray"}, "12 and 16");
+    wish({"8", "--order", "bgr"}, "12 bits per pixel and more");
+    wish({"12", "--order", "rgb"}, "always gray");
+    wish({"24", "--palette", "fixed"}, "1 to 8");
+
+    const std::vector<std::string> start = {"convert", Path("good.png"), Path("out.png"), "--bits", "24"};
+    for (const auto& [option, word] :
+         {std::pair("--order", "grb"), {"--palette", "best"}, {"--storage", "attic"}}) {
+        std::vector<std::string> words = start;
+        words.insert(words.end(), {option, word});
+        Fails(words, "", std::string("'") + word + "' is not one of ");
+    }
+    Fails({}, "", "subcommand");
+    Fails({"paint", Path("good.png")}, "paint: ", "no verb");
+    Fails({"convert", Path("good.png"), Path("out.png")}, "", "--bits");
+    Fails({"convert", Path("good.png"), Path("out.png"), "--bits", "many"}, "", "many");
+}
+
+TEST_F(BadInputTest, PlacesThatTakeNoOutput) {
+    FailsOnOutput("missing/out.png", "No such file or directory");
+    FailsOnOutput("good.png/out.png", "Not a directory");
+    FailsOnOutput("folder.png", "directory");
+    FailsOnOutput("out.jpg", ".png");
+    Fails({"tour", Path("good.png"), "--out", Path("good.png")}, Path("good.png") + ": ", "");
+
+    std::filesystem::permissions(Path("folder.png"), std::filesystem::perms(0555));
+    FailsOnOutput("folder.png/out.png", "Permission denied", {.obeyPermissions = true});
+}
+
+TEST_F(BadInputTest, ADiskThatIsFull) {
+    FailsOnOutput("out.png", "File too large", {.fileBytes = 2000});
+    // The bitmap itself lies in a file here, and its 9216 bytes do not fit.
+    Fails({"convert", Path("good.png"), Path("out.png"), "--bits", "24", "--storage", "disk"},
+          Path("good.png"), "", {.fileBytes = 2000});
+    // An older picture at the place stays as it was.
+    const std::string older = ReadText("good.png");
+    WriteText("out.png", older);
+    FailsOnOutput("out.png", "File too large", {.fileBytes = 2000});
+    EXPECT_TRUE(ReadText("out.png") == older);
+}

@@ -1,0 +1,239 @@
+// zkr convert and zkr info on good pictures: what is lossless comes back to the sample, and what is not
+// follows the rules of the conversions, worked out here by hand.
+#include "picture_files.h"
+#include "run_program.h"
+
+#include <functional>
+
+namespace {
+
+constexpr int width = 37; // odd, so that no depth below 8 bits ends on a whole byte
+constexpr int height = 29;
+
+class ConvertTest : public ProgramTest {
+  protected:
+    // The picture that `zkr convert` with these words makes of a picture.
+    Picture Converted(const Picture& source, std::vector<std::string> words, const PngForm& form = {}) const {
+        WritePng(Path("in.png"), source, form);
+        return ConvertedFile("in.png", std::move(words));
+    }
+    Picture ConvertedFile(const std::string& name, std::vector<std::string> words) const {
+        words.insert(words.begin(), {"convert", Path(name), Path("out.png")});
+        Succeeds(words);
+        return ReadPng(Path("out.png"));
+    }
+};
+
+std::vector<png_color> SomePalette(int bits) {
+    std::vector<png_color> palette;
+    for (unsigned i = 0; i < 1u << bits; ++i) {
+        palette.push_back(
+            {static_cast<png_byte>(255 - i), static_cast<png_byte>(i * 7), static_cast<png_byte>(i)});
+    }
+    return palette;
+}
+
+Picture Colours() {
+    return PictureOf(width, height, 8, PNG_COLOR_TYPE_RGB, Scattered);
+}
+
+// The same picture with other samples.
+Picture Changed(Picture picture, int depth, const std::function<uint32_t(uint32_t)>& change) {
+    picture.depth = depth;
+    for (uint16_t& sample : picture.samples)
+        sample = static_cast<uint16_t>(change(sample));
+    return picture;
+}
+
+// One gray sample of each pixel.
+Picture GrayOf(const Picture& picture, int depth, const std::function<uint32_t(uint32_t)>& scale) {
+    Picture gray = {picture.width, picture.height, depth, PNG_COLOR_TYPE_GRAY, {}};
+    for (size_t i = 0; i < picture.samples.size(); i += 3) {
+        const uint32_t level =
+            (2u * picture.samples[i] + 5u * picture.samples[i + 1] + picture.samples[i + 2] + 4u) >> 3;
+        gray.samples.push_back(static_cast<uint16_t>(scale(level)));
+    }
+    return gray;
+}
+
+uint32_t ThroughFiveBits(uint32_t channel) {
+    const uint32_t five = channel >> 3;
+    return five << 3 | five >> 2;
+}
+
+uint32_t TwelveInSixteen(uint32_t value) {
+    return value * 65535 / 4095;
+}
+
+} // namespace
+
+TEST_F(ConvertTest, KeepsEveryKindOfPngInEveryStorageClass) {
+    const struct {
+        int depth, type;
+        const char* bits;
+        const char* order;
+    } kinds[] = {
+        {1, PNG_COLOR_TYPE_PALETTE, "1", ""},        {2, PNG_COLOR_TYPE_PALETTE, "2", ""},
+        {4, PNG_COLOR_TYPE_PALETTE, "4", ""},        {8, PNG_COLOR_TYPE_PALETTE, "8", ""},
+        {1, PNG_COLOR_TYPE_GRAY, "1", ""},           {2, PNG_COLOR_TYPE_GRAY, "2", ""},
+        {4, PNG_COLOR_TYPE_GRAY, "4", ""},           {8, PNG_COLOR_TYPE_GRAY, "0", ""},
+        {16, PNG_COLOR_TYPE_GRAY, "16", "gray"},     {8, PNG_COLOR_TYPE_RGB, "24", "rgb"},
+        {8, PNG_COLOR_TYPE_RGB, "24", "bgr"},        {8, PNG_COLOR_TYPE_RGB_ALPHA, "32", "bgr"},
+        {16, PNG_COLOR_TYPE_RGB, "48", "bgr"},       {16, PNG_COLOR_TYPE_RGB_ALPHA, "64", "rgb"},
+        {16, PNG_COLOR_TYPE_RGB_ALPHA, "64", "bgr"},
+    };
+    for (const auto& kind : kinds) {
+        Picture picture = PictureOf(width, height, kind.depth, kind.type, Scattered);
+        if (kind.type == PNG_COLOR_TYPE_PALETTE) picture.palette = SomePalette(kind.depth);
+        for (const char* storage : {"conventional", "user", "tiled", "disk"}) {
+            SCOPED_TRACE(testing::Message() << kind.bits << " bits, " << storage);
+            std::vector<std::string> words = {"--bits", kind.bits, "--storage", storage};
+            if (*kind.order != 0) words.insert(words.end(), {"--order", kind.order});
+            EXPECT_EQ(Converted(picture, words), picture);
+        }
+    }
+}
+
+TEST_F(ConvertTest, WidensColourWithoutLoss) {
+    const Picture source = Colours();
+    const auto times257 = [](uint32_t sample) { return sample * 257; };
+    EXPECT_EQ(Converted(source, {"--bits", "48"}), Changed(source, 16, times257));
+
+    // The fourth channel of a picture without alpha is written as opaque.
+    const Picture wide = Converted(source, {"--bits", "32", "--order", "bgr"});
+    ASSERT_EQ(wide.type, PNG_COLOR_TYPE_RGB_ALPHA);
+    for (size_t i = 0; i < wide.samples.size(); ++i) {
+        ASSERT_EQ(wide.samples[i], i % 4 == 3 ? 255 : source.samples[i / 4 * 3 + i % 4]) << i;
+    }
+    EXPECT_EQ(ConvertedFile("out.png", {"--bits", "24"}), source);
+
+    const Picture alpha = PictureOf(width, height, 8, PNG_COLOR_TYPE_RGB_ALPHA, Scattered);
+    EXPECT_EQ(Converted(alpha, {"--bits", "64"}), Changed(alpha, 16, times257));
+    EXPECT_EQ(ConvertedFile("out.png", {"--bits", "32"}), alpha);
+}
+
+TEST_F(ConvertTest, NarrowsByTheRules) {
+    const Picture source = Colours();
+    for (const char* order : {"rgb", "bgr"}) {
+        EXPECT_EQ(Converted(source, {"--bits", "16", "--order", order}), Changed(source, 8, ThroughFiveBits));
+    }
+    EXPECT_EQ(Converted(source, {"--bits", "0"}), GrayOf(source, 8, [](uint32_t g) { return g; }));
+    EXPECT_EQ(Converted(source, {"--bits", "16", "--order", "gray"}),
+              GrayOf(source, 16, [](uint32_t g) { return g * 257; }));
+
+    Picture twelve = GrayOf(source, 16, [](uint32_t g) { return TwelveInSixteen(((g << 12) - g) / 255); });
+    twelve.significantBits = 12;
+    EXPECT_EQ(Converted(source, {"--bits", "12"}), twelve);
+    // What was written as 12 bits is read as 12 bits.
+    EXPECT_EQ(ConvertedFile("out.png", {"--bits", "12"}), twelve);
+    EXPECT_NE(Succeeds({"info", Path("out.png")}).find("12 gray"), std::string::npos);
+
+    const Picture deep = PictureOf(width, height, 16, PNG_COLOR_TYPE_RGB, Scattered);
+    EXPECT_EQ(Converted(deep, {"--bits", "24"}),
+              Changed(deep, 8, [](uint32_t sample) { return sample >> 8; }));
+}
+
+TEST_F(ConvertTest, FindsEveryColourOfTheFixedPalettes) {
+    // Levels of a channel of 2, 4 and 8 steps.
+    const std::vector<int> two = {0, 255}, four = {0, 0x55, 0xAA, 255},
+                           eight = {0, 0x24, 0x49, 0x6D, 0x92, 0xB6, 0xDB, 255};
+    const struct {
+        const char* bits;
+        const std::vector<int>&blue, &green, &red; // in the order of the index, from its low bits up
+    } palettes[] = {{"3", two, two, two},
+                    {"5", two, four, four},
+                    {"6", four, four, four},
+                    {"7", four, eight, four},
+                    {"8", four, eight, eight}};
+    for (const auto& one : palettes) {
+        SCOPED_TRACE(one.bits);
+        const size_t blues = one.blue.size(), greens = one.green.size();
+        const size_t entries = blues * greens * one.red.size();
+        Picture source = {static_cast<int>(entries), 1, 8, PNG_COLOR_TYPE_RGB, {}};
+        Picture expected = {static_cast<int>(entries), 1, 8, PNG_COLOR_TYPE_PALETTE, {}};
+        for (size_t i = 0; i < entries; ++i) {
+            const png_color colour = {static_cast<png_byte>(one.red[i / blues / greens]),
+                                      static_cast<png_byte>(one.green[i / blues % greens]),
+                                      static_cast<png_byte>(one.blue[i % blues])};
+            source.samples.insert(source.samples.end(), {colour.red, colour.green, colour.blue});
+            expected.samples.push_back(static_cast<uint16_t>(i));
+            expected.palette.push_back(colour);
+        }
+        EXPECT_EQ(Converted(source, {"--bits", one.bits}), expected);
+        EXPECT_EQ(ConvertedFile("out.png", {"--bits", "24"}), source);
+    }
+}
+
+TEST_F(ConvertTest, ReadsTheRarerFormsOfPng) {
+    for (const int depth : {4, 8}) {
+        Picture picture = PictureOf(width, height, depth, PNG_COLOR_TYPE_PALETTE, Scattered);
+        picture.palette = SomePalette(depth);
+        EXPECT_EQ(Converted(picture, {"--bits", std::to_string(depth)}, {.interlaced = true}), picture);
+    }
+    const Picture deep = PictureOf(width, height, 16, PNG_COLOR_TYPE_RGB_ALPHA, Scattered);
+    EXPECT_EQ(Converted(deep, {"--bits", "64"}, {.interlaced = true}), deep);
+
+    // A palette with fewer colours than its depth has room for, one of them transparent: 32 bits with alpha.
+    Picture keyed = {3, 1, 2, PNG_COLOR_TYPE_PALETTE, {0, 1, 2}, {{9, 8, 7}, {60, 50, 40}, {200, 210, 220}}};
+    const Picture expected = {
+        3, 1, 8, PNG_COLOR_TYPE_RGB_ALPHA, {9, 8, 7, 255, 60, 50, 40, 0, 200, 210, 220, 255}};
+    EXPECT_EQ(Converted(keyed, {"--bits", "32"}, {.transparentIndex = 1}), expected);
+
+    const Picture grayAlpha = {2, 1, 8, PNG_COLOR_TYPE_GRAY_ALPHA, {10, 20, 30, 40}};
+    EXPECT_EQ(Converted(grayAlpha, {"--bits", "32"}),
+              (Picture{2, 1, 8, PNG_COLOR_TYPE_RGB_ALPHA, {10, 10, 10, 20, 30, 30, 30, 40}}));
+}
+
+TEST_F(ConvertTest, ReadsPortableAndJpegPictures) {
+    // Ten pixels, black where a bit is set; the filling bits of a row count for nothing.
+    WriteText("page.pbm", "P4 # bits\n10 2\n\xA0\x7F\x0F\xBF");
+    const Picture page = ConvertedFile("page.pbm", {"--bits", "0"});
+    EXPECT_EQ(page,
+              (Picture{10, 2, 8, PNG_COLOR_TYPE_GRAY, {0,   255, 0,   255, 255, 255, 255, 255, 255, 0,
+                                                       255, 255, 255, 255, 0,   0,   0,   0,   0,   255}}));
+    WriteText("gray.pgm", "P5\n# largest value 100\n3 1\n100\n" + std::string("\0\x32\x64", 3));
+    EXPECT_EQ(ConvertedFile("gray.pgm", {"--bits", "0"}),
+              (Picture{3, 1, 8, PNG_COLOR_TYPE_GRAY, {0, 128, 255}}));
+    WriteText("twelve.pgm", "P5 3 1 4095\n" + std::string("\0\1\x0A\xBC\x0F\xFF", 6));
+    Picture twelve = {3, 1, 16, PNG_COLOR_TYPE_GRAY, {16, 0xABCA, 65535}};
+    twelve.significantBits = 12;
+    EXPECT_EQ(ConvertedFile("twelve.pgm", {"--bits", "12"}), twelve);
+    WriteText("sixteen.pgm", "P5 2 1 65535\n" + std::string("\x12\x34\xFE\xDC", 4));
+    EXPECT_EQ(ConvertedFile("sixteen.pgm", {"--bits", "16"}),
+              (Picture{2, 1, 16, PNG_COLOR_TYPE_GRAY, {0x1234, 0xFEDC}}));
+
+    WriteFlatJpeg(Path("gray.jpg"), 21, 11, 1, 77);
+    EXPECT_EQ(ConvertedFile("gray.jpg", {"--bits", "0"}),
+              PictureOf(21, 11, 8, PNG_COLOR_TYPE_GRAY, [](size_t) { return 77u; }));
+    WriteFlatJpeg(Path("white.jpg"), 21, 11, 3, 255);
+    EXPECT_EQ(ConvertedFile("white.jpg", {"--bits", "24"}),
+              PictureOf(21, 11, 8, PNG_COLOR_TYPE_RGB, [](size_t) { return 255u; }));
+}
+
+TEST_F(ConvertTest, GrayPaletteTakesTheNearestLevel) {
+    // Eight levels of three bits: 0, 36, 72, 109, 145, 182, 218, 255.
+    const Picture source = {5, 1, 8, PNG_COLOR_TYPE_GRAY, {0, 17, 19, 110, 255}};
+    const Picture target = Converted(source, {"--bits", "3", "--palette", "gray"});
+    EXPECT_EQ(target.samples, (std::vector<uint16_t>{0, 0, 1, 3, 7}));
+    ASSERT_EQ(target.palette.size(), 8u);
+    EXPECT_EQ(target.palette[3].green, 109);
+}
+
+TEST_F(ConvertTest, InfoTellsDepthSizeAndBytes) {
+    WritePng(Path("in.png"), PictureOf(10, 3, 4, PNG_COLOR_TYPE_GRAY, Scattered), {.interlaced = true});
+    const std::string text = Succeeds({"info", Path("in.png")});
+    for (const char* part :
+         {"PNG, interlaced", "10 x 3 pixels", "4 gray palette", "16 colours", "8 bytes a row, 24 bytes"}) {
+        EXPECT_NE(text.find(part), std::string::npos) << part << " is missing in\n" << text;
+    }
+}
+
+TEST_F(ConvertTest, DrawsAProgressBarOnTerminalsAlone) {
+    WritePng(Path("in.png"), Colours());
+    const std::vector<std::string> words = {"convert", Path("in.png"), Path("out.png"), "--bits", "8"};
+    EXPECT_EQ(RunZkr(words).errors, "");
+    const std::string bar = RunZkr(words, {.errorsOnTerminal = true}).errors;
+    EXPECT_NE(bar.find("  0 %"), std::string::npos);
+    EXPECT_NE(bar.find("100 %"), std::string::npos);
+    EXPECT_TRUE(bar.ends_with("\r\033[K")) << "the bar stays on the screen";
+}

@@ -1,0 +1,119 @@
+// Both outputs go to files outside the test's folder, so that they count neither as the program's output
+// files nor against its limits.
+#include "run_program.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <sstream>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <linux/capability.h>
+
+namespace {
+
+std::string ContentOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream content;
+    content << file.rdbuf();
+    return content.str();
+}
+
+// A pseudo-terminal whose program side stands in for standard error.
+struct Terminal {
+    int master = posix_openpt(O_RDWR | O_NOCTTY);
+    int slave = -1;
+    Terminal() {
+        grantpt(master);
+        unlockpt(master);
+        slave = open(ptsname(master), O_RDWR | O_NOCTTY);
+    }
+    ~Terminal() { close(master); }
+    // All that was written, once the program has ended.
+    std::string Drained() {
+        close(slave);
+        std::string text;
+        char part[4096];
+        for (ssize_t got; (got = read(master, part, sizeof part)) > 0;)
+            text.append(part, static_cast<size_t>(got));
+        return text;
+    }
+};
+
+[[noreturn]] void BecomeProgram(const std::vector<std::string>& arguments, const RunLimits& limits, int out,
+                                int err) {
+    if (limits.fileBytes >= 0) {
+        const auto bytes = static_cast<rlim_t>(limits.fileBytes);
+        const rlimit limit = {bytes, bytes};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    // Fails where the tests do not run as root, and is not needed there.
+    if (limits.obeyPermissions) prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
+    std::vector<char*> words = {const_cast<char*>("zkr")};
+    for (const std::string& argument : arguments)
+        words.push_back(const_cast<char*>(argument.c_str()));
+    words.push_back(nullptr);
+    dup2(out, STDOUT_FILENO);
+    dup2(err, STDERR_FILENO);
+    execv(ZKR_PROGRAM, words.data());
+    _exit(127);
+}
+
+} // namespace
+
+ProgramTest::ProgramTest() {
+    std::string name = (std::filesystem::temp_directory_path() / "zkr-test-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) std::abort();
+    folder_ = name;
+}
+
+ProgramTest::~ProgramTest() {
+    std::filesystem::remove_all(folder_);
+    std::filesystem::remove(folder_.string() + ".out");
+    std::filesystem::remove(folder_.string() + ".err");
+}
+
+std::vector<std::string> ProgramTest::FilesInFolder() const {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_)) {
+        names.push_back(std::filesystem::relative(entry.path(), folder_).string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+Outcome ProgramTest::RunZkr(const std::vector<std::string>& arguments, const RunLimits& limits) const {
+    const std::string outName = folder_.string() + ".out";
+    const std::string errName = folder_.string() + ".err";
+    constexpr int create = O_CREAT | O_TRUNC | O_RDWR | O_CLOEXEC;
+    Terminal terminal;
+    const int out = open(outName.c_str(), create, 0600);
+    const int err = limits.errorsOnTerminal ? terminal.slave : open(errName.c_str(), create, 0600);
+    const pid_t child = fork();
+    if (child == 0) BecomeProgram(arguments, limits, out, err);
+    int status = 0;
+    waitpid(child, &status, 0);
+    close(out);
+    if (!limits.errorsOnTerminal) close(err);
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ContentOf(outName),
+            limits.errorsOnTerminal ? terminal.Drained() : ContentOf(errName)};
+}
+
+void ProgramTest::WriteText(const std::string& name, const std::string& content) const {
+    std::ofstream(Path(name), std::ios::binary) << content;
+}
+
+std::string ProgramTest::ReadText(const std::string& name) const {
+    return ContentOf(Path(name));
+}
+
+std::string ProgramTest::Succeeds(const std::vector<std::string>& arguments) const {
+    const Outcome outcome = RunZkr(arguments);
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+    EXPECT_EQ(outcome.errors, "");
+    return outcome.output;
+}

@@ -1,0 +1,38 @@
+// Runs the program zkr in a folder of its own and gives what it printed and how it ended.
+#pragma once
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+struct Outcome {
+    int status = -1; // exit status; 128 + the signal's number after a signal
+    std::string output;
+    std::string errors;
+};
+
+struct RunLimits {
+    long fileBytes = -1;           // the largest file that the program may write
+    bool obeyPermissions = false;  // also when the tests run as root
+    bool errorsOnTerminal = false; // standard error is a terminal
+};
+
+// A test with an empty folder, which is gone afterwards.
+class ProgramTest : public testing::Test {
+  protected:
+    ProgramTest();
+    ~ProgramTest() override;
+
+    std::string Path(const std::string& name) const { return (folder_ / name).string(); }
+    std::vector<std::string> FilesInFolder() const;
+    Outcome RunZkr(const std::vector<std::string>& arguments, const RunLimits& limits = {}) const;
+    void WriteText(const std::string& name, const std::string& content) const;
+    std::string ReadText(const std::string& name) const;
+
+    // Runs the program and expects that it ends well and says nothing on standard error.
+    std::string Succeeds(const std::vector<std::string>& arguments) const;
+
+  private:
+    std::filesystem::path folder_;
+};

@@ -1,0 +1,88 @@
+// zkr tour from end to end, and the texts by which a user finds the way.
+#include "picture_files.h"
+#include "run_program.h"
+
+#include <algorithm>
+#include <regex>
+
+namespace {
+
+using TourTest = ProgramTest;
+
+size_t CountOf(const std::string& text, const std::string& part) {
+    size_t count = 0;
+    for (size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
+}
+
+} // namespace
+
+TEST_F(TourTest, TakesAPictureThroughEverything) {
+    const Picture photo = PictureOf(64, 48, 8, PNG_COLOR_TYPE_RGB, Scattered);
+    WritePng(Path("photo.png"), photo);
+    const std::string table = Succeeds({"tour", Path("photo.png"), "--out", Path("deep/out")});
+
+    EXPECT_EQ(table.find("differs"), std::string::npos) << table;
+    EXPECT_TRUE(std::regex_search(table, std::regex("tiled: \\d+ memory, \\d+ views, \\d+ file"))) << table;
+    for (const char* part : {"conventional", "user", "disk", "tiled: 12 memory", "tiled: 12 file"}) {
+        EXPECT_NE(table.find(part), std::string::npos) << part << " is missing in\n" << table;
+    }
+    // Colour of 24 bits and more gives every sample back: 24, 32, 48 and 64 bits in both orders.
+    EXPECT_EQ(CountOf(table, "equal"), 10u + 8u + (table.find("skipped") == std::string::npos ? 8u : 0u))
+        << table;
+
+    const struct {
+        const char* file;
+        int depth, type;
+        size_t colours;
+    } pictures[] = {
+        {"depth-01-gray-palette.png", 1, PNG_COLOR_TYPE_GRAY, 0},
+        {"depth-02-gray-palette.png", 2, PNG_COLOR_TYPE_GRAY, 0},
+        {"depth-03-fixed-palette.png", 8, PNG_COLOR_TYPE_PALETTE, 8},
+        {"depth-04-fixed-palette.png", 4, PNG_COLOR_TYPE_PALETTE, 16},
+        {"depth-05-fixed-palette.png", 8, PNG_COLOR_TYPE_PALETTE, 32},
+        {"depth-06-fixed-palette.png", 8, PNG_COLOR_TYPE_PALETTE, 64},
+        {"depth-07-gray-palette.png", 8, PNG_COLOR_TYPE_PALETTE, 128},
+        {"depth-08-fixed-palette.png", 8, PNG_COLOR_TYPE_PALETTE, 256},
+        {"depth-08-gray-palette.png", 8, PNG_COLOR_TYPE_GRAY, 0},
+        {"depth-08-gray-values.png", 8, PNG_COLOR_TYPE_GRAY, 0},
+        {"depth-12-gray.png", 16, PNG_COLOR_TYPE_GRAY, 0},
+        {"depth-16-gray.png", 16, PNG_COLOR_TYPE_GRAY, 0},
+        {"depth-16-bgr.png", 8, PNG_COLOR_TYPE_RGB, 0},
+        {"depth-32-rgb.png", 8, PNG_COLOR_TYPE_RGB_ALPHA, 0},
+        {"depth-48-bgr.png", 16, PNG_COLOR_TYPE_RGB, 0},
+        {"depth-64-rgb.png", 16, PNG_COLOR_TYPE_RGB_ALPHA, 0},
+    };
+    for (const auto& one : pictures) {
+        const Picture picture = ReadPng(Path(std::string("deep/out/") + one.file));
+        EXPECT_EQ(picture.width, 64) << one.file;
+        EXPECT_EQ(picture.depth, one.depth) << one.file;
+        EXPECT_EQ(picture.type, one.type) << one.file;
+        EXPECT_EQ(picture.palette.size(), one.colours) << one.file;
+    }
+    EXPECT_EQ(ReadPng(Path("deep/out/depth-24-bgr.png")), photo);
+    const Picture sheet = ReadPng(Path("deep/out/contact-sheet.png"));
+    EXPECT_EQ(sheet.type, PNG_COLOR_TYPE_RGB);
+    EXPECT_GT(sheet.width, 7 * 64);
+    for (const std::string& file : FilesInFolder())
+        EXPECT_EQ(file.find(".part"), std::string::npos) << file;
+}
+
+TEST_F(TourTest, TakesOddPictures) {
+    for (const auto& [width, height] : {std::pair(1, 1), {3000, 2}, {2, 1500}}) {
+        SCOPED_TRACE(testing::Message() << width << " x " << height);
+        WritePng(Path("odd.png"), PictureOf(width, height, 4, PNG_COLOR_TYPE_GRAY, Scattered));
+        EXPECT_EQ(Succeeds({"tour", Path("odd.png"), "--out", Path("out")}).find("differs"),
+                  std::string::npos);
+    }
+}
+
+TEST_F(TourTest, HelpAndVersion) {
+    const std::string help = Succeeds({"--help"});
+    for (const char* word : {"info", "convert", "tour", "Exit status"}) {
+        EXPECT_NE(help.find(word), std::string::npos) << word;
+    }
+    EXPECT_NE(Succeeds({"convert", "--help"}).find("rgb|bgr|gray"), std::string::npos);
+    EXPECT_NE(Succeeds({"--version"}).find("13.0"), std::string::npos);
+}
