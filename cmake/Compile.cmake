@@ -15,9 +15,12 @@ if(ZKR_CCACHE)
   set(CMAKE_C_COMPILER_LAUNCHER ${ZKR_CCACHE})
 endif()
 
-# Warnings are errors in everything that is ours.
+# Warnings of the product's compiler are errors in everything that is ours.
 add_library(zkr_warnings INTERFACE)
-target_compile_options(zkr_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+target_compile_options(zkr_warnings INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(zkr_warnings INTERFACE -Werror)
+endif()
 
 # Integer rules are exact and floating point is fixed, so that every target gives the same bytes.
 add_library(zkr_exact INTERFACE)

@@ -41,7 +41,7 @@ HPALETTE Z_CALL Z_CreatePalette(const RGBQUAD* palette, uint32_t entries) {
     logPalette.palVersion = logPaletteVersion;
     logPalette.palNumEntries = static_cast<WORD>(entries);
     Convert(palette, entries, logPalette.palPalEntry);
-    return CreatePalette(reinterpret_cast<const LOGPALETTE*>(&logPalette));
+    return platform::CreatePalette(reinterpret_cast<const LOGPALETTE*>(&logPalette));
 }
 
 uint32_t Z_CALL Z_GetPaletteSize(HPALETTE palette) {
