@@ -1,21 +1,10 @@
-// Which class a record's flags stand for.
+// What the storage classes have in common: the sizes of storage that lies in one piece.
 #include "core/storage/storage_class.h"
 
 #include "core/return_codes.h"
 #include "core/sizes.h"
 
 namespace zkr::storage {
-
-const StorageClass* ClassOf(const BitmapHandle& bitmap) {
-    if (HasFlag(bitmap, flag::Compressed)) return &Compressed;
-    if (HasFlag(bitmap, flag::Tiled)) return &Tiled;
-    if (HasFlag(bitmap, flag::SuperCompressed)) return &SuperCompressed;
-    if (HasFlag(bitmap, flag::Memory)) {
-        if (HasFlag(bitmap, flag::UserData)) return &User;
-        return HasFlag(bitmap, flag::Global) ? &Global : &Conventional;
-    }
-    return HasFlag(bitmap, flag::Disk) ? &Disk : nullptr;
-}
 
 uint64_t PlainBytes(const BitmapHandle& bitmap, int32_t height) {
     return bitmap.AlignOffset + RowsBytes(bitmap, height);

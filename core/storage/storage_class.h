@@ -38,9 +38,6 @@ struct StorageClass {
     ReturnCode (*UpdateSize)(BitmapHandle& bitmap);
 };
 
-// The class of a bitmap; null for a record without any class flag.
-const StorageClass* ClassOf(const BitmapHandle& bitmap);
-
 extern const StorageClass Compressed;
 extern const StorageClass Tiled;
 extern const StorageClass SuperCompressed;
@@ -48,6 +45,18 @@ extern const StorageClass Conventional;
 extern const StorageClass Global;
 extern const StorageClass User;
 extern const StorageClass Disk;
+
+// The class of a bitmap; null for a record without any class flag.
+inline const StorageClass* ClassOf(const BitmapHandle& bitmap) {
+    if (HasFlag(bitmap, flag::Compressed)) return &Compressed;
+    if (HasFlag(bitmap, flag::Tiled)) return &Tiled;
+    if (HasFlag(bitmap, flag::SuperCompressed)) return &SuperCompressed;
+    if (HasFlag(bitmap, flag::Memory)) {
+        if (HasFlag(bitmap, flag::UserData)) return &User;
+        return HasFlag(bitmap, flag::Global) ? &Global : &Conventional;
+    }
+    return HasFlag(bitmap, flag::Disk) ? &Disk : nullptr;
+}
 
 // Each gives an initialised record its storage: StorageHandle, Addr and, where the class has its own rule,
 // Size and AlignOffset are set on success, nothing on failure.

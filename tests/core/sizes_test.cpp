@@ -117,7 +117,8 @@ TEST_P(LargeBitmap, KeepsItsCorners) {
 // Tiles are not among the cases whose views would take their room on the disk: only tiles that are reached
 // through their files are.
 INSTANTIATE_TEST_SUITE_P(Storages, LargeBitmap,
-                         testing::Values(Storage{"disk", MemoryDisk}, Storage{"conventional", MemoryConventional},
+                         testing::Values(Storage{"disk", MemoryDisk},
+                                         Storage{"conventional", MemoryConventional},
                                          Storage{"memorytiles", MemoryTiled, 0, -100, 0},
                                          Storage{"filetiles", MemoryTiled, 0, 0, 0}),
                          [](const auto& test) { return test.param.Name; });
