@@ -85,21 +85,175 @@ enum {
 /* Bits of the flags argument of Z_DupBitmapNewDim and Z_FreeDuplicateBitmap. */
 enum { Z_DUP_DATA = 1, Z_DUP_PALETTE = 2, Z_DUP_REGION = 4 };
 
+/*
+ * Sets a record up for a bitmap of some dimensions, without storage. Resolution and dithering method come
+ * from the calling thread's defaults; LowBit to HighBit spans the pixel; Order is Z_ORDER_RGB below 9
+ * bits, Z_ORDER_GRAY at 12 and Z_ORDER_BGR at the other depths. Whatever the record held is overwritten
+ * without being freed.
+ *
+ * bitmap          out
+ * width, height   in, pixels. They are not checked here, and sizes that BytesPerLine or Size cannot hold
+ *                 are stored as the largest value of the field; Z_AllocateBitmap refuses both.
+ * bitsPerPixel    in: 1 to 8, 12, 16, 24, 32, 48 or 64
+ *
+ * Three zeroes give a cleared record.
+ *
+ * Returns Z_SUCCESS; Z_ERROR_BITS_PER_PIXEL for another depth, with the record cleared; Z_ERROR_BITMAP for
+ * null.
+ */
 Z_API ReturnCode Z_CALL Z_InitBitmap(BitmapHandle* bitmap, int32_t width, int32_t height,
                                      int32_t bitsPerPixel);
+
+/*
+ * Gives an initialised record its storage, blank where it is new, and an identity paint table.
+ *
+ * bitmap        in, changed: a record from Z_InitBitmap, or one that Z_FreeBitmap has emptied
+ * memoryType    in: one of the types below
+ *
+ * MemoryConventional         one block of memory if the thresholds allow it, else tiles, else a file
+ * MemoryUser                 the caller's data, see Z_SetBitmapDataPointer
+ * MemoryTiled                tiles above the tile size, else as MemoryConventional
+ * MemoryNoTiled              as MemoryConventional, but no tiles; may go with MemoryConventional
+ * MemoryDisk                 a temporary file
+ * MemoryNoDisk               as MemoryConventional, but no file above the tile size
+ * MemoryCompressed           1-bit rows as runs, at 1 bit per pixel with the document capability unlocked;
+ *                            may go with MemoryConventional or MemoryNoDisk, one of which must be there to
+ *                            be taken where runs are refused
+ * MemorySuperCompressed      rows in compressed strips, at 1 and 24 bits per pixel with the document
+ *                            capability unlocked; may go with MemoryConventional, likewise
+ *
+ * Returns Z_SUCCESS; Z_ERROR_BITMAP for null; Z_ERROR_DIMENSIONS for an empty bitmap, a negative width or
+ * height, and sizes that BytesPerLine or Size cannot hold; Z_ERROR_EXTENDED_GRAY_LOCKED for gray order, 48
+ * and 64 bits while that capability is locked; Z_ERROR_ARGUMENT for another memory type; Z_ERROR_MEMORY
+ * when no storage can be made; Z_ERROR_WRITE when the file of a disk bitmap cannot be extended;
+ * Z_ERROR_COLOUR_FILTER (24 bits) and Z_ERROR_FAX_FILTER (1 bit) when the module for compressed strips
+ * cannot be loaded. On failure the record has no storage and no paint table, and its dimensions stay.
+ */
 Z_API ReturnCode Z_CALL Z_AllocateBitmap(BitmapHandle* bitmap, int32_t memoryType);
+
+/*
+ * Initialises a record, gives it storage, and sets what bitmaps usually need.
+ *
+ * bitmap           out: whatever the record held is overwritten without being freed
+ * memoryType       in: as for Z_AllocateBitmap
+ * width, height    in, pixels: from 1
+ * bitsPerPixel     in: as for Z_InitBitmap, or 0 for 8 bits with a gray palette
+ * order            in: Z_ORDER_..., from 9 bits per pixel; ignored below
+ * palette          in, may be null: 1 << bitsPerPixel entries, up to 8 bits per pixel; null gives the
+ *                  fixed palette
+ * viewPerspective  in: 0 to 5, 7 or 8, stored as it is
+ * data             in, may be null: with MemoryUser the pixels, which stay the caller's and must outlive
+ *                  the bitmap
+ * dataSize         in, bytes: with data exactly Size
+ *
+ * Returns Z_SUCCESS; Z_ERROR_ARGUMENT for a null bitmap and for data of another size; the failures of
+ * Z_InitBitmap and Z_AllocateBitmap. On failure the record has no storage.
+ */
 Z_API ReturnCode Z_CALL Z_CreateBitmap(BitmapHandle* bitmap, int32_t memoryType, int32_t width,
                                        int32_t height, int32_t bitsPerPixel, int32_t order,
                                        const RGBQUAD* palette, int32_t viewPerspective, void* data,
                                        size_t dataSize);
+
+/*
+ * Releases everything that a bitmap owns: region, palette, storage, level table and paint table. Its
+ * dimensions stay, so that the record can be given new storage. The data of a user bitmap and DitherData
+ * are left alone.
+ *
+ * bitmap    in, changed. Region and palette of a record without storage are released too.
+ *
+ * Returns Z_SUCCESS when storage was released, 0 for a record without any, Z_ERROR_BITMAP for null.
+ */
 Z_API ReturnCode Z_CALL Z_FreeBitmap(BitmapHandle* bitmap);
+
+/*
+ * Frees a bitmap, with or without its palette and region.
+ *
+ * bitmap             in, changed; a record without storage, or null, is left alone
+ * ownsAttachments    in: 0 takes palette and region out of the record and leaves them to another owner,
+ *                    any other value frees them too
+ *
+ * Returns Z_SUCCESS.
+ */
 Z_API ReturnCode Z_CALL Z_FreeImage(BitmapHandle* bitmap, int32_t ownsAttachments);
+
+/*
+ * Copies a record word by word. Both records then refer to the same storage, palette and region, and only
+ * one of them may be freed.
+ *
+ * destination    out: whatever the record held is overwritten without being freed
+ * source         in
+ */
 Z_API void Z_CALL Z_CopyBitmapHandle(BitmapHandle* destination, const BitmapHandle* source);
+
+/*
+ * Points a user bitmap at the caller's memory.
+ *
+ * bitmap      in, changed: allocated with MemoryUser
+ * data        in, may be null: row 0, with the other rows BytesPerLine bytes apart behind it; it stays the
+ *             caller's. Null leaves the bitmap without pixels.
+ * dataSize    in, bytes: exactly Size, unless data is null
+ *
+ * Returns Z_SUCCESS; Z_ERROR_BITMAP for a null bitmap; Z_ERROR_ARGUMENT for a bitmap of another class or
+ * another dataSize, with the pointer as it was.
+ */
 Z_API ReturnCode Z_CALL Z_SetBitmapDataPointer(BitmapHandle* bitmap, void* data, size_t dataSize);
+
+/*
+ * Makes a record of new dimensions that inherits everything else from another: view perspective, order,
+ * resolution, playback fields, palette and region, and with data the gray window (at the same depth) and
+ * the paint table. Pixels are not copied.
+ *
+ * destination     out: whatever the record held is overwritten without being freed
+ * source          in: an allocated bitmap
+ * width, height   in, pixels
+ * bitsPerPixel    in: as for Z_InitBitmap. Another value makes a record without dimensions, which inherits
+ *                 all the same.
+ * flags           in: Z_DUP_DATA gives it storage, compressed, super-compressed or on disk where the
+ *                 source is, else conventional; Z_DUP_PALETTE a palette of its own; Z_DUP_REGION a region
+ *                 of its own. Without them palette and region are shared, and Z_FreeDuplicateBitmap must
+ *                 free the record.
+ *
+ * Returns Z_SUCCESS; Z_ERROR_BITMAP for a null destination and for a source that is null or not allocated;
+ * the failures of Z_AllocateBitmap; Z_ERROR_MEMORY or another failure of copying region or level table. On
+ * failure the destination has no storage and owns nothing.
+ */
 Z_API ReturnCode Z_CALL Z_DupBitmapNewDim(BitmapHandle* destination, BitmapHandle* source, int32_t width,
                                           int32_t height, int32_t bitsPerPixel, uint32_t flags);
+
+/*
+ * Undoes Z_DupBitmapNewDim.
+ *
+ * bitmap    in, changed
+ * flags     in: those of Z_DupBitmapNewDim. Without Z_DUP_PALETTE and Z_DUP_REGION palette and region are
+ *           taken out of the record and live on in their owner; without Z_DUP_DATA storage is left alone.
+ *
+ * Returns Z_SUCCESS.
+ */
 Z_API ReturnCode Z_CALL Z_FreeDuplicateBitmap(BitmapHandle* bitmap, uint32_t flags);
+
+/*
+ * Adds rows at the end of a bitmap, or takes rows from there. New rows are blank.
+ *
+ * bitmap    in, changed: allocated, not locked, not a user bitmap. Size becomes the bytes of data, and in
+ *           conventional, global and disk storage AlignOffset is counted in.
+ * height    in, rows: from 0
+ *
+ * Returns Z_SUCCESS, also where nothing changes; Z_ERROR_BITMAP for a bitmap that is null or not
+ * allocated; Z_ERROR_ARGUMENT for one that is locked or a user bitmap; Z_ERROR_DIMENSIONS for a negative
+ * height; Z_ERROR_MEMORY when the storage cannot be resized, with the bitmap as it was; Z_ERROR_DISK_SPACE
+ * when the file of a new tile cannot be made, with the tiles before it added: Height tells how many rows
+ * there are.
+ */
 Z_API ReturnCode Z_CALL Z_ChangeBitmapHeight(BitmapHandle* bitmap, int32_t height);
+
+/*
+ * Works Size out anew: BytesPerLine * Height, and for the compressed classes what their rows take.
+ *
+ * bitmap    in, changed: an allocated bitmap
+ *
+ * Returns Z_SUCCESS, or Z_ERROR_BITMAP for a bitmap that is null or not allocated, or compressed without
+ * its control block; Size then stays as it was.
+ */
 Z_API ReturnCode Z_CALL Z_UpdateBitmapSize(BitmapHandle* bitmap);
 
 Z_END_DECLS

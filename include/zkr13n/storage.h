@@ -59,20 +59,23 @@ Z_API ReturnCode Z_CALL Z_SetDefaultMemoryType(int32_t type);
 Z_API ReturnCode Z_CALL Z_GetDefaultMemoryType(int32_t* typeOut);
 
 /*
- * Sets the calling thread's thresholds for the storage of new bitmaps. Zero and positive values are absolute,
- * negative ones percentages of the quantity named.
+ * Sets the calling thread's thresholds for the storage of new bitmaps. Zero and positive values are
+ * absolute, negative ones percentages of the quantity named.
  *
- * memoryReserve          in, bytes to leave free; percent of total physical memory and page file. At first 0.
- * maxConventionalSize    in, bytes of the largest conventional bitmap; percent of available physical memory
- * and page file. At first 0x7FFFFFFF. tileSize               in, bytes of a tile, and the size up to which a
- * bitmap is always conventional; 0, the first value, means 0x1000000. Not negative. conventionalTiles in:
- * tiles in memory at most; percent of all tiles. At first -100. mappedTiles            in: tiles of a file
- * mapped at one time; a share of the tiles in percent. At first 1. flags                  in: Z_THRESHOLD_...
- * bits of the values to be set; the others are ignored
+ * memoryReserve        in: bytes to leave free, 0 at first; percent of total physical memory and page file
+ * maxConventionalSize  in: bytes of the largest conventional bitmap, 0x7FFFFFFF at first; percent of
+ *                      available physical memory and page file
+ * tileSize             in: bytes of a tile, and the size up to which a bitmap is always conventional; 0,
+ *                      the first value, means 0x1000000. Not negative.
+ * conventionalTiles    in: tiles in memory at most, -100 at first; percent of all tiles
+ * mappedTiles          in: file tiles that have a view at one time, 1 at first; -p means p / (100 - p) of
+ *                      the tiles that are not in memory, at least one, and -100 as many as tiles may be in
+ *                      memory
+ * flags                in: Z_THRESHOLD_... bits of the values to be set; the others are ignored
  *
  * Returns Z_SUCCESS, or Z_ERROR_ARGUMENT for a negative tileSize or another value below -100. Values are
- * checked and set in the order of the arguments: those before a bad one are set, that one and those behind it
- * stay as they were.
+ * checked and set in the order of the arguments: those before a bad one are set, that one and those behind
+ * it stay as they were.
  */
 Z_API ReturnCode Z_CALL Z_SetMemoryThresholds(int32_t memoryReserve, int32_t maxConventionalSize,
                                               int32_t tileSize, int32_t conventionalTiles,
@@ -86,9 +89,55 @@ Z_API ReturnCode Z_CALL Z_SetMemoryThresholds(int32_t memoryReserve, int32_t max
  */
 Z_API void Z_CALL Z_GetMemoryThresholds(int32_t* reserveOut, int32_t* maxSizeOut, int32_t* tileSizeOut,
                                         int32_t* conventionalTilesOut, int32_t* mappedTilesOut);
+
+/*
+ * Tells where a bitmap's data lies.
+ *
+ * bitmap           in: an allocated bitmap
+ * typeOut          out: MemoryConventional (also for user and global bitmaps), MemoryTiled, MemoryDisk,
+ *                  MemoryCompressed or MemorySuperCompressed
+ * tileSizeOut      out, may be null: bytes of a tile
+ * tileCountOut     out, may be null: the tiles
+ * conventionalOut  out, may be null: tiles in memory, the first ones of the bitmap
+ * maxMappedOut     out, may be null: file tiles that may have a view at one time
+ * mappedOut        out, may be null: file tiles that have one now
+ *
+ * The five values about tiles are written for a tiled bitmap only, and a value above 0x7FFFFFFF as that.
+ *
+ * Returns Z_SUCCESS; Z_ERROR_BITMAP for a bitmap that is null or not allocated; Z_ERROR_ARGUMENT for a
+ * null typeOut.
+ */
 Z_API ReturnCode Z_CALL Z_GetBitmapMemoryInfo(BitmapHandle* bitmap, int32_t* typeOut, int32_t* tileSizeOut,
                                               int32_t* tileCountOut, int32_t* conventionalOut,
                                               int32_t* maxMappedOut, int32_t* mappedOut);
+
+/*
+ * Tunes the tiles of a bitmap, or moves its data into another storage class. Palette, region, tables and
+ * settings of the bitmap stay as they are.
+ *
+ * bitmap        in, changed: an allocated bitmap
+ * type          in: the class wanted, as for Z_AllocateBitmap. Another class than the present one rebuilds
+ *               the bitmap.
+ * tileSize      in: bytes of a tile. Another number of rows in a tile, rounded up, rebuilds a tiled
+ *               bitmap.
+ * tileCount     in: not looked at, since it follows from the tile size
+ * conventional  in: tiles in memory, cut to what there are. Tiles move between memory and files.
+ * maxMapped     in: file tiles that may have a view at one time, cut to the number of file tiles
+ * mapped        in: file tiles that shall have a view now, cut to maxMapped; views go, oldest first, or
+ *               are added from the first file tile on as long as they can be made
+ * flags         in: Z_MEMORY_INFO_... bits of the values that are given; the others stay as they are
+ *
+ * A bitmap that is not tiled can only be rebuilt; the other values are ignored then. A change into tiles
+ * makes a conventional bitmap below the thread's tile size, and is refused with Z_ERROR_BITMAP from that
+ * size on, also where only the size of the tiles was to change. A change out of tiles works.
+ *
+ * Returns Z_SUCCESS; Z_ERROR_BITMAP for a bitmap that is null or not allocated, and for tiles as said;
+ * Z_ERROR_ARGUMENT for MemoryUser and for a type that Z_AllocateBitmap refuses; the other failures of
+ * Z_AllocateBitmap and Z_CopyBitmapData. Tuning fails with Z_ERROR_MEMORY, Z_ERROR_DISK_SPACE,
+ * Z_ERROR_SEEK, Z_ERROR_READ or Z_ERROR_WRITE when a tile cannot be moved; the tiles before it have moved
+ * then. A failure that is reported loses no pixel; rows that cannot be written while the data is copied
+ * are not reported.
+ */
 Z_API ReturnCode Z_CALL Z_SetBitmapMemoryInfo(BitmapHandle* bitmap, int32_t type, int32_t tileSize,
                                               int32_t tileCount, int32_t conventional, int32_t maxMapped,
                                               int32_t mapped, uint32_t flags);
@@ -112,9 +161,40 @@ Z_API ReturnCode Z_CALL Z_SetTempDirectory(const char* path);
  * Returns Z_SUCCESS, or Z_ERROR_ARGUMENT for a null buffer.
  */
 Z_API ReturnCode Z_CALL Z_GetTempDirectory(char* buffer, uint32_t size);
+
+/*
+ * Makes Addr of a global bitmap valid until Z_ReleaseBitmap: its block is locked. Does nothing for any
+ * other class, for a bitmap that is locked already, and for null.
+ *
+ * bitmap    in, changed
+ */
 Z_API void Z_CALL Z_AccessBitmap(BitmapHandle* bitmap);
+
+/*
+ * Ends what Z_AccessBitmap began: unlocks the block of a global bitmap and clears Addr. Does nothing
+ * otherwise.
+ *
+ * bitmap    in, changed
+ */
 Z_API void Z_CALL Z_ReleaseBitmap(BitmapHandle* bitmap);
+
+/*
+ * Locks a bitmap for a stretch of work with its rows. Pairs of Z_LockBitmap and Z_UnlockBitmap nest, and
+ * hand the state over in the result instead of a count.
+ *
+ * bitmap    in, changed
+ *
+ * Returns 1 when the bitmap was locked already; 0 otherwise, after Z_AccessBitmap; Z_ERROR_BITMAP for
+ * null.
+ */
 Z_API int32_t Z_CALL Z_LockBitmap(BitmapHandle* bitmap);
+
+/*
+ * Ends the stretch that Z_LockBitmap began, with Z_ReleaseBitmap where that call was the one that locked.
+ *
+ * bitmap      in, changed
+ * previous    in: the result of Z_LockBitmap
+ */
 Z_API void Z_CALL Z_UnlockBitmap(BitmapHandle* bitmap, int32_t previous);
 
 Z_END_DECLS

@@ -82,6 +82,30 @@ TEST(RowCache, FollowsTheRowLastReached) {
     }
 }
 
+// Rows of large bitmaps take another road into memory; its ends lie at all places in a cache line.
+TEST(LargeRows, AreWrittenExactly) {
+    std::mt19937 random(23);
+    constexpr size_t margin = 256;
+    Bitmap bitmap(12000, 3000, 8);
+    ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryUser), 1);
+    Bytes data(bitmap.Size + 1, 0x5A);
+    const Bytes source = RandomBytes(9000, random);
+    for (size_t misplaced = 0; misplaced < 2; ++misplaced) {
+        ASSERT_EQ(Z_SetBitmapDataPointer(&bitmap, data.data() + misplaced, bitmap.Size), 1);
+        for (int32_t column = 1000; column < 1070; ++column) {
+            const auto count = static_cast<uint32_t>(8190 + random() % 140);
+            ASSERT_EQ(Z_PutBitmapRowCol(&bitmap, source.data(), 2999, column, count),
+                      static_cast<int32_t>(count));
+            const auto start = data.end() - 1 + static_cast<ptrdiff_t>(misplaced) - 12000 + column;
+            const Bytes untouched(margin, 0x5A);
+            ASSERT_EQ(Bytes(start - margin, start), untouched);
+            ASSERT_EQ(Bytes(start, start + count), Bytes(source.begin(), source.begin() + count));
+            ASSERT_EQ(Bytes(start + count, start + count + margin), untouched);
+            std::fill(start, start + count, uint8_t{0x5A});
+        }
+    }
+}
+
 TEST(TiledRows, CountWhatWasAskedForBehindTheLastRow) {
     const Thresholds restore;
     Thresholds::Tiles(16, -100, 1);
