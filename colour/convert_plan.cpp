@@ -18,6 +18,7 @@ using rows::GrayScale;
 using rows::MakeGrayScale;
 using rows::RowParameters;
 using rows::Source;
+using rows::StretchGray;
 using rows::Target;
 
 // Where the value lies in a gray pixel.
@@ -28,8 +29,6 @@ struct GrayWindow {
 };
 
 namespace {
-
-constexpr GrayScale unscaled = MakeGrayScale(1, 1);
 
 constexpr auto identityMap = [] {
     std::array<uint8_t, 128> map{};
@@ -74,11 +73,6 @@ GrayScale EightBitsTo(const GrayWindow& window) {
 // The upper bits of a gray of so many bits, moved into a window.
 GrayScale UpperBitsOf(uint32_t bits, const GrayWindow& window) {
     return MakeGrayScale(1u << window.Bits, 1u << bits, window.Shift);
-}
-
-// The value of a window to the whole range up to a limit.
-GrayScale Stretched(uint32_t limit, const GrayWindow& window) {
-    return MakeGrayScale(limit, std::max(window.Mask, 1u));
 }
 
 // The widest gray value that a target can take from a source of 12 or 16 bits.
@@ -282,9 +276,7 @@ void ConvertPlan::PlanGray() {
     } else if (request_.SourcePalette != nullptr) {
         AddTarget(Source::GrayLookup, parameters);
     } else {
-        parameters.Scale = request_.TargetBits >= 48 ? Stretched(0xFFFF, window)
-                           : window.Mask < 0xFF      ? Stretched(0xFF, window)
-                                                     : unscaled;
+        parameters.Scale = StretchGray(request_.TargetBits >= 48 ? 0xFFFF : 0xFF, window.Mask);
         TargetIsIndexed() ? PlanGrayToMap(parameters) : AddTarget(Source::GrayValue, parameters);
     }
 }
@@ -293,7 +285,7 @@ void ConvertPlan::Plan12ToGray(const GrayWindow& window) {
     if (request_.Has(Z_CONVERT_TARGET_WINDOW)) {
         AddTarget(Source::GrayValue, {.Mask = 0xFFF, .Scale = UpperBitsOf(12, window)});
     } else {
-        const GrayScale scale = request_.TargetBits == 12 ? unscaled : Stretched(0xFFFF, window);
+        const GrayScale scale = request_.TargetBits == 12 ? GrayScale{} : StretchGray(0xFFFF, window.Mask);
         AddTarget(Source::GrayValue, {.Mask = window.Mask, .Shift = window.Shift, .Scale = scale});
     }
 }
@@ -303,13 +295,11 @@ void ConvertPlan::Plan16ToGray(const GrayWindow& window) {
     const RGBQUAD* lookup = request_.SourcePalette;
     const Source source = lookup != nullptr ? Source::GrayLookup : Source::GrayValue;
     if (request_.Has(Z_CONVERT_SOURCE_WINDOW)) {
-        RowParameters parameters{.Table = lookup, .Mask = window.Mask, .Shift = window.Shift};
-        if (lookup != nullptr) {
-            parameters.Scale = MakeGrayScale(to12 ? 0xFFF : 0xFFFF, 0xFF);
-        } else if (!to12 || window.Mask < 0xFFF) {
-            parameters.Scale = Stretched(to12 ? 0xFFF : 0xFFFF, window);
-        }
-        return AddTarget(source, parameters);
+        const uint32_t limit = to12 ? 0xFFF : 0xFFFF;
+        const GrayScale scale =
+            lookup != nullptr ? MakeGrayScale(limit, 0xFF) : StretchGray(limit, window.Mask);
+        return AddTarget(source,
+                         {.Table = lookup, .Mask = window.Mask, .Shift = window.Shift, .Scale = scale});
     }
     // Without a window on the source the whole word is the value, and the index into a lookup table.
     RowParameters parameters{.Table = lookup, .Mask = 0xFFFF};

@@ -25,6 +25,12 @@ static constexpr GrayScale MakeGrayScale(uint32_t multiplier, uint32_t divisor, 
     return {static_cast<uint32_t>(factor >> 32), static_cast<uint32_t>(factor), shift};
 }
 
+// Stretches values up to a mask to a limit; values that can go beyond the limit already are left alone.
+static constexpr GrayScale StretchGray(uint32_t limit, uint32_t mask) {
+    if (mask >= limit) return {};
+    return MakeGrayScale(limit, mask == 0 ? 1 : mask);
+}
+
 static constexpr uint32_t ApplyGrayScale(const GrayScale& scale, uint32_t value) {
     const auto product = static_cast<uint64_t>(value) * scale.Fraction;
     return (value * scale.Whole + static_cast<uint32_t>(product >> 32)) << scale.Shift;
