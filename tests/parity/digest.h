@@ -9,26 +9,42 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <span>
 
 namespace zkr::test {
 
 class Digest {
   public:
+    // With a file, each addition is told in a line of its own.
+    explicit Digest(FILE* trace = nullptr) : trace_(trace) {}
+
     void Add(const void* bytes, size_t count) {
-        for (size_t i = 0; i < count; ++i)
-            value_ = (value_ ^ static_cast<const uint8_t*>(bytes)[i]) * 0x100000001B3u;
+        Mix(bytes, count);
+        if (trace_)
+            std::fprintf(trace_, "  %d: %u bytes, %08X\n", step_++, static_cast<unsigned>(count), Low());
     }
     void Add(int64_t number) {
-        for (int shift = 0; shift < 64; shift += 8)
-            value_ = (value_ ^ ((static_cast<uint64_t>(number) >> shift) & 255)) * 0x100000001B3u;
+        uint8_t bytes[8];
+        for (int i = 0; i < 8; ++i)
+            bytes[i] = static_cast<uint8_t>(number >> 8 * i);
+        Mix(bytes, sizeof bytes);
+        if (trace_) std::fprintf(trace_, "  %d: %d, %08X\n", step_++, static_cast<int>(number), Low());
     }
     // Every field of a record, pointers and handles only as null or not.
     void AddRecord(const BitmapHandle& bitmap);
     uint64_t Value() const { return value_; }
 
   private:
+    void Mix(const void* bytes, size_t count) {
+        for (size_t i = 0; i < count; ++i)
+            value_ = (value_ ^ static_cast<const uint8_t*>(bytes)[i]) * 0x100000001B3u;
+    }
+    unsigned Low() const { return static_cast<unsigned>(value_); }
+
     uint64_t value_ = 0xCBF29CE484222325u;
+    FILE* trace_;
+    int step_ = 0;
 };
 
 struct Family {

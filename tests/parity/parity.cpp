@@ -4,7 +4,7 @@
 //
 //   parity [--seed S]                        a line for each family
 //   parity --family F [--until N] [--seed S] a line for each of the first N cases of one family
-//   parity --family F --only N               that case alone, for a debugger
+//   parity --family F --only N               that case alone, with everything that went into its digest
 //   parity --out FILE                        writes to FILE instead of standard output
 //   parity --check FILE                      compares with what --out wrote elsewhere; names families that
 //   differ
@@ -51,13 +51,13 @@ bool Parse(int count, char** words, Arguments& arguments) {
 }
 
 // Cases do not depend on one another, so that each can be run alone.
-uint64_t CaseDigest(const Family& family, int number, uint64_t seed) {
+uint64_t CaseDigest(const Family& family, int number, uint64_t seed, FILE* trace) {
     Digest start;
     start.Add(family.name, std::strlen(family.name));
     start.Add(number);
     start.Add(static_cast<int64_t>(seed));
     Seeded seeded(start.Value());
-    Digest digest;
+    Digest digest(trace);
     family.run(seeded, digest);
     return digest.Value();
 }
@@ -72,11 +72,12 @@ std::string Line(const char* name, int number, uint64_t digest) {
 std::vector<std::string> LinesOf(const Family& family, const Arguments& arguments) {
     const bool single = arguments.family == family.name;
     const int end = single && arguments.until >= 0 ? arguments.until : family.cases;
+    FILE* trace = arguments.only >= 0 ? stdout : nullptr;
     std::vector<std::string> lines;
     Digest total;
     for (int number = 0; number < end; ++number) {
         if (arguments.only >= 0 && number != arguments.only) continue;
-        const uint64_t digest = CaseDigest(family, number, arguments.seed);
+        const uint64_t digest = CaseDigest(family, number, arguments.seed, trace);
         if (single) lines.push_back(Line(family.name, number, digest));
         total.Add(static_cast<int64_t>(digest));
     }
@@ -112,7 +113,7 @@ int Check(const std::vector<std::string>& lines, const std::string& name) {
     }
     if (result == Different)
         std::puts(
-            "Run parity --family NAME on both sides: the first line that differs is the case to look at.");
+            "Run parity --family NAME on both sides: the first line that differs is the case for --only.");
     return result;
 }
 
