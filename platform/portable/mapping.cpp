@@ -9,6 +9,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <new>
 #include <sys/mman.h>
@@ -24,6 +25,9 @@ constexpr size_t HugePage = size_t{2} << 20;
 constexpr size_t Granularity = size_t{64} << 10; // of view offsets
 // Blocks below this come from the run-time heap: the system counts mappings and allows only so many.
 constexpr size_t SmallBlock = size_t{64} << 10;
+// Their views begin on a border that suits every vector, so that a bitmap's rows need no shift in any
+// mapping.
+constexpr size_t SmallAlignment = 64;
 
 HANDLE Fail(DWORD error) {
     SetLastError(error);
@@ -38,6 +42,11 @@ void* MapAnonymous(size_t size) {
 size_t WholePages(size_t size) {
     const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     return (size + page - 1) / page * page;
+}
+
+void* ZeroedSmallBlock(size_t size) {
+    void* memory = nullptr;
+    return posix_memalign(&memory, SmallAlignment, size) == 0 ? std::memset(memory, 0, size) : nullptr;
 }
 
 // On a huge page's border, so that all of the block but its tail can lie in huge pages.
@@ -63,7 +72,7 @@ struct Mapping final : Object {
     std::atomic<uint32_t> references{1}; // the handle and the views
 
     bool TakeMemory() {
-        memory = size < SmallBlock ? static_cast<uint8_t*>(std::calloc(1, size))
+        memory = size < SmallBlock ? static_cast<uint8_t*>(ZeroedSmallBlock(size))
                  : size < HugePage ? static_cast<uint8_t*>(MapAnonymous(size))
                                    : MapLarge(size);
         return memory != nullptr;
