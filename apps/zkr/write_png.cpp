@@ -101,6 +101,8 @@ class PngWriter {
                      static_cast<png_uint_32>(bitmap_.Height()), ChannelBits(), ColourType(),
                      PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
         if (ColourType() == PNG_COLOR_TYPE_PALETTE) WritePalette();
+        // Without it some viewers take 16-bit samples for linear light.
+        png_set_sRGB(png_, info_, PNG_sRGB_INTENT_PERCEPTUAL);
         WriteSignificantBits();
         png_write_info(png_, info_);
         if (ChannelBits() == 16) png_set_swap(png_);

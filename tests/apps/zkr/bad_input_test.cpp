@@ -148,3 +148,12 @@ TEST_F(BadInputTest, ADiskThatIsFull) {
     FailsOnOutput("out.png", "File too large", {.fileBytes = 2000});
     EXPECT_TRUE(ReadText("out.png") == older);
 }
+
+TEST_F(BadInputTest, AnInterruptLeavesNothingBehind) {
+    std::string page = "P5 3000 3000 255\n";
+    for (size_t i = 0; i < 3000 * 3000; ++i)
+        page += static_cast<char>(Scattered(i));
+    WriteText("big.pgm", page);
+    Fails({"convert", Path("big.pgm"), Path("out.png"), "--bits", "64"}, Path("out.png") + ": ",
+          "user aborted", {.interruptWriting = true});
+}

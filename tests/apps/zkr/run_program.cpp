@@ -3,6 +3,7 @@
 #include "run_program.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
@@ -77,6 +78,12 @@ ProgramTest::~ProgramTest() {
     std::filesystem::remove(folder_.string() + ".err");
 }
 
+bool ProgramTest::IsWriting() const {
+    const std::vector<std::string> files = FilesInFolder();
+    return std::any_of(files.begin(), files.end(),
+                       [](const std::string& name) { return name.ends_with(".part"); });
+}
+
 std::vector<std::string> ProgramTest::FilesInFolder() const {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder_)) {
@@ -96,6 +103,17 @@ Outcome ProgramTest::RunZkr(const std::vector<std::string>& arguments, const Run
     const pid_t child = fork();
     if (child == 0) BecomeProgram(arguments, limits, out, err);
     int status = 0;
+    if (limits.interruptWriting) {
+        // The child is not yet waited for, so its number is safe to signal even when it has ended.
+        const auto ended = [child] {
+            siginfo_t what = {};
+            return waitid(P_PID, static_cast<id_t>(child), &what, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+                   what.si_pid != 0;
+        };
+        while (!ended() && !IsWriting())
+            usleep(1000);
+        kill(child, SIGINT);
+    }
     waitpid(child, &status, 0);
     close(out);
     if (!limits.errorsOnTerminal) close(err);

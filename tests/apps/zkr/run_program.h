@@ -15,6 +15,7 @@ struct Outcome {
 struct RunLimits {
     long fileBytes = -1;           // the largest file that the program may write
     bool obeyPermissions = false;  // also when the tests run as root
+    bool interruptWriting = false; // as soon as the program has begun to write a file
     bool errorsOnTerminal = false; // standard error is a terminal
 };
 
@@ -34,5 +35,7 @@ class ProgramTest : public testing::Test {
     std::string Succeeds(const std::vector<std::string>& arguments) const;
 
   private:
+    bool IsWriting() const;
+
     std::filesystem::path folder_;
 };
