@@ -16,7 +16,8 @@ struct Peer {
     std::string Name;
     double RatioToReach; // peer's time / ours
     Body Run;
-    double Share = 1; // the part of the work that Run does; its time is divided by this
+    double Share = 1;       // the part of the work that Run does; its time is divided by this
+    bool Elsewhere = false; // runs in another process, so that only the clock on the wall knows its time
 };
 
 struct Work {

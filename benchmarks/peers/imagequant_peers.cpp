@@ -23,9 +23,14 @@ void Remap() {
     static std::vector<uint8_t> indices(PhotographPixels);
     liq_attr* attributes = liq_attr_create();
     liq_image* image = liq_image_create_rgba(attributes, pixels.data(), PhotographWidth, PhotographHeight, 0);
+    // The palette is fixed; its colours are counted too, for without any there is nothing to quantise.
     liq_histogram* histogram = liq_histogram_create(attributes);
-    for (const RGBQUAD& entry : Palette256())
-        liq_histogram_add_fixed_color(histogram, {entry.rgbRed, entry.rgbGreen, entry.rgbBlue, 255}, 0);
+    std::vector<liq_histogram_entry> colours;
+    for (const RGBQUAD& entry : Palette256()) {
+        colours.push_back({{entry.rgbRed, entry.rgbGreen, entry.rgbBlue, 255}, 1});
+        liq_histogram_add_fixed_color(histogram, colours.back().color, 0);
+    }
+    liq_histogram_add_colors(histogram, attributes, colours.data(), static_cast<int>(colours.size()), 0);
     liq_result* result = nullptr;
     if (liq_histogram_quantize(histogram, attributes, &result) == LIQ_OK) {
         liq_set_dithering_level(result, 0);

@@ -74,10 +74,12 @@ class Python {
 
 const Adds adds([] {
     if (std::system("/usr/bin/python3 -c 'import PIL' 2>/dev/null") != 0) return;
-    AddPeer(From24ToPalette, {"Pillow, not exact", 0.4, [] {
+    AddPeer(From24ToPalette, {"Pillow, not exact", 0.4,
+                              [] {
                                   static Python python;
                                   python.Pass();
-                              }});
+                              },
+                              1, true});
 });
 
 } // namespace
