@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
 #include <vector>
 
 namespace zkr::test {
@@ -199,6 +200,25 @@ TEST(ConvertArguments, ShortFormTakesGrayFromTheOrders) {
             EXPECT_EQ(code, ReferenceConvert(expected, 1, {16, bits, order, order})) << bits << " " << order;
             EXPECT_TRUE(std::equal(actual, actual + 3, expected)) << bits << " " << order;
         }
+}
+
+// What is kept of a palette from one row to the next must not outlive a change of a single byte of it.
+TEST(ConvertPalettes, AreSeenToChangeInPlace) {
+    Seeded seeded(1);
+    std::vector<RGBQUAD> source = MakePalette(Prefix, 8), target = MakePalette(Prefix, 8);
+    for (int i = 0; i < 2000; ++i) {
+        const Format from = SourceFormats[seeded.Below(static_cast<int>(std::size(SourceFormats)))];
+        const Conversion conversion{.sourceBits = from.bits,
+                                    .targetBits = i % 4 == 0 ? seeded.Between(1, 7) : 8,
+                                    .sourceOrder = from.order,
+                                    .sourcePalette = i % 3 == 0 ? nullptr : source.data(),
+                                    .targetPalette = target.data()};
+        std::vector<RGBQUAD>& changed = seeded.Below(2) ? source : target;
+        auto* bytes = reinterpret_cast<uint8_t*>(changed.data());
+        bytes[seeded.Below(1024)] = seeded.Byte();
+        if (i % 16 == 0) source = target;
+        ASSERT_TRUE(SameAsModel(conversion, {257}));
+    }
 }
 
 // Scaling truncates a quotient; a factor that stands in for a division must be right for every value, and for
