@@ -230,7 +230,7 @@ void ConvertPlan::PlanIndices() {
     if (request_.TargetBits <= 8) return PlanIndexMap();
     const RGBQUAD* palette =
         request_.SourcePalette != nullptr ? request_.SourcePalette : Z_IntGetFixedPalette(bits);
-    RowParameters parameters{.Table = palette};
+    RowParameters parameters{.Table = palette, .Mask = (1u << PixelBits(bits)) - 1};
     parameters.Scale = EightBitsTo(TargetWindow(request_, request_.TargetBits));
     if (bits == 0) return AddTarget(Source::Gray8, parameters);
     if (bits == 1 && (request_.TargetBits == 24 || request_.TargetBits == 32))

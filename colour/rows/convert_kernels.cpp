@@ -3,6 +3,9 @@
 
 #include "colour/rows/packing.h"
 #include "colour/rows/pixels.h"
+#if defined(__AVX2__)
+#include "colour/rows/special_avx2.h"
+#endif
 
 namespace zkr::rows {
 namespace {
@@ -24,7 +27,7 @@ template <class Reader> constexpr KernelRow FromColours() {
     KernelRow row;
     row[Target::Gray8] = ConvertRow<Reader, WriteGray8>;
     row[Target::GrayWords] = ConvertRow<Reader, WriteGrayWords>;
-    row[Target::Colour16] = ConvertRow<Reader, WriteColour16>;
+    row[Target::Colour16] = ConvertRow<Reader, WriteColour16<>>;
     row[Target::Colour24] = ConvertRow<Reader, WriteColour24>;
     row[Target::Colour32] = ConvertRow<Reader, WriteColour32>;
     row[Target::Deep48] = ConvertRow<Reader, WriteDeep48>;
@@ -43,7 +46,7 @@ constexpr KernelRow FromGrayValues() {
     KernelRow row;
     row[Target::Gray8] = ConvertRow<ReadGrayValue, WriteGray8>;
     row[Target::GrayWords] = ConvertRow<ReadGrayValue, WriteGrayWords>;
-    row[Target::Colour16] = ConvertRow<ReadGrayColour, WriteColour16>;
+    row[Target::Colour16] = ConvertRow<ReadGrayColour, WriteColour16<>>;
     row[Target::Colour24] = ConvertRow<ReadGrayColour, WriteColour24>;
     row[Target::Colour32Opaque] = ConvertRow<ReadGrayColour, WriteOpaque32>;
     row[Target::Deep48] = ConvertRow<ReadGrayValue, WriteDeep48>;
@@ -64,7 +67,7 @@ template <size_t channels> constexpr KernelRow FromDeep() {
     KernelRow row;
     row[Target::Gray8] = ConvertRow<ReadDeepHigh<channels>, WriteGray8>;
     row[Target::GrayWords] = ConvertRow<ReadDeep<channels>, WriteGrayWords>;
-    row[Target::Colour16] = ConvertRow<ReadDeepHigh<channels, Alpha::Ignored>, WriteColour16>;
+    row[Target::Colour16] = ConvertRow<ReadDeepHigh<channels, Alpha::Ignored>, WriteColour16<>>;
     row[Target::Colour24] = ConvertRow<ReadDeepHigh<channels>, WriteColour24>;
     row[Target::Colour32] = ConvertRow<ReadDeepHigh<channels>, WriteColour32>;
     row[Target::Deep48] = ConvertRow<ReadDeep<channels>, WriteDeep48>;
@@ -83,12 +86,15 @@ constexpr ConvertKernels MakeKernels() {
     place(Source::Gray8, FromColours<ReadGray8>());
     place(Source::GrayValue, FromGrayValues());
     place(Source::GrayLookup, FromGrayLookups());
-    place(Source::Colour16, FromColours<ReadColour16>());
+    place(Source::Colour16, FromColours<ReadColour16<>>());
     place(Source::Colour24, FromColours<ReadColour<3>>());
     place(Source::Colour32, FromColours<ReadColour<4>>());
     place(Source::Deep48, FromDeep<3>());
     place(Source::Deep64, FromDeep<4>());
     SetPackingKernels(kernels);
+#if defined(__AVX2__)
+    SetSpecialKernels(kernels);
+#endif
     return kernels;
 }
 

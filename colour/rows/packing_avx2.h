@@ -182,11 +182,6 @@ struct MapStep {
     void operator()(uint8_t* target, const uint8_t* source) const { Store(target, map(Load(source))); }
 };
 
-template <class Step>
-void RunStep(const uint8_t* source, uint8_t* target, size_t pixels, const RowParameters& parameters) {
-    RunUnits(Step(parameters), source, target, pixels);
-}
-
 template <size_t bits> constexpr RowKernel Unpack = RunStep<UnpackStep<bits>>;
 template <size_t bits> constexpr RowKernel Pack = RunStep<PackStep<bits>>;
 constexpr RowKernel Unpack12 = RunStep<Unpack12Step>;

@@ -23,12 +23,18 @@ struct GrayLevels {
 inline __m256i PackWords(__m256i low, __m256i high) {
     return _mm256_permute4x64_epi64(_mm256_packus_epi32(low, high), 0xD8);
 }
-inline __m256i PackBytes(const __m256i (&eight)[4]) {
-    const __m256i low = _mm256_packus_epi32(eight[0], eight[1]);
-    const __m256i high = _mm256_packus_epi32(eight[2], eight[3]);
+// Words that were joined from pairs of such vectors, as bytes in the order of the pixels.
+inline __m256i JoinBytes(__m256i low, __m256i high) {
     return _mm256_permutevar8x32_epi32(_mm256_packus_epi16(low, high),
                                        _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
 }
+inline __m256i PackBytes(const __m256i (&eight)[4]) {
+    return JoinBytes(_mm256_packus_epi32(eight[0], eight[1]), _mm256_packus_epi32(eight[2], eight[3]));
+}
+
+// Whether a reader or writer brings red and blue into the order that the parameters tell, or leaves them as
+// they are; see special_avx2.h.
+enum class Ordering { Done, Left };
 
 // The channel that stands at a place of a pixel, or the place of a channel: the exchange of red and blue goes
 // both ways.
@@ -160,28 +166,38 @@ inline __m256i Masked(__m256i value, uint32_t mask) {
     return _mm256_and_si256(value, _mm256_set1_epi32(static_cast<int>(mask)));
 }
 
-struct ReadColour16 {
+template <Ordering ordering = Ordering::Done, Alpha alpha = Alpha::Used> struct ReadColour16 {
     static constexpr size_t bits = 16;
     __m256i order;
     explicit ReadColour16(const RowParameters& p) : order(ReorderShuffle<4, 4, 1>(p.SourceIsRgb)) {}
+    // A field widens to a byte by 33 / 4, which is (c << 3) | (c >> 2), here as the upper half of a product
+    // of words whose factor takes the place of the field into account.
+    void Widen(__m256i words, __m256i& low, __m256i& high) const {
+        const __m256i first = _mm256_mulhi_epu16(_mm256_slli_epi16(words, 11), _mm256_set1_epi16(264));
+        const __m256i middle = _mm256_and_si256(words, _mm256_set1_epi16(0x3E0));
+        const __m256i second = _mm256_mulhi_epu16(middle, _mm256_set1_epi16(16896));
+        const __m256i top = _mm256_and_si256(words, _mm256_set1_epi16(0x7C00));
+        const __m256i third = _mm256_mulhi_epu16(top, _mm256_set1_epi16(528));
+        const __m256i lower = _mm256_or_si256(first, _mm256_slli_epi16(second, 8));
+        const __m256i full = _mm256_slli_epi16(_mm256_srai_epi16(words, 15), 8);
+        const __m256i upper = alpha == Alpha::Used ? _mm256_or_si256(third, full) : third;
+        low = _mm256_unpacklo_epi16(lower, upper);
+        high = _mm256_unpackhi_epi16(lower, upper);
+        if (ordering == Ordering::Left) return;
+        low = _mm256_shuffle_epi8(low, order);
+        high = _mm256_shuffle_epi8(high, order);
+    }
     Colours operator()(const uint8_t* source) const {
         Colours colours;
-        for (size_t i = 0; i < 4; ++i) {
-            const __m256i words =
-                _mm256_cvtepi16_epi32(LoadHalf(source + i * 16)); // bit 15 fills the upper half
-            const __m256i outer = _mm256_or_si256(Masked(_mm256_slli_epi32(words, 3), 0xF8),
-                                                  Masked(_mm256_slli_epi32(words, 9), 0xF80000));
-            const __m256i upper = _mm256_or_si256(outer, Masked(_mm256_slli_epi32(words, 6), 0xF800));
-            const __m256i lower = Masked(_mm256_srli_epi32(upper, 5), 0x070707);
-            const __m256i channels =
-                _mm256_or_si256(_mm256_or_si256(upper, lower), Masked(words, 0xFF000000));
-            colours.Eight[i] = _mm256_shuffle_epi8(channels, order);
+        for (size_t i = 0; i < 4; i += 2) {
+            const __m256i words = _mm256_permute4x64_epi64(Load(source + i * 16), 0xD8);
+            Widen(words, colours.Eight[i], colours.Eight[i + 1]);
         }
         return colours;
     }
 };
 
-template <size_t channels> struct ReadColour {
+template <size_t channels, Ordering ordering = Ordering::Done> struct ReadColour {
     static constexpr size_t bits = channels * 8;
     __m256i order;
     explicit ReadColour(const RowParameters& p)
@@ -190,7 +206,9 @@ template <size_t channels> struct ReadColour {
         Colours colours;
         for (size_t i = 0; i < 4; ++i) {
             const uint8_t* place = source + i * bits;
-            colours.Eight[i] = _mm256_shuffle_epi8(channels == 3 ? Load24(place) : Load(place), order);
+            colours.Eight[i] = channels == 3 ? Load24(place) : Load(place);
+            if (channels == 3 || ordering == Ordering::Done)
+                colours.Eight[i] = _mm256_shuffle_epi8(colours.Eight[i], order);
         }
         return colours;
     }
@@ -228,20 +246,27 @@ template <size_t channels, Alpha alpha = Alpha::Used> struct ReadDeepHigh : Read
 
 // Writers
 
-// Eight grays from eight colours, by the weights of blue, green and red.
-inline __m256i WeightedGray(__m256i colours, uint32_t weights) {
+// Grays of colours by the weights of blue, green and red, before rounding.
+inline __m256i WeightedSums(__m256i colours, uint32_t weights) {
     const __m256i pairs = _mm256_maddubs_epi16(colours, _mm256_set1_epi32(static_cast<int>(weights)));
-    const __m256i sums = _mm256_madd_epi16(pairs, _mm256_set1_epi16(1));
-    return _mm256_srli_epi32(_mm256_add_epi32(sums, _mm256_set1_epi32(4)), 3);
+    return _mm256_madd_epi16(pairs, _mm256_set1_epi16(1));
 }
 constexpr uint32_t grayWeights = 0x020501;
 constexpr uint32_t swappedWeights = 0x020105;
 
 inline GrayLevels GrayOf(const Colours& colours, uint32_t weights) {
     GrayLevels levels;
-    for (size_t i = 0; i < 4; ++i)
-        levels.Eight[i] = WeightedGray(colours.Eight[i], weights);
+    for (size_t i = 0; i < 4; ++i) {
+        const __m256i sums = WeightedSums(colours.Eight[i], weights);
+        levels.Eight[i] = _mm256_srli_epi32(_mm256_add_epi32(sums, _mm256_set1_epi32(4)), 3);
+    }
     return levels;
+}
+
+// The sums of sixteen colours as words, in which multiplying by 1 / 8 rounds as (sum + 4) >> 3 does.
+inline __m256i GrayWordsOf(__m256i low, __m256i high) {
+    const __m256i sums = _mm256_packs_epi32(WeightedSums(low, grayWeights), WeightedSums(high, grayWeights));
+    return _mm256_mulhrs_epi16(sums, _mm256_set1_epi16(4096));
 }
 
 // Four grays in the low halves of four lanes of 64 bits.
@@ -295,7 +320,9 @@ struct WriteGray8 {
     Scaler scale;
     explicit WriteGray8(const RowParameters& p) : scale(p.Scale, 0xFF) {}
     void operator()(uint8_t* target, const Colours& colours) const {
-        Store(target, PackBytes(GrayOf(colours, grayWeights).Eight));
+        const __m256i low = GrayWordsOf(colours.Eight[0], colours.Eight[1]);
+        const __m256i high = GrayWordsOf(colours.Eight[2], colours.Eight[3]);
+        Store(target, JoinBytes(low, high));
     }
     void operator()(uint8_t* target, const GrayLevels& levels) const {
         Store(target, PackBytes(scale(levels).Eight));
@@ -324,14 +351,15 @@ struct WriteSwappedGray : WriteGrayWords {
     }
 };
 
-struct WriteColour16 {
+template <Ordering ordering = Ordering::Done> struct WriteColour16 {
     static constexpr size_t bits = 16;
     __m256i order;
     explicit WriteColour16(const RowParameters& p) : order(ReorderShuffle<4, 4, 1>(p.TargetIsRgb)) {}
     // The fields are put together by multiplying and adding: the upper five bits of the channels times 1, 32
     // and 1024, and the upper bit of alpha times 2048.
     __m256i Packed(__m256i colours) const {
-        const __m256i upper = Masked(_mm256_shuffle_epi8(colours, order), 0x80F8F8F8);
+        if (ordering == Ordering::Done) colours = _mm256_shuffle_epi8(colours, order);
+        const __m256i upper = Masked(colours, 0x80F8F8F8);
         const __m256i pairs = _mm256_maddubs_epi16(upper, _mm256_set1_epi32(0x02012001));
         return _mm256_srli_epi32(_mm256_madd_epi16(pairs, _mm256_set1_epi32(0x04000001)), 3);
     }
@@ -341,14 +369,16 @@ struct WriteColour16 {
     }
 };
 
-template <size_t channels, Alpha alpha = Alpha::Used> struct WriteColour {
+template <size_t channels, Alpha alpha = Alpha::Used, Ordering ordering = Ordering::Done> struct WriteColour {
     static constexpr size_t bits = channels * 8;
     __m256i order;
     explicit WriteColour(const RowParameters& p) : order(ReorderShuffle<4, channels, 1>(p.TargetIsRgb)) {}
     void operator()(uint8_t* target, const Colours& colours) const {
         __m256i eight[4];
         for (size_t i = 0; i < 4; ++i)
-            eight[i] = _mm256_shuffle_epi8(colours.Eight[i], order);
+            eight[i] = channels == 4 && ordering == Ordering::Left
+                           ? colours.Eight[i]
+                           : _mm256_shuffle_epi8(colours.Eight[i], order);
         if constexpr (channels == 3) return Store96(target, eight[0], eight[1], eight[2], eight[3]);
         const __m256i alphaMask = _mm256_set1_epi32(static_cast<int>(0xFF000000));
         for (size_t i = 0; i < 4; ++i) {
@@ -433,10 +463,7 @@ template <class Reader, class Writer> struct ConvertStep {
     void operator()(uint8_t* target, const uint8_t* source) const { write(target, read(source)); }
 };
 
-template <class Reader, class Writer>
-void ConvertRow(const uint8_t* source, uint8_t* target, size_t pixels, const RowParameters& parameters) {
-    RunUnits(ConvertStep<Reader, Writer>(parameters), source, target, pixels);
-}
+template <class Reader, class Writer> constexpr RowKernel ConvertRow = RunStep<ConvertStep<Reader, Writer>>;
 
 } // namespace
 } // namespace zkr::rows

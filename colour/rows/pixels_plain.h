@@ -104,7 +104,7 @@ struct ReadGrayLookup : ReadGrayValue {
     }
 };
 
-struct ReadColour16 {
+template <class...> struct ReadColour16 {
     static constexpr size_t bits = 16;
     uint32_t blueShift, redShift;
     explicit ReadColour16(const RowParameters& p)
@@ -199,7 +199,7 @@ struct WriteSwappedGray : WriteGrayWords {
     }
 };
 
-struct WriteColour16 {
+template <class...> struct WriteColour16 {
     static constexpr size_t bits = 16;
     uint32_t blueShift, redShift;
     explicit WriteColour16(const RowParameters& p)

@@ -51,7 +51,7 @@ using RowKernel = void (*)(const uint8_t* source, uint8_t* target, size_t pixels
 // Forms of a source span. Where a kernel is given a palette, the reserved bytes of its entries play no part.
 enum class Source : uint8_t {
     Bits1,      // one bit a pixel, an index into a palette of two entries
-    Index8,     // bytes, indices into a palette
+    Index8,     // bytes, indices into a palette of Mask + 1 entries
     Gray8,      // bytes, gray levels
     GrayValue,  // words with a gray value in a window
     GrayLookup, // words with an index into a palette in a window

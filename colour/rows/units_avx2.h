@@ -3,11 +3,14 @@
 //
 //     static constexpr size_t sourceBits, targetBits;   // of a pixel
 //     static constexpr size_t reach;                    // pixels that must be left in the row for a step
+//     explicit Step(const RowParameters& parameters);
 //     void operator()(uint8_t* target, const uint8_t* source) const;
 //
 // A step that reads or writes a little more than its 32 pixels says so by a longer reach. The pixels that are
 // left over pass through padded copies.
 #pragma once
+
+#include "colour/rows/row_kernel.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -108,6 +111,12 @@ template <class Step> void RunUnits(const Step& step, const uint8_t* source, uin
     for (; pixels > unitPixels; pixels -= unitPixels, source += sourceBytes, target += targetBytes)
         RunPadded(step, target, source, unitPixels);
     if (pixels > 0) RunPadded(step, target, source, pixels);
+}
+
+// The kernel of a step that is made from the parameters of the row.
+template <class Step>
+void RunStep(const uint8_t* source, uint8_t* target, size_t pixels, const RowParameters& parameters) {
+    RunUnits(Step(parameters), source, target, pixels);
 }
 
 } // namespace

@@ -1,0 +1,112 @@
+// Steps of 32 pixels for AVX2 that are faster than the meeting of a reader and a writer.
+#pragma once
+
+#include "colour/rows/pixels_avx2.h"
+
+namespace zkr::rows {
+namespace {
+
+// Indices to colours of 24 bits, two pixels to a store. The entries wait in the order of the target.
+struct LookUpColours24 {
+    static constexpr size_t sourceBits = 8;
+    static constexpr size_t targetBits = 24;
+    static constexpr size_t reach = unitPixels + 1; // the last store goes two bytes too far
+
+    uint32_t entries[256];
+
+    explicit LookUpColours24(const RowParameters& p) {
+        const __m256i order = ReorderShuffle<4, 4, 1>(p.TargetIsRgb);
+        const auto* palette = static_cast<const uint8_t*>(p.Table);
+        const size_t count = p.Mask + size_t{1};
+        uint8_t few[32];
+        if (count < 8) palette = static_cast<const uint8_t*>(std::memcpy(few, palette, count * 4));
+        for (size_t i = 0; i < count; i += 8) {
+            const __m256i eight = _mm256_shuffle_epi8(Masked(Load(palette + i * 4), 0xFFFFFF), order);
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(entries + i), eight);
+        }
+    }
+    void operator()(uint8_t* target, const uint8_t* source) const {
+        for (size_t i = 0; i < unitPixels; i += 2) {
+            const uint64_t pair = entries[source[i]] | static_cast<uint64_t>(entries[source[i + 1]])
+                                                           << targetBits;
+            std::memcpy(target + i * 3, &pair, 8);
+        }
+    }
+};
+
+// Colours among each other, with the change of order left to the side that shuffles its bytes anyway: the
+// other is given with its ordering left, and both are told whether the orders differ.
+template <class Reader, class Writer> struct ReorderOnce : ConvertStep<Reader, Writer> {
+    static RowParameters Relative(const RowParameters& p) {
+        const bool differs = p.SourceIsRgb != p.TargetIsRgb;
+        return {.SourceIsRgb = differs, .TargetIsRgb = differs};
+    }
+    explicit ReorderOnce(const RowParameters& p) : ConvertStep<Reader, Writer>(Relative(p)) {}
+};
+
+// 24 bits in the other order.
+struct Swap24 {
+    static constexpr size_t sourceBits = 24;
+    static constexpr size_t targetBits = 24;
+    static constexpr size_t reach = unitPixels;
+
+    __m256i swap = ReorderShuffle<3, 3, 1, 4>(true);
+
+    explicit Swap24(const RowParameters&) {}
+    void operator()(uint8_t* target, const uint8_t* source) const {
+        __m256i eight[4];
+        for (size_t i = 0; i < 4; ++i)
+            eight[i] = _mm256_shuffle_epi8(Load24(source + i * 24), swap);
+        Store96(target, eight[0], eight[1], eight[2], eight[3]);
+    }
+};
+
+// Gray values of at most eight bits that are not scaled.
+struct NarrowGrayValues {
+    static constexpr size_t sourceBits = 16;
+    static constexpr size_t targetBits = 8;
+    static constexpr size_t reach = unitPixels;
+
+    __m128i shift;
+    __m256i mask;
+
+    explicit NarrowGrayValues(const RowParameters& p)
+        : shift(_mm_cvtsi32_si128(static_cast<int>(p.Shift))),
+          mask(_mm256_set1_epi16(static_cast<short>(p.Mask & 0xFF))) {}
+    __m256i Values(const uint8_t* source) const {
+        return _mm256_and_si256(_mm256_srl_epi16(Load(source), shift), mask);
+    }
+    void operator()(uint8_t* target, const uint8_t* source) const {
+        const __m256i bytes = _mm256_packus_epi16(Values(source), Values(source + 32));
+        Store(target, _mm256_permute4x64_epi64(bytes, 0xD8));
+    }
+};
+
+void ConvertGrayValuesToGray8(const uint8_t* source, uint8_t* target, size_t pixels,
+                              const RowParameters& parameters) {
+    if (parameters.Scale.Whole == 1 && parameters.Scale.Fraction == 0) {
+        RunUnits(NarrowGrayValues(parameters), source, target, pixels);
+    } else {
+        ConvertRow<ReadGrayValue, WriteGray8>(source, target, pixels, parameters);
+    }
+}
+
+constexpr void SetSpecialKernels(ConvertKernels& kernels) {
+    const auto set = [&kernels](Source source, Target target, RowKernel kernel) {
+        kernels.Convert[static_cast<size_t>(source)][static_cast<size_t>(target)] = kernel;
+    };
+    using Left32 = WriteColour<4, Alpha::Used, Ordering::Left>;
+    using From16 = ReadColour16<Ordering::Left, Alpha::Ignored>;
+    set(Source::Index8, Target::Colour24, RunStep<LookUpColours24>);
+    set(Source::Colour24, Target::Colour24, RunStep<Swap24>);
+    set(Source::Colour24, Target::Colour32, RunStep<ReorderOnce<ReadColour<3>, Left32>>);
+    set(Source::Colour24, Target::Colour16,
+        RunStep<ReorderOnce<ReadColour<3>, WriteColour16<Ordering::Left>>>);
+    set(Source::Colour32, Target::Colour24,
+        RunStep<ReorderOnce<ReadColour<4, Ordering::Left>, WriteColour<3>>>);
+    set(Source::Colour16, Target::Colour24, RunStep<ReorderOnce<From16, WriteColour<3>>>);
+    set(Source::GrayValue, Target::Gray8, ConvertGrayValuesToGray8);
+}
+
+} // namespace
+} // namespace zkr::rows
