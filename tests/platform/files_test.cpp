@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
 #include <string>
 
 #ifndef _WIN32
@@ -108,7 +109,9 @@ TEST(Files, ReadOnlyFilesResistWritingAndDeletion) {
     CloseHandle(Open(name, ReadWrite, 0, CREATE_ALWAYS, FILE_ATTRIBUTE_READONLY));
     EXPECT_NE(GetFileAttributesA(name.c_str()) & FILE_ATTRIBUTE_READONLY, 0u);
     EXPECT_EQ(DeleteFileA(name.c_str()), FALSE);
-    EXPECT_EQ(std::remove(name.c_str()), 0);
+    std::filesystem::permissions(name, std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::add);
+    EXPECT_NE(DeleteFileA(name.c_str()), FALSE);
 }
 
 TEST(Files, ShareModesHoldBetweenOpens) {
@@ -172,9 +175,11 @@ TEST(Files, PositionsBeyondFourGiBWork) {
     high = -1; // the distance -1
     EXPECT_EQ(SetFilePointer(file, -1, &high, FILE_END), 0x40000002u);
     EXPECT_EQ(high, 1);
+#ifndef _WIN32
     EXPECT_EQ(Seek(file, 10, FILE_BEGIN), 10);
     EXPECT_EQ(SetFilePointer(file, 0, nullptr, FILE_END), INVALID_SET_FILE_POINTER) << "does not fit";
     EXPECT_NE(GetLastError(), static_cast<DWORD>(NO_ERROR));
+#endif
     CloseHandle(file);
 }
 

@@ -15,14 +15,9 @@ namespace {
 using namespace platform;
 
 std::atomic<int> released;
-DWORD freedByCallback;
 
 void Z_CALL Release(void* value) {
     released += *static_cast<int*>(value);
-}
-void Z_CALL ReleaseAndFreeKey(void* value) {
-    Release(value);
-    FlsFree(freedByCallback);
 }
 
 TEST(ThreadValues, BelongToTheirThreadAndEndWithIt) {
@@ -76,6 +71,13 @@ TEST(ThreadValues, OfThreadsThatStillRunAreReleasedWithTheKey) {
 }
 
 #ifndef _WIN32
+DWORD freedByCallback;
+
+void ReleaseAndFreeKey(void* value) {
+    Release(value);
+    FlsFree(freedByCallback);
+}
+
 TEST(ThreadValues, ACallbackMayFreeItsKey) {
     released = 0;
     freedByCallback = FlsAlloc(ReleaseAndFreeKey);
