@@ -49,7 +49,7 @@ bool IsOrderOfDepth(int32_t order, int32_t bits) {
 
 // A window that is the whole pixel.
 bool IsWholePixel(const ConvertRequest& request, int32_t depth) {
-    return request.LowBit < 1 && (request.HighBit < 0 || request.HighBit == PixelBits(depth) - 1);
+    return request.LowBit < 1 && (request.HighBit < 0 || request.HighBit == int64_t{PixelBits(depth)} - 1);
 }
 
 // Whatever the bits that a caller asks for, the result can be shifted by and divided by.
