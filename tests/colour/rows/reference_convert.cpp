@@ -294,7 +294,7 @@ uint64_t Model::FromGray(uint64_t pixel, uint64_t before) const {
 uint64_t Model::ConvertPixel(uint64_t pixel, uint64_t before) const {
     if (FromGrayWords()) return FromGray(pixel, before);
     if (sourceBits <= 8) {
-        if (IsIndexed(targetBits)) return map[pixel];
+        if (IsIndexed(targetBits)) return map[static_cast<size_t>(pixel)];
         return FromColour(sourceBits == 0 ? GrayColour(pixel) : ColourOf(sourcePalette[pixel]), 0);
     }
     const uint64_t alpha = HasAlpha(sourceBits) ? pixel >> 3 * ChannelBits(sourceBits) : 0;
