@@ -61,6 +61,89 @@ struct Swap24 {
     }
 };
 
+inline __m256i LoadHalves(const uint8_t* low, const uint8_t* high) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(LoadHalf(low)), LoadHalf(high), 1);
+}
+
+// Channels of eight bits to words. The 24 bytes of eight pixels become three halves of vectors of eight words
+// each, which find all their channels, in either order, in the 16 bytes from 0, 6 and 8 on.
+constexpr Places WidenedChannels(size_t vector, bool swap) {
+    constexpr size_t loadedFrom[3] = {0, 6, 8};
+    return MakePlaces([&](size_t i) {
+        const size_t half = (vector * 2 + i / 16) % 3;
+        const size_t channel = half * 8 + i % 16 / 2;
+        return channel / 3 * 3 + Ordered(channel % 3, swap) - loadedFrom[half];
+    });
+}
+
+struct Widen24 {
+    static constexpr size_t sourceBits = 24;
+    static constexpr size_t targetBits = 48;
+    static constexpr size_t reach = unitPixels;
+
+    __m256i shuffle[3];
+
+    explicit Widen24(const RowParameters& p) {
+        static constexpr Places places[2][3] = {
+            {WidenedChannels(0, false), WidenedChannels(1, false), WidenedChannels(2, false)},
+            {WidenedChannels(0, true), WidenedChannels(1, true), WidenedChannels(2, true)}};
+        for (size_t i = 0; i < 3; ++i)
+            shuffle[i] = Load(places[p.SourceIsRgb != p.TargetIsRgb][i]);
+    }
+    void operator()(uint8_t* target, const uint8_t* source) const {
+        for (size_t i = 0; i < 2; ++i, source += 48, target += 96) {
+            Store(target, _mm256_shuffle_epi8(LoadHalves(source, source + 6), shuffle[0]));
+            Store(target + 32, _mm256_shuffle_epi8(LoadHalves(source + 8, source + 24), shuffle[1]));
+            Store(target + 64, _mm256_shuffle_epi8(LoadHalves(source + 30, source + 32), shuffle[2]));
+        }
+    }
+};
+
+// The high bytes of words, order kept.
+struct Narrow48 {
+    static constexpr size_t sourceBits = 48;
+    static constexpr size_t targetBits = 24;
+    static constexpr size_t reach = unitPixels;
+
+    explicit Narrow48(const RowParameters&) {}
+    void operator()(uint8_t* target, const uint8_t* source) const {
+        __m256i bytes[3];
+        for (size_t i = 0; i < 3; ++i) {
+            const __m256i low = _mm256_srli_epi16(Load(source + i * 64), 8);
+            const __m256i high = _mm256_srli_epi16(Load(source + i * 64 + 32), 8);
+            bytes[i] = _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0xD8);
+        }
+        for (size_t i = 0; i < 3; ++i)
+            Store(target + i * 32, bytes[i]);
+    }
+};
+
+void Convert48To24(const uint8_t* source, uint8_t* target, size_t pixels, const RowParameters& parameters) {
+    const bool sameOrder = parameters.SourceIsRgb == parameters.TargetIsRgb;
+    const RowKernel kernel = sameOrder ? RunStep<Narrow48> : ConvertRow<ReadDeepHigh<3>, WriteColour<3>>;
+    kernel(source, target, pixels, parameters);
+}
+
+// Each gray level three times. The bytes of a vector of the target come from eleven pixels, which lie in the
+// sixteen from 0, 8 or 16 on.
+struct SpreadGray {
+    static constexpr size_t sourceBits = 8;
+    static constexpr size_t targetBits = 24;
+    static constexpr size_t reach = unitPixels;
+
+    static constexpr Places places[3] = {MakePlaces([](size_t i) { return i / 3; }),
+                                         MakePlaces([](size_t i) { return (i + 32) / 3 - 8; }),
+                                         MakePlaces([](size_t i) { return (i + 64) / 3 - 16; })};
+
+    explicit SpreadGray(const RowParameters&) {}
+    void operator()(uint8_t* target, const uint8_t* source) const {
+        for (size_t i = 0; i < 3; ++i) {
+            const __m256i levels = _mm256_broadcastsi128_si256(LoadHalf(source + i * 8));
+            Store(target + i * 32, _mm256_shuffle_epi8(levels, Load(places[i])));
+        }
+    }
+};
+
 // Gray values of at most eight bits that are not scaled.
 struct NarrowGrayValues {
     static constexpr size_t sourceBits = 16;
@@ -105,6 +188,9 @@ constexpr void SetSpecialKernels(ConvertKernels& kernels) {
     set(Source::Colour32, Target::Colour24,
         RunStep<ReorderOnce<ReadColour<4, Ordering::Left>, WriteColour<3>>>);
     set(Source::Colour16, Target::Colour24, RunStep<ReorderOnce<From16, WriteColour<3>>>);
+    set(Source::Colour24, Target::Deep48, RunStep<Widen24>);
+    set(Source::Deep48, Target::Colour24, Convert48To24);
+    set(Source::Gray8, Target::Colour24, RunStep<SpreadGray>);
     set(Source::GrayValue, Target::Gray8, ConvertGrayValuesToGray8);
 }
 
