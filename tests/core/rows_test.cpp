@@ -28,11 +28,11 @@ TEST_P(RowsTest, RandomTransfersAgreeWithAnArray) {
             const auto count = static_cast<uint32_t>(random() % (most + 1));
             const auto expected = static_cast<ReturnCode>(count);
             if (random() % 2 == 0) {
-                const Bytes data = RandomBytes(count, random);
+                const Bytes data = RandomBytes(count + 1, random);
                 ASSERT_EQ(fromColumn ? Z_PutBitmapRowCol(&bitmap, data.data(), row, column, count)
                                      : Z_PutBitmapRow(&bitmap, data.data(), row, count),
                           expected);
-                std::copy(data.begin(), data.end(), model.begin() + static_cast<ptrdiff_t>(place));
+                std::copy(data.begin(), data.end() - 1, model.begin() + static_cast<ptrdiff_t>(place));
             } else {
                 Bytes data(count + 1, 0xA5);
                 ASSERT_EQ(fromColumn ? Z_GetBitmapRowCol(&bitmap, data.data(), row, column, count)
