@@ -56,9 +56,10 @@ void SheetStation(Tour& tour) {
     const Stopwatch watch;
     Bitmap page = tour.sheet.Drawn((tour.out / "contact-sheet.png").string());
     tour.Write(page, "contact-sheet.png");
+    std::string result = std::to_string(page.Width()) + " x " + std::to_string(page.Height()) + " pixels";
+    if (!Lettering().Available()) result += ", without labels: no DejaVu Sans here";
     tour.Print({"contact-sheet.png", ShortName(page.Format()), StorageOf(page), page.Bytes(),
-                watch.Milliseconds(),
-                std::to_string(page.Width()) + " x " + std::to_string(page.Height()) + " pixels"});
+                watch.Milliseconds(), result});
 }
 
 void RunTour(const TourOptions& options) {
