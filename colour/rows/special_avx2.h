@@ -25,11 +25,16 @@ struct LookUpColours24 {
             _mm256_storeu_si256(reinterpret_cast<__m256i*>(entries + i), eight);
         }
     }
+    void StorePair(uint8_t* target, size_t first, size_t second) const {
+        const uint64_t pair = entries[first] | static_cast<uint64_t>(entries[second]) << 24;
+        std::memcpy(target, &pair, 8);
+    }
     void operator()(uint8_t* target, const uint8_t* source) const {
-        for (size_t i = 0; i < unitPixels; i += 2) {
-            const uint64_t pair = entries[source[i]] | static_cast<uint64_t>(entries[source[i + 1]])
-                                                           << targetBits;
-            std::memcpy(target + i * 3, &pair, 8);
+        for (size_t i = 0; i < unitPixels; i += 4, source += 4, target += 12) {
+            uint32_t indices;
+            std::memcpy(&indices, source, 4);
+            StorePair(target, indices & 0xFF, indices >> 8 & 0xFF);
+            StorePair(target + 6, indices >> 16 & 0xFF, indices >> 24);
         }
     }
 };
