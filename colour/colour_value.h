@@ -23,6 +23,7 @@ class ColourValue {
     }
 
     constexpr uint32_t Value() const { return value_; }
+    constexpr uint32_t Plain() const { return value_ & 0x00FFFFFF; } // without the top byte
     constexpr uint32_t TopByte() const { return value_ >> 24; }
     constexpr uint32_t Index() const { return value_ & 0xFFFF; }
     constexpr uint8_t Red() const { return static_cast<uint8_t>(value_); }

@@ -13,7 +13,7 @@ bool IsIndexed(const BitmapHandle& bitmap) {
 }
 
 ColourValue NearestIndex(const BitmapHandle& target, ColourValue colour) {
-    return ColourValue::OfIndex(Z_GetNearestPaletteIndex(&target, colour.Value()));
+    return ColourValue::OfIndex(Z_GetNearestPaletteIndex(&target, colour.Plain()));
 }
 
 ColourValue LevelIndex(const BitmapHandle& target, ColourValue colour) {
@@ -52,9 +52,10 @@ uint32_t Z_CALL Z_TranslateBitmapColor(const BitmapHandle* target, const BitmapH
     if (target == nullptr) return colour;
     ColourValue value(colour);
     if (value.IsExtendedGray()) {
-        if (IsGray(*target))
-            return (HasActiveLevelTable(*target) ? LevelIndex(*target, value) : value).Value();
+        const bool throughTable = HasActiveLevelTable(*target);
+        if (IsGray(*target) && !throughTable) return colour;
         value = value.PlainOfExtendedGray();
+        if (IsGray(*target)) return LevelIndex(*target, value).Value();
     }
     if (value.TopByte() == ColourValue::IndexForm) return TranslateIndex(*target, source, value).Value();
     return (IsIndexed(*target) ? NearestIndex(*target, value) : value).Value();

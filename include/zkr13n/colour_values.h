@@ -26,9 +26,10 @@ Z_BEGIN_DECLS
  *
  * The result by the form of the colour, the first that applies:
  *
- *   bit 26     For a gray target, and for 12 bits in any order: the colour as it is, or with an active level
- *              table the index of the table's entry that is nearest to the value's three bytes (of a table
- *              of 65536 entries the last is left out). For others it is taken as plain colour, see above.
+ *   bit 26     For a gray target, and for 12 bits in any order, without an active level table: the colour as
+ *              it is. Else it stands for a plain colour, see above. With an active table the result is the
+ *              index of the table's entry that is nearest to it (of a table of 65536 entries the last is
+ *              left out); for other targets the plain colour is treated as one below.
  *   top byte 1 The colour of the source's palette entry. For a target of 1 to 8 bits: the same index, where
  *              the target's entry has that colour, else the nearest one. Without a source, from one of more
  *              than 8 bits, and for an index that its palette lacks, the colour is black.

@@ -40,7 +40,7 @@ TEST(TranslateBitmapColor, FollowsItsRules) {
     const Terms gray12(12, Z_ORDER_BGR);
     Terms idle(16, Z_ORDER_GRAY), active(16, Z_ORDER_GRAY);
     idle.WithLevels({black, red}, false);
-    active.WithLevels({black, EntryOf(0x34, 0x12, 0), red}, true);
+    active.WithLevels({black, EntryOf(0x34, 0x12, 0), EntryOf(0x10, 0x10, 0x10)}, true);
 
     const struct {
         const char* What;
@@ -55,7 +55,7 @@ TEST(TranslateBitmapColor, FollowsItsRules) {
         {"16-bit gray to gray", &gray, nullptr, 0x04001234, 0x04001234},
         {"16-bit gray to 12 bits in a colour order", &gray12, nullptr, 0x04001234, 0x04001234},
         {"16-bit gray past an idle table", &idle, nullptr, 0x04001234, 0x04001234},
-        {"16-bit gray through a table, by its bytes", &active, nullptr, 0x04001234, 0x01000001},
+        {"16-bit gray through a table, by its upper byte", &active, nullptr, 0x04001234, 0x01000002},
         {"16-bit gray to colour", &colour, nullptr, 0x0400C834, 0x00C8C8C8},
         {"16-bit gray with an index mark to colour", &colour, &indexed, 0x05C83456, 0x00343434},
         {"16-bit gray to indices", &indexed, nullptr, 0x04000AFF, 0x01000002},
@@ -73,6 +73,7 @@ TEST(TranslateBitmapColor, FollowsItsRules) {
         {"plain colour to colour", &colour, &indexed, 0x00112233, 0x00112233},
         {"other top byte to colour", &colour, &indexed, 0x02112233, 0x02112233},
         {"plain colour to indices", &other, nullptr, 0x00B00000, 0x01000001},
+        {"other top byte to indices", &other, nullptr, 0x10B00001, 0x01000001},
         {"target without a palette", &bare, nullptr, 0x00B00000, 0x01000000},
     };
     for (const auto& c : cases) {
@@ -83,8 +84,8 @@ TEST(TranslateBitmapColor, FollowsItsRules) {
 TEST(TranslateBitmapColor, LeavesOutTheLastOfAllLevels) {
     Terms target(16, Z_ORDER_GRAY);
     std::vector<RGBQUAD> levels(65536, EntryOf(255, 255, 255));
-    levels[65534] = EntryOf(0x30, 0x12, 0);
-    levels[65535] = EntryOf(0x34, 0x12, 0);
+    levels[65534] = EntryOf(0x10, 0x10, 0x10);
+    levels[65535] = EntryOf(0x12, 0x12, 0x12);
     target.WithLevels(levels, true);
     EXPECT_EQ(Z_TranslateBitmapColor(&target, nullptr, 0x04001234), 0x0100FFFEu);
 }
