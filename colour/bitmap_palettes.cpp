@@ -1,5 +1,6 @@
 // The palette of a bitmap in its two forms: a palette object of the platform, or a block of RGBQUADs.
 #include "colour/gray_of.h"
+#include "core/attachments.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
 #include "platform/graphics.h"
@@ -33,16 +34,6 @@ RGBQUAD* CreateBlock(const RGBQUAD* palette, uint32_t entries) {
 void* CreateInForm(bool asBlock, const RGBQUAD* palette, uint32_t entries) {
     if (asBlock) return CreateBlock(palette, entries);
     return Z_CreatePalette(palette, entries);
-}
-
-void FreePalette(BitmapHandle& bitmap) {
-    if (bitmap.Palette == nullptr) return;
-    if (IsBlock(bitmap)) {
-        Z_OsFree(bitmap.Palette);
-    } else {
-        platform::DeleteObject(Object(bitmap));
-    }
-    bitmap.Palette = nullptr;
 }
 
 // A palette object for a bitmap in either form, kept for a scope.
@@ -115,7 +106,7 @@ ReturnCode Z_CALL Z_PutBitmapColors(BitmapHandle* bitmap, int32_t start, int32_t
     Z_GetBitmapPaletteEntries(bitmap, 0, bitmap->ColorsUsed, entries);
     for (int32_t i = 0; i < count; ++i)
         entries[start + i] = source[i];
-    FreePalette(*bitmap);
+    ReleasePalette(*bitmap);
     Z_CreateBitmapPalette(bitmap, entries, bitmap->ColorsUsed);
     return code::Success;
 }
@@ -187,7 +178,7 @@ ReturnCode Z_CALL Z_SetBitmapPalette(BitmapHandle* bitmap, HPALETTE palette) {
     const uint32_t entries = Z_GetPaletteSize(palette);
     if (entries < 2 || entries > maximumEntries) return code::InvalidArgument;
     const HPALETTE copy = Z_DupPalette(palette); // before the old one goes: it may be the same
-    FreePalette(*bitmap);
+    ReleasePalette(*bitmap);
     bitmap->Palette = copy;
     bitmap->ColorsUsed = entries;
     bitmap->Flags &= ~flag::PaletteIsBlock;
@@ -204,7 +195,7 @@ ReturnCode Z_CALL Z_SetPaletteType(BitmapHandle* bitmap, int32_t type) {
         Z_GetBitmapPaletteEntries(bitmap, 0, std::min(bitmap->ColorsUsed, maximumEntries), entries);
     void* palette = CreateInForm(toBlock, entries, count);
     if (palette == nullptr) return code::OutOfMemory;
-    FreePalette(*bitmap);
+    ReleasePalette(*bitmap);
     bitmap->Palette = palette;
     bitmap->ColorsUsed = count;
     bitmap->Flags ^= flag::PaletteIsBlock;

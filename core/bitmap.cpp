@@ -1,6 +1,7 @@
 // The life of a bitmap: records are initialised, created in one call, freed, pointed at a caller's data and
 // changed in height. How they get their storage is in allocate.cpp, how one record is made from another in
 // duplicate.cpp.
+#include "core/attachments.h"
 #include "core/dispatch.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
@@ -61,17 +62,16 @@ void ReleaseRegion(BitmapHandle& bitmap) {
     bitmap.Region = nullptr;
 }
 
+} // namespace
+
 void ReleasePalette(BitmapHandle& bitmap) {
-    if (bitmap.Palette != nullptr) {
-        if (HasFlag(bitmap, flag::PaletteIsBlock))
-            Z_OsFree(bitmap.Palette);
-        else
-            platform::DeleteObject(bitmap.Palette);
-    }
+    if (bitmap.Palette == nullptr) return;
+    if (HasFlag(bitmap, flag::PaletteIsBlock))
+        Z_OsFree(bitmap.Palette);
+    else
+        platform::DeleteObject(bitmap.Palette);
     bitmap.Palette = nullptr;
 }
-
-} // namespace
 
 } // namespace zkr
 

@@ -1,0 +1,11 @@
+// What hangs on a bitmap's record besides its data.
+#pragma once
+
+#include "zkr13n/bitmap.h"
+
+namespace zkr {
+
+// Releases the palette, in whichever form it is, and clears the field. A record without one is left alone.
+void ReleasePalette(BitmapHandle& bitmap);
+
+} // namespace zkr
