@@ -97,10 +97,10 @@ int32_t Z_CALL Z_OsDelete(const char* name) {
 }
 
 int32_t Z_CALL Z_OsGetTempName(char* buffer) {
-    if (buffer == nullptr) return Failed;
-    if (platform::GetTempFileNameA(CurrentThreadSettings().TempDirectory, "ZD", 0, buffer) != 0) return 0;
-    buffer[0] = '\0';
-    return Failed;
+    if (buffer != nullptr &&
+        platform::GetTempFileNameA(CurrentThreadSettings().TempDirectory, "ZD", 0, buffer) == 0)
+        buffer[0] = '\0';
+    return 0;
 }
 
 int32_t zkr::SetFileLength(intptr_t handle, size_t length) {

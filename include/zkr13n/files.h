@@ -119,9 +119,9 @@ Z_API int32_t Z_CALL Z_OsDelete(const char* name);
  * Makes an empty file with a fresh name, which begins with "ZD", in the calling thread's directory for
  * temporary files (Z_SetTempDirectory).
  *
- * buffer    out: 260 bytes for the path with its zero
+ * buffer    out: 260 bytes for the path with its zero; an empty path when the file could not be made
  *
- * Returns 0, or -1 on failure; the path is then empty.
+ * Returns 0 in every case.
  */
 Z_API int32_t Z_CALL Z_OsGetTempName(char* buffer);
 
