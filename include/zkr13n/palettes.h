@@ -7,8 +7,9 @@
  * its palette either as an object or, with Z_FLAG_PALETTE_IS_BLOCK, as a block of ColorsUsed entries from
  * Z_OsAlloc, and owns it. Starts and counts are counted in entries.
  *
- * A palette object that a function returns belongs to the caller, who deletes it as the platform deletes
- * objects, or puts it into a bitmap's Palette field, where Z_FreeBitmap releases it.
+ * A palette object that a function returns belongs to the caller, who deletes it (with DeleteObject on
+ * Windows, with Z_DeleteObject elsewhere) or puts it into a bitmap's Palette field, where Z_FreeBitmap
+ * releases it.
  */
 #ifndef ZKR13N_PALETTES_H
 #define ZKR13N_PALETTES_H

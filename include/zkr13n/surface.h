@@ -1,8 +1,8 @@
 /*
  * Surfaces: the display of systems that have none of their own. A host describes pixels in its memory and
  * gets a device context, which every function of the library that takes an HDC accepts; one surface can serve
- * as the screen of the process. On Windows the system's own device contexts are used and this family does not
- * exist.
+ * as the screen of the process. And the end of the platform's objects that a host owns. On Windows the
+ * system's own functions do this and the family does not exist.
  */
 #ifndef ZKR13N_SURFACE_H
 #define ZKR13N_SURFACE_H
@@ -60,6 +60,17 @@ Z_API ReturnCode Z_CALL Z_DeleteSurface(HDC context);
  * 1 on success. Z_ERROR_ARGUMENT: not a live device context of Z_CreateSurface; the screen stays as it was.
  */
 Z_API ReturnCode Z_CALL Z_SetScreenSurface(HDC context);
+
+/*
+ * Deletes an object of the platform that belongs to the host, as the palette objects do that functions of the
+ * library return. Not for what a bitmap holds: Z_FreeBitmap releases that.
+ *
+ * object  in: a palette object
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: null, an object that is deleted already, or no object of these kinds;
+ * nothing is changed.
+ */
+Z_API ReturnCode Z_CALL Z_DeleteObject(HANDLE object);
 
 Z_END_DECLS
 

@@ -2,6 +2,7 @@
 #include "platform/faults.h"
 #include "platform/portable/graphics.h"
 #include "platform/portable/handle_table.h"
+#include "zkr13n/surface.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -115,3 +116,7 @@ BOOL DeleteObject(HGDIOBJ object) {
 }
 
 } // namespace zkr::platform
+
+ReturnCode Z_CALL Z_DeleteObject(HANDLE object) {
+    return zkr::platform::DeleteObject(object) ? Z_SUCCESS : Z_ERROR_ARGUMENT;
+}

@@ -2,6 +2,7 @@
 #include "platform/faults.h"
 #include "platform/graphics.h"
 #include "platform/portable/device.h"
+#include "zkr13n/palettes.h"
 #include "zkr13n/surface.h"
 
 #include <gtest/gtest.h>
@@ -116,6 +117,19 @@ TEST_F(Surfaces, ServeAsAPaletteDisplay) {
     EXPECT_EQ(GetSystemPaletteEntries(screen, 0, 3, got), 0u);
     ReleaseDC(nullptr, screen);
     EXPECT_EQ(Z_DeleteSurface(context), Z_ERROR_ARGUMENT);
+}
+
+TEST_F(Surfaces, TheHostDeletesItsObjects) {
+    HDC context = nullptr;
+    ASSERT_EQ(Z_CreateSurface(&description_, &context), Z_SUCCESS);
+    const HPALETTE palette = Z_CreateGrayPalette(4);
+    ASSERT_EQ(CountHandles(), handles_ + 2);
+    EXPECT_EQ(Z_DeleteObject(context), Z_ERROR_ARGUMENT) << "a device context goes with its surface";
+    EXPECT_EQ(Z_DeleteObject(nullptr), Z_ERROR_ARGUMENT);
+    EXPECT_EQ(Z_DeleteObject(palette), Z_SUCCESS);
+    EXPECT_EQ(Z_GetPaletteSize(palette), 0u);
+    EXPECT_EQ(Z_DeleteObject(palette), Z_ERROR_ARGUMENT);
+    EXPECT_EQ(Z_DeleteSurface(context), Z_SUCCESS);
 }
 
 } // namespace
