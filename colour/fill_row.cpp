@@ -1,8 +1,10 @@
-// The colour is first turned into the pattern of bytes that its pixels make, which is then repeated.
+// One colour into a run of pixels: the colour is turned into the shortest pattern of whole bytes that its
+// pixels make, and the pattern is repeated.
 #include "colour/fill_row.h"
 
 #include "colour/colour_value.h"
 #include "core/return_codes.h"
+#include "core/sizes.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
 
@@ -88,7 +90,7 @@ Pattern IndexedPattern(const BitmapHandle& bitmap, ColourValue colour) {
     const uint32_t bits = static_cast<uint32_t>(bitmap.BitsPerPixel);
     uint32_t index = colour.TopByte() == ColourValue::IndexForm
                          ? colour.Index() & ((1u << bits) - 1)
-                         : Z_GetNearestPaletteIndex(&bitmap, colour.Value());
+                         : Z_GetNearestPaletteIndex(&bitmap, colour.Plain());
     if (bits == 1) index = index > 0 ? 1 : 0;
     uint64_t eight = 0;
     for (uint32_t i = 0; i < 8; ++i)
@@ -131,11 +133,6 @@ void Repeat(const Pattern& pattern, uint8_t* row, size_t bytes) {
     }
 }
 
-bool IsDepth(int32_t bits) {
-    return (bits >= 1 && bits <= 8) || bits == 12 || bits == 16 || bits == 24 || bits == 32 || bits == 48 ||
-           bits == 64;
-}
-
 // Writes those bits of a byte that mask has.
 void Merge(uint8_t& target, uint8_t value, uint32_t mask) {
     target = static_cast<uint8_t>((target & ~mask) | (value & mask));
@@ -145,7 +142,7 @@ void Merge(uint8_t& target, uint8_t value, uint32_t mask) {
 
 ReturnCode FillRowWithColor(const BitmapHandle& bitmap, uint32_t colour, uint8_t* row, int32_t count) {
     const int32_t bits = bitmap.BitsPerPixel;
-    if (!IsDepth(bits) || count <= 0) return code::Success;
+    if (!IsSupportedDepth(bits) || count <= 0) return code::Success;
 
     ColourValue value(colour);
     const bool keepsExtendedGray = IsGray(bitmap) && !HasActiveLevelTable(bitmap);

@@ -1,3 +1,4 @@
+// The fixed palettes and gray ramps as palette objects and arrays, by bits per pixel.
 #include "colour/fixed_palettes.h"
 
 #include "colour/gray_of.h"

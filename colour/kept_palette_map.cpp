@@ -1,3 +1,5 @@
+// One map a thread, kept in the thread's settings together with copies of the palettes that it is for, so
+// that a palette that has changed in place is noticed.
 #include "colour/kept_palette_map.h"
 
 #include "colour/palette_map.h"

@@ -1,3 +1,4 @@
+// Four kinds of map, told apart by which of the two palettes are there.
 #include "colour/palette_map.h"
 
 #include "colour/gray_of.h"

@@ -1,3 +1,5 @@
+// The cubes of a palette and their winners, made when they are asked for, and the one search that each thread
+// keeps in its settings.
 #include "colour/palette_search.h"
 
 #include "core/thread_settings.h"

@@ -1,3 +1,4 @@
+// The display's own palette, read from the screen as it stands at the moment of the call.
 #include "colour/system_palette.h"
 
 #include "platform/graphics.h"
