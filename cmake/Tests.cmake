@@ -2,6 +2,7 @@
 set(ZKR_GOOGLETEST /usr/src/googletest CACHE PATH "Sources of GoogleTest")
 set(gtest_force_shared_crt ON CACHE BOOL "" FORCE)
 set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
 add_subdirectory(${ZKR_GOOGLETEST} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL SYSTEM)
 
 # zkr_test(name [INNER] [BOTH_SETS] SOURCES file...): one test program, one line in ctest's summary. It goes through
@@ -11,7 +12,7 @@ add_subdirectory(${ZKR_GOOGLETEST} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_A
 function(zkr_test name)
   cmake_parse_arguments(test "INNER;BOTH_SETS;PALETTE_SCREEN" "" "SOURCES;LIBRARIES" ${ARGN})
   add_executable(${name} ${test_SOURCES})
-  target_link_libraries(${name} PRIVATE zkr_warnings zkr_exact GTest::gmock GTest::gtest_main ${test_LIBRARIES})
+  target_link_libraries(${name} PRIVATE zkr_warnings zkr_exact GTest::gtest_main ${test_LIBRARIES})
   if(test_INNER)
     target_link_libraries(${name} PRIVATE zkr13n_inner)
     # The inside has no run-time type information for the sanitizer to look at.
