@@ -35,23 +35,6 @@ TEST(GlobalMemory, IsFoundAgainByItsAddressAlone) {
     }
 }
 
-TEST(GlobalMemory, ResizingKeepsOldBytesAndClearsNewOnesOnRequest) {
-    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, 100);
-    auto* bytes = static_cast<uint8_t*>(GlobalLock(block));
-    EXPECT_TRUE(std::all_of(bytes, bytes + 100, [](uint8_t byte) { return byte == 0; }));
-    std::memset(bytes, 7, 100);
-    GlobalUnlock(block);
-
-    block = GlobalReAlloc(block, 100000, GMEM_MOVEABLE | GMEM_ZEROINIT);
-    ASSERT_NE(block, nullptr);
-    bytes = static_cast<uint8_t*>(GlobalLock(block));
-    EXPECT_EQ(GlobalHandle(bytes), block);
-    EXPECT_EQ(std::count(bytes, bytes + 100, 7), 100);
-    EXPECT_EQ(std::count(bytes + 100, bytes + 100000, 0), 99900);
-    GlobalUnlock(block);
-    EXPECT_EQ(GlobalFree(block), nullptr);
-}
-
 TEST(GlobalMemory, CountsItsLocks) {
     HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 8);
     void* first = GlobalLock(block);
