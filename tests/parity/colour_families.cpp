@@ -1,12 +1,8 @@
-// Parity cases of the colour family: conversion, mirroring, palette search, palettes of bitmaps, gray
-// windows.
+// Parity cases of the colour family: conversion, palette objects, palettes of bitmaps.
 #include "parity/digest.h"
 
-#include "zkr13n/colour_values.h"
 #include "zkr13n/convert.h"
-#include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
-#include "zkr13n/playback.h"
 
 #include <array>
 #include <vector>
@@ -70,34 +66,6 @@ void ConvertCase(Seeded& seeded, Digest& digest) {
     digest.Add(Z_ConvertBufferExt(row.data(), width, sourceBits, targetBits, sourceOrder, targetOrder,
                                   sourcePalette, targetPalette, flags, low, high));
     digest.Add(row.data(), row.size());
-}
-
-void MirrorCase(Seeded& seeded, Digest& digest) {
-    std::vector<uint8_t> row(300 * 8);
-    FillRandom(seeded, row.data(), row.size());
-    const int width = seeded.Between(1, 300),
-              bits = seeded.Below(4) ? Pick(seeded, Depths) : seeded.Between(-1, 66);
-    digest.Add(Z_MirrorLine(row.data(), width, bits));
-    digest.Add(row.data(), row.size());
-}
-
-void SearchCase(Seeded& seeded, Digest& digest) {
-    const Palette palette = RandomPalette(seeded);
-    const int entries = seeded.Below(257);
-    for (int i = 0; i < 200; ++i) {
-        const int shift = seeded.Below(3) * 3;
-        const auto level = [&] { return seeded.Below(256) >> shift << shift; };
-        const int red = level(), green = level(), blue = level();
-        digest.Add(Z_FindPaletteIndex(palette.data(), entries, red, green, blue));
-    }
-}
-
-void MatchTableCase(Seeded& seeded, Digest& digest) {
-    const Palette palette = RandomPalette(seeded);
-    uint32_t* table = Z_CreateUserMatchTable(palette.data(), seeded.Between(1, 256));
-    for (int i = 0; i < 32768; ++i)
-        digest.Add(static_cast<int64_t>(table[i]));
-    digest.Add(Z_FreeUserMatchTable(table));
 }
 
 void AddPalette(Digest& digest, HPALETTE palette) {
@@ -186,76 +154,10 @@ void BitmapPaletteCase(Seeded& seeded, Digest& digest) {
     digest.AddRecord(bitmap);
 }
 
-void FixedPaletteCase(Seeded& seeded, Digest& digest) {
-    Palette entries{};
-    const int bits = seeded.Between(-1, 10);
-    digest.Add(bits < 0 ? 0 : Z_GetFixedPalette(entries.data(), bits));
-    digest.Add(entries.data(), sizeof entries);
-    digest.Add(Z_IntGetFixedPalette(bits) != nullptr);
-    // Both kinds of default palette in a fresh record of either form.
-    BitmapHandle bitmap{};
-    bitmap.BitsPerPixel = seeded.Between(1, 8);
-    bitmap.ColorsUsed =
-        seeded.Below(4) ? 1u << seeded.Between(1, 8) : static_cast<uint32_t>(seeded.Below(300));
-    bitmap.Flags = seeded.Below(2) ? static_cast<uint32_t>(Z_FLAG_PALETTE_IS_BLOCK) : 0u;
-    digest.Add(seeded.Below(2) ? Z_CreateBitmapFixedPalette(&bitmap) : Z_CreateBitmapGrayPalette(&bitmap));
-    AddBitmapPalette(digest, bitmap);
-    digest.Add(Z_FreeBitmap(&bitmap));
-}
-
-void GrayCase(Seeded& seeded, Digest& digest) {
-    int32_t valueBits = 0, shift = 0;
-    uint32_t mask = 0;
-    const int depth = seeded.Between(1, 16), high = seeded.Between(-1, 15);
-    const int low = seeded.Between(-1, high < 0 ? depth - 1 : high);
-    const int most = seeded.Between(1, 16);
-    Z_GetGrayParams(depth, most, low, high, &valueBits, &mask, &shift);
-    for (const int64_t number : {int64_t{valueBits}, int64_t{mask}, int64_t{shift}})
-        digest.Add(number);
-    BitmapHandle bitmap{}, copy{};
-    bitmap.BitsPerPixel = Pick(seeded, Depths);
-    Z_InitGrayParams(&bitmap);
-    digest.AddRecord(bitmap);
-    digest.Add(Z_CopyGrayParams(&copy, &bitmap));
-    digest.AddRecord(copy);
-}
-
-// Targets above 8 bits; below them the platform's own matching has a say.
-void ColourValueCase(Seeded& seeded, Digest& digest) {
-    const Palette entries = RandomPalette(seeded);
-    constexpr int Wide[] = {12, 16, 24, 32, 48, 64};
-    const int sourceBits = Pick(seeded, Depths), targetBits = Pick(seeded, Wide);
-    const int sourceOrder = seeded.Below(3), targetOrder = seeded.Below(3);
-    BitmapHandle source, target;
-    digest.Add(Z_CreateBitmap(&source, 1, 4, 4, sourceBits, sourceOrder, entries.data(), 2, nullptr, 0));
-    digest.Add(Z_CreateBitmap(&target, 1, 4, 4, targetBits, targetOrder, nullptr, 2, nullptr, 0));
-    constexpr uint32_t Forms[] = {0, 0x01000000, 0x02000000, 0x04000000, 0x05000000, 0xFF000000};
-    for (int i = 0; i < 20; ++i) {
-        const int unused = seeded.Below(3) * 8;
-        const auto plain = static_cast<uint32_t>(seeded.Next() & 0xFFFFFF) >> unused;
-        const uint32_t colour = plain | Pick(seeded, Forms);
-        digest.Add(Z_TranslateBitmapColor(&target, seeded.Below(8) ? &source : nullptr, colour));
-    }
-    source.PlaybackLeft = seeded.Below(100);
-    source.PlaybackBackColor = static_cast<uint32_t>(seeded.Next() & 0xFFFFFF);
-    source.TransparentColor = 0x01000000u | seeded.Byte();
-    source.Flags |= Z_FLAG_PLAYBACK_TRANSPARENCY;
-    digest.Add(Z_CopyPlaybackParms(&target, &source));
-    digest.AddRecord(target);
-    Z_FreeBitmap(&source);
-    Z_FreeBitmap(&target);
-}
-
 constexpr Family Families[] = {
     {"convert", 6000, ConvertCase},
-    {"mirror", 1000, MirrorCase},
-    {"search", 500, SearchCase},
-    {"match-table", 10, MatchTableCase},
     {"palette-object", 500, PaletteObjectCase},
     {"bitmap-palette", 500, BitmapPaletteCase},
-    {"fixed-palette", 200, FixedPaletteCase},
-    {"gray", 500, GrayCase},
-    {"colour-value", 300, ColourValueCase},
 };
 
 } // namespace

@@ -1,8 +1,7 @@
-// Parity cases of the core: records, storage classes, row transfer, copies, lists, messages.
+// Parity cases of the core: records, storage classes, row transfer, copies.
 #include "parity/digest.h"
 
 #include "zkr13n/copy.h"
-#include "zkr13n/lists.h"
 #include "zkr13n/rows.h"
 #include "zkr13n/storage.h"
 
@@ -188,76 +187,9 @@ void StorageCase(Seeded& seeded, Digest& digest) {
     digest.Add(Z_FreeBitmap(&bitmap));
 }
 
-// ---- lists
-
-void AddList(Digest& digest, BitmapList list) {
-    uint32_t count = 0;
-    digest.Add(Z_GetBitmapListCount(list, &count));
-    digest.Add(count);
-    for (uint32_t i = 0; i < count; ++i) {
-        BitmapHandle item;
-        digest.Add(Z_GetBitmapListItem(list, i, &item));
-        digest.AddRecord(item);
-        if (item.Flags & Z_FLAG_ALLOCATED) AddPixels(digest, item);
-    }
-}
-
-// One operation on a list; what leaves the list is freed.
-void ChangeList(Seeded& seeded, Digest& digest, BitmapList list) {
-    const auto index = static_cast<uint32_t>(seeded.Between(-1, 6));
-    const auto count = static_cast<uint32_t>(seeded.Between(-1, 4));
-    const int operation = seeded.Below(6);
-    BitmapHandle bitmap{};
-    BitmapList other{};
-    if (operation < 3) {
-        const Shape shape(seeded, 1, 9);
-        Z_CreateBitmap(&bitmap, 1, shape.width, shape.height, shape.bits, shape.order, nullptr, 2, nullptr,
-                       0);
-        FillBitmap(seeded, bitmap, 0);
-        digest.Add(Z_InsertBitmapListItem(list, index, &bitmap));
-    } else if (operation == 3) {
-        digest.Add(Z_RemoveBitmapListItem(list, index, &bitmap));
-        digest.Add(Z_FreeBitmap(&bitmap));
-    } else if (operation == 4) {
-        digest.Add(Z_DeleteBitmapListItems(list, index, count));
-    } else {
-        const ReturnCode code = seeded.Below(2) ? Z_CopyBitmapListItems(&other, list, index, count)
-                                                : Z_MoveBitmapListItems(&other, list, index, count);
-        digest.Add(code);
-        if (code == Z_SUCCESS) {
-            AddList(digest, other);
-            digest.Add(Z_DestroyBitmapList(other));
-        }
-    }
-}
-
-void ListCase(Seeded& seeded, Digest& digest) {
-    Z_SetMemoryThresholds(0, 1 << 30, 0, 4, 2, 31);
-    BitmapList list;
-    digest.Add(Z_CreateBitmapList(&list));
-    for (int i = 0; i < 12; ++i) {
-        ChangeList(seeded, digest, list);
-        AddList(digest, list);
-    }
-    digest.Add(Z_DestroyBitmapList(list));
-}
-
-// ---- messages
-
-void MessageCase(Seeded& seeded, Digest& digest) {
-    const int first = seeded.Between(-3000, 10);
-    for (int code = first; code < first + 100; ++code) {
-        const char* text = Z_GetErrorText(code);
-        digest.Add(text != nullptr);
-        if (text != nullptr) digest.Add(text, std::strlen(text));
-    }
-}
-
 constexpr Family Families[] = {
     {"record", 2000, RecordCase},
     {"storage", 400, StorageCase},
-    {"list", 200, ListCase},
-    {"message", 60, MessageCase},
 };
 
 } // namespace

@@ -1,13 +1,10 @@
-// Runs thousands of seeded operations and prints a line of digest for each family. The same seed must give
-// the same lines on every platform, word size and instruction set; where it does not, the digests of single
-// cases find the first one that differs.
+// Runs thousands of seeded operations and prints a line of digest for each family. They must be the same on
+// every platform, word size and instruction set; where they are not, the first case that differs is named.
 //
-//   parity [--seed S]                        a line for each family
-//   parity --family F [--until N] [--seed S] a line for each of the first N cases of one family
-//   parity --family F --only N               that case alone, with everything that went into its digest
-//   parity --out FILE                        writes to FILE instead of standard output
-//   parity --check FILE                      compares with what --out wrote elsewhere; names families that
-//   differ
+//   parity                    a line for each family
+//   parity --out FILE         the same, and the digest of every case into FILE
+//   parity --check FILE       compares with what --out wrote elsewhere
+//   parity --only FAMILY N    that case alone, with everything that went into its digest
 #include "parity/digest.h"
 
 #include <cstdio>
@@ -20,42 +17,13 @@
 namespace zkr::test {
 namespace {
 
-struct Arguments {
-    std::string family, out, check;
-    int until = -1;
-    int only = -1;
-    uint64_t seed = 13;
-};
-
-bool Parse(int count, char** words, Arguments& arguments) {
-    for (int i = 1; i < count; i += 2) {
-        if (i + 1 == count) return false;
-        const std::string name = words[i];
-        const char* value = words[i + 1];
-        if (name == "--family")
-            arguments.family = value;
-        else if (name == "--out")
-            arguments.out = value;
-        else if (name == "--check")
-            arguments.check = value;
-        else if (name == "--until")
-            arguments.until = std::atoi(value);
-        else if (name == "--only")
-            arguments.only = std::atoi(value);
-        else if (name == "--seed")
-            arguments.seed = std::strtoull(value, nullptr, 10);
-        else
-            return false;
-    }
-    return true;
-}
+constexpr int Equal = 0, Different = 1, Unusable = 2, NothingToCompareWith = 77;
 
 // Cases do not depend on one another, so that each can be run alone.
-uint64_t CaseDigest(const Family& family, int number, uint64_t seed, FILE* trace) {
+uint64_t CaseDigest(const Family& family, int number, FILE* trace = nullptr) {
     Digest start;
     start.Add(family.name, std::strlen(family.name));
     start.Add(number);
-    start.Add(static_cast<int64_t>(seed));
     Seeded seeded(start.Value());
     Digest digest(trace);
     family.run(seeded, digest);
@@ -69,52 +37,55 @@ std::string Line(const char* name, int number, uint64_t digest) {
     return line;
 }
 
-std::vector<std::string> LinesOf(const Family& family, const Arguments& arguments) {
-    const bool single = arguments.family == family.name;
-    const int end = single && arguments.until >= 0 ? arguments.until : family.cases;
-    FILE* trace = arguments.only >= 0 ? stdout : nullptr;
+// The digest of every case; those of the families are printed.
+std::vector<std::string> Run() {
     std::vector<std::string> lines;
-    Digest total;
-    for (int number = 0; number < end; ++number) {
-        if (arguments.only >= 0 && number != arguments.only) continue;
-        const uint64_t digest = CaseDigest(family, number, arguments.seed, trace);
-        if (single) lines.push_back(Line(family.name, number, digest));
-        total.Add(static_cast<int64_t>(digest));
+    for (const auto& families : {CoreFamilies(), ColourFamilies()}) {
+        for (const Family& family : families) {
+            Digest total;
+            for (int number = 0; number < family.cases; ++number) {
+                const uint64_t digest = CaseDigest(family, number);
+                lines.push_back(Line(family.name, number, digest));
+                total.Add(static_cast<int64_t>(digest));
+            }
+            std::puts(Line(family.name, family.cases, total.Value()).c_str());
+        }
     }
-    if (!single) lines.push_back(Line(family.name, end, total.Value()));
     return lines;
 }
 
-std::vector<std::string> Run(const Arguments& arguments) {
-    std::vector<std::string> lines;
-    for (const auto& families : {CoreFamilies(), ColourFamilies()})
-        for (const Family& family : families)
-            if (arguments.family.empty() || arguments.family == family.name)
-                for (const std::string& line : LinesOf(family, arguments))
-                    lines.push_back(line);
-    return lines;
+int Write(const std::vector<std::string>& lines, const char* name) {
+    std::ofstream file(name, std::ios::binary); // so that the lines end alike everywhere
+    for (const std::string& line : lines)
+        file << line << '\n';
+    return file.flush() ? Equal : Unusable;
 }
 
-constexpr int Equal = 0, Different = 1, Unusable = 2, NothingToCompareWith = 77;
-
-int Check(const std::vector<std::string>& lines, const std::string& name) {
+int Check(const std::vector<std::string>& lines, const char* name) {
     std::ifstream file(name);
     if (!file) {
-        std::printf("%s is not there: nothing to compare with\n", name.c_str());
+        std::printf("%s is not there: nothing to compare with\n", name);
         return NothingToCompareWith;
     }
-    int result = Equal;
     for (const std::string& line : lines) {
         std::string other;
         std::getline(file, other);
         if (line == other) continue;
-        std::printf("here: %s\nthere: %s\n", line.c_str(), other.c_str());
-        result = Different;
+        std::printf("here: %s\nthere: %s\nRun parity --only on both sides with this case.\n", line.c_str(),
+                    other.c_str());
+        return Different;
     }
-    if (result == Different)
-        std::puts(
-            "Run parity --family NAME on both sides: the first line that differs is the case for --only.");
-    return result;
+    return Equal;
+}
+
+int Trace(const char* name, int number) {
+    for (const auto& families : {CoreFamilies(), ColourFamilies()})
+        for (const Family& family : families)
+            if (std::strcmp(family.name, name) == 0) {
+                std::puts(Line(name, number, CaseDigest(family, number, stdout)).c_str());
+                return Equal;
+            }
+    return Unusable;
 }
 
 } // namespace
@@ -122,21 +93,11 @@ int Check(const std::vector<std::string>& lines, const std::string& name) {
 
 int main(int count, char** words) {
     using namespace zkr::test;
-    Arguments arguments;
-    if (!Parse(count, words, arguments)) {
-        std::fputs("parity: see the head of parity.cpp for its arguments\n", stderr);
-        return Unusable;
-    }
-    const std::vector<std::string> lines = Run(arguments);
-    if (lines.empty()) std::fputs("parity: no such family\n", stderr);
-    if (!arguments.check.empty()) return Check(lines, arguments.check);
-    // Binary, so that the lines end alike everywhere.
-    FILE* file = arguments.out.empty() ? stdout : std::fopen(arguments.out.c_str(), "wb");
-    if (file == nullptr) {
-        std::perror(arguments.out.c_str());
-        return Unusable;
-    }
-    for (const std::string& line : lines)
-        std::fprintf(file, "%s\n", line.c_str());
-    return std::fflush(file) == 0 && !lines.empty() ? Equal : Unusable;
+    const std::string option = count > 1 ? words[1] : "";
+    if (count == 4 && option == "--only") return Trace(words[2], std::atoi(words[3]));
+    if (count == 1) return Run(), Equal;
+    if (count == 3 && option == "--out") return Write(Run(), words[2]);
+    if (count == 3 && option == "--check") return Check(Run(), words[2]);
+    std::fputs("parity: see the head of parity.cpp for its arguments\n", stderr);
+    return Unusable;
 }
