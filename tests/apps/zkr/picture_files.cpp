@@ -45,34 +45,6 @@ uint32_t Scattered(size_t index) {
     return mixed ^ mixed >> 16;
 }
 
-namespace {
-
-std::vector<uint8_t> PackedRow(const Picture& picture, int y) {
-    const int perRow = picture.width * picture.Channels();
-    std::vector<uint8_t> row(static_cast<size_t>((perRow * picture.depth + 7) / 8));
-    for (int i = 0; i < perRow; ++i) {
-        const uint32_t sample = picture.samples[static_cast<size_t>(y * perRow + i)];
-        for (int bit = 0; bit < picture.depth; ++bit) {
-            const int place = i * picture.depth + bit;
-            const uint32_t value = sample >> (picture.depth - 1 - bit) & 1;
-            row[static_cast<size_t>(place / 8)] |= static_cast<uint8_t>(value << (7 - place % 8));
-        }
-    }
-    return row;
-}
-
-void UnpackRow(Picture& picture, const std::vector<uint8_t>& row) {
-    for (int i = 0; i < picture.width * picture.Channels(); ++i) {
-        uint32_t sample = 0;
-        for (int place = i * picture.depth; place < (i + 1) * picture.depth; ++place) {
-            sample = sample << 1 | (row[static_cast<size_t>(place / 8)] >> (7 - place % 8) & 1u);
-        }
-        picture.samples.push_back(static_cast<uint16_t>(sample));
-    }
-}
-
-} // namespace
-
 void WritePng(const std::string& path, const Picture& picture, const PngForm& form) {
     std::FILE* file = std::fopen(path.c_str(), "wb");
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
@@ -94,15 +66,17 @@ void WritePng(const std::string& path, const Picture& picture, const PngForm& fo
         significant.gray = static_cast<png_byte>(picture.significantBits);
         png_set_sBIT(png, info, &significant);
     }
-    png_write_info(png, info);
-    std::vector<std::vector<uint8_t>> rows;
-    std::vector<png_bytep> pointers;
-    for (int y = 0; y < picture.height; ++y)
-        rows.push_back(PackedRow(picture, y));
-    for (auto& row : rows)
-        pointers.push_back(row.data());
-    png_write_image(png, pointers.data());
-    png_write_end(png, nullptr);
+    // A byte a sample where a sample has fewer bits, two in the machine's order where it has more.
+    const size_t sampleBytes = picture.depth == 16 ? 2 : 1;
+    const size_t rowSamples = static_cast<size_t>(picture.width * picture.Channels());
+    std::vector<uint8_t> bytes(picture.samples.begin(), picture.samples.end());
+    std::vector<uint16_t> words = picture.samples;
+    std::vector<png_bytep> rows;
+    for (size_t y = 0; y < static_cast<size_t>(picture.height); ++y)
+        rows.push_back(sampleBytes == 2 ? reinterpret_cast<png_bytep>(&words[y * rowSamples])
+                                        : &bytes[y * rowSamples]);
+    png_set_rows(png, info, rows.data());
+    png_write_png(png, info, PNG_TRANSFORM_PACKING | PNG_TRANSFORM_SWAP_ENDIAN, nullptr);
     png_destroy_write_struct(&png, &info);
     std::fclose(file);
 }
@@ -124,10 +98,15 @@ Picture ReadPng(const std::string& path) {
     if (png_get_PLTE(png, info, &colours, &count) != 0) picture.palette.assign(colours, colours + count);
     png_color_8p significant = nullptr;
     if (png_get_sBIT(png, info, &significant) != 0) picture.significantBits = significant->gray;
+    png_set_packing(png);
+    png_set_swap(png);
+    png_read_update_info(png, info);
     std::vector<uint8_t> row(png_get_rowbytes(png, info));
+    const auto* words = reinterpret_cast<const uint16_t*>(row.data());
     for (int y = 0; y < picture.height; ++y) {
         png_read_row(png, row.data(), nullptr);
-        UnpackRow(picture, row);
+        for (size_t i = 0; i < static_cast<size_t>(picture.width * picture.Channels()); ++i)
+            picture.samples.push_back(picture.depth == 16 ? words[i] : row[i]);
     }
     png_destroy_read_struct(&png, &info, nullptr);
     std::fclose(file);
