@@ -43,11 +43,7 @@ TEST_P(HeightTest, KeepsTheRowsThatStay) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Storages, HeightTest, testing::ValuesIn(AllStorages()), [](const auto& test) {
-    std::string name = test.param.Name;
-    std::erase_if(name, [](char c) { return !isalnum(c); });
-    return name;
-});
+INSTANTIATE_TEST_SUITE_P(Storages, HeightTest, testing::ValuesIn(AllStorages()), NameOf);
 
 TEST(HeightArguments, AreChecked) {
     EXPECT_EQ(Z_ChangeBitmapHeight(nullptr, 5), code::InvalidBitmap);
@@ -122,7 +118,7 @@ INSTANTIATE_TEST_SUITE_P(Storages, HeightFaults,
                                          Storage{"global", GlobalType}, Storage{"disk", MemoryDisk},
                                          Storage{"memorytiles", MemoryTiled, 5, -100, 1},
                                          Storage{"filetiles", MemoryTiled, 5, 0, 2}),
-                         [](const auto& test) { return test.param.Name; });
+                         NameOf);
 
 } // namespace
 } // namespace zkr::test

@@ -49,11 +49,7 @@ TEST_P(RowsTest, RandomTransfersAgreeWithAnArray) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Storages, RowsTest, testing::ValuesIn(AllStorages()), [](const auto& test) {
-    std::string name = test.param.Name;
-    std::erase_if(name, [](char c) { return !isalnum(c); });
-    return name;
-});
+INSTANTIATE_TEST_SUITE_P(Storages, RowsTest, testing::ValuesIn(AllStorages()), NameOf);
 
 TEST(RowFailures, TellWhyNothingMoved) {
     uint8_t buffer[64] = {};

@@ -1,32 +1,9 @@
 // Row segments in every storage class against a writer that moves one pixel at a time.
 #include "core/test_bitmaps.h"
+#include "support/pixel_bits.h"
 
 namespace zkr::test {
 namespace {
-
-// One pixel as a number. Pixels of 1 to 7 bits fill bytes from the top; 12-bit pixels and whole bytes from
-// the bottom.
-uint64_t Pixel(const uint8_t* row, int32_t bits, int32_t column) {
-    uint64_t value = 0;
-    for (int32_t bit = 0; bit < bits; ++bit) {
-        const int32_t place = column * bits + bit;
-        if (bits < 8)
-            value = value << 1 | (row[place / 8] >> (7 - place % 8) & 1u);
-        else
-            value |= static_cast<uint64_t>(row[place / 8] >> (place % 8) & 1u) << bit;
-    }
-    return value;
-}
-
-void SetPixel(uint8_t* row, int32_t bits, int32_t column, uint64_t value) {
-    for (int32_t bit = 0; bit < bits; ++bit) {
-        const int32_t place = column * bits + bit;
-        const int32_t shift = bits < 8 ? 7 - place % 8 : place % 8;
-        const uint64_t one = bits < 8 ? value >> (bits - 1 - bit) & 1 : value >> bit & 1;
-        row[place / 8] =
-            static_cast<uint8_t>((row[place / 8] & ~(1u << shift)) | static_cast<unsigned>(one << shift));
-    }
-}
 
 uint64_t KeptMask(int32_t bits, int32_t order) {
     if (bits == 16) return order == Z_ORDER_GRAY ? 0 : 0x8000;
@@ -56,8 +33,7 @@ TEST_P(SegmentsTest, WriteWhatPixelByPixelWrites) {
                     segments.push_back(std::min<uint32_t>(column, static_cast<uint32_t>(61 - columnOffset)));
                 }
                 // Ends where the last segment ends, so that a read too far leaves the block.
-                const Bytes source =
-                    RandomBytes((segments.back() * static_cast<uint32_t>(bits) + 7) / 8, random);
+                const Bytes source = RandomBytes(RowBytes(static_cast<int>(segments.back()), bits), random);
                 ASSERT_EQ(Z_PutBitmapRowSegments(&bitmap, source.data(), row, columnOffset, segments.data(),
                                                  6, keep),
                           1);
@@ -66,20 +42,16 @@ TEST_P(SegmentsTest, WriteWhatPixelByPixelWrites) {
                 for (size_t pair = 0; pair < 6; pair += 2)
                     for (auto c = static_cast<int32_t>(segments[pair]);
                          c < static_cast<int32_t>(segments[pair + 1]); ++c)
-                        SetPixel(line, bits, columnOffset + c,
-                                 (Pixel(source.data(), bits, c) & ~kept) |
-                                     (Pixel(line, bits, columnOffset + c) & kept));
+                        WritePixel(line, bits, columnOffset + c,
+                                   (ReadPixel(source.data(), bits, c) & ~kept) |
+                                       (ReadPixel(line, bits, columnOffset + c) & kept));
                 ASSERT_EQ(Rows(bitmap), model) << bits << " bits, row " << row << ", at " << columnOffset;
             }
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Storages, SegmentsTest, testing::ValuesIn(AllStorages()), [](const auto& test) {
-    std::string name = test.param.Name;
-    std::erase_if(name, [](char c) { return !isalnum(c); });
-    return name;
-});
+INSTANTIATE_TEST_SUITE_P(Storages, SegmentsTest, testing::ValuesIn(AllStorages()), NameOf);
 
 // Longer than the window through which a file's rows are merged, at depths whose pixels straddle its end.
 TEST(LongSegments, AreWholeOnDisk) {
@@ -95,9 +67,9 @@ TEST(LongSegments, AreWholeOnDisk) {
         const Bytes after = Rows(bitmap);
         for (int32_t column = 0; column < width; ++column) {
             const bool written = column >= 5 && column < 49995;
-            const uint64_t expected = written ? Pixel(source.data(), bits, column - 5)
-                                              : Pixel(before.data() + bitmap.BytesPerLine, bits, column);
-            ASSERT_EQ(Pixel(after.data() + bitmap.BytesPerLine, bits, column), expected)
+            const uint64_t expected = written ? ReadPixel(source.data(), bits, column - 5)
+                                              : ReadPixel(before.data() + bitmap.BytesPerLine, bits, column);
+            ASSERT_EQ(ReadPixel(after.data() + bitmap.BytesPerLine, bits, column), expected)
                 << bits << ", " << column;
         }
     }

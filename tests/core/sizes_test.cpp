@@ -121,7 +121,7 @@ INSTANTIATE_TEST_SUITE_P(Storages, LargeBitmap,
                                          Storage{"conventional", MemoryConventional},
                                          Storage{"memorytiles", MemoryTiled, 0, -100, 0},
                                          Storage{"filetiles", MemoryTiled, 0, 0, 0}),
-                         [](const auto& test) { return test.param.Name; });
+                         NameOf);
 
 } // namespace
 } // namespace zkr::test

@@ -54,6 +54,13 @@ struct Storage {
     int32_t MappedTiles = 0;
 };
 
+// For INSTANTIATE_TEST_SUITE_P, which takes letters and digits alone.
+inline std::string NameOf(const testing::TestParamInfo<Storage>& storage) {
+    std::string name = storage.param.Name;
+    std::erase_if(name, [](char c) { return !isalnum(c); });
+    return name;
+}
+
 constexpr int32_t GlobalType = -1;
 
 inline std::vector<Storage> AllStorages() {
