@@ -78,31 +78,6 @@ TEST_P(FindPaletteIndex, AgreesWithPlainScan) {
     }
 }
 
-TEST_P(FindPaletteIndex, AgreesWithPlainScanInCubes) {
-    Seeded seeded(2);
-    for (int round = 0; round < 400; ++round) {
-        const RandomPalette palette(seeded, seeded.Between(1, 256));
-        const int entries = static_cast<int>(palette.Entries.size());
-        const int step = round % 4 == 0 ? 8 : 1;
-        const int places = 256 / (8 * step);
-        const auto corner = [&] { return seeded.Below(places) * 8 * step; };
-        rows::CubeCorner cube = {corner(), corner(), corner(), step};
-        if (round % 8 == 1) cube = {248, 248, 248, 1};
-        if (round % 8 == 2) cube = {0, 0, 0, 1};
-        if (round % 8 == 4) cube = {0, 0, 0, 8};
-        uint8_t winners[rows::cubeColours];
-        GetParam().Match.FindForCube(palette.Entries.data(), entries, cube, winners);
-        for (int i = 0; i < rows::cubeColours; ++i) {
-            const int red = cube.Red + (i >> 6) * step, green = cube.Green + (i >> 3 & 7) * step,
-                      blue = cube.Blue + (i & 7) * step;
-            ASSERT_EQ(winners[i],
-                      ReferenceFindPaletteIndex(palette.Entries.data(), entries, red, green, blue))
-                << entries << " entries in steps of " << palette.Grain << ", colour " << red << ", " << green
-                << ", " << blue;
-        }
-    }
-}
-
 INSTANTIATE_TEST_SUITE_P(AllSets, FindPaletteIndex, ::testing::ValuesIn(rows::UsableKernelSets()),
                          [](const auto& each) { return std::string(each.param.Name); });
 

@@ -189,12 +189,10 @@ class Duplicates : public testing::Test {
 TEST_F(Duplicates, InheritEverythingButDimensions) {
     ASSERT_EQ(Z_DupBitmapNewDim(&copy, &source, 20, 3, 4, 7), 1);
     EXPECT_EQ(InfoOf(copy).Type, MemoryDisk) << "the class of the source";
-    EXPECT_EQ(copy.Width, 20);
-    EXPECT_EQ(copy.BytesPerLine, 12u);
-    EXPECT_EQ(copy.ViewPerspective, 4);
-    EXPECT_EQ(copy.XResolution, 72);
-    EXPECT_EQ(copy.PlaybackLeft, 9);
-    EXPECT_EQ(copy.ColorsUsed, 256u) << "copied from the source";
+    EXPECT_EQ(std::tuple(copy.Width, copy.BytesPerLine, copy.ViewPerspective, copy.XResolution,
+                         copy.PlaybackLeft, copy.ColorsUsed),
+              std::tuple(20, 12u, 4, 72, 9, 256u))
+        << "colours copied from the source";
     EXPECT_EQ(copy.Flags, flag::Allocated | flag::Disk | flag::Signed | flag::RegionUnclipped);
     EXPECT_NE(copy.Palette, source.Palette);
     EXPECT_EQ(copy.Region, reinterpret_cast<void*>(intptr_t{0xC0}));

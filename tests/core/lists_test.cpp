@@ -150,15 +150,14 @@ TEST(Lists, BehaveLikeAVector) {
     Z_DestroyBitmapList(list);
 }
 
+// Five bitmaps of four pixels, each pixel the bitmap's number.
 class ListsWithPixels : public ::testing::Test {
   protected:
     void SetUp() override {
-        list_ = ListOf({});
-        for (uint8_t pixel = 0; pixel < Items; ++pixel) {
+        for (uint8_t pixel = 0; pixel < 5; ++pixel) {
             BitmapHandle bitmap;
-            ASSERT_EQ(
-                Z_CreateBitmap(&bitmap, MemoryConventional, 4, 3, 8, Z_ORDER_RGB, nullptr, 2, nullptr, 0),
-                Z_SUCCESS);
+            ASSERT_EQ(Z_CreateBitmap(&bitmap, MemoryConventional, 4, 1, 8, 0, nullptr, 2, nullptr, 0),
+                      Z_SUCCESS);
             SetPixels(bitmap, pixel);
             ASSERT_EQ(Z_InsertBitmapListItem(list_, ToEnd, &bitmap), Z_SUCCESS);
         }
@@ -167,23 +166,24 @@ class ListsWithPixels : public ::testing::Test {
 
     static void SetPixels(BitmapHandle& bitmap, uint8_t value) {
         const uint8_t row[4] = {value, value, value, value};
-        for (int32_t index = 0; index < bitmap.Height; ++index)
-            Z_PutBitmapRow(&bitmap, row, index, 4);
+        Z_PutBitmapRow(&bitmap, row, 0, 4);
+    }
+    static int PixelIn(BitmapHandle& bitmap) {
+        uint8_t row[4];
+        EXPECT_EQ(Z_GetBitmapRow(&bitmap, row, 0, 4), 4);
+        return row[3];
     }
     static std::vector<int> PixelsIn(BitmapList list) {
         std::vector<int> pixels;
         for (uint32_t index = 0; index < NamesIn(list).size(); ++index) {
             BitmapHandle bitmap;
-            uint8_t row[4];
             Z_GetBitmapListItem(list, index, &bitmap);
-            EXPECT_EQ(Z_GetBitmapRow(&bitmap, row, 2, 4), 4);
-            pixels.push_back(row[3]);
+            pixels.push_back(PixelIn(bitmap));
         }
         return pixels;
     }
 
-    static constexpr uint8_t Items = 5;
-    BitmapList list_ = nullptr;
+    BitmapList list_ = ListOf({});
 };
 
 TEST_F(ListsWithPixels, CopiesAreDeep) {
@@ -207,9 +207,7 @@ TEST_F(ListsWithPixels, RemovedAndMovedItemsOutliveTheList) {
     ASSERT_EQ(Z_MoveBitmapListItems(&moved, list_, 2, ToEnd), Z_SUCCESS);
     EXPECT_EQ(Z_DestroyBitmapList(list_), Z_SUCCESS);
     EXPECT_EQ(PixelsIn(moved), (std::vector<int>{3, 4}));
-    uint8_t row[4];
-    EXPECT_EQ(Z_GetBitmapRow(&removed, row, 0, 4), 4);
-    EXPECT_EQ(row[0], 1);
+    EXPECT_EQ(PixelIn(removed), 1);
     Z_FreeBitmap(&removed);
     list_ = moved;
 }

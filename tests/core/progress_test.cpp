@@ -70,12 +70,6 @@ TEST(Progress, AnyOtherResultStops) {
     EXPECT_EQ(Progress(atOnce.Receiver(), 10).Begin(), -29);
 }
 
-TEST(Progress, WithoutACallbackNothingIsTold) {
-    Progress progress(StatusReceiver{}, 3);
-    EXPECT_EQ(progress.Begin(), code::Success);
-    EXPECT_EQ(progress.Step(), code::Success);
-}
-
 TEST(Progress, TheReceiversAreTheThreadsOwn) {
     Listener status, copy;
     Z_SetStatusCallBack(Listener::Hear, status.Receiver().UserData);

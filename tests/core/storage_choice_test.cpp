@@ -8,7 +8,7 @@ namespace {
 constexpr int32_t TileSize = 1000;
 
 struct Case {
-    int32_t Type;
+    std::vector<int32_t> Types;
     int32_t Bits;
     int32_t Rows;     // of 100 bytes
     int32_t Expected; // the type reported, or the code
@@ -16,17 +16,12 @@ struct Case {
     int32_t LargestConventional = 0x7FFFFFFF;
 };
 
-void PrintTo(const Case& c, std::ostream* out) {
-    *out << "type " << c.Type << ", " << c.Bits << " bits, " << c.Rows << " rows, locks " << c.Locks
-         << ", largest " << c.LargestConventional;
-}
-
-int32_t Chosen(const Case& c) {
+int32_t Chosen(const Case& c, int32_t type) {
     const Thresholds restore;
     Z_SetMemoryThresholds(0, c.LargestConventional, TileSize, -100, 1, 31);
     Z_SetSupportLocks(c.Locks);
     Bitmap bitmap(800 / c.Bits, c.Rows, c.Bits);
-    const ReturnCode result = Z_AllocateBitmap(&bitmap, c.Type);
+    const ReturnCode result = Z_AllocateBitmap(&bitmap, type);
     Z_SetSupportLocks(0);
     EXPECT_EQ(result == 1, (bitmap.Flags & flag::Allocated) != 0);
     EXPECT_EQ(result == 1, bitmap.PaintLUT != nullptr);
@@ -41,69 +36,48 @@ TEST(StorageChoice, FollowsTypeSizeAndLocks) {
     constexpr uint32_t extendedGray = 1u << Z_SUPPORT_EXTGRAY;
     const Case cases[] = {
         // plain types, below, at and above the tile size
-        {1, 8, 5, 1},
-        {4, 8, 5, 1},
-        {4, 8, 10, 1},
-        {4, 8, 11, 4},
-        {1, 8, 11, 1},
-        {8, 8, 11, 1},
-        {9, 8, 11, 1},
-        {2, 8, 11, 1},
-        {128, 8, 5, 128},
-        {128, 8, 11, 128},
-        {256, 8, 5, 1},
-        {256, 8, 11, 1},
+        {{1, 4, 256}, 8, 5, 1},
+        {{128}, 8, 5, 128},
+        {{4}, 8, 10, 1},
+        {{4}, 8, 11, 4},
+        {{1, 2, 8, 9, 256}, 8, 11, 1},
+        {{128}, 8, 11, 128},
         // the largest conventional bitmap holds above the tile size only
-        {1, 8, 10, 1, 0, 0},
-        {1, 8, 11, 4, 0, 0},
-        {1, 8, 11, 4, 0, 1099},
-        {1, 8, 11, 1, 0, 1100},
-        {8, 8, 11, 128, 0, 0},
-        {9, 8, 11, 128, 0, 0},
-        {256, 8, 11, 4, 0, 0},
+        {{1}, 8, 10, 1, 0, 0},
+        {{1, 256}, 8, 11, 4, 0, 0},
+        {{1}, 8, 11, 4, 0, 1099},
+        {{1}, 8, 11, 1, 0, 1100},
+        {{8, 9}, 8, 11, 128, 0, 0},
         // types that are none
-        {0, 8, 5, -13},
-        {3, 8, 5, -13},
-        {5, 8, 5, -13},
-        {12, 8, 5, -13},
-        {129, 8, 5, -13},
-        {257, 8, 5, -13},
-        {-1, 8, 5, -13},
-        {1028, 24, 5, -13},
-        {2048, 8, 5, -13},
+        {{0, 3, 5, 12, 129, 257, -1, 2048}, 8, 5, -13},
+        {{1028}, 24, 5, -13},
         // rows as runs
-        {512, 1, 5, -1},
-        {513, 1, 5, -1},
-        {768, 1, 5, -1},
-        {1536, 1, 5, -1},
-        {512, 8, 5, -13},
-        {513, 8, 5, 1},
-        {768, 8, 5, 1},
-        {512, 1, 5, -13, document},
-        {513, 1, 5, 1, document},
-        {768, 1, 5, 1, document},
-        {514, 8, 5, 1},
-        {640, 8, 5, 128},
+        {{512, 513, 768, 1536}, 1, 5, -1},
+        {{512}, 8, 5, -13},
+        {{513, 514, 768}, 8, 5, 1},
+        {{640}, 8, 5, 128},
+        {{512}, 1, 5, -13, document},
+        {{513, 768}, 1, 5, 1, document},
         // compressed strips
-        {1024, 24, 5, -356},
-        {1024, 1, 5, -357},
-        {1025, 24, 5, -356},
-        {1025, 1, 5, -357},
-        {1536, 24, 5, -356},
-        {1024, 8, 5, -13},
-        {1025, 8, 5, 1},
-        {1024, 24, 5, -13, document},
-        {1025, 24, 5, 1, document},
-        {1025, 32, 5, 1, document},
+        {{1024, 1025, 1536}, 24, 5, -356},
+        {{1024, 1025}, 1, 5, -357},
+        {{1024}, 8, 5, -13},
+        {{1025}, 8, 5, 1},
+        {{1024}, 24, 5, -13, document},
+        {{1025}, 24, 5, 1, document},
+        {{1025}, 32, 5, 1, document},
         // extended gray
-        {1, 12, 5, -804, extendedGray},
-        {1, 48, 5, -804, extendedGray},
-        {1, 64, 5, -804, extendedGray},
-        {1, 16, 5, 1, extendedGray},
-        {1, 48, 5, 1, ~extendedGray},
+        {{1}, 12, 5, -804, extendedGray},
+        {{1}, 48, 5, -804, extendedGray},
+        {{1}, 64, 5, -804, extendedGray},
+        {{1}, 16, 5, 1, extendedGray},
+        {{1}, 48, 5, 1, ~extendedGray},
     };
     for (const Case& c : cases)
-        EXPECT_EQ(Chosen(c), c.Expected) << testing::PrintToString(c);
+        for (const int32_t type : c.Types)
+            EXPECT_EQ(Chosen(c, type), c.Expected)
+                << "type " << type << ", " << c.Bits << " bits, " << c.Rows << " rows, locks " << c.Locks
+                << ", largest " << c.LargestConventional;
 }
 
 TEST(StorageChoice, LeavesTheReserveFree) {
