@@ -1,6 +1,7 @@
 // Lets tests make the system fail. In a build with ZKR_FAULT_INJECTION every allocation, mapping, file and
 // palette call asks Due() first; in all other builds Due() is constant false and leaves no trace. The state
-// is one for the whole process and may be armed from any thread.
+// is one for the whole process and may be armed from any thread. The same builds count what is alive: blocks,
+// handles and views that have been made and not released.
 #pragma once
 
 #include <atomic>
@@ -35,6 +36,7 @@ inline std::atomic<uint32_t> kinds{0};
 inline std::atomic<uint32_t> calls{0};
 inline std::atomic<uint32_t> nth{0};
 inline std::atomic<bool> sticky{false};
+inline std::atomic<int64_t> live{0};
 } // namespace detail
 
 inline void Disarm() {
@@ -68,11 +70,25 @@ inline bool Due(Kind kind) {
     return nth != 0 && (call == nth || (call > nth && detail::sticky.load()));
 }
 
+inline void Made() {
+    detail::live.fetch_add(1);
+}
+inline void Released() {
+    detail::live.fetch_sub(1);
+}
+
+// Blocks, handles and views alive in the process.
+inline int64_t Live() {
+    return detail::live.load();
+}
+
 #else
 
 constexpr bool Due(Kind) {
     return false;
 }
+constexpr void Made() {}
+constexpr void Released() {}
 
 #endif
 

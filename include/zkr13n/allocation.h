@@ -30,9 +30,10 @@ Z_API void Z_CALL Z_Free(void* pointer);
  * Resizes a working buffer. Its content is kept up to the smaller of both sizes.
  *
  * pointer    in: from Z_Malloc, Z_Calloc or Z_Realloc; null behaves as Z_Malloc
- * size       in, bytes
+ * size       in, bytes; 0 releases the buffer
  *
- * Returns the buffer, which may have moved, or null when memory is short; the old buffer then stays valid.
+ * Returns the buffer, which may have moved. Null when memory is short, with the old buffer still valid, and for
+ * a size of 0.
  */
 Z_API void* Z_CALL Z_Realloc(void* pointer, size_t size);
 

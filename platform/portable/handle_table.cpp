@@ -2,6 +2,8 @@
 // the lock guards making and recycling slots alone.
 #include "platform/portable/handle_table.h"
 
+#include "platform/faults.h"
+
 #include <array>
 #include <atomic>
 #include <bit>
@@ -100,6 +102,7 @@ void Unpin(uint32_t index, Slot& slot) {
         table.firstFree = index;
         --table.live;
     }
+    fault::Released();
     object->Release();
 }
 
@@ -119,6 +122,7 @@ HANDLE InsertHandle(ObjectKind kind, Object& object) {
     if (generation == 0) generation = 1;
     slot.state.store((generation << GenerationShift) | LiveBit, std::memory_order_release);
     ++table.live;
+    fault::Made();
     return MakeHandle(kind, index, generation);
 }
 

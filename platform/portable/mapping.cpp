@@ -186,6 +186,7 @@ void* MapViewOfFile(HANDLE handle, DWORD access, DWORD offsetHigh, DWORD offsetL
     mapping->references.fetch_add(1, std::memory_order_relaxed);
     view->mapping = &*mapping;
     views.Add(*view);
+    fault::Made();
     return const_cast<void*>(view->address);
 }
 
@@ -198,6 +199,7 @@ BOOL UnmapViewOfFile(const void* address) {
     if (view->mapping->memory == nullptr) munmap(const_cast<void*>(view->address), view->size);
     view->mapping->Release();
     delete view;
+    fault::Released();
     return TRUE;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/windows/guarded.h"
+#include "platform/windows/handles.h"
 
 namespace zkr::platform {
 
@@ -11,14 +12,13 @@ using ::LARGE_INTEGER;
 using ::LONG;
 using ::UINT;
 
-ZKR_FAULTABLE(CreateFileA, FileOpen, INVALID_HANDLE_VALUE, ERROR_TOO_MANY_OPEN_FILES);
+ZKR_MAKING(CreateFileA, FileOpen, INVALID_HANDLE_VALUE, ERROR_TOO_MANY_OPEN_FILES);
 ZKR_FAULTABLE(GetTempFileNameA, FileOpen, 0, ERROR_ACCESS_DENIED);
 ZKR_FAULTABLE(ReadFile, FileRead, FALSE, ERROR_READ_FAULT);
 ZKR_FAULTABLE(SetEndOfFile, FileEnd, FALSE, ERROR_DISK_FULL);
 ZKR_FAULTABLE(SetFilePointer, FileSeek, INVALID_SET_FILE_POINTER, ERROR_SEEK);
 ZKR_FAULTABLE(SetFilePointerEx, FileSeek, FALSE, ERROR_SEEK);
 ZKR_FAULTABLE(WriteFile, FileWrite, FALSE, ERROR_DISK_FULL);
-using ::CloseHandle;
 using ::DeleteFileA;
 using ::GetFileAttributesA;
 using ::GetLastError;

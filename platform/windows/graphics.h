@@ -15,16 +15,16 @@ using ::PALETTEENTRY;
 using ::UINT;
 using ::WORD;
 
-ZKR_FAULTABLE(CreatePalette, Palette, nullptr, ERROR_NOT_ENOUGH_MEMORY);
-using ::DeleteObject;
+ZKR_MAKING(CreatePalette, Palette, nullptr, ERROR_NOT_ENOUGH_MEMORY);
+ZKR_RELEASING(DeleteObject, TRUE);
 using ::GetNearestPaletteIndex;
 using ::GetObjectA;
 using ::GetPaletteEntries;
 using ::SetPaletteEntries;
 
-ZKR_FAULTABLE(GetDC, Device, nullptr, ERROR_NOT_ENOUGH_MEMORY);
+ZKR_MAKING(GetDC, Device, nullptr, ERROR_NOT_ENOUGH_MEMORY);
 using ::GetDeviceCaps;
 using ::GetSystemPaletteEntries;
-using ::ReleaseDC;
+ZKR_RELEASING(ReleaseDC, 1);
 
 } // namespace zkr::platform

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/windows/guarded.h"
+#include "platform/windows/handles.h"
 
 namespace zkr::platform {
 
@@ -11,9 +12,9 @@ using ::MEMORYSTATUS;
 using ::MEMORYSTATUSEX;
 using ::UINT;
 
-ZKR_FAULTABLE(GlobalAlloc, Global, nullptr, ERROR_NOT_ENOUGH_MEMORY);
+ZKR_MAKING(GlobalAlloc, Global, nullptr, ERROR_NOT_ENOUGH_MEMORY);
 ZKR_FAULTABLE(GlobalReAlloc, Global, nullptr, ERROR_NOT_ENOUGH_MEMORY);
-using ::GlobalFree;
+ZKR_RELEASING(GlobalFree, nullptr);
 using ::GlobalHandle;
 using ::GlobalLock;
 using ::GlobalSize;
@@ -22,9 +23,8 @@ using ::GlobalUnlock;
 using ::GlobalMemoryStatus;
 using ::GlobalMemoryStatusEx;
 
-ZKR_FAULTABLE(CreateFileMappingA, Mapping, nullptr, ERROR_COMMITMENT_LIMIT);
-ZKR_FAULTABLE(MapViewOfFile, View, nullptr, ERROR_NOT_ENOUGH_MEMORY);
-using ::CloseHandle;
-using ::UnmapViewOfFile;
+ZKR_MAKING(CreateFileMappingA, Mapping, nullptr, ERROR_COMMITMENT_LIMIT);
+ZKR_MAKING(MapViewOfFile, View, nullptr, ERROR_NOT_ENOUGH_MEMORY);
+ZKR_RELEASING(UnmapViewOfFile, TRUE);
 
 } // namespace zkr::platform
