@@ -1,0 +1,439 @@
+// Every function that allocates or touches a file, a mapping or an object of the platform, with each of these
+// calls failing in turn.
+#include "faults/fault_driver.h"
+
+#include "zkr13n/colour_values.h"
+#include "zkr13n/convert.h"
+#include "zkr13n/copy.h"
+#include "zkr13n/frame.h"
+#include "zkr13n/gray.h"
+#include "zkr13n/surface.h"
+
+#include <thread>
+
+namespace zkr::test {
+namespace {
+
+constexpr ReturnCode Memory = code::OutOfMemory, DiskSpace = code::OutOfDiskSpace, Seek = code::SeekFailed,
+                     Read = code::ReadFailed, Write = code::WriteFailed;
+
+ReturnCode Found(bool good) {
+    return good ? code::Success : Memory;
+}
+
+void Nothing(Ground&) {}
+
+// A gray bitmap of 8 bits with everything that a record can hold.
+void Furnish(BitmapHandle& bitmap, bool blockPalette) {
+    bitmap.Order = Z_ORDER_GRAY;
+    if (blockPalette) bitmap.Flags |= flag::PaletteIsBlock;
+    ASSERT_EQ(Z_CreateBitmapGrayPalette(&bitmap), 1);
+    bitmap.LevelLUT = static_cast<RGBQUAD*>(Z_OsAllocInit(40, 1));
+    bitmap.LevelLUTLength = 10;
+    bitmap.PaintLUT[3] = 77;
+}
+
+std::function<void(Ground&)> In(const Storage& storage, bool blockPalette = false) {
+    return [=](Ground& g) {
+        Z_InitBitmap(&g.Subject, 7, 12, 8);
+        Allocate(g.Subject, storage, g.UserData);
+        Furnish(g.Subject, blockPalette);
+        Fill(g.Subject, 5);
+        Z_ReleaseBitmap(&g.Subject);
+        g.Row.assign(8, 0xC3);
+    };
+}
+
+const Storage Plain = {"conventional", MemoryConventional};
+
+void Record(Ground& g) {
+    Z_InitBitmap(&g.Subject, 7, 12, 8);
+}
+
+void ExpectNoStorage(Ground& g, ReturnCode result) {
+    if (result == code::Success) return;
+    EXPECT_FALSE(IsAllocated(&g.Made));
+    EXPECT_EQ(g.Made.PaintLUT, nullptr);
+}
+
+ReturnCode Tune(BitmapHandle& bitmap, int32_t type, int32_t conventional, int32_t mapped, uint32_t flags) {
+    return Z_SetBitmapMemoryInfo(&bitmap, type, 0, 0, conventional, mapped, mapped, flags);
+}
+
+TEST(Failures, OfNewBitmaps) {
+    std::vector<Scenario> scenarios;
+    const int32_t types[] = {MemoryConventional,
+                             MemoryUser,
+                             MemoryTiled,
+                             MemoryNoTiled,
+                             9,
+                             MemoryDisk,
+                             MemoryNoDisk,
+                             MemoryCompressed | MemoryConventional};
+    for (const int32_t type : types) {
+        for (const int32_t tileSize : {0, 16}) {
+            scenarios.push_back(
+                {"create, type " + std::to_string(type) + ", tiles of " + std::to_string(tileSize),
+                 {Memory, Write},
+                 [=](Ground& g) {
+                     Thresholds::Tiles(tileSize, 3, 2);
+                     g.UserData.assign(8 * 12, 1);
+                 },
+                 [=](Ground& g) {
+                     void* data = type == MemoryUser ? g.UserData.data() : nullptr;
+                     return Z_CreateBitmap(&g.Made, type, 7, 12, 8, 0, nullptr, 1, data, g.UserData.size());
+                 },
+                 Kept::Nothing,
+                 ExpectNoStorage});
+        }
+    }
+    RunAll(scenarios);
+}
+
+TEST(Failures, OfWorkOnOneBitmap) {
+    std::vector<Scenario> scenarios;
+    for (const Storage& storage : AllStorages()) {
+        const auto add = [&](const char* name, std::vector<ReturnCode> failures, auto call,
+                             Kept kept = Kept::Everything, uint32_t kinds = fault::All) {
+            scenarios.push_back({storage.Name + ": " + name, failures, In(storage), call, kept, {}, kinds});
+        };
+        if (storage.Type != MemoryUser) {
+            for (const int32_t height : {13, 40, 11, 0}) {
+                scenarios.push_back({storage.Name + ": height " + std::to_string(height),
+                                     {Memory, DiskSpace},
+                                     In(storage),
+                                     [=](Ground& g) { return Z_ChangeBitmapHeight(&g.Subject, height); },
+                                     height > 12 ? Kept::Rows : Kept::SomeRows});
+            }
+        }
+        add(
+            "into a file", {Memory, Write},
+            [](Ground& g) { return Tune(g.Subject, MemoryDisk, 0, 0, Z_MEMORY_INFO_TYPE); }, Kept::Everything,
+            fault::AllMemory | fault::FileOpen);
+        add("into memory", {Memory}, [](Ground& g) { return Tune(g.Subject, 1, 0, 0, Z_MEMORY_INFO_TYPE); });
+        if (storage.Type == MemoryTiled) {
+            for (const int32_t conventional : {0, 1, 99})
+                add(
+                    "tuning", {Memory, DiskSpace, Seek, Read, Write},
+                    [=](Ground& g) { return Tune(g.Subject, 4, conventional, 2, 56); }, Kept::Rows);
+        }
+        add("copy", {Memory, Write}, [](Ground& g) { return Z_CopyBitmap(&g.Made, &g.Subject); });
+        add("duplicate without data", {Memory}, [](Ground& g) {
+            const ReturnCode result = Z_DupBitmapNewDim(&g.Made, &g.Subject, 3, 3, 8, Z_DUP_PALETTE);
+            Z_FreeDuplicateBitmap(&g.Made, Z_DUP_PALETTE);
+            return result;
+        });
+        add("duplicate of another depth", {Memory, Write}, [](Ground& g) {
+            const ReturnCode result = Z_DupBitmapNewDim(&g.Made, &g.Subject, 3, 3, 24, Z_DUP_DATA);
+            if (result == code::Success) Z_FreeDuplicateBitmap(&g.Made, Z_DUP_DATA);
+            return result;
+        });
+        add("copied pixels", {Memory}, [](Ground& g) {
+            BitmapHandle to = {};
+            Z_InitBitmap(&to, 7, 12, 8);
+            ReturnCode result = Z_AllocateBitmap(&to, MemoryConventional);
+            if (result == code::Success) result = Z_CopyBitmapData(&to, &g.Subject);
+            Z_FreeBitmap(&to);
+            return result;
+        });
+        if (storage.Type == GlobalType) continue; // rows of a locked bitmap alone can be reached
+        add("read", {Seek, Read}, [](Ground& g) {
+            const ReturnCode count = Z_GetBitmapRowCol(&g.Subject, g.Row.data(), 5, 2, 6);
+            return count == 6 ? code::Success : count;
+        });
+        add("write", {Seek, Write}, [](Ground& g) {
+            const ReturnCode count = Z_PutBitmapRow(&g.Subject, g.Row.data(), 6, 8);
+            return count == 8 ? code::Success : count;
+        });
+        add("write of a segment", {Seek, Read, Write}, [](Ground& g) {
+            const uint32_t segment[] = {2, 5};
+            return Z_PutBitmapRowSegments(&g.Subject, g.Row.data(), 7, 0, segment, 2, 0);
+        });
+    }
+    RunAll(scenarios);
+}
+
+TEST(Failures, OfLists) {
+    const auto list = [](Ground& g) {
+        In(Plain)(g);
+        ASSERT_EQ(Z_CreateBitmapList(&g.List), 1);
+        for (int32_t i = 0; i < 3; ++i) {
+            BitmapHandle item = {};
+            ASSERT_EQ(Z_CopyBitmap(&item, &g.Subject), 1);
+            ASSERT_EQ(Z_InsertBitmapListItem(g.List, 0, &item), 1);
+        }
+        ASSERT_EQ(Z_CopyBitmap(&g.Made, &g.Subject), 1);
+    };
+    const auto hasItems = [](int32_t good, int32_t bad) {
+        return [=](Ground& g, ReturnCode result) {
+            uint32_t count = 99;
+            EXPECT_EQ(Z_GetBitmapListCount(g.List, &count), 1);
+            EXPECT_EQ(static_cast<int32_t>(count), result == code::Success ? good : bad);
+            EXPECT_EQ(g.NewList != nullptr, result == code::Success && good == bad - 2);
+            BitmapHandle item;
+            for (uint32_t i = 0; i < count; ++i) {
+                ASSERT_EQ(Z_GetBitmapListItem(g.List, i, &item), 1);
+                EXPECT_EQ(Rows(item), Rows(g.Subject));
+            }
+        };
+    };
+    RunAll({
+        {"new list", {Memory}, Nothing, [](Ground& g) { return Z_CreateBitmapList(&g.List); }},
+        {"insert",
+         {Memory},
+         list,
+         [](Ground& g) {
+             const ReturnCode result = Z_InsertBitmapListItem(g.List, 1, &g.Made);
+             if (result == code::Success) Z_InitBitmap(&g.Made, 0, 0, 0);
+             return result;
+         },
+         Kept::Everything,
+         hasItems(4, 3)},
+        {"remove",
+         {},
+         list,
+         [](Ground& g) {
+             Z_FreeBitmap(&g.Made);
+             return Z_RemoveBitmapListItem(g.List, 1, &g.Made);
+         },
+         Kept::Everything,
+         hasItems(2, 3)},
+        {"delete",
+         {},
+         list,
+         [](Ground& g) { return Z_DeleteBitmapListItems(g.List, 1, 1); },
+         Kept::Everything,
+         hasItems(2, 3)},
+        {"copy", {Memory}, list, [](Ground& g) { return Z_CopyBitmapListItems(&g.NewList, g.List, 0, 9); }},
+        {"move",
+         {Memory},
+         list,
+         [](Ground& g) { return Z_MoveBitmapListItems(&g.NewList, g.List, 0, 2); },
+         Kept::Everything,
+         hasItems(1, 3)},
+    });
+}
+
+TEST(Failures, OfPalettes) {
+    static const RGBQUAD colours[256] = {{1, 2, 3, 0}, {200, 100, 50, 4}};
+    std::vector<Scenario> scenarios;
+    for (const bool block : {false, true}) {
+        const auto add = [&](const char* name, std::vector<ReturnCode> failures, auto call,
+                             Kept kept = Kept::Everything) {
+            const auto prepare = [=](Ground& g) {
+                In(Plain, block)(g);
+                g.Palette = Z_CreateFixedPalette(4);
+            };
+            scenarios.push_back(
+                {std::string(name) + (block ? ", block" : ""), failures, prepare, call, kept});
+        };
+        // A bitmap that gets a palette is not asked to free an older one.
+        const auto fresh = [&](const char* name, std::vector<ReturnCode> failures, auto call) {
+            const auto prepare = [=](Ground& g) {
+                Record(g);
+                if (block) g.Subject.Flags |= flag::PaletteIsBlock;
+                g.Made.Palette = Z_CreateFixedPalette(3);
+                g.Made.ColorsUsed = 8;
+                if (block) {
+                    platform::DeleteObject(g.Made.Palette);
+                    g.Made.Flags |= flag::PaletteIsBlock;
+                    Z_CreateBitmapFixedPalette(&g.Made);
+                }
+            };
+            scenarios.push_back({std::string(name) + (block ? ", block" : ""), failures, prepare, call});
+        };
+        fresh("given", {Memory}, [](Ground& g) { return Z_CreateBitmapPalette(&g.Subject, colours, 2); });
+        fresh("gray", {Memory}, [](Ground& g) { return Z_CreateBitmapGrayPalette(&g.Subject); });
+        fresh("fixed", {Memory}, [](Ground& g) { return Z_CreateBitmapFixedPalette(&g.Subject); });
+        fresh("copied", {0}, [](Ground& g) { return Z_CopyBitmapPalette(&g.Subject, &g.Made); });
+        add("duplicate", {Memory},
+            [](Ground& g) { return Found((g.NewPalette = Z_DupBitmapPalette(&g.Subject)) != nullptr); });
+        add("other form", {Memory}, [=](Ground& g) { return Z_SetPaletteType(&g.Subject, block ? 0 : 1); });
+        add(
+            "set", {}, [](Ground& g) { return Z_SetBitmapPalette(&g.Subject, g.Palette); }, Kept::Nothing);
+        add(
+            "put colours", {}, [](Ground& g) { return Z_PutBitmapColors(&g.Subject, 3, 2, colours); },
+            Kept::Nothing);
+        add("match", {0}, [](Ground& g) {
+            return Z_GetNearestPaletteIndex(&g.Subject, 0x0A0A0A) == 10 ? code::Success : code::General;
+        });
+        add("translate", {0}, [](Ground& g) {
+            return Z_TranslateBitmapColor(&g.Subject, nullptr, 0x141414) == 0x01000014u ? code::Success
+                                                                                        : code::General;
+        });
+    }
+    const auto makes = [&](const char* name, auto call) {
+        const auto prepare = [](Ground& g) { g.Palette = Z_CreateFixedPalette(4); };
+        scenarios.push_back(
+            {name, {Memory}, prepare, [=](Ground& g) { return Found((g.NewPalette = call(g)) != nullptr); }});
+    };
+    makes("from colours", [](Ground&) { return Z_CreatePalette(colours, 256); });
+    makes("gray ramp", [](Ground&) { return Z_CreateGrayPalette(0); });
+    makes("fixed palette", [](Ground&) { return Z_CreateFixedPalette(8); });
+    makes("duplicate of an object", [](Ground& g) { return Z_DupPalette(g.Palette); });
+    scenarios.push_back({"match table", {Memory}, Nothing, [](Ground& g) {
+                             return Found((g.Buffer = Z_CreateUserMatchTable(colours, 256)) != nullptr);
+                         }});
+    scenarios.push_back({"gray window", {Memory}, In(Plain), [](Ground& g) {
+                             const ReturnCode result = Z_CopyGrayParams(&g.Made, &g.Subject);
+                             EXPECT_EQ(g.Made.LevelLUTLength, result == code::Success ? 10u : 0u);
+                             Z_FreeGrayParams(&g.Made); // nobody else does so for a record without storage
+                             return result;
+                         }});
+    RunAll(scenarios);
+}
+
+TEST(Failures, OfBlocksAndFiles) {
+    const auto block = [](Ground& g) {
+        g.Block = Z_OsAllocInit(8, 1);
+        g.Buffer = Z_Calloc(2, 4);
+    };
+    const auto file = [](Ground& g) {
+        g.Row.assign(300, 0);
+        ASSERT_EQ(Z_OsGetTempName(reinterpret_cast<char*>(g.Row.data())), 0);
+        g.File = Z_OsCreat(reinterpret_cast<char*>(g.Row.data()), Z_CREATE_DELETE_ON_CLOSE);
+        ASSERT_EQ(Z_OsWrite(g.File, "abcd", 4, 0), 4);
+    };
+    const auto resized = [](void*& place, void* result) {
+        if (result != nullptr) place = result;
+        return Found(result != nullptr);
+    };
+    const auto intact = [](Ground& g, ReturnCode) {
+        EXPECT_EQ(0, std::memcmp(g.Block, g.Buffer, 8)) << "both hold zeros";
+    };
+    const auto made = [](void*& place, void* result) {
+        place = result;
+        return Found(result != nullptr);
+    };
+    RunAll({
+        {"Z_Malloc", {Memory}, Nothing, [=](Ground& g) { return made(g.Buffer, Z_Malloc(9)); }},
+        {"Z_Calloc", {Memory}, Nothing, [=](Ground& g) { return made(g.Buffer, Z_Calloc(9, 9)); }},
+        {"Z_OsAlloc", {Memory}, Nothing, [=](Ground& g) { return made(g.Block, Z_OsAlloc(9)); }},
+        {"Z_OsAllocInit", {Memory}, Nothing, [=](Ground& g) { return made(g.Block, Z_OsAllocInit(9, 1)); }},
+        {"Z_Realloc",
+         {Memory},
+         block,
+         [=](Ground& g) { return resized(g.Buffer, Z_Realloc(g.Buffer, 99)); },
+         Kept::Nothing,
+         intact},
+        {"Z_OsReAlloc",
+         {Memory},
+         block,
+         [=](Ground& g) { return resized(g.Block, Z_OsReAlloc(g.Block, 99)); },
+         Kept::Nothing,
+         intact},
+        {"Z_OsReAllocInit",
+         {Memory},
+         block,
+         [=](Ground& g) { return resized(g.Block, Z_OsReAllocInit(g.Block, 9999)); },
+         Kept::Nothing,
+         intact},
+        {"Z_OsGetTempName",
+         {-1},
+         [](Ground& g) { g.Row.assign(300, 1); },
+         [](Ground& g) {
+             auto* name = reinterpret_cast<char*>(g.Row.data());
+             const ReturnCode result = Z_OsGetTempName(name);
+             if (result != 0) return result;
+             EXPECT_EQ(Z_OsDelete(name), 0);
+             return code::Success;
+         }},
+        {"Z_OsWrite", {-1}, file, [](Ground& g) { return Z_OsWrite(g.File, "e", 1, 0); }},
+        {"Z_OsRead",
+         {-1},
+         file,
+         [](Ground& g) {
+             char letter = 0;
+             if (Z_OsSeek(g.File, 2, 0, 0) != 2) return ReturnCode{-1};
+             const ReturnCode result = Z_OsRead(g.File, &letter, 1, 0);
+             EXPECT_TRUE(result != 1 || letter == 'c');
+             return result;
+         }},
+        {"end of a file",
+         {-1},
+         file,
+         [](Ground& g) { return Z_OsWrite(g.File, nullptr, 0, 0) == 0 ? code::Success : ReturnCode{-1}; }},
+        {"Z_OsOpen",
+         {-1},
+         [=](Ground& g) {
+             file(g);
+             Z_OsClose(g.File, 0);
+             g.File = Z_OsCreat(reinterpret_cast<char*>(g.Row.data()), 0);
+             Z_OsClose(g.File, 0);
+             g.File = -1;
+         },
+         [](Ground& g) {
+             const char* name = reinterpret_cast<char*>(g.Row.data());
+             const intptr_t opened = Z_OsOpen(name, Z_OPEN_READ_WRITE, Z_SHARE_NONE, 0);
+             if (opened == -1) return ReturnCode{-1};
+             EXPECT_EQ(Z_OsClose(opened, 0), 0);
+             EXPECT_EQ(Z_OsDelete(name), 0);
+             return code::Success;
+         }},
+    });
+}
+
+// A thread whose record cannot be made gets answers all the same, and the next call tries again.
+TEST(Failures, OfThreads) {
+    const auto thread = [](auto work) {
+        return [=](Ground& g) {
+            ReturnCode result = 0;
+            std::thread([&] { result = work(g); }).join();
+            return result;
+        };
+    };
+    const auto palette = [](Ground& g) {
+        g.Row.resize(3 * 4096);
+        for (size_t i = 0; i < g.Row.size(); ++i)
+            g.Row[i] = static_cast<uint8_t>(i * i >> 5 | 3);
+    };
+    RunAll({
+        {"defaults", {}, Nothing, thread([](Ground&) {
+             const int32_t dithering = Z_GetDefaultDithering();
+             EXPECT_TRUE(dithering == 7 || dithering == 0);
+             Z_SetStatusCallBack(nullptr, 3);
+             return code::Success;
+         })},
+        {"bitmap", {Memory, Write}, Nothing, thread([](Ground& g) {
+             return Z_CreateBitmap(&g.Made, MemoryDisk, 7, 12, 24, 0, nullptr, 1, nullptr, 0);
+         })},
+        // Without memory for its tables the search takes longer and finds the same.
+        {"colours to a palette",
+         {},
+         palette,
+         thread([](Ground& g) {
+             const RGBQUAD* fixed = Z_IntGetFixedPalette(8);
+             return Z_ConvertBuffer(g.Row.data(), 4096, 24, 8, Z_ORDER_BGR, Z_ORDER_RGB, nullptr, fixed);
+         }),
+         Kept::Nothing,
+         [=](Ground& g, ReturnCode) {
+             Ground source;
+             palette(source);
+             for (size_t i = 0; i < 4096; ++i) {
+                 const uint8_t* pixel = source.Row.data() + 3 * i;
+                 ASSERT_EQ(g.Row[i],
+                           Z_FindPaletteIndex(Z_IntGetFixedPalette(8), 256, pixel[2], pixel[1], pixel[0]));
+             }
+         }},
+    });
+}
+
+#ifndef _WIN32
+TEST(Failures, OfTheDisplay) {
+    RunAll({{"surface and its palette", {Memory}, Nothing, [](Ground& g) {
+                 uint8_t pixels[4] = {};
+                 const SurfaceDescription description = {
+                     sizeof description, 4, 1, 8, 4, 1, pixels, nullptr, 0, 20};
+                 HDC screen = nullptr;
+                 const ReturnCode result = Z_CreateSurface(&description, &screen);
+                 if (result != code::Success) return result;
+                 EXPECT_EQ(Z_SetScreenSurface(screen), 1);
+                 g.NewPalette = Z_CreateSystemPalette();
+                 EXPECT_EQ(Z_DeleteSurface(screen), 1);
+                 return Found(g.NewPalette != nullptr);
+             }}});
+}
+#endif
+
+} // namespace
+} // namespace zkr::test
