@@ -1,0 +1,189 @@
+// Sequences of row calls, tuning, rebuilding and changes of height over the storage classes, checked against
+// a plain array of bytes.
+#include "input.h"
+
+#include <algorithm>
+#include <vector>
+
+using namespace fuzz;
+
+namespace {
+
+constexpr int32_t maximumHeight = 40;
+
+class Checked {
+  public:
+    explicit Checked(Input& input) : input_(input) {
+        const int32_t width = 1 + input.Below(input.Byte() < 240 ? 40 : 3000);
+        const int32_t height = 1 + input.Below(maximumHeight);
+        Z_InitBitmap(&bitmap_, width, height, input.Depth());
+        Z_SetMemoryThresholds(0, 0, TileSize(), input.Below(9) - 1, input.Below(4), 28);
+        constexpr int32_t types[] = {MemoryConventional, MemoryUser, MemoryTiled,
+                                     MemoryTiled,        MemoryDisk, MemoryNoTiled};
+        const int32_t type = types[input.Byte() % std::size(types)];
+        FUZZ_EXPECT(Z_AllocateBitmap(&bitmap_, type) == 1);
+        model_.assign(bitmap_.Size, 0);
+        if (type == MemoryUser) {
+            user_ = model_;
+            FUZZ_EXPECT(Z_SetBitmapDataPointer(&bitmap_, user_.data(), user_.size()) == 1);
+        }
+    }
+    ~Checked() {
+        Compare();
+        FUZZ_EXPECT(Z_FreeBitmap(&bitmap_) == 1);
+    }
+    Checked(const Checked&) = delete;
+    Checked& operator=(const Checked&) = delete;
+
+    void Step() {
+        switch (input_.Byte() % 10) {
+        case 0:
+        case 1: Write(); break;
+        case 2:
+        case 3: Read(); break;
+        case 4:
+        case 5: Segment(); break;
+        case 6: Height(); break;
+        case 7: Tune(); break;
+        case 8: Rebuild(); break;
+        default: Copy(); break;
+        }
+    }
+
+  private:
+    size_t RowBytes() const { return bitmap_.BytesPerLine; }
+    bool IsEmpty() const { return bitmap_.Height == 0; }
+    int32_t TileSize() {
+        return static_cast<int32_t>(bitmap_.BytesPerLine) * (1 + input_.Below(12)) - input_.Below(2);
+    }
+
+    // A place in the bitmap and bytes that go on from it, up to the end of the bitmap at most.
+    struct Stretch {
+        int32_t Row, Column;
+        size_t Place, Bytes;
+    };
+    Stretch AnyStretch() {
+        Stretch stretch = {};
+        stretch.Row = input_.Below(bitmap_.Height);
+        stretch.Column = input_.Flip() ? input_.Below(bitmap_.Width) : 0;
+        stretch.Place = static_cast<size_t>(stretch.Row) * RowBytes() +
+                        static_cast<size_t>(stretch.Column) * static_cast<size_t>(bitmap_.BitsPerPixel) / 8;
+        const size_t most =
+            std::min(model_.size() - stretch.Place, input_.Flip() ? RowBytes() : model_.size());
+        stretch.Bytes = static_cast<size_t>(input_.Word()) % (most + 1);
+        return stretch;
+    }
+
+    void Write() {
+        if (IsEmpty()) return;
+        const Stretch to = AnyStretch();
+        const Exact bytes(to.Bytes, input_);
+        const auto count = static_cast<uint32_t>(to.Bytes);
+        const ReturnCode result = to.Column == 0
+                                      ? Z_PutBitmapRow(&bitmap_, bytes.Get(), to.Row, count)
+                                      : Z_PutBitmapRowCol(&bitmap_, bytes.Get(), to.Row, to.Column, count);
+        FUZZ_EXPECT(result == static_cast<ReturnCode>(count));
+        std::copy_n(bytes.Get(), to.Bytes, model_.begin() + static_cast<ptrdiff_t>(to.Place));
+    }
+
+    void Read() {
+        if (IsEmpty()) return;
+        const Stretch from = AnyStretch();
+        const Exact bytes(from.Bytes);
+        const auto count = static_cast<uint32_t>(from.Bytes);
+        const ReturnCode result =
+            from.Column == 0 ? Z_GetBitmapRow(&bitmap_, bytes.Get(), from.Row, count)
+                             : Z_GetBitmapRowCol(&bitmap_, bytes.Get(), from.Row, from.Column, count);
+        FUZZ_EXPECT(result == static_cast<ReturnCode>(count));
+        FUZZ_EXPECT(std::equal(bytes.Get(), bytes.Get() + from.Bytes,
+                               model_.begin() + static_cast<ptrdiff_t>(from.Place)));
+    }
+
+    // Bit by bit; pixels of 12 bits begin at the low end of their bytes, others at the high end.
+    uint8_t BitMask(size_t bit) const {
+        return static_cast<uint8_t>(bitmap_.BitsPerPixel == 12 ? 1 << bit % 8 : 0x80 >> bit % 8);
+    }
+    void Segment() {
+        if (IsEmpty()) return;
+        const int32_t row = input_.Below(bitmap_.Height);
+        const auto bits = static_cast<size_t>(bitmap_.BitsPerPixel);
+        const auto width = static_cast<uint32_t>(bitmap_.Width);
+        const Exact pixels((width * bits + 7) / 8, input_);
+        uint32_t columns[4] = {};
+        for (uint32_t& column : columns)
+            column = static_cast<uint32_t>(input_.Below(bitmap_.Width + 1));
+        const int32_t offset = input_.Flip() ? 0 : input_.Near(bitmap_.Width, -bitmap_.Width);
+        FUZZ_EXPECT(Z_PutBitmapRowSegments(&bitmap_, pixels.Get(), row, offset, columns, 4, 0) == 1);
+        for (int pair = 0; pair < 4; pair += 2) {
+            for (size_t bit = columns[pair] * bits; bit < columns[pair + 1] * bits; ++bit) {
+                const int64_t to = static_cast<int64_t>(bit) + int64_t{offset} * static_cast<int64_t>(bits);
+                if (to < 0 || to >= static_cast<int64_t>(width * bits)) continue;
+                const auto target = static_cast<size_t>(to);
+                uint8_t& byte = model_[static_cast<size_t>(row) * RowBytes() + target / 8];
+                const bool set = (pixels.Get()[bit / 8] & BitMask(bit)) != 0;
+                byte = static_cast<uint8_t>(set ? byte | BitMask(target) : byte & ~BitMask(target));
+            }
+        }
+    }
+
+    void Height() {
+        const int32_t height = input_.Below(maximumHeight + 1);
+        const ReturnCode result = Z_ChangeBitmapHeight(&bitmap_, height);
+        if ((bitmap_.Flags & Z_FLAG_USER_DATA) != 0) {
+            FUZZ_EXPECT(result == Z_ERROR_ARGUMENT);
+            return;
+        }
+        FUZZ_EXPECT(result == 1 && bitmap_.Height == height);
+        model_.resize(static_cast<size_t>(height) * RowBytes(), 0);
+    }
+
+    void Tune() {
+        const auto value = [&] { return input_.Near(12); };
+        const uint32_t flags = static_cast<uint32_t>(input_.Byte()) & ~3u;
+        FUZZ_EXPECT(Z_SetBitmapMemoryInfo(&bitmap_, value(), value(), value(), value(), value(), value(),
+                                          flags) == 1);
+    }
+
+    void Rebuild() {
+        const int32_t types[] = {MemoryConventional, MemoryDisk, MemoryNoTiled};
+        const int32_t type = types[input_.Byte() % std::size(types)];
+        const ReturnCode result = Z_SetBitmapMemoryInfo(&bitmap_, type, 0, 0, 0, 0, 0, Z_MEMORY_INFO_TYPE);
+        // Nothing can be made for a bitmap without rows.
+        if (IsEmpty()) FUZZ_EXPECT(result == 1 || result == Z_ERROR_DIMENSIONS);
+        if (!IsEmpty()) FUZZ_EXPECT(result == 1);
+        if (bitmap_.Size != model_.size()) FUZZ_EXPECT(Z_UpdateBitmapSize(&bitmap_) == 1);
+    }
+
+    void Copy() {
+        BitmapHandle copy;
+        const ReturnCode result = Z_CopyBitmap(&copy, &bitmap_);
+        FUZZ_EXPECT(result == (IsEmpty() ? Z_ERROR_DIMENSIONS : 1));
+        if (result != 1) return;
+        Z_FreeBitmap(&bitmap_);
+        bitmap_ = copy;
+    }
+
+    void Compare() {
+        std::vector<uint8_t> all(model_.size());
+        for (int32_t row = 0; row < bitmap_.Height; ++row) {
+            const auto count = static_cast<uint32_t>(RowBytes());
+            FUZZ_EXPECT(Z_GetBitmapRow(&bitmap_, all.data() + static_cast<size_t>(row) * RowBytes(), row,
+                                       count) == static_cast<ReturnCode>(count));
+        }
+        FUZZ_EXPECT(all == model_);
+    }
+
+    Input& input_;
+    BitmapHandle bitmap_;
+    std::vector<uint8_t> model_, user_;
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    Input input(data, size);
+    Checked bitmap(input);
+    for (int step = 0; step < 60 && !input.IsEmpty(); ++step)
+        bitmap.Step();
+    return 0;
+}
