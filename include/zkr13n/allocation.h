@@ -32,8 +32,8 @@ Z_API void Z_CALL Z_Free(void* pointer);
  * pointer    in: from Z_Malloc, Z_Calloc or Z_Realloc; null behaves as Z_Malloc
  * size       in, bytes; 0 releases the buffer
  *
- * Returns the buffer, which may have moved. Null when memory is short, with the old buffer still valid, and for
- * a size of 0.
+ * Returns the buffer, which may have moved. Null when memory is short, with the old buffer still valid, and
+ * for a size of 0.
  */
 Z_API void* Z_CALL Z_Realloc(void* pointer, size_t size);
 

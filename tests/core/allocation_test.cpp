@@ -56,6 +56,14 @@ TEST(Allocation, EmptyBlocksCanBeResizedAndFreed) {
     EXPECT_EQ(Z_OsFree(nullptr), 0);
 }
 
+TEST(Allocation, AResizeToNothingReleasesAWorkingBuffer) {
+    const int64_t alive = fault::Live();
+    void* buffer = Z_Malloc(8);
+    EXPECT_EQ(fault::Live(), alive + 1);
+    EXPECT_EQ(Z_Realloc(buffer, 0), nullptr);
+    EXPECT_EQ(fault::Live(), alive);
+}
+
 TEST(Allocation, AFailedResizeLeavesTheBlock) {
     void* block = Z_OsAlloc(64);
     std::memset(block, 7, 64);
