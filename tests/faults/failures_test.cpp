@@ -35,7 +35,7 @@ void Furnish(BitmapHandle& bitmap, bool blockPalette) {
 
 std::function<void(Ground&)> In(const Storage& storage, bool blockPalette = false) {
     return [=](Ground& g) {
-        Z_InitBitmap(&g.Subject, 7, 12, 8);
+        Z_InitBitmap(&g.Subject, 7, 6, 8);
         Allocate(g.Subject, storage, g.UserData);
         Furnish(g.Subject, blockPalette);
         Fill(g.Subject, 5);
@@ -47,7 +47,7 @@ std::function<void(Ground&)> In(const Storage& storage, bool blockPalette = fals
 const Storage Plain = {"conventional", MemoryConventional};
 
 void Record(Ground& g) {
-    Z_InitBitmap(&g.Subject, 7, 12, 8);
+    Z_InitBitmap(&g.Subject, 7, 6, 8);
 }
 
 void ExpectNoStorage(Ground& g, ReturnCode result) {
@@ -98,12 +98,12 @@ TEST(Failures, OfWorkOnOneBitmap) {
             scenarios.push_back({storage.Name + ": " + name, failures, In(storage), call, kept, {}, kinds});
         };
         if (storage.Type != MemoryUser) {
-            for (const int32_t height : {13, 40, 11, 0}) {
+            for (const int32_t height : {7, 12, 5, 0}) {
                 scenarios.push_back({storage.Name + ": height " + std::to_string(height),
                                      {Memory, DiskSpace},
                                      In(storage),
                                      [=](Ground& g) { return Z_ChangeBitmapHeight(&g.Subject, height); },
-                                     height > 12 ? Kept::Rows : Kept::SomeRows});
+                                     height > 6 ? Kept::Rows : Kept::SomeRows});
             }
         }
         add(
@@ -130,7 +130,7 @@ TEST(Failures, OfWorkOnOneBitmap) {
         });
         add("copied pixels", {Memory}, [](Ground& g) {
             BitmapHandle to = {};
-            Z_InitBitmap(&to, 7, 12, 8);
+            Z_InitBitmap(&to, 7, 6, 8);
             ReturnCode result = Z_AllocateBitmap(&to, MemoryConventional);
             if (result == code::Success) result = Z_CopyBitmapData(&to, &g.Subject);
             Z_FreeBitmap(&to);
@@ -142,12 +142,12 @@ TEST(Failures, OfWorkOnOneBitmap) {
             return count == 6 ? code::Success : count;
         });
         add("write", {Seek, Write}, [](Ground& g) {
-            const ReturnCode count = Z_PutBitmapRow(&g.Subject, g.Row.data(), 6, 8);
+            const ReturnCode count = Z_PutBitmapRow(&g.Subject, g.Row.data(), 4, 8);
             return count == 8 ? code::Success : count;
         });
         add("write of a segment", {Seek, Read, Write}, [](Ground& g) {
             const uint32_t segment[] = {2, 5};
-            return Z_PutBitmapRowSegments(&g.Subject, g.Row.data(), 7, 0, segment, 2, 0);
+            return Z_PutBitmapRowSegments(&g.Subject, g.Row.data(), 5, 0, segment, 2, 0);
         });
     }
     RunAll(scenarios);
@@ -333,8 +333,8 @@ TEST(Failures, OfBlocksAndFiles) {
          [](Ground& g) { g.Row.assign(300, 1); },
          [](Ground& g) {
              auto* name = reinterpret_cast<char*>(g.Row.data());
-             const ReturnCode result = Z_OsGetTempName(name);
-             if (result != 0) return result;
+             EXPECT_EQ(Z_OsGetTempName(name), 0);
+             if (*name == '\0') return ReturnCode{-1};
              EXPECT_EQ(Z_OsDelete(name), 0);
              return code::Success;
          }},
