@@ -1,8 +1,7 @@
 // The search kept for whole rows: the same indices as the plain scan for any palette and any rows, with
-// either instruction set, whether cubes are known or not and while memory fails.
+// either instruction set, whether cubes are known or not.
 #include "colour/palette_search.h"
 #include "colour/reference_palettes.h"
-#include "platform/faults.h"
 #include "support/random_palettes.h"
 #include "support/seeded.h"
 
@@ -100,24 +99,6 @@ TEST_P(PaletteSearchRows, AgreeOnRegularPalettes) {
     }
 }
 
-TEST_P(PaletteSearchRows, AgreeWhileMemoryFails) {
-    Seeded seeded(6);
-    const RandomPalette palette(seeded, 200);
-    const auto search = std::make_unique<PaletteSearch>();
-    search->Prepare(palette.Entries.data(), 200, GetParam());
-    std::vector<Colour> row;
-    for (unsigned i = 0; i < 20000; ++i)
-        row.push_back({i % 7 + i / 100, i % 11 + 90, i % 13 + 30});
-    for (const uint32_t nth : {1u, 2u, 3u}) {
-        platform::fault::Arm(platform::fault::Heap, nth, nth < 3);
-        const std::vector<uint8_t> quads = QuadsOf(row, seeded);
-        std::vector<uint8_t> indices(row.size());
-        search->MatchRow(quads.data(), indices.data(), row.size());
-        platform::fault::Disarm();
-        ASSERT_EQ(indices, PlainScan(row, palette.Entries)) << "failing allocation " << nth;
-    }
-}
-
 INSTANTIATE_TEST_SUITE_P(AllSets, PaletteSearchRows, ::testing::ValuesIn(rows::UsableKernelSets()),
                          [](const auto& each) { return std::string(each.param.Name); });
 
@@ -135,23 +116,6 @@ TEST(PaletteSearchFor, FollowsThePaletteOfTheThread) {
     std::thread([&] { EXPECT_NE(PaletteSearchFor(palette.data(), 3), search); }).join();
     for (const int entries : {0, -1, 257})
         EXPECT_EQ(PaletteSearchFor(palette.data(), entries), nullptr);
-}
-
-TEST(PaletteSearchFor, IsNullWithoutMemory) {
-    const RGBQUAD palette[2] = {};
-    std::thread([&] {
-        EXPECT_NE(PaletteSearchFor(palette, 2), nullptr); // makes the thread's record
-    }).join();
-    std::thread([&] {
-        for (uint32_t nth = 1;; ++nth) {
-            platform::fault::Arm(platform::fault::Heap, nth, true);
-            PaletteSearch* search = PaletteSearchFor(palette, 2);
-            const bool failed = platform::fault::Calls() >= nth;
-            platform::fault::Disarm();
-            EXPECT_EQ(search == nullptr, failed) << nth;
-            if (search != nullptr || nth > 20) break;
-        }
-    }).join();
 }
 
 } // namespace
