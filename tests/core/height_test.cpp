@@ -1,7 +1,6 @@
-// Z_ChangeBitmapHeight in every class: the rows that stay are whole, new rows are blank where memory is
-// fresh, and a failure leaves every row that Height counts.
-#include "core/storage/tile_table.h"
-#include "core/storage_faults.h"
+// Z_ChangeBitmapHeight in every class: the rows that stay are whole, and new rows are blank where memory is
+// fresh.
+#include "core/test_bitmaps.h"
 
 namespace zkr::test {
 namespace {
@@ -79,46 +78,6 @@ TEST(TiledHeight, KeepsTheTableInOrder) {
     EXPECT_EQ(InfoOf(bitmap), (Info{MemoryTiled, 40, 3, 1, 1, 0}))
         << "new tiles are files, whatever the budget";
 }
-
-class HeightFaults : public testing::TestWithParam<Storage> {};
-
-TEST_P(HeightFaults, LoseNoRowThatHeightCounts) {
-    const TemporaryDirectory directory;
-    for (const int32_t height : {4, 13, 40}) {
-        BitmapHandle bitmap;
-        Bytes before, userData;
-        ForEachFault(
-            fault::All,
-            [&] {
-                Z_InitBitmap(&bitmap, 8, 18, 8);
-                Allocate(bitmap, GetParam(), userData);
-                before = Fill(bitmap, 11);
-                Z_ReleaseBitmap(&bitmap);
-            },
-            [&] { return Z_ChangeBitmapHeight(&bitmap, height); },
-            [&](ReturnCode result) {
-                EXPECT_TRUE(result == code::OutOfMemory || result == code::OutOfDiskSpace) << result;
-                EXPECT_TRUE(GetParam().Type == MemoryTiled || bitmap.Height == 18);
-                const int previous = Z_LockBitmap(&bitmap);
-                const Bytes after = Rows(bitmap);
-                EXPECT_TRUE(std::equal(after.begin(),
-                                       after.begin() + std::min<ptrdiff_t>(4 * 8, std::ssize(after)),
-                                       before.begin()));
-                const Bytes again = Fill(bitmap, 12);
-                EXPECT_EQ(Rows(bitmap), again);
-                Z_UnlockBitmap(&bitmap, previous);
-                EXPECT_EQ(Z_FreeBitmap(&bitmap), 1);
-            });
-        Z_FreeBitmap(&bitmap);
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Storages, HeightFaults,
-                         testing::Values(Storage{"conventional", MemoryConventional},
-                                         Storage{"global", GlobalType}, Storage{"disk", MemoryDisk},
-                                         Storage{"memorytiles", MemoryTiled, 5, -100, 1},
-                                         Storage{"filetiles", MemoryTiled, 5, 0, 2}),
-                         NameOf);
 
 } // namespace
 } // namespace zkr::test

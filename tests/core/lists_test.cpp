@@ -1,6 +1,4 @@
-// Bitmap lists: order against a plain vector, all refusals, copies and moves with their cuts, memory that
-// runs out.
-#include "platform/faults.h"
+// Bitmap lists: order against a plain vector, all refusals, copies and moves with their cuts.
 #include "zkr13n/lists.h"
 #include "zkr13n/rows.h"
 #include "zkr13n/storage.h"
@@ -12,8 +10,6 @@
 #include <vector>
 
 namespace {
-
-namespace fault = zkr::platform::fault;
 
 constexpr uint32_t ToEnd = UINT32_MAX;
 
@@ -218,39 +214,6 @@ TEST_F(ListsWithPixels, AnItemThatCannotBeCopiedUndoesTheCopy) {
     EXPECT_EQ(Z_CopyBitmapListItems(&copies, list_, 0, ToEnd), Z_ERROR_ARGUMENT);
     EXPECT_EQ(copies, list_) << "written on success only";
     Z_RemoveBitmapListItem(list_, 2, nullptr);
-}
-
-// Each allocation fails in its turn: the source stays as it was, and nothing is handed out.
-TEST_F(ListsWithPixels, ShortMemoryLeavesTheListAsItWas) {
-    const auto failInTurn = [&](auto operation) {
-        for (uint32_t turn = 1;; ++turn) {
-            fault::Arm(fault::All, turn, true); // all that comes later fails too
-            const ReturnCode status = operation();
-            const bool fired = fault::Fired();
-            fault::Disarm();
-            if (!fired) {
-                EXPECT_EQ(status, Z_SUCCESS);
-                return;
-            }
-            if (status == Z_SUCCESS) return; // only what may fail silently did
-            EXPECT_LT(status, 0);
-            ASSERT_EQ(PixelsIn(list_), (std::vector<int>{0, 1, 2, 3, 4})) << "turn " << turn;
-        }
-    };
-    BitmapList out = nullptr;
-    failInTurn([&] { return Z_CreateBitmapList(&out); });
-    Z_DestroyBitmapList(out);
-    out = nullptr;
-    failInTurn([&] { return Z_CopyBitmapListItems(&out, list_, 1, 3); });
-    EXPECT_EQ(PixelsIn(out), (std::vector<int>{1, 2, 3}));
-    Z_DestroyBitmapList(out);
-    out = nullptr;
-    failInTurn([&] { return Z_InsertBitmapListItem(list_, 2, nullptr); });
-    EXPECT_EQ(Z_RemoveBitmapListItem(list_, 2, nullptr), Z_SUCCESS);
-    failInTurn([&] { return Z_MoveBitmapListItems(&out, list_, 0, 2); });
-    EXPECT_EQ(PixelsIn(out), (std::vector<int>{0, 1}));
-    EXPECT_EQ(PixelsIn(list_), (std::vector<int>{2, 3, 4}));
-    Z_DestroyBitmapList(out);
 }
 
 } // namespace

@@ -153,48 +153,5 @@ TEST_F(Rebuilds, RefuseWhatCannotHoldPixels) {
     EXPECT_EQ(Rows(bitmap), pixels);
 }
 
-TEST_F(Rebuilds, SurviveEveryFault) {
-    const TemporaryDirectory directory;
-    for (const int32_t type : {int32_t{MemoryConventional}, int32_t{MemoryDisk}})
-        ForEachFault(
-            // Failures of row transfers are not examined while data is copied, so these stay out of it.
-            fault::AllMemory | fault::FileOpen,
-            [&] {
-                Make({"tiles", MemoryTiled, 5, 2, 1});
-            },
-            [&] { return Set(bitmap, {.Type = type}, Type); },
-            [&](ReturnCode result) {
-                EXPECT_TRUE(result == 1 || result == code::OutOfMemory) << result;
-                EXPECT_EQ(Rows(bitmap), pixels);
-                EXPECT_EQ(bitmap.PaintLUT[3], 77);
-                Z_FreeBitmap(&bitmap);
-            });
-}
-
-TEST(TuningFaults, LoseNoPixel) {
-    const TemporaryDirectory directory;
-    const Thresholds restore;
-    Thresholds::Tiles(8, 6, 2);
-    for (const int32_t conventional : {0, 10}) {
-        Bitmap bitmap(8, 10, 8);
-        Bytes before;
-        ForEachFault(
-            fault::All,
-            [&] {
-                Z_FreeBitmap(&bitmap);
-                ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryTiled), 1);
-                before = Fill(bitmap, 15);
-            },
-            [&] { return Set(bitmap, {.Conventional = conventional}, Conventional); },
-            [&](ReturnCode result) {
-                EXPECT_TRUE(result == 1 || result == code::OutOfMemory || result == code::OutOfDiskSpace ||
-                            result == code::ReadFailed || result == code::SeekFailed ||
-                            result == code::WriteFailed)
-                    << result;
-                EXPECT_EQ(Rows(bitmap), before);
-            });
-    }
-}
-
 } // namespace
 } // namespace zkr::test

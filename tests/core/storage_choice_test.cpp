@@ -132,29 +132,6 @@ TEST(StorageChoice, HoldsNoDiskAboveTheTileSizeOnly) {
     }
 }
 
-TEST(StorageFaults, LeaveNothingBehind) {
-    const TemporaryDirectory directory;
-    const Thresholds restore;
-    for (const int32_t type : {MemoryDisk, MemoryTiled, MemoryNoTiled}) {
-        for (const int32_t conventional : {0, 2, -100}) {
-            Thresholds::Tiles(TileSize, conventional, 1);
-            BitmapHandle bitmap;
-            ForEachFault(
-                fault::All, [&] { Z_InitBitmap(&bitmap, 100, 25, 8); },
-                [&] { return Z_AllocateBitmap(&bitmap, type); },
-                [&](ReturnCode result) {
-                    EXPECT_TRUE(result == 1 || result == code::OutOfMemory || result == code::WriteFailed)
-                        << result;
-                    EXPECT_EQ(result == 1, (bitmap.Flags & flag::Allocated) != 0);
-                    EXPECT_EQ(Z_FreeBitmap(&bitmap), result == 1 ? 1 : 0);
-                    EXPECT_EQ(bitmap.PaintLUT, nullptr);
-                    EXPECT_TRUE(directory.IsEmpty());
-                });
-            Z_FreeBitmap(&bitmap);
-        }
-    }
-}
-
 #ifndef _WIN32
 TEST(FullDisk, IsToldAndLosesNothing) {
     const TemporaryDirectory directory;

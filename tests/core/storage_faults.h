@@ -44,27 +44,6 @@ class Fault {
     ~Fault() { fault::Disarm(); }
 };
 
-// Calls attempt() with the first, the second, ... call of the system failing, until none is left to fail. In
-// each round prepare() goes first, out of danger; check(result) follows, out of danger too, when a fault was
-// delivered.
-template <typename Prepare, typename Attempt, typename Check>
-void ForEachFault(uint32_t kinds, Prepare prepare, Attempt attempt, Check check) {
-    for (uint32_t nth = 1; nth < 1000; ++nth) {
-        SCOPED_TRACE("call " + std::to_string(nth) + " fails");
-        prepare();
-        fault::Arm(kinds, nth);
-        const ReturnCode result = attempt();
-        fault::Disarm();
-        if (!fault::Fired()) {
-            EXPECT_EQ(result, 1);
-            return;
-        }
-        check(result);
-        if (testing::Test::HasFailure()) return;
-    }
-    FAIL() << "faults without end";
-}
-
 #ifndef _WIN32
 // No file can grow beyond a limit while this lives.
 class FileSizeLimit {
