@@ -144,13 +144,21 @@ class Checked {
                                           flags) == 1);
     }
 
+    // Whatever is asked for, and whether it is granted or not, no pixel is lost; the usual wishes are
+    // granted.
     void Rebuild() {
-        const int32_t types[] = {MemoryConventional, MemoryDisk, MemoryNoTiled};
-        const int32_t type = types[input_.Byte() % std::size(types)];
-        const ReturnCode result = Z_SetBitmapMemoryInfo(&bitmap_, type, 0, 0, 0, 0, 0, Z_MEMORY_INFO_TYPE);
+        constexpr int32_t types[] = {MemoryConventional, MemoryDisk, MemoryNoTiled, 2, 4, 5, 8, 9, 129};
+        const size_t choice = input_.Byte() % (std::size(types) + 1);
+        const bool usual = choice < 3;
+        const int32_t type = choice < std::size(types) ? types[choice] : input_.Hostile();
+        const auto value = [&] { return usual ? 0 : input_.Near(99); };
+        const uint32_t flags = Z_MEMORY_INFO_TYPE | (usual ? 0u : uint32_t{input_.Byte()});
+        const int32_t tileSize = value(), tileCount = value(), conventional = value(), most = value(),
+                      mapped = value();
+        const ReturnCode result =
+            Z_SetBitmapMemoryInfo(&bitmap_, type, tileSize, tileCount, conventional, most, mapped, flags);
         // Nothing can be made for a bitmap without rows.
-        if (IsEmpty()) FUZZ_EXPECT(result == 1 || result == Z_ERROR_DIMENSIONS);
-        if (!IsEmpty()) FUZZ_EXPECT(result == 1);
+        if (usual) FUZZ_EXPECT(result == 1 || (IsEmpty() && result == Z_ERROR_DIMENSIONS));
         if (bitmap_.Size != model_.size()) FUZZ_EXPECT(Z_UpdateBitmapSize(&bitmap_) == 1);
     }
 

@@ -1,6 +1,5 @@
 // Values of threads: each thread its own, released at its end, and all released when the key goes.
 #include "platform/clock.h"
-#include "platform/faults.h"
 #include "platform/threads.h"
 
 #include <gtest/gtest.h>
@@ -110,18 +109,6 @@ TEST(ThreadValues, AKeyThatGoesWhileThreadsEndReleasesEachValueOnce) {
     }
 }
 #endif
-
-TEST(ThreadValues, FailWithoutLosingTheOldOne) {
-    fault::Arm(fault::Thread, 1);
-    EXPECT_EQ(FlsAlloc(Release), FLS_OUT_OF_INDEXES);
-    const DWORD key = FlsAlloc(Release);
-    int value = 1;
-    fault::Arm(fault::Thread, 1);
-    EXPECT_EQ(FlsSetValue(key, &value), FALSE);
-    fault::Disarm();
-    EXPECT_EQ(FlsGetValue(key), nullptr);
-    FlsFree(key);
-}
 
 TEST(Threads, HaveDifferentIdentifiers) {
     DWORD other = 0;
