@@ -53,7 +53,7 @@ class RowWalk {
                 static_cast<size_t>((sourceBits + targetBits_ - 1) / targetBits_ + 31) & ~size_t{31};
             if (!single) {
                 RunStages(SourceAt(begin), TargetAt(begin), width - begin);
-            } else if (apart + piecePixels / 8 <= width) {
+            } else if (width > piecePixels && apart < width) {
                 begin = apart;
                 RunStages(SourceAt(begin), TargetAt(begin), width - begin);
             } else {

@@ -11,8 +11,8 @@ namespace zkr {
 
 // Both borders are measured: below either of them the plain copy is as fast or faster, since a stream has to
 // be closed after each row.
-inline constexpr size_t SmallestStreamedBitmap = size_t{32} << 20;
-inline constexpr size_t SmallestStreamedRow = 8192;
+inline constexpr size_t SmallestStreamedBitmap = size_t{8} << 20;
+inline constexpr size_t SmallestStreamedRow = 4096;
 
 // Copies past the cache; whatever is stored afterwards is seen afterwards by other threads too.
 void StreamBytes(uint8_t* to, const uint8_t* from, size_t bytes);

@@ -6,35 +6,29 @@
 namespace zkr::rows {
 namespace {
 
-// Indices to colours of 24 bits, two pixels to a store. The entries wait in the order of the target.
-struct LookUpColours24 {
+// Indices to colours of 24 or 32 bits, four pixels to a store. The entries wait in the order of the target.
+template <size_t channels> struct LookUpColours {
     static constexpr size_t sourceBits = 8;
-    static constexpr size_t targetBits = 24;
-    static constexpr size_t reach = unitPixels + 1; // the last store goes two bytes too far
+    static constexpr size_t targetBits = channels * 8;
+    static constexpr size_t reach =
+        unitPixels + (channels == 3 ? 2 : 0); // the last store goes four bytes too far
 
-    uint32_t entries[256];
+    alignas(32) uint8_t entries[256 * 4];
+    __m128i join = _mm256_castsi256_si128(ReorderShuffle<4, 3, 1>(false));
 
-    explicit LookUpColours24(const RowParameters& p) {
+    explicit LookUpColours(const RowParameters& p) {
         const __m256i order = ReorderShuffle<4, 4, 1>(p.TargetIsRgb);
         const auto* palette = static_cast<const uint8_t*>(p.Table);
         const size_t count = p.Mask + size_t{1};
         uint8_t few[32];
         if (count < 8) palette = static_cast<const uint8_t*>(std::memcpy(few, palette, count * 4));
-        for (size_t i = 0; i < count; i += 8) {
-            const __m256i eight = _mm256_shuffle_epi8(Masked(Load(palette + i * 4), 0xFFFFFF), order);
-            _mm256_storeu_si256(reinterpret_cast<__m256i*>(entries + i), eight);
-        }
-    }
-    void StorePair(uint8_t* target, size_t first, size_t second) const {
-        const uint64_t pair = entries[first] | static_cast<uint64_t>(entries[second]) << 24;
-        std::memcpy(target, &pair, 8);
+        for (size_t i = 0; i < count; i += 8)
+            Store(entries + i * 4, _mm256_shuffle_epi8(Masked(Load(palette + i * 4), 0xFFFFFF), order));
     }
     void operator()(uint8_t* target, const uint8_t* source) const {
-        for (size_t i = 0; i < unitPixels; i += 4, source += 4, target += 12) {
-            uint32_t indices;
-            std::memcpy(&indices, source, 4);
-            StorePair(target, indices & 0xFF, indices >> 8 & 0xFF);
-            StorePair(target + 6, indices >> 16 & 0xFF, indices >> 24);
+        for (size_t i = 0; i < unitPixels; i += 4) {
+            const __m128i four = FourEntries(entries, source + i);
+            StoreHalf(target + i * channels, channels == 3 ? _mm_shuffle_epi8(four, join) : four);
         }
     }
 };
@@ -185,7 +179,8 @@ constexpr void SetSpecialKernels(ConvertKernels& kernels) {
     };
     using Left32 = WriteColour<4, Alpha::Used, Ordering::Left>;
     using From16 = ReadColour16<Ordering::Left, Alpha::Ignored>;
-    set(Source::Index8, Target::Colour24, RunStep<LookUpColours24>);
+    set(Source::Index8, Target::Colour24, RunStep<LookUpColours<3>>);
+    set(Source::Index8, Target::Colour32, RunStep<LookUpColours<4>>);
     set(Source::Colour24, Target::Colour24, RunStep<Swap24>);
     set(Source::Colour24, Target::Colour32, RunStep<ReorderOnce<ReadColour<3>, Left32>>);
     set(Source::Colour24, Target::Colour16,
