@@ -17,6 +17,7 @@ class Checked {
         const int32_t width = 1 + input.Below(input.Byte() < 240 ? 40 : 3000);
         const int32_t height = 1 + input.Below(maximumHeight);
         Z_InitBitmap(&bitmap_, width, height, input.Depth());
+        if (input.Flip()) bitmap_.Order = Z_ORDER_GRAY;
         Z_SetMemoryThresholds(0, 0, TileSize(), input.Below(9) - 1, input.Below(4), 28);
         constexpr int32_t types[] = {MemoryConventional, MemoryUser, MemoryTiled,
                                      MemoryTiled,        MemoryDisk, MemoryNoTiled};
@@ -103,21 +104,32 @@ class Checked {
     uint8_t BitMask(size_t bit) const {
         return static_cast<uint8_t>(bitmap_.BitsPerPixel == 12 ? 1 << bit % 8 : 0x80 >> bit % 8);
     }
+    // Whether a bit belongs to the alpha of its pixel, in the same count.
+    bool IsAlpha(size_t bit) const {
+        switch (bitmap_.BitsPerPixel) {
+        case 16: return bitmap_.Order != Z_ORDER_GRAY && bit % 16 == 8;
+        case 32: return bit % 32 >= 24;
+        case 64: return bit % 64 >= 48;
+        default: return false;
+        }
+    }
     void Segment() {
         if (IsEmpty()) return;
         const int32_t row = input_.Below(bitmap_.Height);
         const auto bits = static_cast<size_t>(bitmap_.BitsPerPixel);
         const auto width = static_cast<uint32_t>(bitmap_.Width);
-        const Exact pixels((width * bits + 7) / 8, input_);
         uint32_t columns[4] = {};
         for (uint32_t& column : columns)
             column = static_cast<uint32_t>(input_.Below(bitmap_.Width + 1));
+        const Exact pixels((*std::max_element(columns, columns + 4) * bits + 7) / 8, input_);
         const int32_t offset = input_.Flip() ? 0 : input_.Near(bitmap_.Width, -bitmap_.Width);
-        FUZZ_EXPECT(Z_PutBitmapRowSegments(&bitmap_, pixels.Get(), row, offset, columns, 4, 0) == 1);
+        const bool keepsAlpha = input_.Flip();
+        FUZZ_EXPECT(Z_PutBitmapRowSegments(&bitmap_, pixels.Get(), row, offset, columns, 4, keepsAlpha) == 1);
         for (int pair = 0; pair < 4; pair += 2) {
             for (size_t bit = columns[pair] * bits; bit < columns[pair + 1] * bits; ++bit) {
                 const int64_t to = static_cast<int64_t>(bit) + int64_t{offset} * static_cast<int64_t>(bits);
                 if (to < 0 || to >= static_cast<int64_t>(width * bits)) continue;
+                if (keepsAlpha && IsAlpha(bit)) continue;
                 const auto target = static_cast<size_t>(to);
                 uint8_t& byte = model_[static_cast<size_t>(row) * RowBytes() + target / 8];
                 const bool set = (pixels.Get()[bit / 8] & BitMask(bit)) != 0;

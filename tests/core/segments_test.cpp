@@ -1,57 +1,10 @@
-// Row segments in every storage class against a writer that moves one pixel at a time.
+// Row segments at the ends of a bitmap and of the window through which a file's rows are merged. All storage
+// classes, depths and offsets have their plain model in the attack on rows.
 #include "core/test_bitmaps.h"
 #include "support/pixel_bits.h"
 
 namespace zkr::test {
 namespace {
-
-uint64_t KeptMask(int32_t bits, int32_t order) {
-    if (bits == 16) return order == Z_ORDER_GRAY ? 0 : 0x8000;
-    if (bits == 32) return 0xFF000000;
-    return bits == 64 ? 0xFFFF000000000000 : 0;
-}
-
-class SegmentsTest : public testing::TestWithParam<Storage> {};
-
-TEST_P(SegmentsTest, WriteWhatPixelByPixelWrites) {
-    std::mt19937 random(21);
-    for (const int32_t bits : {1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 24, 32, 48, 64}) {
-        for (const int32_t order : {Z_ORDER_BGR, Z_ORDER_GRAY}) {
-            Bitmap bitmap(61, 9, bits);
-            bitmap.Order = order;
-            Bytes userData;
-            Allocate(bitmap, GetParam(), userData);
-            Bytes model = Fill(bitmap, 5);
-            for (int step = 0; step < 60; ++step) {
-                const bool keep = random() % 2 == 0;
-                const auto row = static_cast<int32_t>(random() % 9);
-                const auto columnOffset = static_cast<int32_t>(random() % 12);
-                std::vector<uint32_t> segments;
-                uint32_t column = 0;
-                while (segments.size() < 6) {
-                    column += static_cast<uint32_t>(random() % 9);
-                    segments.push_back(std::min<uint32_t>(column, static_cast<uint32_t>(61 - columnOffset)));
-                }
-                // Ends where the last segment ends, so that a read too far leaves the block.
-                const Bytes source = RandomBytes(RowBytes(static_cast<int>(segments.back()), bits), random);
-                ASSERT_EQ(Z_PutBitmapRowSegments(&bitmap, source.data(), row, columnOffset, segments.data(),
-                                                 6, keep),
-                          1);
-                uint8_t* line = model.data() + static_cast<size_t>(row) * bitmap.BytesPerLine;
-                const uint64_t kept = keep ? KeptMask(bits, order) : 0;
-                for (size_t pair = 0; pair < 6; pair += 2)
-                    for (auto c = static_cast<int32_t>(segments[pair]);
-                         c < static_cast<int32_t>(segments[pair + 1]); ++c)
-                        WritePixel(line, bits, columnOffset + c,
-                                   (ReadPixel(source.data(), bits, c) & ~kept) |
-                                       (ReadPixel(line, bits, columnOffset + c) & kept));
-                ASSERT_EQ(Rows(bitmap), model) << bits << " bits, row " << row << ", at " << columnOffset;
-            }
-        }
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Storages, SegmentsTest, testing::ValuesIn(AllStorages()), NameOf);
 
 // Longer than the window through which a file's rows are merged, at depths whose pixels straddle its end.
 TEST(LongSegments, AreWholeOnDisk) {
