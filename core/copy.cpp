@@ -1,12 +1,13 @@
 // Copies of whole bitmaps, from any storage class to any other, row by row.
 #include "zkr13n/copy.h"
 
+#include "core/copy.h"
+#include "core/exact_rows.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
 #include "core/row_walk.h"
 #include "core/scratch.h"
 #include "zkr13n/locks.h"
-#include "zkr13n/rows.h"
 
 #include <algorithm>
 #include <cstring>
@@ -15,31 +16,43 @@ namespace zkr {
 
 namespace {
 
+enum class RowFailures { Ignored, Returned };
+
 // A destination of other dimensions gets the rows and bytes that both bitmaps have; longer rows of it end in
 // zeros.
-ReturnCode CopyRows(BitmapHandle* destination, BitmapHandle* source) {
+ReturnCode CopyRows(BitmapHandle* destination, BitmapHandle* source, RowFailures failures) {
     const uint32_t rowBytes = std::max(destination->BytesPerLine, source->BytesPerLine);
     ScratchBuffer<uint8_t> row(rowBytes);
     if (!row) return code::OutOfMemory;
     std::memset(row.data(), 0, rowBytes);
     const BitmapLock lock(destination);
-    return WalkRows(source, std::min(destination->Height, source->Height), StatusReceiver::Copy(),
-                    [&](int32_t index) {
-                        Z_GetBitmapRow(source, row.data(), index, source->BytesPerLine);
-                        Z_PutBitmapRow(destination, row.data(), index, destination->BytesPerLine);
-                        return code::Success;
-                    });
+    return WalkRows(
+        source, std::min(destination->Height, source->Height), StatusReceiver::Copy(), [&](int32_t index) {
+            const ReturnCode read = ReadExactly(*source, row.data(), index, 0, source->BytesPerLine);
+            const ReturnCode written =
+                WriteExactly(*destination, row.data(), index, 0, destination->BytesPerLine);
+            if (failures == RowFailures::Ignored) return code::Success;
+            return read == code::Success ? written : read;
+        });
+}
+
+ReturnCode CopyData(BitmapHandle* destination, BitmapHandle* source, RowFailures failures) {
+    if (!IsAllocated(source) || !IsAllocated(destination)) return code::InvalidBitmap;
+    return destination == source ? code::Success : CopyRows(destination, source, failures);
 }
 
 } // namespace
+
+ReturnCode CopyBitmapDataExactly(BitmapHandle* destination, BitmapHandle* source) {
+    return CopyData(destination, source, RowFailures::Returned);
+}
 
 } // namespace zkr
 
 using namespace zkr;
 
 ReturnCode Z_CALL Z_CopyBitmapData(BitmapHandle* destination, BitmapHandle* source) {
-    if (!IsAllocated(source) || !IsAllocated(destination)) return code::InvalidBitmap;
-    return destination == source ? code::Success : CopyRows(destination, source);
+    return CopyData(destination, source, RowFailures::Ignored);
 }
 
 ReturnCode Z_CALL Z_CopyBitmap(BitmapHandle* destination, BitmapHandle* source) {

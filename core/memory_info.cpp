@@ -1,4 +1,5 @@
 // What storage a live bitmap has, and its change: the tuning of tiles, or a rebuild in another class.
+#include "core/copy.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
@@ -6,7 +7,6 @@
 #include "core/storage/storage_class.h"
 #include "core/storage/tile_table.h"
 #include "zkr13n/allocation.h"
-#include "zkr13n/copy.h"
 #include "zkr13n/storage.h"
 
 #include <algorithm>
@@ -127,14 +127,12 @@ BitmapHandle WithStorageOf(const BitmapHandle& original, const BitmapHandle& reb
 }
 
 ReturnCode Rebuild(BitmapHandle& bitmap, const MemoryInfo& wish) {
-    // A user bitmap has no pixels until the caller brings them, so the data could not go there.
-    if (wish.Type == MemoryUser) return code::InvalidArgument;
     BitmapHandle rebuilt;
     ReturnCode result =
         Z_DupBitmapNewDim(&rebuilt, &bitmap, bitmap.Width, bitmap.Height, bitmap.BitsPerPixel, 0);
     if (result != code::Success) return result;
     result = AllocateRebuilt(rebuilt, wish);
-    if (result == code::Success) result = Z_CopyBitmapData(&rebuilt, &bitmap);
+    if (result == code::Success) result = CopyBitmapDataExactly(&rebuilt, &bitmap);
     if (result != code::Success) {
         Discard(rebuilt);
         return result;

@@ -1,6 +1,7 @@
 // Row transfer: the hot path of all processing. Nothing is checked here. A row that lies in one piece of
 // memory is copied at once; every other class is reached through its interface.
 #include "zkr13n/rows.h"
+#include "core/exact_rows.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
@@ -16,20 +17,54 @@ bool IsPlainMemory(const BitmapHandle& bitmap) {
     return (bitmap.Flags & classes) == flag::Memory;
 }
 
+// The row cache follows every access to storage that lies in one piece, of a record without any class too.
+ReturnCode NoStorage(BitmapHandle& bitmap, int32_t row) {
+    storage::LocateRow(bitmap, row);
+    return code::OutOfMemory;
+}
+
+// Tiles always tell the count asked for: neither a transfer that runs past the last row nor a failing file is
+// reported.
+ReturnCode AsTold(const storage::StorageClass& storageClass, ReturnCode moved, uint32_t bytes) {
+    return &storageClass == &storage::Tiled ? static_cast<ReturnCode>(bytes) : moved;
+}
+
 ReturnCode ReadElsewhere(BitmapHandle& bitmap, void* buffer, int32_t row, int32_t column, uint32_t bytes) {
     const storage::StorageClass* storageClass = storage::ClassOf(bitmap);
-    if (storageClass == nullptr) return code::OutOfMemory;
-    return storageClass->Read(bitmap, static_cast<uint8_t*>(buffer), row, column, bytes);
+    if (storageClass == nullptr) return NoStorage(bitmap, row);
+    return AsTold(*storageClass,
+                  storageClass->Read(bitmap, static_cast<uint8_t*>(buffer), row, column, bytes), bytes);
 }
 
 ReturnCode WriteElsewhere(BitmapHandle& bitmap, const void* buffer, int32_t row, int32_t column,
                           uint32_t bytes) {
     const storage::StorageClass* storageClass = storage::ClassOf(bitmap);
-    if (storageClass == nullptr) return code::OutOfMemory;
-    return storageClass->Write(bitmap, static_cast<const uint8_t*>(buffer), row, column, bytes);
+    if (storageClass == nullptr) return NoStorage(bitmap, row);
+    return AsTold(*storageClass,
+                  storageClass->Write(bitmap, static_cast<const uint8_t*>(buffer), row, column, bytes),
+                  bytes);
+}
+
+// Counts above 0x7FFFFFFF look like codes, so that they are compared first.
+ReturnCode WhetherAllMoved(ReturnCode moved, uint32_t bytes, ReturnCode failure) {
+    if (static_cast<uint32_t>(moved) == bytes) return code::Success;
+    return moved < 0 ? moved : failure;
 }
 
 } // namespace
+
+ReturnCode ReadExactly(BitmapHandle& bitmap, uint8_t* buffer, int32_t row, int32_t column, uint32_t bytes) {
+    const storage::StorageClass* storageClass = storage::ClassOf(bitmap);
+    if (storageClass == nullptr) return NoStorage(bitmap, row);
+    return WhetherAllMoved(storageClass->Read(bitmap, buffer, row, column, bytes), bytes, code::ReadFailed);
+}
+
+ReturnCode WriteExactly(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row, int32_t column,
+                        uint32_t bytes) {
+    const storage::StorageClass* storageClass = storage::ClassOf(bitmap);
+    if (storageClass == nullptr) return NoStorage(bitmap, row);
+    return WhetherAllMoved(storageClass->Write(bitmap, buffer, row, column, bytes), bytes, code::WriteFailed);
+}
 
 } // namespace zkr
 

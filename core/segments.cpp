@@ -1,9 +1,9 @@
 // Z_PutBitmapRowSegments: pieces of a row, exact to the pixel at every depth. Pixels of 1 to 7 bits are
 // packed from the top bit of a byte down, pixels of 12 bits from the bottom bit up; all others are whole
 // bytes.
+#include "core/exact_rows.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
-#include "core/sizes.h"
 #include "core/storage/storage_class.h"
 #include "zkr13n/rows.h"
 
@@ -131,8 +131,8 @@ Piece ClippedPiece(const BitmapHandle& bitmap, int32_t columnOffset, uint32_t st
 }
 
 // Where a row is not in memory its bytes are fetched, merged and written back, a fixed buffer at a time.
-ReturnCode MergeThroughBuffer(BitmapHandle& bitmap, const storage::StorageClass& storageClass, int32_t row,
-                              const uint8_t* buffer, PixelForm form, Piece piece) {
+ReturnCode MergeThroughBuffer(BitmapHandle& bitmap, int32_t row, const uint8_t* buffer, PixelForm form,
+                              Piece piece) {
     std::array<uint8_t, 4096> window;
     const uint32_t mostPixels = static_cast<uint32_t>((window.size() - 1) * 8 / form.Bits);
     while (piece.Count > 0) {
@@ -141,14 +141,12 @@ ReturnCode MergeThroughBuffer(BitmapHandle& bitmap, const storage::StorageClass&
         const auto bytes = static_cast<uint32_t>((firstBit % 8 + uint64_t{count} * form.Bits + 7) / 8);
         const auto column = static_cast<int32_t>(piece.Column);
 
-        ReturnCode moved = storageClass.Read(bitmap, window.data(), row, column, bytes);
-        if (moved < 0) return moved;
-        if (static_cast<uint32_t>(moved) != bytes) return code::ReadFailed;
+        ReturnCode result = ReadExactly(bitmap, window.data(), row, column, bytes);
+        if (result != code::Success) return result;
         MergePixels(form, {window.data(), firstBit % 8}, {buffer, uint64_t{piece.SourceColumn} * form.Bits},
                     count);
-        moved = storageClass.Write(bitmap, window.data(), row, column, bytes);
-        if (moved < 0) return moved;
-        if (static_cast<uint32_t>(moved) != bytes) return code::WriteFailed;
+        result = WriteExactly(bitmap, window.data(), row, column, bytes);
+        if (result != code::Success) return result;
 
         piece = {.Column = piece.Column + count,
                  .SourceColumn = piece.SourceColumn + count,
@@ -178,7 +176,7 @@ ReturnCode Z_CALL Z_PutBitmapRowSegments(BitmapHandle* bitmap, const void* buffe
             MergePixels(form, {data, uint64_t{piece.Column} * form.Bits},
                         {source, uint64_t{piece.SourceColumn} * form.Bits}, piece.Count);
         } else {
-            const ReturnCode result = MergeThroughBuffer(*bitmap, *storageClass, row, source, form, piece);
+            const ReturnCode result = MergeThroughBuffer(*bitmap, row, source, form, piece);
             if (result != code::Success) return result;
         }
     }

@@ -21,7 +21,7 @@ struct StorageClass {
     void (*Release)(BitmapHandle& bitmap);
 
     // Move bytes between a buffer and the row from a pixel column on, going on into the next rows. Nothing is
-    // checked. The result is the count of bytes, or a code.
+    // checked. The result is the count of bytes moved, or a code.
     ReturnCode (*Read)(BitmapHandle& bitmap, uint8_t* buffer, int32_t row, int32_t column, uint32_t bytes);
     ReturnCode (*Write)(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row, int32_t column,
                         uint32_t bytes);

@@ -29,13 +29,6 @@ uint32_t TilesForHeight(int32_t height, uint32_t rowsPerTile) {
     return static_cast<uint32_t>((static_cast<uint64_t>(height) + rowsPerTile - 1) / rowsPerTile);
 }
 
-uint64_t TileBytes(const BitmapHandle& bitmap, uint32_t index) {
-    const TileTable& table = TableOf(bitmap);
-    const uint64_t before = static_cast<uint64_t>(index) * table.RowsPerTile;
-    const uint64_t left = static_cast<uint64_t>(bitmap.Height) - before;
-    return std::min<uint64_t>(left, table.RowsPerTile) * bitmap.BytesPerLine;
-}
-
 bool MakeFileTile(Tile& tile, uint64_t bytes) {
     tile.Memory = {};
     tile.File = CreateTemporaryFile(bytes);
@@ -52,7 +45,8 @@ ReturnCode MakeTiles(BitmapHandle& bitmap, const TilePlan& plan) {
               .ConventionalCount = plan.ConventionalCount,
               .RowsPerTile = plan.RowsPerTile,
               .MappedCount = 0,
-              .MaxMapped = plan.MaxMapped};
+              .MaxMapped = plan.MaxMapped,
+              .LastTile = 0};
 
     void* const before = bitmap.Addr;
     bitmap.Addr = table;

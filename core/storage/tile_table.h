@@ -10,6 +10,7 @@
 #include "core/storage/temporary_file.h"
 #include "zkr13n/bitmap.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace zkr::storage {
@@ -27,6 +28,7 @@ struct alignas(Tile) TileTable {
     uint32_t RowsPerTile; // rows in each tile but the last, which holds the rest
     uint32_t MappedCount;
     uint32_t MaxMapped;
+    uint32_t LastTile; // the tile last located by a row
 
     Tile* Tiles() { return reinterpret_cast<Tile*>(this + 1); }
     Tile& operator[](uint32_t index) { return Tiles()[index]; }
@@ -40,7 +42,27 @@ inline TileTable& TableOf(const BitmapHandle& bitmap) {
 uint32_t TilesForHeight(int32_t height, uint32_t rowsPerTile);
 
 // Bytes of one tile of a bitmap with its present Height.
-uint64_t TileBytes(const BitmapHandle& bitmap, uint32_t index);
+inline uint64_t TileBytes(const BitmapHandle& bitmap, uint32_t index) {
+    const TileTable& table = TableOf(bitmap);
+    const uint64_t before = static_cast<uint64_t>(index) * table.RowsPerTile;
+    const uint64_t left = static_cast<uint64_t>(bitmap.Height) - before;
+    return std::min<uint64_t>(left, table.RowsPerTile) * bitmap.BytesPerLine;
+}
+
+struct TilePlace {
+    uint32_t Index;
+    uint32_t Row; // in the tile
+};
+
+// The tile of a row. Rows of the tile last located need no division.
+inline TilePlace LocateTile(TileTable& table, int32_t row) {
+    const auto target = static_cast<uint32_t>(row);
+    const uint32_t inLast = target - table.LastTile * table.RowsPerTile;
+    if (inLast < table.RowsPerTile) return {table.LastTile, inLast};
+    const TilePlace place = {target / table.RowsPerTile, target % table.RowsPerTile};
+    if (place.Index < table.TileCount) table.LastTile = place.Index;
+    return place;
+}
 
 struct TilePlan {
     uint32_t RowsPerTile;
@@ -60,9 +82,14 @@ bool MakeFileTile(Tile& tile, uint64_t bytes);
 // Releases tiles from the last one down to first, and lowers TileCount.
 void ReleaseTiles(TileTable& table, uint32_t first);
 
-// The tile's data, given a view if need be at the price of the oldest ones; null when it has to be reached
-// through its file.
-uint8_t* ReachTile(TileTable& table, uint32_t index);
+// A view for a file tile without one, if need be at the price of the oldest ones; null when none can be made.
+uint8_t* ViewTile(TileTable& table, uint32_t index);
+
+// The tile's data; null when it has to be reached through its file.
+inline uint8_t* ReachTile(TileTable& table, uint32_t index) {
+    uint8_t* const data = table[index].Memory.View;
+    return data != nullptr ? data : ViewTile(table, index);
+}
 
 // Gives a file tile a view at the end of the queue.
 bool MapTile(TileTable& table, uint32_t index);

@@ -24,9 +24,8 @@ void UnmapOldest(TileTable& table) {
     UnmapTile(table, table[0].MapQueue);
 }
 
-uint8_t* ReachTile(TileTable& table, uint32_t index) {
+uint8_t* ViewTile(TileTable& table, uint32_t index) {
     Tile& tile = table[index];
-    if (tile.Memory.View != nullptr) return tile.Memory.View;
     if (table.MappedCount < table.MaxMapped && MapTile(table, index)) return tile.Memory.View;
     while (table.MappedCount > 0) {
         UnmapOldest(table);

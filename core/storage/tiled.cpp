@@ -26,56 +26,61 @@ void Release(BitmapHandle& bitmap) {
     Z_OsFree(&table);
 }
 
-// Calls move(tile, offset in the tile, bytes so far, bytes) for the pieces of a transfer in each tile it
-// touches. A transfer that runs past the last tile stops there, and one that falls short is not reported: the
-// result is always the requested count.
+// Calls move(tile, offset in the tile, place in the buffer, bytes) for the pieces of a transfer in each tile
+// it touches; it tells the bytes moved or a code. A piece that fails does not keep the others from moving,
+// and a transfer that runs past the last tile stops there. The result is the count of bytes or the first
+// failure.
 template <typename Move>
 inline ReturnCode WalkTiles(BitmapHandle& bitmap, int32_t row, int32_t column, uint32_t bytes, Move move) {
     TileTable& table = TableOf(bitmap);
-    uint32_t index = static_cast<uint32_t>(row) / table.RowsPerTile;
-    uint64_t offset =
-        static_cast<uint64_t>(static_cast<uint32_t>(row) % table.RowsPerTile) * bitmap.BytesPerLine +
-        static_cast<uint64_t>(int64_t{ColumnOffset(bitmap.BitsPerPixel, column)});
-    for (uint32_t moved = 0; moved < bytes && index < table.TileCount; ++index, offset = 0) {
-        const uint64_t length = TileBytes(bitmap, index);
+    TilePlace tile = LocateTile(table, row);
+    uint64_t offset = static_cast<uint64_t>(tile.Row) * bitmap.BytesPerLine +
+                      static_cast<uint64_t>(int64_t{ColumnOffset(bitmap.BitsPerPixel, column)});
+    int64_t moved = 0, failure = 0;
+    for (uint32_t place = 0; place < bytes && tile.Index < table.TileCount; ++tile.Index, offset = 0) {
+        const uint64_t length = TileBytes(bitmap, tile.Index);
         if (offset >= length) continue;
-        const auto piece = static_cast<uint32_t>(std::min<uint64_t>(bytes - moved, length - offset));
-        move(table, index, offset, moved, piece);
-        moved += piece;
+        const auto piece = static_cast<uint32_t>(std::min<uint64_t>(bytes - place, length - offset));
+        const int64_t result = move(table, tile.Index, offset, place, piece);
+        if (result >= 0)
+            moved += result;
+        else if (failure == 0)
+            failure = result;
+        place += piece;
     }
-    return static_cast<ReturnCode>(bytes);
+    return static_cast<ReturnCode>(failure != 0 ? failure : moved);
 }
 
 ReturnCode Read(BitmapHandle& bitmap, uint8_t* buffer, int32_t row, int32_t column, uint32_t bytes) {
-    return WalkTiles(
-        bitmap, row, column, bytes,
-        [buffer](TileTable& table, uint32_t index, uint64_t offset, uint32_t moved, uint32_t piece) {
-            if (const uint8_t* data = ReachTile(table, index))
-                CopyFromBitmap(buffer + moved, data + offset, piece);
-            else
-                ReadAt(table[index].File, offset, buffer + moved, piece);
-        });
+    return WalkTiles(bitmap, row, column, bytes,
+                     [buffer](TileTable& table, uint32_t index, uint64_t offset, uint32_t place,
+                              uint32_t piece) -> int64_t {
+                         const uint8_t* data = ReachTile(table, index);
+                         if (data == nullptr) return ReadAt(table[index].File, offset, buffer + place, piece);
+                         CopyFromBitmap(buffer + place, data + offset, piece);
+                         return piece;
+                     });
 }
 
 ReturnCode Write(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row, int32_t column, uint32_t bytes) {
     const size_t size = bitmap.Size;
-    return WalkTiles(
-        bitmap, row, column, bytes,
-        [buffer, size](TileTable& table, uint32_t index, uint64_t offset, uint32_t moved, uint32_t piece) {
-            if (uint8_t* data = ReachTile(table, index))
-                CopyToBitmap(data + offset, buffer + moved, piece, size);
-            else
-                WriteAt(table[index].File, offset, buffer + moved, piece);
-        });
+    return WalkTiles(bitmap, row, column, bytes,
+                     [buffer, size](TileTable& table, uint32_t index, uint64_t offset, uint32_t place,
+                                    uint32_t piece) -> int64_t {
+                         uint8_t* data = ReachTile(table, index);
+                         if (data == nullptr)
+                             return WriteAt(table[index].File, offset, buffer + place, piece);
+                         CopyToBitmap(data + offset, buffer + place, piece, size);
+                         return piece;
+                     });
 }
 
 uint8_t* ReachRow(BitmapHandle& bitmap, int32_t row) {
     TileTable& table = TableOf(bitmap);
-    const uint32_t index = static_cast<uint32_t>(row) / table.RowsPerTile;
-    if (index >= table.TileCount) return nullptr;
-    uint8_t* data = ReachTile(table, index);
-    if (data == nullptr) return nullptr;
-    return data + static_cast<size_t>(static_cast<uint32_t>(row) % table.RowsPerTile) * bitmap.BytesPerLine;
+    const TilePlace tile = LocateTile(table, row);
+    if (tile.Index >= table.TileCount) return nullptr;
+    uint8_t* data = ReachTile(table, tile.Index);
+    return data == nullptr ? nullptr : data + static_cast<size_t>(tile.Row) * bitmap.BytesPerLine;
 }
 
 void SetHeight(BitmapHandle& bitmap, uint64_t height) {

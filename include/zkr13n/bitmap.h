@@ -115,7 +115,8 @@ Z_API ReturnCode Z_CALL Z_InitBitmap(BitmapHandle* bitmap, int32_t width, int32_
  * MemoryTiled                tiles above the tile size, else as MemoryConventional
  * MemoryNoTiled              as MemoryConventional, but no tiles; may go with MemoryConventional
  * MemoryDisk                 a temporary file
- * MemoryNoDisk               as MemoryConventional, but no file above the tile size
+ * MemoryNoDisk               as MemoryConventional, but no file for a bitmap above the tile size that the
+ *                            thresholds allow to be conventional
  * MemoryCompressed           1-bit rows as runs, at 1 bit per pixel with the document capability unlocked;
  *                            may go with MemoryConventional or MemoryNoDisk, one of which must be there to
  *                            be taken where runs are refused

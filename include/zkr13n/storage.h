@@ -131,12 +131,13 @@ Z_API ReturnCode Z_CALL Z_GetBitmapMemoryInfo(BitmapHandle* bitmap, int32_t* typ
  * makes a conventional bitmap below the thread's tile size, and is refused with Z_ERROR_BITMAP from that
  * size on, also where only the size of the tiles was to change. A change out of tiles works.
  *
- * Returns Z_SUCCESS; Z_ERROR_BITMAP for a bitmap that is null or not allocated, and for tiles as said;
- * Z_ERROR_ARGUMENT for MemoryUser and for a type that Z_AllocateBitmap refuses; the other failures of
- * Z_AllocateBitmap and Z_CopyBitmapData. Tuning fails with Z_ERROR_MEMORY, Z_ERROR_DISK_SPACE,
- * Z_ERROR_SEEK, Z_ERROR_READ or Z_ERROR_WRITE when a tile cannot be moved; the tiles before it have moved
- * then. A failure that is reported loses no pixel; rows that cannot be written while the data is copied
- * are not reported.
+ * Returns Z_SUCCESS; Z_ERROR_BITMAP for a bitmap that is null or not allocated, for tiles as said, and for
+ * MemoryUser, since the pixels would have no place; the failures of Z_AllocateBitmap, Z_ERROR_ARGUMENT for
+ * another type among them; Z_ERROR_SEEK, Z_ERROR_READ or Z_ERROR_WRITE when a row cannot be moved;
+ * Z_ERROR_MEMORY when there is no memory for a row; or what the copy status callback
+ * (Z_SetCopyStatusCallBack) returned to stop the copy. After a rebuild that fails the bitmap is as it was.
+ * Tuning fails with Z_ERROR_MEMORY, Z_ERROR_DISK_SPACE, Z_ERROR_SEEK, Z_ERROR_READ or Z_ERROR_WRITE when a
+ * tile cannot be moved; the tiles before it have moved then. No failure loses a pixel.
  */
 Z_API ReturnCode Z_CALL Z_SetBitmapMemoryInfo(BitmapHandle* bitmap, int32_t type, int32_t tileSize,
                                               int32_t tileCount, int32_t conventional, int32_t maxMapped,

@@ -148,8 +148,9 @@ TEST_F(Rebuilds, RefuseTilesOfAnotherSize) {
 
 TEST_F(Rebuilds, RefuseWhatCannotHoldPixels) {
     Make({"conventional", MemoryConventional});
-    for (const int32_t type : {2, 3, 12})
+    for (const int32_t type : {3, 12})
         EXPECT_EQ(Set(bitmap, {.Type = type}, Type), code::InvalidArgument) << type;
+    EXPECT_EQ(Set(bitmap, {.Type = MemoryUser}, Type), code::InvalidBitmap) << "no row can be written";
     EXPECT_EQ(Rows(bitmap), pixels);
 }
 

@@ -54,7 +54,8 @@ INSTANTIATE_TEST_SUITE_P(Storages, RowsTest, testing::ValuesIn(AllStorages()), N
 TEST(RowFailures, TellWhyNothingMoved) {
     uint8_t buffer[64] = {};
     Bitmap bitmap(8, 2, 8);
-    EXPECT_EQ(Z_GetBitmapRow(&bitmap, buffer, 0, 8), code::OutOfMemory) << "no class at all";
+    EXPECT_EQ(Z_GetBitmapRow(&bitmap, buffer, 1, 8), code::OutOfMemory) << "no class at all";
+    EXPECT_EQ(bitmap.CurrentRow, 1u);
     ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryUser), 1);
     EXPECT_EQ(Z_GetBitmapRow(&bitmap, buffer, 0, 8), code::InvalidBitmap) << "a user bitmap without data";
     EXPECT_EQ(Z_PutBitmapRowCol(&bitmap, buffer, 1, 3, 5), code::InvalidBitmap);
@@ -104,10 +105,15 @@ TEST(LargeRows, AreWrittenExactly) {
 
 TEST(TiledRows, CountWhatWasAskedForBehindTheLastRow) {
     const Thresholds restore;
-    Thresholds::Tiles(16, -100, 1);
+    Thresholds::Tiles(24, -100, 1);
     Bitmap bitmap(8, 5, 8);
     ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryTiled), 1);
     Bytes buffer(100, 0xEE);
+    EXPECT_EQ(Z_GetBitmapRow(&bitmap, buffer.data(), -1, 100), 100) << "no row that there is";
+    EXPECT_EQ(buffer[0], 0xEE);
+    EXPECT_EQ(Z_GetBitmapRow(&bitmap, buffer.data(), 0, 8), 8);
+    EXPECT_EQ(buffer[0], 0) << "the rows that there are stay in reach";
+    std::fill(buffer.begin(), buffer.end(), uint8_t{0xEE});
     EXPECT_EQ(Z_GetBitmapRow(&bitmap, buffer.data(), 3, 100), 100);
     EXPECT_EQ(Bytes(buffer.begin() + 16, buffer.end()), Bytes(84, 0xEE)) << "only two rows were left";
     EXPECT_EQ(Z_PutBitmapRow(&bitmap, buffer.data(), 4, 100), 100);

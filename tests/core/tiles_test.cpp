@@ -119,6 +119,12 @@ TEST_F(TileViews, GiveWayUntilOneCanBeMade) {
         EXPECT_EQ(Z_PutBitmapRow(&bitmap, row, 7, 4), 4);
     }
     uint8_t row[4] = {};
+    {
+        const Fault all(fault::View | fault::FileRead, 1, true);
+        const uint32_t segments[] = {1, 3};
+        EXPECT_EQ(Z_PutBitmapRowSegments(&bitmap, row, 7, 0, segments, 2, 0), code::ReadFailed);
+        EXPECT_EQ(Z_GetBitmapRow(&bitmap, row, 7, 4), 4) << "the row functions do not report it";
+    }
     Z_GetBitmapRow(&bitmap, row, 7, 4);
     EXPECT_EQ(0, std::memcmp(row, "\1\2\3\4", 4)) << "what was written to the file is seen in the view";
 }

@@ -33,12 +33,14 @@ void Furnish(BitmapHandle& bitmap, bool blockPalette) {
     bitmap.PaintLUT[3] = 77;
 }
 
+constexpr uint32_t PixelSeed = 5;
+
 std::function<void(Ground&)> In(const Storage& storage, bool blockPalette = false) {
     return [=](Ground& g) {
         Z_InitBitmap(&g.Subject, 7, 6, 8);
         Allocate(g.Subject, storage, g.UserData);
         Furnish(g.Subject, blockPalette);
-        Fill(g.Subject, 5);
+        Fill(g.Subject, PixelSeed);
         Z_ReleaseBitmap(&g.Subject);
         g.Row.assign(8, 0xC3);
     };
@@ -54,6 +56,14 @@ void ExpectNoStorage(Ground& g, ReturnCode result) {
     if (result == code::Success) return;
     EXPECT_FALSE(IsAllocated(&g.Made));
     EXPECT_EQ(g.Made.PaintLUT, nullptr);
+}
+
+// Whether a call succeeds or fails, no pixel may be lost.
+void ExpectPixels(Ground& g, ReturnCode) {
+    const int32_t locked = Z_LockBitmap(&g.Subject);
+    std::mt19937 random(PixelSeed);
+    EXPECT_EQ(Rows(g.Subject), RandomBytes(8 * 6, random));
+    Z_UnlockBitmap(&g.Subject, locked);
 }
 
 ReturnCode Tune(BitmapHandle& bitmap, int32_t type, int32_t conventional, int32_t mapped, uint32_t flags) {
@@ -106,17 +116,30 @@ TEST(Failures, OfWorkOnOneBitmap) {
                                      height > 6 ? Kept::Rows : Kept::SomeRows});
             }
         }
-        add(
-            "into a file", {Memory, Write},
-            [](Ground& g) { return Tune(g.Subject, MemoryDisk, 0, 0, Z_MEMORY_INFO_TYPE); }, Kept::Everything,
-            fault::AllMemory | fault::FileOpen);
-        add("into memory", {Memory}, [](Ground& g) { return Tune(g.Subject, 1, 0, 0, Z_MEMORY_INFO_TYPE); });
-        if (storage.Type == MemoryTiled) {
+        const auto move = [&](const char* name, int32_t type, int32_t conventional, uint32_t flags) {
+            const auto call = [=](Ground& g) {
+                const Thresholds restore;
+                if (type == MemoryNoDisk) // into tiles without a view
+                    Z_SetMemoryThresholds(0, 1, 16, 0, 0, 31);
+                return Tune(g.Subject, type, conventional, 2, flags);
+            };
+            const Kept kept = flags == Z_MEMORY_INFO_TYPE ? Kept::Everything : Kept::Rows;
+            // The other sources show what becomes of a file that fails while rows go there.
+            const bool fromTiles = type == MemoryDisk && storage.Type == MemoryTiled;
+            scenarios.push_back({storage.Name + ": " + name,
+                                 {Memory, DiskSpace, Seek, Read, Write},
+                                 In(storage),
+                                 call,
+                                 kept,
+                                 ExpectPixels,
+                                 fromTiles ? fault::AllMemory | fault::FileOpen : fault::All});
+        };
+        move("into a file", MemoryDisk, 0, Z_MEMORY_INFO_TYPE);
+        move("into memory", MemoryConventional, 0, Z_MEMORY_INFO_TYPE);
+        if (storage.Type == MemoryDisk) move("into tiles", MemoryNoDisk, 0, Z_MEMORY_INFO_TYPE);
+        if (storage.Type == MemoryTiled)
             for (const int32_t conventional : {0, 1, 99})
-                add(
-                    "tuning", {Memory, DiskSpace, Seek, Read, Write},
-                    [=](Ground& g) { return Tune(g.Subject, 4, conventional, 2, 56); }, Kept::Rows);
-        }
+                move("tuning", MemoryTiled, conventional, 56);
         add("copy", {Memory, Write}, [](Ground& g) { return Z_CopyBitmap(&g.Made, &g.Subject); });
         add("duplicate without data", {Memory}, [](Ground& g) {
             const ReturnCode result = Z_DupBitmapNewDim(&g.Made, &g.Subject, 3, 3, 8, Z_DUP_PALETTE);

@@ -1,0 +1,15 @@
+// Row transfer for those who must not lose a byte: as Z_GetBitmapRowCol and Z_PutBitmapRowCol, but the result
+// is code::Success when all bytes have moved and a code otherwise, in tiles too.
+#pragma once
+
+#include "zkr13n/bitmap.h"
+
+#include <cstdint>
+
+namespace zkr {
+
+ReturnCode ReadExactly(BitmapHandle& bitmap, uint8_t* buffer, int32_t row, int32_t column, uint32_t bytes);
+ReturnCode WriteExactly(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row, int32_t column,
+                        uint32_t bytes);
+
+} // namespace zkr
