@@ -111,7 +111,7 @@ TEST(Lists, BehaveLikeAVector) {
         const auto valid = index < model.size();
         const auto place = model.begin() + std::min<ptrdiff_t>(index, std::ssize(model));
         const uint32_t count = below(6) == 0 ? ToEnd : 1 + below(5);
-        const auto end = place + std::min<ptrdiff_t>(count, model.end() - place);
+        const auto end = place + static_cast<ptrdiff_t>(std::min<int64_t>(count, model.end() - place));
         switch (below(9)) {
         case 0:
             if (Z_DeleteBitmapListItems(list, index, count) == Z_SUCCESS) model.erase(place, end);
