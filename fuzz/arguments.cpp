@@ -389,8 +389,8 @@ class Host {
             break;
         case 4:
             Z_SetSupportLocks(in_.Flip() ? in_.Word() : 0);
-            Z_IsSupportLocked(in_.Hostile());
-            Z_UnlockSupport(in_.Hostile(), in_.Flip() ? nullptr : "");
+            Z_IsSupportLocked(static_cast<uint32_t>(in_.Hostile()));
+            Z_UnlockSupport(static_cast<uint32_t>(in_.Hostile()), in_.Flip() ? nullptr : "");
             break;
         case 5: {
             const intptr_t texts = reinterpret_cast<intptr_t>(Z_GetErrorText(in_.Hostile()));

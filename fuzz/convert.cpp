@@ -94,9 +94,10 @@ void Convert(Input& input) {
     const ReturnCode result = request.Run(after.Get(), signedWidth);
     if (result == 1) {
         CheckWhole(request, before, after, width);
-        // From 12 bits the alpha of a pixel stays what the buffer held.
-        const bool leavesAlpha =
-            request.SourceBits == 12 && (request.TargetBits == 32 || request.TargetBits == 64);
+        // From gray words the alpha of a pixel stays what the buffer held.
+        const bool grayWords =
+            request.SourceBits == 12 || (request.SourceBits == 16 && request.SourceOrder == 2);
+        const bool leavesAlpha = grayWords && (request.TargetBits == 32 || request.TargetBits == 64);
         if (!leavesAlpha)
             CheckPieces(request, before, after, width,
                         static_cast<size_t>(input.Below(280)) * 8 % (width + 1) / 8 * 8);
