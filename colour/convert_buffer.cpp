@@ -24,9 +24,9 @@ struct WorkRows {
 
 // Walks over a row so that every pixel is read before a target pixel covers it: from the end where pixels
 // grow, else from the start.
-class RowWalk {
+class InPlaceWalk {
   public:
-    RowWalk(const ConvertPlan& plan, const ConvertRequest& request, uint8_t* row)
+    InPlaceWalk(const ConvertPlan& plan, const ConvertRequest& request, uint8_t* row)
         : plan_(plan), row_(row), sourceBits_(static_cast<size_t>(PixelBits(request.SourceBits))),
           targetBits_(static_cast<size_t>(PixelBits(request.TargetBits))) {}
 
@@ -109,7 +109,7 @@ ReturnCode Z_CALL Z_ConvertBufferExt(void* row, int32_t width, int32_t sourceBit
     if (row == nullptr || !zkr::CheckConversion(request)) return zkr::code::InvalidArgument;
     const zkr::ConvertPlan plan(request);
     if (plan.StageCount() > 0)
-        zkr::RowWalk(plan, request, static_cast<uint8_t*>(row)).Run(static_cast<size_t>(width));
+        zkr::InPlaceWalk(plan, request, static_cast<uint8_t*>(row)).Run(static_cast<size_t>(width));
     return zkr::code::Success;
 }
 
