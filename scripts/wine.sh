@@ -106,6 +106,20 @@ make_prefix() {
   touch "$WINEPREFIX/ready"
 }
 
+# A screen for this process, and the prefix that knows it: Wine takes its graphics driver once for a prefix. One
+# process at a time has it.
+take_screen() {
+  local number
+  WINEPREFIX="$home/prefix-display"
+  exec 7>"$home/prefix-display.lock"
+  flock 7
+  coproc "${in_system[@]}" Xvfb -displayfd 1 -screen 0 "$1" -nolisten tcp 2>/dev/null 7>&-
+  screen="$COPROC_PID"
+  trap 'kill "$screen" 2>/dev/null; wait "$screen" 2>/dev/null || true' EXIT
+  read -r -t 60 number <&"${COPROC[0]}" || die "Xvfb does not start"
+  export DISPLAY=":$number"
+}
+
 prepare() {
   mkdir -p "$home"
   exec 9>"$home/lock"
@@ -121,22 +135,20 @@ prepare() {
     unset DISPLAY
     make_prefix
   )
+  if [ ! -e "$home/prefix-display/ready" ]; then
+    (
+      take_screen 1024x768x8
+      make_prefix
+    )
+  fi
   exec 9>&-
 }
 
 not_ready="Wine is not ready for $bits-bit programs: scripts/wine.sh prepare $bits gets it ready"
 
-# A prefix and a screen of its own, because Wine takes its graphics driver once for a prefix.
 run_on_screen() {
-  local screen number status=0
-  WINEPREFIX="$home/prefix-display"
-  exec 7>"$home/prefix-display.lock"
-  flock 7
-  coproc "${in_system[@]}" Xvfb -displayfd 1 -screen 0 "$ZKR_WINE_DISPLAY" -nolisten tcp 2>/dev/null 7>&-
-  screen="$COPROC_PID"
-  trap 'kill "$screen" 2>/dev/null; wait "$screen" 2>/dev/null || true' EXIT
-  read -r -t 30 number <&"${COPROC[0]}" || die "Xvfb does not start"
-  export DISPLAY=":$number"
+  local status=0
+  take_screen "$ZKR_WINE_DISPLAY"
   make_prefix
   "${in_system[@]}" "$wine" "$@" 7>&- || status=$?
   "${in_system[@]}" "$server" -k || true
