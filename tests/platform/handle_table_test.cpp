@@ -55,36 +55,6 @@ TEST(HandleTable, RefusesStaleForeignAndWrongKindHandles) {
     EXPECT_EQ(probe.released, 1);
 }
 
-TEST(HandleTable, APinOutlivesTheHandle) {
-    Probe probe;
-    HANDLE handle = InsertHandle(Probe::kind, probe);
-    {
-        const Pin<Probe> pin(handle);
-        EXPECT_TRUE(CloseHandleOfKind(Probe::kind, handle));
-        EXPECT_TRUE(probe.alive);
-        EXPECT_EQ(PinHandle(Probe::kind, handle), nullptr) << "no new pin after the close";
-    }
-    EXPECT_EQ(probe.released, 1);
-}
-
-TEST(HandleTable, GrowsPastItsFirstChunks) {
-    std::vector<Probe> probes(5000);
-    std::vector<HANDLE> handles;
-    const uint32_t before = CountHandles();
-    for (Probe& probe : probes)
-        handles.push_back(InsertHandle(Probe::kind, probe));
-    EXPECT_EQ(std::set<HANDLE>(handles.begin(), handles.end()).size(), probes.size());
-    EXPECT_EQ(CountHandles(), before + 5000);
-    for (size_t i = 0; i < handles.size(); ++i) {
-        const Pin<Probe> pin(handles[i]);
-        ASSERT_TRUE(pin);
-        EXPECT_EQ(&*pin, &probes[i]);
-    }
-    for (HANDLE handle : handles)
-        EXPECT_TRUE(CloseHandleOfKind(Probe::kind, handle));
-    EXPECT_EQ(CountHandles(), before);
-}
-
 // Threads open, use and close handles that they all see; every object is released exactly once and never
 // while pinned.
 TEST(HandleTable, BearsThreadsThatCloseWhatOthersUse) {

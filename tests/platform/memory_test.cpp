@@ -35,15 +35,6 @@ TEST(GlobalMemory, IsFoundAgainByItsAddressAlone) {
     }
 }
 
-TEST(GlobalMemory, CountsItsLocks) {
-    HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 8);
-    void* first = GlobalLock(block);
-    EXPECT_EQ(GlobalLock(block), first);
-    EXPECT_NE(GlobalUnlock(block), FALSE);
-    EXPECT_EQ(GlobalUnlock(block), FALSE);
-    GlobalFree(block);
-}
-
 #ifndef _WIN32
 TEST(GlobalMemory, RefusesWhatIsNotALiveBlock) {
     HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, 64);
@@ -135,18 +126,6 @@ TEST(Mapping, GivesTheMemoryBackWhenHandleAndViewAreGone) {
     EXPECT_LT(AddressSpace(), before + (size_t{64} << 20));
 }
 #endif
-
-TEST(MemoryStatus, TellsTheSystemsFigures) {
-    MEMORYSTATUSEX status{};
-    status.dwLength = sizeof status;
-    ASSERT_NE(GlobalMemoryStatusEx(&status), FALSE);
-    EXPECT_GT(status.ullTotalPhys, uint64_t{64} << 20);
-    EXPECT_GT(status.ullAvailPhys, 0u);
-    EXPECT_LE(status.ullAvailPhys, status.ullTotalPhys);
-    EXPECT_LE(status.ullAvailPageFile, status.ullTotalPageFile);
-    status.dwLength = 1;
-    EXPECT_EQ(GlobalMemoryStatusEx(&status), FALSE);
-}
 
 } // namespace
 } // namespace zkr

@@ -110,15 +110,5 @@ TEST(ThreadValues, AKeyThatGoesWhileThreadsEndReleasesEachValueOnce) {
 }
 #endif
 
-TEST(Threads, HaveDifferentIdentifiers) {
-    DWORD other = 0;
-    std::thread([&] { other = GetCurrentThreadId(); }).join();
-    EXPECT_NE(other, GetCurrentThreadId());
-    const DWORD before = GetTickCount();
-    while (GetTickCount() == before)
-        SwitchToThread();
-    EXPECT_LT(GetTickCount() - before, 10000u) << "milliseconds";
-}
-
 } // namespace
 } // namespace zkr
