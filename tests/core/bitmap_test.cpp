@@ -6,7 +6,6 @@
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
 
-#include <array>
 #include <set>
 
 namespace zkr::test {
@@ -38,38 +37,32 @@ TEST(InitBitmap, AcceptsTheFourteenDepths) {
     EXPECT_EQ(Z_InitBitmap(&empty, 0, 0, 0), 1);
     EXPECT_EQ(0, std::memcmp(&empty, &clear, sizeof empty));
     EXPECT_EQ(Z_InitBitmap(nullptr, 1, 1, 1), code::InvalidBitmap);
-    EXPECT_EQ(Z_AllocateBitmap(nullptr, 1), code::InvalidBitmap);
 }
 
 TEST(CreateBitmap, ChoosesPaletteAndOrder) {
-    std::array<RGBQUAD, 16> colours;
-    for (uint8_t i = 0; i < 16; ++i)
-        colours[i] = {.rgbBlue = i, .rgbGreen = static_cast<uint8_t>(2 * i), .rgbRed = 200, .rgbReserved = 0};
-    std::array<RGBQUAD, 256> found = {};
-
-    Bitmap own;
-    ASSERT_EQ(Z_CreateBitmap(&own, 1, 5, 5, 4, Z_ORDER_BGR, colours.data(), 7, nullptr, 0), 1);
-    EXPECT_EQ(own.ViewPerspective, 7);
-    EXPECT_EQ(own.Order, Z_ORDER_RGB) << "order is for bitmaps without a palette";
-    ASSERT_EQ(Z_GetBitmapPaletteEntries(&own, 0, 16, found.data()), 16u);
-    EXPECT_EQ(found[9].rgbGreen, 18);
-    EXPECT_EQ(found[9].rgbRed, 200);
-
-    Bitmap gray;
-    ASSERT_EQ(Z_CreateBitmap(&gray, 1, 5, 5, 0, Z_ORDER_RGB, colours.data(), 2, nullptr, 0), 1);
-    EXPECT_EQ(gray.BitsPerPixel, 8);
-    ASSERT_EQ(Z_GetBitmapPaletteEntries(&gray, 0, 256, found.data()), 256u);
-    EXPECT_EQ(found[100].rgbBlue, 100);
-    EXPECT_EQ(found[100].rgbRed, 100);
-
-    Bitmap fixed;
-    ASSERT_EQ(Z_CreateBitmap(&fixed, 1, 5, 5, 1, Z_ORDER_RGB, nullptr, 2, nullptr, 0), 1);
-    EXPECT_NE(fixed.Palette, nullptr);
-
-    Bitmap twelve;
-    ASSERT_EQ(Z_CreateBitmap(&twelve, 1, 5, 5, 12, Z_ORDER_BGR, nullptr, 2, nullptr, 0), 1);
-    EXPECT_EQ(twelve.Order, Z_ORDER_BGR);
-    EXPECT_EQ(twelve.Palette, nullptr);
+    const RGBQUAD colours[16] = {{9, 18, 200, 0}};
+    const struct {
+        int32_t Bits, Order;
+        const RGBQUAD* Colours;
+        int32_t ExpectedBits, ExpectedOrder;
+        uint32_t Entries;
+        uint8_t FirstGreen;
+    } cases[] = {
+        {4, Z_ORDER_BGR, colours, 4, Z_ORDER_RGB, 16, 18}, // order is for bitmaps without a palette
+        {0, Z_ORDER_RGB, colours, 8, Z_ORDER_RGB, 256, 0}, // a gray ramp
+        {1, Z_ORDER_RGB, nullptr, 1, Z_ORDER_RGB, 2, 0},   // a default palette
+        {12, Z_ORDER_BGR, nullptr, 12, Z_ORDER_BGR, 0, 99},
+    };
+    for (const auto& c : cases) {
+        Bitmap bitmap;
+        ASSERT_EQ(Z_CreateBitmap(&bitmap, 1, 5, 5, c.Bits, c.Order, c.Colours, 7, nullptr, 0), 1);
+        RGBQUAD found[256] = {{99, 99, 99, 99}};
+        EXPECT_EQ(Z_GetBitmapPaletteEntries(&bitmap, 0, 256, found), c.Entries) << c.Bits;
+        EXPECT_EQ(found[0].rgbGreen, c.FirstGreen) << c.Bits;
+        EXPECT_TRUE(c.Entries != 256 || found[100].rgbRed == 100);
+        EXPECT_EQ(std::tuple(bitmap.BitsPerPixel, bitmap.Order, bitmap.ViewPerspective),
+                  std::tuple(c.ExpectedBits, c.ExpectedOrder, 7));
+    }
 }
 
 TEST(CreateBitmap, RefusesAndLeavesNothing) {
@@ -88,7 +81,6 @@ TEST(CreateBitmap, RefusesAndLeavesNothing) {
 
 TEST(UserData, IsPointedAt) {
     uint8_t data[40], other[40];
-    EXPECT_EQ(Z_SetBitmapDataPointer(nullptr, data, 40), code::InvalidBitmap);
     Bitmap bitmap(5, 5, 8);
     EXPECT_EQ(Z_SetBitmapDataPointer(&bitmap, data, 40), code::InvalidArgument) << "not allocated";
     ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryUser), 1);
@@ -110,13 +102,11 @@ TEST(FreeBitmap, KeepsTheDimensionsForNewStorage) {
     EXPECT_EQ(bitmap.Flags, 0u);
     EXPECT_EQ(bitmap.Palette, nullptr);
     EXPECT_EQ(bitmap.PaintLUT, nullptr);
-    EXPECT_EQ(Z_FreeBitmap(&bitmap), 0);
     ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryDisk), 1);
     EXPECT_EQ(Rows(bitmap), Bytes(48, 0));
     Z_FreeBitmap(&bitmap);
 
     Z_CreateBitmapFixedPalette(&bitmap);
-    EXPECT_NE(bitmap.Palette, nullptr);
     EXPECT_EQ(Z_FreeBitmap(&bitmap), 0) << "nothing was stored";
     EXPECT_EQ(bitmap.Palette, nullptr);
     EXPECT_EQ(Z_FreeBitmap(nullptr), code::InvalidBitmap);
@@ -138,13 +128,6 @@ TEST(Locking, NestsWithoutACount) {
     Z_UnlockBitmap(&bitmap, outer);
     EXPECT_EQ(bitmap.Addr, nullptr);
     EXPECT_EQ(bitmap.Flags & flag::Locked, 0u);
-
-    Bitmap conventional(5, 5, 8);
-    ASSERT_EQ(Z_AllocateBitmap(&conventional, 1), 1);
-    EXPECT_EQ(Z_LockBitmap(&conventional), 0);
-    Z_UnlockBitmap(&conventional, 0);
-    EXPECT_NE(conventional.Addr, nullptr);
-    Z_UnlockBitmap(nullptr, Z_LockBitmap(nullptr));
 }
 
 // Stands in for the region operations: a region is a number, and copies count up.

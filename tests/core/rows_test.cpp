@@ -1,55 +1,9 @@
-// Row transfer in every storage class against a plain array of bytes.
+// What the row functions tell and keep, and rows of large bitmaps. What they move is held against a plain
+// array of bytes by the attack on rows.
 #include "core/test_bitmaps.h"
 
 namespace zkr::test {
 namespace {
-
-// The byte that holds the first bit of a column, counted by hand from the bits before it.
-size_t ByteOfColumn(int32_t bits, int32_t column) {
-    return static_cast<size_t>(static_cast<int64_t>(column) * bits / 8);
-}
-
-class RowsTest : public testing::TestWithParam<Storage> {};
-
-TEST_P(RowsTest, RandomTransfersAgreeWithAnArray) {
-    std::mt19937 random(20);
-    for (const int32_t bits : {1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 24, 32, 48, 64}) {
-        Bitmap bitmap(37, 23, bits);
-        Bytes userData;
-        Allocate(bitmap, GetParam(), userData);
-        ASSERT_EQ(Rows(bitmap), Bytes(bitmap.Size, 0)) << "fresh storage is zero";
-        Bytes model(bitmap.Size, 0);
-        for (int step = 0; step < 300; ++step) {
-            const auto row = static_cast<int32_t>(random() % 23);
-            const bool fromColumn = random() % 2 == 0;
-            const int32_t column = fromColumn ? static_cast<int32_t>(random() % 37) : 0;
-            const size_t place = static_cast<size_t>(row) * bitmap.BytesPerLine + ByteOfColumn(bits, column);
-            const size_t most = std::min<size_t>(model.size() - place, random() % 4 == 0 ? model.size() : 40);
-            const auto count = static_cast<uint32_t>(random() % (most + 1));
-            const auto expected = static_cast<ReturnCode>(count);
-            if (random() % 2 == 0) {
-                const Bytes data = RandomBytes(count + 1, random);
-                ASSERT_EQ(fromColumn ? Z_PutBitmapRowCol(&bitmap, data.data(), row, column, count)
-                                     : Z_PutBitmapRow(&bitmap, data.data(), row, count),
-                          expected);
-                std::copy(data.begin(), data.end() - 1, model.begin() + static_cast<ptrdiff_t>(place));
-            } else {
-                Bytes data(count + 1, 0xA5);
-                ASSERT_EQ(fromColumn ? Z_GetBitmapRowCol(&bitmap, data.data(), row, column, count)
-                                     : Z_GetBitmapRow(&bitmap, data.data(), row, count),
-                          expected);
-                ASSERT_EQ(data.back(), 0xA5);
-                data.pop_back();
-                const auto from = model.begin() + static_cast<ptrdiff_t>(place);
-                ASSERT_EQ(data, Bytes(from, from + count))
-                    << bits << " bits, row " << row << ", column " << column;
-            }
-        }
-        ASSERT_EQ(Rows(bitmap), model) << bits << " bits";
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Storages, RowsTest, testing::ValuesIn(AllStorages()), NameOf);
 
 TEST(RowFailures, TellWhyNothingMoved) {
     uint8_t buffer[64] = {};

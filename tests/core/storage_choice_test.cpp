@@ -88,28 +88,20 @@ TEST(StorageChoice, LeavesTheReserveFree) {
     Bitmap bitmap(100, 25, 8);
     ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryConventional), 1);
     EXPECT_EQ(InfoOf(bitmap), (Info{MemoryTiled, 1000, 3, 0, 1, 0}));
-    Bitmap small(100, 10, 8);
-    ASSERT_EQ(Z_AllocateBitmap(&small, MemoryConventional), 1);
-    EXPECT_EQ(InfoOf(small).Type, MemoryConventional);
 }
 
 TEST(StorageChoice, FallsFromMappingToTilesToDisk) {
     const TemporaryDirectory directory;
     const Thresholds restore;
     Thresholds::Tiles(TileSize, -100, 1);
-    Bitmap tiles(100, 25, 8);
-    {
+    for (const int32_t type : {MemoryConventional, MemoryNoTiled}) {
+        Bitmap bitmap(100, 25, 8);
         const Fault noMapping(fault::Mapping, 1, true);
-        ASSERT_EQ(Z_AllocateBitmap(&tiles, MemoryConventional), 1);
+        ASSERT_EQ(Z_AllocateBitmap(&bitmap, type), 1);
+        // The budget of memory tiles becomes views.
+        EXPECT_EQ(InfoOf(bitmap),
+                  type == MemoryNoTiled ? (Info{MemoryDisk}) : (Info{MemoryTiled, 1000, 3, 0, 3, 0}));
     }
-    EXPECT_EQ(InfoOf(tiles), (Info{MemoryTiled, 1000, 3, 0, 3, 0}))
-        << "the budget of memory tiles becomes views";
-    Bitmap disk(100, 25, 8);
-    {
-        const Fault noMapping(fault::Mapping, 1, true);
-        ASSERT_EQ(Z_AllocateBitmap(&disk, MemoryNoTiled), 1);
-    }
-    EXPECT_EQ(InfoOf(disk).Type, MemoryDisk);
     for (const int32_t type : {MemoryConventional, MemoryTiled, MemoryNoTiled, MemoryDisk, MemoryNoDisk}) {
         Bitmap none(100, 25, 8);
         const Fault nothing(fault::Mapping | fault::FileOpen, 1, true);
