@@ -100,19 +100,7 @@ const PixelCase pixelCases[] = {
     {64, bgr, 0, -1, false, 0x008040F8, 0x0000F8F840408080},
 };
 
-TEST(FillRow, WritesThePixelOfEachFormOfColour) {
-    for (const PixelCase& c : pixelCases) {
-        Canvas canvas(c.Bits, c.Order, c.LowBit, c.HighBit);
-        if (c.LevelTable) canvas.UseLevelTable();
-        uint8_t row[8] = {};
-        EXPECT_EQ(FillRowWithColor(canvas.Record, c.Colour, row, 1), Z_SUCCESS);
-        EXPECT_EQ(ReadPixel(row, c.Bits, 0), c.Pixel)
-            << c.Bits << " bits, order " << c.Order << ", bits " << c.LowBit << " to " << c.HighBit
-            << ", colour " << std::hex << c.Colour;
-    }
-}
-
-TEST(FillRow, EndsWithTheRun) {
+TEST(FillRow, WritesThePixelOfEachFormOfColourUpToTheEndOfTheRun) {
     Seeded seeded(3);
     for (const PixelCase& c : pixelCases) {
         Canvas canvas(c.Bits, c.Order, c.LowBit, c.HighBit);
@@ -127,8 +115,10 @@ TEST(FillRow, EndsWithTheRun) {
             const int written = (count + perByte - 1) / perByte * perByte;
             for (int i = 0; i < written; ++i)
                 WritePixel(expected.data(), c.Bits, i, c.Pixel);
-            FillRowWithColor(canvas.Record, c.Colour, row.data(), count);
-            ASSERT_EQ(row, expected) << count << " pixels of " << c.Bits << " bits";
+            ASSERT_EQ(FillRowWithColor(canvas.Record, c.Colour, row.data(), count), Z_SUCCESS);
+            ASSERT_EQ(row, expected) << count << " pixels of " << c.Bits << " bits, order " << c.Order
+                                     << ", bits " << c.LowBit << " to " << c.HighBit << ", colour "
+                                     << std::hex << c.Colour;
         }
     }
 }

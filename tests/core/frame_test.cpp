@@ -147,34 +147,23 @@ void ChangeEverything() {
     Z_SetTempDirectory(".");
 }
 
-TEST(Threads, HaveDefaultsOfTheirOwn) {
-    std::string directory;
-    std::thread([&] { directory = Defaults().Directory; }).join();
+TEST(Threads, HaveDefaultsOfTheirOwnUntilTheirShutdown) {
+    const std::string directory = Defaults().Directory;
     EXPECT_FALSE(directory.empty());
-
     ChangeEverything();
-    std::thread([&] {
+    std::thread([&] { // twice without settings, and once with some
+        EXPECT_EQ(Z_IntShutdown(), Z_SUCCESS);
+        EXPECT_EQ(Z_IntShutdown(), Z_SUCCESS);
         ExpectFresh(Defaults(), directory);
         Z_SetMemoryThresholds(9, 9, 9, 9, 9, 31);
-    }).join();
-
-    const Defaults mine;
-    EXPECT_EQ(mine.MemoryType, 128);
-    EXPECT_EQ(mine.MappedTiles, 5);
-    EXPECT_STREQ(mine.Directory, ".");
-    EXPECT_TRUE(mine.Status == GoOn && mine.CopyStatus == GiveUp);
-    Z_IntShutdown();
-}
-
-TEST(Threads, AShutdownMayComeAtAnyTimeAndStartsTheCallingThreadAnew) {
-    const std::string directory = Defaults().Directory;
-    ChangeEverything();
-    std::thread([] { // a thread without settings, twice
-        EXPECT_EQ(Z_IntShutdown(), Z_SUCCESS);
         EXPECT_EQ(Z_IntShutdown(), Z_SUCCESS);
     })
         .join();
-    EXPECT_EQ(Defaults().MappedTiles, 5) << "the settings of another thread went";
+    const Defaults mine;
+    EXPECT_EQ(mine.MemoryType, 128);
+    EXPECT_EQ(mine.MappedTiles, 5) << "the settings of another thread went";
+    EXPECT_STREQ(mine.Directory, ".");
+    EXPECT_TRUE(mine.Status == GoOn && mine.CopyStatus == GiveUp);
     EXPECT_EQ(Z_IntShutdown(), Z_SUCCESS);
     EXPECT_EQ(Z_IntShutdown(), Z_SUCCESS);
     ExpectFresh(Defaults(), directory);

@@ -7,15 +7,10 @@
 namespace zkr::test {
 namespace {
 
-struct Share {
-    int32_t ConventionalTiles;
-    int32_t MappedTiles;
-    int32_t Conventional;
-    int32_t MaxMapped;
-};
-
 TEST(TileBudget, IsSharedBetweenMemoryAndViews) {
-    const Share shares[] = {
+    const struct {
+        int32_t ConventionalTiles, MappedTiles, Conventional, MaxMapped;
+    } shares[] = {
         {-100, 1, 10, 0},
         {10, 1, 10, 0},
         {11, 5, 10, 0},
@@ -43,7 +38,7 @@ TEST(TileBudget, IsSharedBetweenMemoryAndViews) {
         {7, -33, 6, 1},
         {8, -43, 6, 2},
     };
-    for (const Share& share : shares) {
+    for (const auto& share : shares) {
         const Thresholds restore;
         Thresholds::Tiles(1000, share.ConventionalTiles, share.MappedTiles);
         Bitmap bitmap(100, 95, 8);
@@ -150,20 +145,13 @@ TEST(TileBuild, MovesTheRestOfTheMemoryBudgetToViews) {
 // rows.
 TEST(TileBuild, IsRetriedWithSmallerTiles) {
     const Thresholds restore;
-    Thresholds::Tiles(20 * 4, 0, 1);
-    Bitmap bitmap(4, 40, 8);
-    {
+    for (const int32_t rows : {20, 8}) {
+        Thresholds::Tiles(rows * 4, 0, 1);
+        Bitmap bitmap(4, 40, 8);
         const Fault once(fault::FileOpen, 1);
         ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryTiled), 1);
+        EXPECT_EQ(InfoOf(bitmap), rows == 20 ? (Info{MemoryTiled, 10 * 4, 4, 0, 1, 0}) : Info{MemoryDisk});
     }
-    EXPECT_EQ(InfoOf(bitmap), (Info{MemoryTiled, 10 * 4, 4, 0, 1, 0}));
-    Z_FreeBitmap(&bitmap);
-    Thresholds::Tiles(8 * 4, 0, 1);
-    {
-        const Fault once(fault::FileOpen, 1);
-        ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryTiled), 1);
-    }
-    EXPECT_EQ(InfoOf(bitmap).Type, MemoryDisk) << "no second attempt";
 }
 
 } // namespace
