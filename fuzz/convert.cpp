@@ -107,28 +107,10 @@ void Convert(Input& input) {
     }
 }
 
-void Mirror(Input& input) {
-    const int32_t depth = input.Depth();
-    const auto width = static_cast<size_t>(1 + input.Below(600));
-    const Exact before(Bytes(width, depth), input);
-    const Exact row(before);
-    for (int i = 0; i < 2; ++i)
-        FUZZ_EXPECT(Z_MirrorLine(row.Get(), static_cast<int32_t>(width), depth) == 1);
-    const size_t last = before.Count - 1;
-    FUZZ_EXPECT(std::memcmp(before.Get(), row.Get(), last) == 0);
-    FUZZ_EXPECT(((before.Get()[last] ^ row.Get()[last]) & ~UnusedBits(width, depth)) == 0);
-    Z_MirrorLine(row.Get(), -input.Below(99), depth);
-    Z_MirrorLine(row.Get(), 1, 65 + input.Below(999));
-    Z_MirrorLine(nullptr, input.Hostile(), depth);
-}
-
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
-    if (input.Byte() < 230)
-        Convert(input);
-    else
-        Mirror(input);
+    Convert(input);
     return 0;
 }
