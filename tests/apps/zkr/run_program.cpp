@@ -8,12 +8,9 @@
 #include <fcntl.h>
 #include <fstream>
 #include <sstream>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <linux/capability.h>
 
 namespace {
 
@@ -24,27 +21,6 @@ std::string ContentOf(const std::string& path) {
     return content.str();
 }
 
-// A pseudo-terminal whose program side stands in for standard error.
-struct Terminal {
-    int master = posix_openpt(O_RDWR | O_NOCTTY);
-    int slave = -1;
-    Terminal() {
-        grantpt(master);
-        unlockpt(master);
-        slave = open(ptsname(master), O_RDWR | O_NOCTTY);
-    }
-    ~Terminal() { close(master); }
-    // All that was written, once the program has ended.
-    std::string Drained() {
-        close(slave);
-        std::string text;
-        char part[4096];
-        for (ssize_t got; (got = read(master, part, sizeof part)) > 0;)
-            text.append(part, static_cast<size_t>(got));
-        return text;
-    }
-};
-
 [[noreturn]] void BecomeProgram(const std::vector<std::string>& arguments, const RunLimits& limits, int out,
                                 int err) {
     if (limits.fileBytes >= 0) {
@@ -52,8 +28,6 @@ struct Terminal {
         const rlimit limit = {bytes, bytes};
         setrlimit(RLIMIT_FSIZE, &limit);
     }
-    // Fails where the tests do not run as root, and is not needed there.
-    if (limits.obeyPermissions) prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE, 0, 0, 0);
     std::vector<char*> words = {const_cast<char*>("zkr")};
     for (const std::string& argument : arguments)
         words.push_back(const_cast<char*>(argument.c_str()));
@@ -97,9 +71,8 @@ Outcome ProgramTest::RunZkr(const std::vector<std::string>& arguments, const Run
     const std::string outName = folder_.string() + ".out";
     const std::string errName = folder_.string() + ".err";
     constexpr int create = O_CREAT | O_TRUNC | O_RDWR | O_CLOEXEC;
-    Terminal terminal;
     const int out = open(outName.c_str(), create, 0600);
-    const int err = limits.errorsOnTerminal ? terminal.slave : open(errName.c_str(), create, 0600);
+    const int err = open(errName.c_str(), create, 0600);
     const pid_t child = fork();
     if (child == 0) BecomeProgram(arguments, limits, out, err);
     int status = 0;
@@ -116,9 +89,9 @@ Outcome ProgramTest::RunZkr(const std::vector<std::string>& arguments, const Run
     }
     waitpid(child, &status, 0);
     close(out);
-    if (!limits.errorsOnTerminal) close(err);
+    close(err);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ContentOf(outName),
-            limits.errorsOnTerminal ? terminal.Drained() : ContentOf(errName)};
+            ContentOf(errName)};
 }
 
 void ProgramTest::WriteText(const std::string& name, const std::string& content) const {

@@ -14,9 +14,7 @@ struct Outcome {
 
 struct RunLimits {
     long fileBytes = -1;           // the largest file that the program may write
-    bool obeyPermissions = false;  // also when the tests run as root
     bool interruptWriting = false; // as soon as the program has begun to write a file
-    bool errorsOnTerminal = false; // standard error is a terminal
 };
 
 // A test with an empty folder, which is gone afterwards.

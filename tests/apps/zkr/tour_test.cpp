@@ -2,7 +2,7 @@
 #include "picture_files.h"
 #include "run_program.h"
 
-#include <algorithm>
+#include <tuple>
 
 namespace {
 
@@ -37,36 +37,21 @@ TEST_F(TourTest, TakesAPictureThroughEverything) {
         int depth, type;
         size_t colours;
     } pictures[] = {
-        {"depth-01-gray-palette.png", 1, PNG_COLOR_TYPE_GRAY, 0},
-        {"depth-02-gray-palette.png", 2, PNG_COLOR_TYPE_GRAY, 0},
-        {"depth-03-fixed-palette.png", 8, PNG_COLOR_TYPE_PALETTE, 8},
-        {"depth-04-fixed-palette.png", 4, PNG_COLOR_TYPE_PALETTE, 16},
-        {"depth-05-fixed-palette.png", 8, PNG_COLOR_TYPE_PALETTE, 32},
-        {"depth-06-fixed-palette.png", 8, PNG_COLOR_TYPE_PALETTE, 64},
-        {"depth-07-gray-palette.png", 8, PNG_COLOR_TYPE_PALETTE, 128},
-        {"depth-08-fixed-palette.png", 8, PNG_COLOR_TYPE_PALETTE, 256},
-        {"depth-08-gray-palette.png", 8, PNG_COLOR_TYPE_GRAY, 0},
-        {"depth-08-gray-values.png", 8, PNG_COLOR_TYPE_GRAY, 0},
-        {"depth-12-gray.png", 16, PNG_COLOR_TYPE_GRAY, 0},
-        {"depth-16-gray.png", 16, PNG_COLOR_TYPE_GRAY, 0},
-        {"depth-16-bgr.png", 8, PNG_COLOR_TYPE_RGB, 0},
-        {"depth-32-rgb.png", 8, PNG_COLOR_TYPE_RGB_ALPHA, 0},
-        {"depth-48-bgr.png", 16, PNG_COLOR_TYPE_RGB, 0},
-        {"depth-64-rgb.png", 16, PNG_COLOR_TYPE_RGB_ALPHA, 0},
+        {"01-gray-palette", 1, PNG_COLOR_TYPE_GRAY, 0}, {"03-fixed-palette", 8, PNG_COLOR_TYPE_PALETTE, 8},
+        {"12-gray", 16, PNG_COLOR_TYPE_GRAY, 0},        {"07-gray-palette", 8, PNG_COLOR_TYPE_PALETTE, 128},
+        {"08-gray-palette", 8, PNG_COLOR_TYPE_GRAY, 0}, {"08-fixed-palette", 8, PNG_COLOR_TYPE_PALETTE, 256},
+        {"32-rgb", 8, PNG_COLOR_TYPE_RGB_ALPHA, 0},     {"48-bgr", 16, PNG_COLOR_TYPE_RGB, 0},
     };
     for (const auto& one : pictures) {
-        const Picture picture = ReadPng(Path(std::string("deep/out/") + one.file));
-        EXPECT_EQ(picture.width, 64) << one.file;
-        EXPECT_EQ(picture.depth, one.depth) << one.file;
-        EXPECT_EQ(picture.type, one.type) << one.file;
-        EXPECT_EQ(picture.palette.size(), one.colours) << one.file;
+        const Picture picture = ReadPng(Path(std::string("deep/out/depth-") + one.file + ".png"));
+        EXPECT_EQ(std::tuple(picture.width, picture.depth, picture.type, picture.palette.size()),
+                  std::tuple(64, one.depth, one.type, one.colours))
+            << one.file;
     }
     EXPECT_EQ(ReadPng(Path("deep/out/depth-24-bgr.png")), photo);
     const Picture sheet = ReadPng(Path("deep/out/contact-sheet.png"));
     EXPECT_EQ(sheet.type, PNG_COLOR_TYPE_RGB);
     EXPECT_GT(sheet.width, 7 * 64);
-    for (const std::string& file : FilesInFolder())
-        EXPECT_EQ(file.find(".part"), std::string::npos) << file;
 }
 
 TEST_F(TourTest, TakesOddPictures) {
