@@ -132,33 +132,26 @@ TEST_F(Files, ShareAsAsked) {
         for (intptr_t file : {first, reader, writer})
             if (file != -1) Z_OsClose(file, 0);
     }
-    const intptr_t created = Z_OsCreat(path.c_str(), 0);
-    const intptr_t writer = Z_OsOpen(path.c_str(), Z_OPEN_WRITE, Z_SHARE_READ_WRITE, 0);
-    EXPECT_NE(writer, -1);
-    Z_OsClose(writer, 0);
-    Z_OsClose(created, 0);
 }
 
 TEST_F(Files, AttributesOfNewFiles) {
-    const auto isWritable = [](const std::string& path) {
-        return (fs::status(path).permissions() & fs::perms::owner_write) != fs::perms::none;
+    const struct {
+        const char* Name;
+        intptr_t File;
+        int32_t Written;
+        bool StaysWritable;
+    } cases[] = {
+        {"a", Z_OsCreat(Path("a").c_str(), Z_CREATE_READ_ONLY), -1, false},
+        {"b", Z_OsOpen(Path("b").c_str(), Z_OPEN_READ | Z_OPEN_CREATE, 0, 0), -1, false},
+        {"c", Z_OsCreat(Path("c").c_str(), Z_CREATE_HIDDEN | Z_CREATE_SYSTEM), 1, true},
     };
-    const intptr_t readOnly = Z_OsCreat(Path("a").c_str(), Z_CREATE_READ_ONLY);
-    ASSERT_NE(readOnly, -1);
-    EXPECT_EQ(Z_OsWrite(readOnly, "x", 1, 0), -1);
-    Z_OsClose(readOnly, 0);
-    EXPECT_FALSE(isWritable(Path("a")));
-
-    const intptr_t forReading = Z_OsOpen(Path("b").c_str(), Z_OPEN_READ | Z_OPEN_CREATE, 0, 0);
-    ASSERT_NE(forReading, -1);
-    Z_OsClose(forReading, 0);
-    EXPECT_FALSE(isWritable(Path("b")));
-
-    const intptr_t marked = Z_OsCreat(Path("c").c_str(), Z_CREATE_HIDDEN | Z_CREATE_SYSTEM);
-    ASSERT_NE(marked, -1);
-    EXPECT_EQ(Z_OsWrite(marked, "x", 1, 0), 1);
-    Z_OsClose(marked, 0);
-    EXPECT_TRUE(isWritable(Path("c")));
+    for (const auto& row : cases) {
+        ASSERT_NE(row.File, -1) << row.Name;
+        EXPECT_EQ(Z_OsWrite(row.File, "x", 1, 0), row.Written) << row.Name;
+        Z_OsClose(row.File, 0);
+        const fs::perms permissions = fs::status(Path(row.Name)).permissions();
+        EXPECT_EQ((permissions & fs::perms::owner_write) != fs::perms::none, row.StaysWritable) << row.Name;
+    }
 }
 
 TEST_F(Files, TemporaryFilesGoWhenTheyAreClosed) {

@@ -120,7 +120,7 @@ TEST_F(Rebuilds, CarryTheWholeRecord) {
 }
 
 // A change into tiles above the tile size is refused, after the work; the bitmap stays whole.
-TEST_F(Rebuilds, RefuseTilesAboveTheTileSize) {
+TEST_F(Rebuilds, RefuseWhatCannotBe) {
     const TemporaryDirectory directory;
     const Thresholds restore;
     Make({"conventional", MemoryConventional});
@@ -128,29 +128,21 @@ TEST_F(Rebuilds, RefuseTilesAboveTheTileSize) {
     const BitmapHandle before = bitmap;
     EXPECT_EQ(Set(bitmap, {.Type = MemoryTiled, .TileSize = 40}, Type | TileSize), code::InvalidBitmap);
     EXPECT_EQ(0, std::memcmp(&before, static_cast<BitmapHandle*>(&bitmap), sizeof before));
+    for (const int32_t type : {3, 12})
+        EXPECT_EQ(Set(bitmap, {.Type = type}, Type), code::InvalidArgument) << type;
+    EXPECT_EQ(Set(bitmap, {.Type = MemoryUser}, Type), code::InvalidBitmap) << "no row can be written";
     EXPECT_TRUE(directory.IsEmpty());
-    EXPECT_EQ(Rows(bitmap), pixels);
 
     Thresholds::Tiles(static_cast<int32_t>(bitmap.Size) + 1, 1, 1);
     EXPECT_EQ(Set(bitmap, {.Type = MemoryTiled}, Type), 1) << "below the tile size it stays conventional";
     EXPECT_EQ(InfoOf(bitmap).Type, MemoryConventional);
     EXPECT_EQ(Rows(bitmap), pixels);
-}
+    Z_FreeBitmap(&bitmap);
 
-TEST_F(Rebuilds, RefuseTilesOfAnotherSize) {
-    const Thresholds restore;
     Make({"tiles", MemoryTiled, 2, -100, 1});
     Thresholds::Tiles(40, 1, 1);
-    EXPECT_EQ(Set(bitmap, {.TileSize = 41}, TileSize), code::InvalidBitmap);
+    EXPECT_EQ(Set(bitmap, {.TileSize = 41}, TileSize), code::InvalidBitmap) << "another size of tiles";
     EXPECT_EQ(InfoOf(bitmap), (Info{MemoryTiled, 40, 6, 6, 0, 0}));
-    EXPECT_EQ(Rows(bitmap), pixels);
-}
-
-TEST_F(Rebuilds, RefuseWhatCannotHoldPixels) {
-    Make({"conventional", MemoryConventional});
-    for (const int32_t type : {3, 12})
-        EXPECT_EQ(Set(bitmap, {.Type = type}, Type), code::InvalidArgument) << type;
-    EXPECT_EQ(Set(bitmap, {.Type = MemoryUser}, Type), code::InvalidBitmap) << "no row can be written";
     EXPECT_EQ(Rows(bitmap), pixels);
 }
 

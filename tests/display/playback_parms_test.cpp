@@ -16,21 +16,14 @@ TEST(PlaybackParms, AreCopiedWithoutTouchingTheRest) {
         Z_InitBitmap(&source, 10, 20, 24);
         Z_InitBitmap(&destination, 30, 40, 24);
         source.Flags = given | Z_FLAG_SIGNED;
-        source.PlaybackLeft = -3;
-        source.PlaybackTop = 4;
-        source.PlaybackDelay = 100;
-        source.DisposalMethod = 2;
-        source.PlaybackBackColor = 0x00112233;
-        source.TransparentColor = 0x00445566;
         destination.Flags = (~given & (Waits | Transparent)) | Z_FLAG_REGION_UNCLIPPED;
         BitmapHandle expected = destination;
         expected.Flags = given | Z_FLAG_REGION_UNCLIPPED;
-        expected.PlaybackLeft = -3;
-        expected.PlaybackTop = 4;
-        expected.PlaybackDelay = 100;
-        expected.DisposalMethod = 2;
-        expected.PlaybackBackColor = 0x00112233;
-        expected.TransparentColor = 0x00445566;
+        for (BitmapHandle* record : {&source, &expected}) {
+            record->PlaybackLeft = -3, record->PlaybackTop = 4, record->PlaybackDelay = 100;
+            record->DisposalMethod = 2;
+            record->PlaybackBackColor = 0x00112233, record->TransparentColor = 0x00445566;
+        }
         EXPECT_EQ(Z_CopyPlaybackParms(&destination, &source), Z_SUCCESS);
         EXPECT_EQ(std::memcmp(&destination, &expected, sizeof expected), 0) << std::hex << given;
     }
@@ -48,12 +41,6 @@ TEST(PlaybackParms, ColoursAreTranslated) {
     EXPECT_EQ(destination.PlaybackBackColor, 0x00302010u);
     EXPECT_EQ(destination.TransparentColor, 0x005A5B5Cu);
     Z_FreeBitmap(&source);
-}
-
-TEST(PlaybackParms, NullIsRefused) {
-    BitmapHandle bitmap{};
-    EXPECT_EQ(Z_CopyPlaybackParms(nullptr, &bitmap), Z_ERROR_ARGUMENT);
-    EXPECT_EQ(Z_CopyPlaybackParms(&bitmap, nullptr), Z_ERROR_ARGUMENT);
 }
 
 } // namespace

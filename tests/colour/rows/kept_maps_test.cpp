@@ -1,5 +1,5 @@
 // What the library keeps from one row to the next, the map between two palettes and the search of a palette,
-// must never show: palettes that change in place, rows in turn, and no memory to keep anything.
+// must never show: rows in turn, and no memory to keep anything.
 #include "colour/rows/reference_convert.h"
 #include "platform/faults.h"
 #include "support/pixel_bits.h"
@@ -46,15 +46,6 @@ class KeptMaps : public ::testing::Test {
     std::vector<RGBQUAD> first_ = RandomPalette(seeded_, 256).Entries;
     std::vector<RGBQUAD> second_ = RandomPalette(seeded_, 256).Entries;
 };
-
-TEST_F(KeptMaps, FollowPalettesThatChangeInPlace) {
-    for (int round = 0; round < 20; ++round) {
-        ConvertInTurn();
-        ConvertInTurn();
-        RGBQUAD& changed = (round % 2 == 0 ? first_ : second_)[static_cast<size_t>(seeded_.Below(16))];
-        changed.rgbGreen = static_cast<uint8_t>(changed.rgbGreen + 100);
-    }
-}
 
 // A new thread has nothing yet, and may get neither a record of its own nor anything to hang on it.
 TEST_F(KeptMaps, AreNotNeeded) {
