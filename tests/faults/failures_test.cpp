@@ -369,12 +369,6 @@ TEST(Failures, OfThreads) {
             g.Row[i] = static_cast<uint8_t>(i * i >> 5 | 3);
     };
     RunAll({
-        {"defaults", {}, Nothing, thread([](Ground&) {
-             const int32_t dithering = Z_GetDefaultDithering();
-             EXPECT_TRUE(dithering == 7 || dithering == 0);
-             Z_SetStatusCallBack(nullptr, 3);
-             return code::Success;
-         })},
         {"bitmap", {Memory, Write}, Nothing, thread([](Ground& g) {
              return Z_CreateBitmap(&g.Made, MemoryDisk, 7, 12, 24, 0, nullptr, 1, nullptr, 0);
          })},

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <set>
 
 namespace zkr::test {
 
@@ -85,8 +86,10 @@ class Picture {
     Bytes rows_, tables_;
 };
 
+using Codes = std::set<ReturnCode>;
+
 // One round; false when there was no call left to fail.
-inline bool FailOnce(const Scenario& scenario, uint32_t kinds, uint32_t nth, bool sticky) {
+inline bool FailOnce(const Scenario& scenario, Codes& seen, uint32_t kinds, uint32_t nth, bool sticky) {
     Ground ground;
     scenario.Prepare(ground);
     const Picture before(ground.Subject);
@@ -98,26 +101,27 @@ inline bool FailOnce(const Scenario& scenario, uint32_t kinds, uint32_t nth, boo
     EXPECT_TRUE(fired || result == code::Success) << result;
     if (scenario.Check) scenario.Check(ground, result);
     if (result == code::Success) return fired;
+    seen.insert(result);
     EXPECT_NE(std::count(scenario.Failures.begin(), scenario.Failures.end(), result), 0) << result;
     Picture(ground.Subject).ExpectKept(before, scenario.OnFailure);
     EXPECT_EQ(scenario.Call(ground), code::Success) << "once the system works again";
     return fired;
 }
 
-inline void FailEach(const Scenario& scenario, uint32_t kinds, bool sticky) {
+inline void FailEach(const Scenario& scenario, Codes& seen, uint32_t kinds, bool sticky) {
     bool fired = true;
     for (uint32_t nth = 1; fired && !testing::Test::HasFailure(); ++nth) {
         SCOPED_TRACE(scenario.Name + ": call " + std::to_string(nth) + " of kinds " + std::to_string(kinds) +
                      (sticky ? " and all later ones fail" : " fails"));
         const int64_t alive = fault::Live();
-        fired = FailOnce(scenario, kinds, nth, sticky);
+        fired = FailOnce(scenario, seen, kinds, nth, sticky);
         EXPECT_EQ(fault::Live(), alive) << "something has leaked";
         ASSERT_LT(nth, 1000u);
     }
 }
 
-inline void Run(const Scenario& scenario) {
-    FailEach(scenario, scenario.Kinds, false);
+inline void Run(const Scenario& scenario, Codes& seen) {
+    FailEach(scenario, seen, scenario.Kinds, false);
     constexpr uint32_t shortages[] = {fault::Heap | fault::Global,
                                       fault::Mapping,
                                       fault::View,
@@ -127,17 +131,21 @@ inline void Run(const Scenario& scenario) {
                                       fault::AllFiles,
                                       fault::All};
     for (const uint32_t kinds : shortages)
-        FailEach(scenario, kinds & scenario.Kinds, true);
+        FailEach(scenario, seen, kinds & scenario.Kinds, true);
 }
 
-// Scenarios share a temporary directory of their own, which must be empty in the end.
+// Scenarios share a temporary directory of their own, which must be empty in the end. Each code that they
+// document is seen in at least one of them.
 inline void RunAll(const std::vector<Scenario>& scenarios) {
     const TemporaryDirectory directory;
     const Thresholds restore;
+    Codes documented, seen;
     for (const Scenario& scenario : scenarios) {
-        Run(scenario);
+        Run(scenario, seen);
+        documented.insert(scenario.Failures.begin(), scenario.Failures.end());
         EXPECT_TRUE(directory.IsEmpty()) << scenario.Name << " has left files";
     }
+    EXPECT_EQ(seen, documented);
 }
 
 } // namespace zkr::test
