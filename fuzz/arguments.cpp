@@ -276,7 +276,7 @@ class Host {
         const BitmapHandle* other = Any();
         RGBQUAD colours[256] = {};
         const bool bare = bitmap == nullptr || bitmap->Palette == nullptr; // an old palette would be lost
-        switch (in_.Byte() % 10) {
+        switch (in_.Byte() % 11) {
         case 0: Z_GetBitmapColors(bitmap, in_.Near(9), in_.Near(256), colours); break;
         case 1: Z_PutBitmapColors(bitmap, in_.Near(9), in_.Near(256), in_.Flip() ? colours : nullptr); break;
         case 2: Z_SetBitmapPalette(bitmap, AnyPalette()); break;
@@ -289,16 +289,13 @@ class Host {
         case 6: Z_CompareBitmapToPalette(bitmap, colours, static_cast<uint32_t>(in_.Near(256))); break;
         case 7: Z_GetNearestPaletteIndex(bitmap, in_.Word()); break;
         case 8:
-            if (bare && in_.Flip())
-                Z_CopyBitmapPalette(bitmap, other);
-            else if (bare)
-                Z_CreateBitmapPalette(bitmap, colours, static_cast<uint32_t>(in_.Near(257)));
+            if (bare) Z_CopyBitmapPalette(bitmap, other);
+            break;
+        case 9:
+            if (bare) Z_CreateBitmapPalette(bitmap, colours, static_cast<uint32_t>(in_.Near(257)));
             break;
         default:
-            if (bare && in_.Flip())
-                Z_CreateBitmapGrayPalette(bitmap);
-            else if (bare)
-                Z_CreateBitmapFixedPalette(bitmap);
+            if (bare) in_.Flip() ? Z_CreateBitmapGrayPalette(bitmap) : Z_CreateBitmapFixedPalette(bitmap);
         }
     }
 
@@ -321,10 +318,8 @@ class Host {
             break;
         case 5: Z_CalcConvertSize(in_.Hostile(), in_.Hostile(), in_.Hostile(), in_.Hostile()); break;
         default:
-            FUZZ_EXPECT(Z_ConvertBuffer(nullptr, in_.Hostile(), 8, 8, 0, 0, nullptr, nullptr) ==
-                        Z_ERROR_ARGUMENT);
-            FUZZ_EXPECT(Z_ConvertBuffer(colour_, -in_.Below(9), 8, 8, 0, 0, nullptr, nullptr) ==
-                        Z_ERROR_ARGUMENT);
+            FUZZ_EXPECT(Z_ConvertBuffer(in_.Flip() ? nullptr : colour_, -in_.Below(9), 8, 8, 0, 0, nullptr,
+                                        nullptr) == Z_ERROR_ARGUMENT);
             FUZZ_EXPECT(Z_MirrorLine(colour_, in_.Hostile(), 0) == 1);
         }
     }

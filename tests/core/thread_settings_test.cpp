@@ -81,13 +81,4 @@ TEST(ThreadSettings, AShutdownStopsTheLibraryWhoeverCallsIt) {
     EXPECT_EQ(dispatch.FreeBitmapRegion, nullptr);
 }
 
-TEST(MatchTable, IsSwappedAndKeptForEachThread) {
-    uint32_t first = 0, second = 0;
-    EXPECT_EQ(SwapMatchTable(&first), nullptr);
-    EXPECT_EQ(SwapMatchTable(&second), &first);
-    EXPECT_EQ(CurrentMatchTable(), &second);
-    std::thread([] { EXPECT_EQ(CurrentMatchTable(), nullptr); }).join();
-    EXPECT_EQ(SwapMatchTable(nullptr), &second);
-}
-
 } // namespace
