@@ -38,11 +38,12 @@ struct KeptPaletteMap {
 
 const PaletteMap& PaletteMapFor(const RGBQUAD* source, int32_t sourceEntries, const RGBQUAD* target,
                                 int32_t targetEntries, PaletteMap& spare) {
-    ThreadAttachment& attachment = CurrentThreadSettings().PaletteMap;
+    ThreadSettings& settings = CurrentThreadSettings();
+    ThreadAttachment& attachment = settings.PaletteMap;
     auto* kept = static_cast<KeptPaletteMap*>(attachment.Data);
     if (kept != nullptr && kept->Source.Is(source, sourceEntries) && kept->Target.Is(target, targetEntries))
         return kept->Map;
-    if (kept == nullptr && !IsFallbackRecord(CurrentThreadSettings())) {
+    if (kept == nullptr && !IsFallbackRecord(settings)) {
         kept = static_cast<KeptPaletteMap*>(Z_Malloc(sizeof(KeptPaletteMap)));
         if (kept != nullptr) attachment = {kept, [](void* data) { Z_Free(data); }};
     }

@@ -23,7 +23,7 @@ struct Canvas {
             Palette[i] = EntryOf(10 * i, 10 * i, 10 * i);
         if (bits < 9) {
             Record.Palette = Palette;
-            Record.ColorsUsed = 1u << std::min(bits, 4);
+            Record.ColorsUsed = 1u << std::clamp(bits, 0, 4);
             Record.Flags = flag::PaletteIsBlock;
         }
     }
