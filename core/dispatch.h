@@ -4,6 +4,8 @@
 
 #include "zkr13n/bitmap.h"
 
+struct RegionXform;
+
 namespace zkr {
 
 struct DispatchTable {
@@ -12,6 +14,15 @@ struct DispatchTable {
     ReturnCode (*CopyBitmapRegion)(BitmapHandle* destination, BitmapHandle* source, int32_t dx, int32_t dy);
     // Releases a bitmap's region and clears its field.
     ReturnCode (*FreeBitmapRegion)(BitmapHandle* bitmap);
+    // The region's bounds in storage coordinates; without a transform (null) as they stand.
+    ReturnCode (*GetBitmapRgnBounds)(BitmapHandle* bitmap, const RegionXform* xform, RECT* bounds);
+    // The most entries that GetBitmapClipSegments writes for a row, two for each segment.
+    ReturnCode (*GetBitmapClipSegmentsMax)(BitmapHandle* bitmap, uint32_t* entries);
+    // The segments of a row, as pairs of columns, the end not included, and how many entries they take.
+    ReturnCode (*GetBitmapClipSegments)(BitmapHandle* bitmap, int32_t row, uint32_t* segments,
+                                        uint32_t* entries);
+    // 1 for a pixel that the region holds, else 0.
+    int32_t (*IsPtInBitmapRgn)(BitmapHandle* bitmap, int32_t row, int32_t column);
 };
 
 extern DispatchTable dispatch;

@@ -37,6 +37,14 @@ typedef struct tagRGBQUAD {
     uint8_t rgbReserved;
 } RGBQUAD;
 
+/* A rectangle; right and bottom are not part of it. */
+typedef struct tagRECT {
+    int32_t left;
+    int32_t top;
+    int32_t right;
+    int32_t bottom;
+} RECT;
+
 /* Handles are opaque and pointer-sized; a handle is never an address that a caller may follow. */
 typedef void* HANDLE;
 typedef HANDLE HGLOBAL;
