@@ -55,6 +55,31 @@ void MakePixel(int32_t x, int32_t y, uint8_t* pixel) {
     }
 }
 
+// Text of ten points: letters of strokes that a page at 1200 dots an inch would have.
+constexpr int32_t Margin = 1200;
+constexpr int32_t LineHeight = 200;
+constexpr int32_t LetterWidth = 84;
+constexpr float Stem = 14;
+
+// Whether a letter has ink: two stems, a bowl and two bars, each there or not.
+bool IsInk(uint32_t letter, float x, float y) {
+    const auto near = [](float distance) { return std::fabs(distance) < Stem / 2; };
+    const bool bar = x > 8 && x < 68 && (letter & 8 ? near(y - 57) : near(y - 90 + x / 6));
+    const bool bowl = near(std::hypot(x - 38, (y - 85) * 0.9f) - 30);
+    return (letter & 1 && near(x - 15) && y > 20 && y < 120) ||
+           (letter & 2 && near(x - 60) && y > 50 && y < 150) || (letter & 4 && bar) ||
+           (letter & 16 ? bowl : near(x - 38 + (y - 85) / 4) && y > 50 && y < 120);
+}
+
+void DrawLetter(BitmapHandle* page, int32_t left, int32_t top, uint32_t letter) {
+    for (int32_t y = 0; y < LineHeight; ++y) {
+        uint8_t* row = Data(page) + static_cast<size_t>(top + y) * page->BytesPerLine;
+        for (int32_t x = 0; x < LetterWidth; ++x)
+            if (IsInk(letter, static_cast<float>(x), static_cast<float>(y)))
+                row[(left + x) / 8] = static_cast<uint8_t>(row[(left + x) / 8] | 0x80 >> (left + x) % 8);
+    }
+}
+
 void Demand(bool good, const char* what) {
     if (good) return;
     std::fprintf(stderr, "bench: %s failed\n", what);
@@ -127,14 +152,13 @@ BitmapHandle* PageBitmap() {
     static BitmapHandle* page = nullptr;
     if (page) return page;
     page = EmptyBitmap(PageWidth, PageHeight, 1, Z_ORDER_RGB);
-    for (int32_t y = 0; y < PageHeight; ++y) {
-        uint8_t* row = Data(page) + static_cast<size_t>(y) * page->BytesPerLine;
-        const bool line = y % 190 < 120; // lines of text and the space between them
-        for (uint32_t x = 0; x < page->BytesPerLine; ++x) {
-            const uint32_t stroke = Hash(x / 5, static_cast<uint32_t>(y) / 24, 4);
-            row[x] = line && stroke % 5 < 2 ? static_cast<uint8_t>(0xFF >> (stroke >> 8) % 8) : 0;
+    std::fill_n(Data(page), page->Size, uint8_t{0});
+    for (int32_t top = Margin, line = 0; top + LineHeight <= PageHeight - Margin; top += LineHeight, ++line)
+        for (int32_t left = Margin, place = 0; left + LetterWidth <= PageWidth - Margin;
+             left += LetterWidth, ++place) {
+            const uint32_t letter = Hash(static_cast<uint32_t>(place), static_cast<uint32_t>(line), 4);
+            if (letter % 6 != 0) DrawLetter(page, left, top, letter >> 8 & 31);
         }
-    }
     return page;
 }
 

@@ -28,7 +28,7 @@ const std::vector<RGBQUAD>& Palette256();
 BitmapHandle* PhotographBitmap(int32_t bitsPerPixel, int32_t order);
 BitmapHandle* EmptyBitmap(int32_t width, int32_t height, int32_t bitsPerPixel, int32_t order);
 
-// A 1-bit page of text-like strokes.
+// A 1-bit page of text, ink as 1 bits: letters of strokes, lines of them, margins.
 BitmapHandle* PageBitmap();
 
 // The first byte of a conventional bitmap's data.

@@ -66,7 +66,11 @@ enum WorkNumber {
     From24ToPalette,
     MatchTable,
     OddDepths, // and what follows: 1000 + depth * 2 + direction
-    FreshMemory = 2000
+    FreshMemory = 2000,
+    PageToRuns = 2100,
+    RunsToPage,
+    FlipRuns,
+    MirrorRuns
 };
 
 } // namespace bench

@@ -26,6 +26,17 @@ const Adds adds([] {
                            pixConvert1To8(target, Page(), 0, 255);
                            Touch(pixGetData(target));
                        }});
+    // In place, which spares it a copy.
+    AddPeer(FlipRuns, {"Leptonica on packed bits", 5, [] {
+                           static PIX* page = pixCopy(nullptr, Page());
+                           pixFlipTB(page, page);
+                           Touch(pixGetData(page));
+                       }});
+    AddPeer(MirrorRuns, {"Leptonica on packed bits", 2, [] {
+                             static PIX* page = pixCopy(nullptr, Page());
+                             pixFlipLR(page, page);
+                             Touch(pixGetData(page));
+                         }});
 });
 
 } // namespace
