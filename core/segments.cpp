@@ -1,6 +1,7 @@
 // Z_PutBitmapRowSegments: pieces of a row, exact to the pixel at every depth. Pixels of 1 to 7 bits are
 // packed from the top bit of a byte down, pixels of 12 bits from the bottom bit up; all others are whole
 // bytes.
+#include "core/bit_merge.h"
 #include "core/exact_rows.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
@@ -14,67 +15,6 @@
 namespace zkr {
 
 namespace {
-
-// A place in a string of bits.
-template <typename Byte> struct BitPlace {
-    Byte* Data;
-    uint64_t Bit;
-};
-
-// Copies a string of bits onto another, whatever their phases. No byte is touched, and none is read, that
-// holds none of the bits.
-template <bool topFirst> class BitMerge {
-  public:
-    BitMerge(BitPlace<uint8_t> target, BitPlace<const uint8_t> source, uint64_t count)
-        : target_(target.Data + target.Bit / 8), source_(source.Data + source.Bit / 8),
-          start_(target.Bit % 8), end_(start_ + count),
-          distance_(static_cast<int64_t>(source.Bit % 8) - static_cast<int64_t>(start_)) {}
-
-    void Run() {
-        const uint64_t bytes = (end_ + 7) / 8;
-        uint64_t byte = 0;
-        if (distance_ == 0) {
-            if (start_ != 0) MergeByte(byte++);
-            const uint64_t whole = end_ / 8;
-            if (whole > byte) {
-                std::memcpy(target_ + byte, source_ + byte, static_cast<size_t>(whole - byte));
-                byte = whole;
-            }
-        }
-        for (; byte < bytes; ++byte)
-            MergeByte(byte);
-    }
-
-  private:
-    // The bits of a byte from a position on, in the order of the string.
-    static unsigned BitsFrom(uint64_t position) {
-        return topFirst ? 0xFFu >> position : 0xFFu << position & 0xFFu;
-    }
-
-    void MergeByte(uint64_t byte) {
-        const uint64_t begin = byte == 0 ? start_ : 0;
-        const uint64_t stop = std::min<uint64_t>(8, end_ - byte * 8);
-        const unsigned mask = BitsFrom(begin) & ~BitsFrom(stop);
-
-        const int64_t place = static_cast<int64_t>(byte * 8) + distance_;
-        const int64_t firstNeeded = (place + static_cast<int64_t>(begin)) >> 3;
-        const int64_t lastNeeded = (place + static_cast<int64_t>(stop) - 1) >> 3;
-        const int64_t base = place >> 3;
-        const unsigned shift = static_cast<unsigned>(place & 7);
-        const unsigned first = base >= firstNeeded ? source_[base] : 0u;
-        const unsigned second = base + 1 <= lastNeeded ? source_[base + 1] : 0u;
-        const unsigned bits =
-            topFirst ? first << shift | second >> (8 - shift) : first >> shift | second << (8 - shift);
-
-        target_[byte] = static_cast<uint8_t>((target_[byte] & ~mask) | (bits & mask));
-    }
-
-    uint8_t* target_;
-    const uint8_t* source_;
-    uint64_t start_;   // first bit in the target's first byte
-    uint64_t end_;     // behind the last bit, counted from the same byte
-    int64_t distance_; // phase of the source less that of the target
-};
 
 // How pixels are written: their bits, and how many of the last ones stay as the destination has them.
 struct PixelForm {
@@ -130,9 +70,16 @@ Piece ClippedPiece(const BitmapHandle& bitmap, int32_t columnOffset, uint32_t st
             .Count = static_cast<uint32_t>(to - from)};
 }
 
-// Where a row is not in memory its bytes are fetched, merged and written back, a fixed buffer at a time.
-ReturnCode MergeThroughBuffer(BitmapHandle& bitmap, int32_t row, const uint8_t* buffer, PixelForm form,
-                              Piece piece) {
+// Where a row is not in memory its bytes are fetched, merged and written back, a fixed buffer at a time; a
+// piece that fills whole bytes is only written.
+ReturnCode MergeThroughStorage(BitmapHandle& bitmap, int32_t row, const uint8_t* buffer, PixelForm form,
+                               Piece piece) {
+    const uint64_t bits = uint64_t{piece.Count} * form.Bits,
+                   sourceBit = uint64_t{piece.SourceColumn} * form.Bits;
+    if (form.KeptBits == 0 && (bits | sourceBit | uint64_t{piece.Column} * form.Bits) % 8 == 0)
+        return WriteExactly(bitmap, buffer + sourceBit / 8, row, static_cast<int32_t>(piece.Column),
+                            static_cast<uint32_t>(bits / 8));
+
     std::array<uint8_t, 4096> window;
     const uint32_t mostPixels = static_cast<uint32_t>((window.size() - 1) * 8 / form.Bits);
     while (piece.Count > 0) {
@@ -172,11 +119,12 @@ ReturnCode Z_CALL Z_PutBitmapRowSegments(BitmapHandle* bitmap, const void* buffe
 
     for (uint32_t entry = 0; entry + 1 < segmentEntries; entry += 2) {
         const Piece piece = ClippedPiece(*bitmap, columnOffset, segments[entry], segments[entry + 1]);
+        if (piece.Count == 0) continue;
         if (data != nullptr) {
             MergePixels(form, {data, uint64_t{piece.Column} * form.Bits},
                         {source, uint64_t{piece.SourceColumn} * form.Bits}, piece.Count);
         } else {
-            const ReturnCode result = MergeThroughBuffer(*bitmap, row, source, form, piece);
+            const ReturnCode result = MergeThroughStorage(*bitmap, row, source, form, piece);
             if (result != code::Success) return result;
         }
     }
