@@ -8,4 +8,7 @@ namespace zkr {
 // Releases the palette, in whichever form it is, and clears the field. A record without one is left alone.
 void ReleasePalette(BitmapHandle& bitmap);
 
+// Releases the region, where there is one, and clears the field.
+void ReleaseRegion(BitmapHandle& bitmap);
+
 } // namespace zkr

@@ -57,11 +57,6 @@ void GivePalette(BitmapHandle& bitmap, bool gray, const RGBQUAD* palette) {
         Z_CreateBitmapFixedPalette(&bitmap);
 }
 
-void ReleaseRegion(BitmapHandle& bitmap) {
-    if (bitmap.Region != nullptr && dispatch.FreeBitmapRegion != nullptr) dispatch.FreeBitmapRegion(&bitmap);
-    bitmap.Region = nullptr;
-}
-
 } // namespace
 
 void ReleasePalette(BitmapHandle& bitmap) {
@@ -71,6 +66,11 @@ void ReleasePalette(BitmapHandle& bitmap) {
     else
         platform::DeleteObject(bitmap.Palette);
     bitmap.Palette = nullptr;
+}
+
+void ReleaseRegion(BitmapHandle& bitmap) {
+    if (bitmap.Region != nullptr && dispatch.FreeBitmapRegion != nullptr) dispatch.FreeBitmapRegion(&bitmap);
+    bitmap.Region = nullptr;
 }
 
 } // namespace zkr

@@ -47,9 +47,33 @@ ReturnCode CopyBitmapDataExactly(BitmapHandle* destination, BitmapHandle* source
     return CopyData(destination, source, RowFailures::Returned);
 }
 
+ReturnCode MakeEmptyCopy(BitmapHandle& target, BitmapHandle& source, int32_t width, int32_t height,
+                         std::optional<int32_t> memoryType) {
+    constexpr uint32_t attachments = Z_DUP_PALETTE | Z_DUP_REGION;
+    const uint32_t data = memoryType ? 0 : Z_DUP_DATA;
+    ReturnCode result =
+        Z_DupBitmapNewDim(&target, &source, width, height, source.BitsPerPixel, attachments | data);
+    if (result != code::Success || !memoryType) return result;
+    result = Z_AllocateBitmap(&target, *memoryType);
+    if (result != code::Success) Z_FreeDuplicateBitmap(&target, attachments);
+    return result;
+}
+
 } // namespace zkr
 
 using namespace zkr;
+
+namespace {
+
+ReturnCode CopyWhole(BitmapHandle& destination, BitmapHandle& source, std::optional<int32_t> memoryType) {
+    ReturnCode status = MakeEmptyCopy(destination, source, source.Width, source.Height, memoryType);
+    if (status != code::Success) return status;
+    status = Z_CopyBitmapData(&destination, &source);
+    if (status != code::Success) Z_FreeBitmap(&destination);
+    return status;
+}
+
+} // namespace
 
 ReturnCode Z_CALL Z_CopyBitmapData(BitmapHandle* destination, BitmapHandle* source) {
     return CopyData(destination, source, RowFailures::Ignored);
@@ -60,10 +84,10 @@ ReturnCode Z_CALL Z_CopyBitmap(BitmapHandle* destination, BitmapHandle* source) 
     if (destination == source) return code::Success;
     if (HasFlag(*source, flag::Compressed) && Z_IsSupportLocked(Z_SUPPORT_DOCUMENT) != 0)
         return code::DocumentLocked;
-    ReturnCode status = Z_DupBitmapNewDim(destination, source, source->Width, source->Height,
-                                          source->BitsPerPixel, Z_DUP_DATA | Z_DUP_PALETTE | Z_DUP_REGION);
-    if (status != code::Success) return status;
-    status = Z_CopyBitmapData(destination, source);
-    if (status != code::Success) Z_FreeBitmap(destination);
-    return status;
+    return CopyWhole(*destination, *source, std::nullopt);
+}
+
+ReturnCode Z_CALL Z_CopyBitmap2(BitmapHandle* destination, BitmapHandle* source, int32_t memoryType) {
+    if (destination == nullptr || !IsAllocated(source)) return code::InvalidArgument;
+    return destination == source ? code::Success : CopyWhole(*destination, *source, memoryType);
 }

@@ -1,8 +1,8 @@
 // Copies between all storage classes, their reports and their refusals.
 #include "core/replacement.h"
+#include "core/reports.h"
 #include "core/test_bitmaps.h"
 #include "zkr13n/copy.h"
-#include "zkr13n/frame.h"
 #include "zkr13n/locks.h"
 
 namespace zkr::test {
@@ -16,19 +16,6 @@ struct Colour : Bitmap {
         Allocate(*this, storage, Data);
     }
     Bytes Data;
-};
-
-struct Reports {
-    std::vector<int32_t> Seen;
-    size_t StopAt = SIZE_MAX;
-
-    Reports() { Z_SetCopyStatusCallBack(Hear, reinterpret_cast<intptr_t>(this)); }
-    ~Reports() { Z_SetCopyStatusCallBack(nullptr, 0); }
-    static ReturnCode Z_CALL Hear(int32_t percent, intptr_t userData) {
-        auto& self = *reinterpret_cast<Reports*>(userData);
-        self.Seen.push_back(percent);
-        return self.Seen.size() > self.StopAt ? -29 : 1;
-    }
 };
 
 ReturnCode Z_CALL NeverCalled(int32_t, intptr_t) {
@@ -67,20 +54,20 @@ TEST(CopyData, ReportsToTheCopyCallback) {
     Colour source(4, 8), destination(4, 8), partial(4, 8);
     Bytes pixels = Fill(source, 9);
     Z_SetStatusCallBack(NeverCalled, 0);
-    Reports reports;
+    Reports reports(Z_SetCopyStatusCallBack);
     EXPECT_EQ(Z_CopyBitmapData(&destination, &source), 1);
     EXPECT_EQ(reports.Seen, (std::vector<int32_t>{0, 12, 25, 37, 50, 62, 75, 87, 100}));
 
     reports.Seen.clear();
     reports.StopAt = 3;
-    EXPECT_EQ(Z_CopyBitmapData(&partial, &source), -29);
+    EXPECT_EQ(Z_CopyBitmapData(&partial, &source), Reports::Stopped);
     EXPECT_EQ(reports.Seen, (std::vector<int32_t>{0, 12, 25, 37}));
     std::fill(pixels.begin() + 3 * 12, pixels.end(), uint8_t{0});
     EXPECT_EQ(Rows(partial), pixels);
 
     BitmapHandle copy = {};
     reports.Seen.clear();
-    EXPECT_EQ(Z_CopyBitmap(&copy, &source), -29);
+    EXPECT_EQ(Z_CopyBitmap(&copy, &source), Reports::Stopped);
     EXPECT_EQ(copy.Flags & flag::Allocated, 0u);
     Z_SetStatusCallBack(nullptr, 0);
 }

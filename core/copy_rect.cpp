@@ -1,0 +1,148 @@
+// Rectangles of a bitmap as bitmaps of their own, exact to the pixel at every depth and phase. What of the
+// rectangle lies outside the source keeps the new bitmap's fresh content.
+#include "core/attachments.h"
+#include "core/bitmap_lock.h"
+#include "core/copy.h"
+#include "core/dispatch.h"
+#include "core/exact_rows.h"
+#include "core/flags.h"
+#include "core/progress.h"
+#include "core/return_codes.h"
+#include "core/scratch.h"
+#include "core/sizes.h"
+#include "core/storage/storage_class.h"
+#include "zkr13n/copy.h"
+#include "zkr13n/rows.h"
+
+#include <algorithm>
+
+namespace zkr {
+
+namespace {
+
+// Columns or rows that the source has, and where they go.
+struct Span {
+    // Of a stretch that may hang over either end of the source.
+    Span(int32_t start, int32_t length, int32_t size)
+        : From(std::max(start, 0)),
+          Count(std::max<int64_t>(std::min<int64_t>(int64_t{start} + length, size) - From, 0)),
+          To(int64_t{From} - start) {}
+
+    int32_t From;  // in the source
+    int64_t Count; // none: nothing of the stretch lies inside
+    int64_t To;    // in the target
+};
+
+struct Rectangle {
+    int32_t Left, Top, Width, Height;
+};
+
+ReturnCode MoveRegion(BitmapHandle& target, BitmapHandle& source, const Rectangle& rectangle) {
+    if (dispatch.CopyBitmapRegion == nullptr) return code::Success;
+    ReleaseRegion(target);
+    const auto negative = [](int32_t offset) {
+        return static_cast<int32_t>(0u - static_cast<uint32_t>(offset));
+    };
+    return dispatch.CopyBitmapRegion(&target, &source, negative(rectangle.Left), negative(rectangle.Top));
+}
+
+// The source's pixels are taken from the last column before them that begins with a byte, whatever the depth.
+struct SourcePixels {
+    SourcePixels(const BitmapHandle& bitmap, const Span& columns)
+        : First(static_cast<uint32_t>(columns.From) % 8), Column(columns.From - static_cast<int32_t>(First)),
+          Bytes(static_cast<uint32_t>((First + columns.Count) * bitmap.BitsPerPixel + 7) / 8) {}
+
+    // A row's pixels where they stand in memory, else in the buffer; null when they cannot be read.
+    const uint8_t* Fetch(BitmapHandle& bitmap, int32_t row, uint8_t* buffer) const {
+        const storage::StorageClass* storageClass = storage::ClassOf(bitmap);
+        const uint8_t* data = storageClass == nullptr ? nullptr : storageClass->ReachRow(bitmap, row);
+        if (data != nullptr) return data + ColumnOffset(bitmap.BitsPerPixel, Column);
+        return ReadExactly(bitmap, buffer, row, Column, Bytes) == code::Success ? buffer : nullptr;
+    }
+
+    uint32_t First; // of the columns wanted, counted from Column
+    int32_t Column; // the first one fetched
+    uint32_t Bytes;
+};
+
+// Rows that cannot be moved are not reported. The steps are those of the whole height asked for.
+ReturnCode CopyRows(BitmapHandle& target, BitmapHandle& source, const Span& columns, const Span& rows,
+                    int32_t height, const SourcePixels& pixels, uint8_t* buffer) {
+    const BitmapLock sourceLock(&source), targetLock(&target);
+    const uint32_t segment[] = {pixels.First, pixels.First + static_cast<uint32_t>(columns.Count)};
+    const auto offset = static_cast<int32_t>(columns.To - pixels.First);
+    Progress progress(StatusReceiver::Copy(), height);
+    ReturnCode status = progress.Begin();
+    for (int32_t row = 0; row < rows.Count && status == code::Success; ++row) {
+        if (const uint8_t* data = pixels.Fetch(source, rows.From + row, buffer))
+            Z_PutBitmapRowSegments(&target, data, static_cast<int32_t>(rows.To) + row, offset, segment, 2, 0);
+        status = progress.Step();
+    }
+    return status;
+}
+
+enum class Replaces { Nothing, TheSource };
+
+// On failure, and when nothing replaces the source, a target of the library's own is freed.
+ReturnCode CopyInto(BitmapHandle& target, BitmapHandle& source, const Rectangle& rectangle,
+                    Replaces replaces) {
+    ReturnCode status = MoveRegion(target, source, rectangle);
+    if (status != code::Success) {
+        target.Region = nullptr;
+        Z_FreeBitmap(&target);
+        return status;
+    }
+    const Span columns(rectangle.Left, rectangle.Width, source.Width);
+    const Span rows(rectangle.Top, rectangle.Height, source.Height);
+    if (columns.Count == 0 || rows.Count == 0) {
+        if (replaces == Replaces::TheSource) Z_FreeBitmap(&target);
+        return code::Success;
+    }
+    const SourcePixels pixels(source, columns);
+    ScratchBuffer<uint8_t> buffer(pixels.Bytes);
+    if (!buffer) {
+        Z_FreeBitmap(&target);
+        return code::OutOfMemory;
+    }
+    status = CopyRows(target, source, columns, rows, rectangle.Height, pixels, buffer.data());
+    if (replaces == Replaces::TheSource) {
+        Z_FreeBitmap(&source);
+        Z_CopyBitmapHandle(&source, &target);
+    }
+    return status;
+}
+
+ReturnCode CopyRectangle(BitmapHandle* destination, BitmapHandle* source, const Rectangle& rectangle,
+                         std::optional<int32_t> memoryType) {
+    if (!IsAllocated(source)) return code::InvalidArgument;
+    const bool replaces = destination == nullptr || destination == source;
+    BitmapHandle temporary;
+    BitmapHandle& target = replaces ? temporary : *destination;
+    const ReturnCode made = MakeEmptyCopy(target, *source, rectangle.Width, rectangle.Height, memoryType);
+    if (made != code::Success) return made;
+    return CopyInto(target, *source, rectangle, replaces ? Replaces::TheSource : Replaces::Nothing);
+}
+
+} // namespace
+
+} // namespace zkr
+
+using namespace zkr;
+
+ReturnCode Z_CALL Z_CopyBitmapRect(BitmapHandle* destination, BitmapHandle* source, int32_t left, int32_t top,
+                                   int32_t width, int32_t height) {
+    return CopyRectangle(destination, source, {left, top, width, height}, std::nullopt);
+}
+
+ReturnCode Z_CALL Z_CopyBitmapRect2(BitmapHandle* destination, BitmapHandle* source, int32_t left,
+                                    int32_t top, int32_t width, int32_t height, int32_t memoryType) {
+    return CopyRectangle(destination, source, {left, top, width, height}, memoryType);
+}
+
+ReturnCode Z_CALL Z_TrimBitmap(BitmapHandle* bitmap, int32_t left, int32_t top, int32_t width,
+                               int32_t height) {
+    if (!IsAllocated(bitmap)) return code::InvalidArgument;
+    const Span columns(left, width, bitmap->Width), rows(top, height, bitmap->Height);
+    return Z_CopyBitmapRect(nullptr, bitmap, columns.From, rows.From, static_cast<int32_t>(columns.Count),
+                            static_cast<int32_t>(rows.Count));
+}
