@@ -3,6 +3,7 @@
 #include "colour/fill_row.h"
 
 #include "colour/colour_value.h"
+#include "colour/gray_shift.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "zkr13n/gray.h"
@@ -26,14 +27,6 @@ Pattern LowFirst(uint64_t value, uint32_t length) {
     for (uint32_t i = 0; i < length; ++i)
         pattern.Bytes[i] = static_cast<uint8_t>(value >> (8 * i));
     return pattern;
-}
-
-// Shifts that a window outside the pixel could ask for give 0.
-uint32_t ShiftRight(uint32_t value, int32_t bits) {
-    return bits < 0 || bits > 31 ? 0 : value >> bits;
-}
-uint32_t ShiftLeft(uint32_t value, int32_t bits) {
-    return bits < 0 || bits > 31 ? 0 : value << bits;
 }
 
 struct GrayWindow {
