@@ -1,6 +1,7 @@
 // Chooses the kernels of a conversion and their parameters.
 #include "colour/convert_plan.h"
 
+#include "colour/gray_window.h"
 #include "colour/kept_palette_map.h"
 #include "colour/palette_search.h"
 #include "colour/rows/kernel_set.h"
@@ -20,13 +21,6 @@ using rows::RowParameters;
 using rows::Source;
 using rows::StretchGray;
 using rows::Target;
-
-// Where the value lies in a gray pixel.
-struct GrayWindow {
-    uint32_t Bits;
-    uint32_t Mask;
-    uint32_t Shift;
-};
 
 namespace {
 
@@ -52,18 +46,6 @@ bool IsWholePixel(const ConvertRequest& request, int32_t depth) {
     return request.LowBit < 1 && (request.HighBit < 0 || request.HighBit == int64_t{PixelBits(depth)} - 1);
 }
 
-// Whatever the bits that a caller asks for, the result can be shifted by and divided by.
-GrayWindow MakeWindow(int32_t depth, int32_t maximumBits, int32_t lowBit, int32_t highBit) {
-    int32_t bits = 0;
-    uint32_t mask = 0;
-    int32_t shift = 0;
-    constexpr int32_t farthest = 64;
-    Z_GetGrayParams(PixelBits(depth), maximumBits, std::clamp(lowBit, -1, farthest),
-                    std::clamp(highBit, -1, farthest), &bits, &mask, &shift);
-    const auto kept = static_cast<uint32_t>(std::clamp(bits, 0, 16));
-    return {kept, (1u << kept) - 1, static_cast<uint32_t>(std::clamp(shift, 0, 31))};
-}
-
 // A gray of eight bits to the bits of a window.
 GrayScale EightBitsTo(const GrayWindow& window) {
     return window.Bits <= 8 ? MakeGrayScale(1u << window.Bits, 256, window.Shift)
@@ -85,10 +67,11 @@ int32_t ValueBitsFor(const ConvertRequest& request) {
 
 GrayWindow WindowFrom12(const ConvertRequest& request) {
     const int32_t maximum = request.SourcePalette == nullptr ? ValueBitsFor(request) : 12;
-    if (request.Has(Z_CONVERT_SOURCE_WINDOW)) return MakeWindow(12, maximum, request.LowBit, request.HighBit);
+    if (request.Has(Z_CONVERT_SOURCE_WINDOW))
+        return MakeGrayWindow(12, maximum, request.LowBit, request.HighBit);
     if (request.Has(Z_CONVERT_TARGET_WINDOW))
-        return MakeWindow(request.TargetBits, 12, request.LowBit, request.HighBit);
-    return MakeWindow(12, maximum, -1, -1);
+        return MakeGrayWindow(request.TargetBits, 12, request.LowBit, request.HighBit);
+    return MakeGrayWindow(12, maximum, -1, -1);
 }
 
 // Decides which bits of a 16-bit pixel are read and, for a gray target, where they are written.
@@ -98,22 +81,22 @@ GrayWindow WindowFrom16(const ConvertRequest& request) {
     const bool lookup = request.SourcePalette != nullptr;
     const int32_t targetBits = PixelBits(request.TargetBits);
     if (sourceGray && request.Has(Z_CONVERT_SOURCE_WINDOW))
-        return MakeWindow(16, lookup ? 16 : ValueBitsFor(request), request.LowBit, request.HighBit);
+        return MakeGrayWindow(16, lookup ? 16 : ValueBitsFor(request), request.LowBit, request.HighBit);
     if (targetGray && request.Has(Z_CONVERT_TARGET_WINDOW))
-        return MakeWindow(targetBits, lookup ? 8 : targetBits, request.LowBit, request.HighBit);
+        return MakeGrayWindow(targetBits, lookup ? 8 : targetBits, request.LowBit, request.HighBit);
     if (targetGray && (!sourceGray || lookup))
-        return MakeWindow(targetBits, targetBits >= 48 ? 16 : 8, -1, -1);
-    if (sourceGray && lookup) return MakeWindow(16, 16, -1, -1);
+        return MakeGrayWindow(targetBits, targetBits >= 48 ? 16 : 8, -1, -1);
+    if (sourceGray && lookup) return MakeGrayWindow(16, 16, -1, -1);
     const int32_t narrow = targetGray && request.TargetBits != 0 ? request.TargetBits : 8;
-    return MakeWindow(16, targetBits >= 48 ? 16 : narrow, -1, -1);
+    return MakeGrayWindow(16, targetBits >= 48 ? 16 : narrow, -1, -1);
 }
 
 // Where a gray target of 12 or 16 bits takes its value from sources that are not gray words. A window without
 // a high bit ends at the top of the stated depth.
 GrayWindow TargetWindow(const ConvertRequest& request, int32_t depth) {
     const bool given = request.Has(Z_CONVERT_TARGET_WINDOW);
-    return given ? MakeWindow(depth, request.TargetBits, request.LowBit, request.HighBit)
-                 : MakeWindow(request.TargetBits, request.TargetBits, -1, -1);
+    return given ? MakeGrayWindow(depth, request.TargetBits, request.LowBit, request.HighBit)
+                 : MakeGrayWindow(request.TargetBits, request.TargetBits, -1, -1);
 }
 
 Source ColourSource(int32_t bits) {

@@ -1,6 +1,7 @@
 // The gray window: which bits of a gray pixel are its value, and the fields of the record that carry it.
 #include "zkr13n/gray.h"
 
+#include "colour/gray_window.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
 #include "zkr13n/allocation.h"
@@ -8,6 +9,21 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+
+namespace zkr {
+
+GrayWindow MakeGrayWindow(int32_t depth, int32_t maximumBits, int32_t lowBit, int32_t highBit) {
+    int32_t bits = 0;
+    uint32_t mask = 0;
+    int32_t shift = 0;
+    constexpr int32_t farthest = 64;
+    Z_GetGrayParams(depth == 0 ? 8 : depth, maximumBits, std::clamp(lowBit, -1, farthest),
+                    std::clamp(highBit, -1, farthest), &bits, &mask, &shift);
+    const auto kept = static_cast<uint32_t>(std::clamp(bits, 0, 16));
+    return {kept, (1u << kept) - 1, static_cast<uint32_t>(std::clamp(shift, 0, 31))};
+}
+
+} // namespace zkr
 
 using namespace zkr;
 

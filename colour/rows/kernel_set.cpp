@@ -16,13 +16,14 @@ namespace zkr::rows {
     namespace set {                                                                                          \
     extern const ConvertKernels convertKernels;                                                              \
     extern const MatchKernels matchKernels;                                                                  \
+    extern const CountKernels countKernels;                                                                  \
     }
 ZKR_FOR_EACH_SET(ZKR_DECLARE_TABLES)
 #undef ZKR_DECLARE_TABLES
 
 namespace {
 
-#define ZKR_LIST_TABLES(set) {#set, set::convertKernels, set::matchKernels},
+#define ZKR_LIST_TABLES(set) {#set, set::convertKernels, set::matchKernels, set::countKernels},
 constexpr RowKernels allSets[] = {ZKR_FOR_EACH_SET(ZKR_LIST_TABLES)};
 #undef ZKR_LIST_TABLES
 

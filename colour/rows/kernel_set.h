@@ -11,11 +11,13 @@ namespace zkr::rows {
 
 struct ConvertKernels; // row_kernel.h
 struct MatchKernels;   // palette_match.h
+struct CountKernels;   // colour_set.h
 
 struct RowKernels {
     const char* Name; // as ZKR_CPU names it
     const ConvertKernels& Convert;
     const MatchKernels& Match;
+    const CountKernels& Count;
 };
 
 // The kernels that this process uses: the best set that the processor has, or the one that the environment

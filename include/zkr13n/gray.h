@@ -58,6 +58,31 @@ Z_API ReturnCode Z_CALL Z_CopyGrayParams(BitmapHandle* target, const BitmapHandl
  */
 Z_API void Z_CALL Z_FreeGrayParams(BitmapHandle* bitmap);
 
+/*
+ * Counts the distinct colours of a bitmap inside its region, or of the whole bitmap without one, and ends as
+ * soon as the answer is known.
+ *
+ * bitmap   in: an allocated bitmap; its row cache is changed
+ * colors   in: with a palette the room in it, in entries. out: the count. With a palette it is at most the
+ *          room + 1, which tells that there are more colours than room.
+ * palette  out, may be null: the colours in the order in which they are found, row by row, as far as there is
+ *          room, with a reserved byte of 0
+ *
+ * Colours are told apart by red, green and blue alone: of indices by the entries of the palette (an index
+ * without an entry is black); at 16 bits by the 15 bits of colour, which come into the palette widened to
+ * 8 bits; at 48 and 64 bits by the high bytes. Gray pixels of 12 and 16 bits are told apart by their value in
+ * the window from LowBit to HighBit, of which with a palette the upper 8 bits count and come into it as red,
+ * green and blue; with an active level table by the table's entry (a value behind its end is black).
+ *
+ * The status callback of the thread gets its percentage by rows, and 100 once when the count ends early.
+ *
+ * Returns Z_SUCCESS; Z_ERROR_BITMAP for a bitmap that is null or not allocated; Z_ERROR_ARGUMENT for null
+ * colors; Z_ERROR_MEMORY when working memory is missing, at most 2 MB and a row; the failures of reading a
+ * row and of the region; any other result of the status callback, which stops the count. On failure colors
+ * stays as it was, and entries of the palette may be written.
+ */
+Z_API ReturnCode Z_CALL Z_GetBitmapColorCountExt(BitmapHandle* bitmap, uint32_t* colors, RGBQUAD* palette);
+
 Z_END_DECLS
 
 #endif

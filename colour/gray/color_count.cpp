@@ -1,0 +1,272 @@
+// Counts the distinct colours of a bitmap: a bit for each colour that there can be, and the pixels of its
+// region one after the other until the answer is known.
+#include "colour/colour_value.h"
+#include "colour/convert_plan.h"
+#include "colour/gray_window.h"
+#include "colour/level_table.h"
+#include "colour/rows/colour_set.h"
+#include "colour/rows/kernel_set.h"
+#include "core/exact_rows.h"
+#include "core/region_rows.h"
+#include "core/row_walk.h"
+#include "zkr13n/gray.h"
+#include "zkr13n/palettes.h"
+
+#include <cstring>
+
+namespace zkr {
+
+namespace {
+
+// A multiple of 8, so that every piece of a row begins on a byte.
+constexpr size_t piecePixels = 512;
+
+// What pixels are counted by: bytes with an index, words with a gray value or a colour, colours of four
+// bytes.
+enum class Unit { Index, Gray, Colour16, Colour32 };
+
+// A palette in which equal entries are folded to the first of them. Entries that are missing are black.
+struct FoldedPalette {
+    explicit FoldedPalette(const BitmapHandle& bitmap) {
+        const uint32_t entries = Z_GetBitmapPaletteEntries(&bitmap, 0, 256, Entries);
+        for (uint32_t i = 0; i < 256; ++i) {
+            uint32_t first = 0;
+            while (first < i && !IsSameColour(Entries[first], Entries[i]))
+                ++first;
+            First[i] = static_cast<uint8_t>(first);
+            if (first == i && i < entries) ++Distinct;
+        }
+    }
+    static bool IsSameColour(const RGBQUAD& a, const RGBQUAD& b) {
+        return ColourValue::OfEntry(a).Value() == ColourValue::OfEntry(b).Value();
+    }
+    RGBQUAD Entries[256] = {};
+    uint8_t First[256];
+    uint32_t Distinct = 0;
+};
+
+// The colours found so far.
+class Tally {
+  public:
+    Tally(RGBQUAD* palette, uint32_t room, uint64_t stop) : palette_(palette), room_(room), stop_(stop) {}
+
+    uint32_t count() const { return static_cast<uint32_t>(count_); }
+
+    // Whether the answer is known with this colour.
+    bool Add(RGBQUAD colour) {
+        if (palette_ != nullptr && count_ < room_) {
+            colour.rgbReserved = 0;
+            palette_[count_] = colour;
+        }
+        return ++count_ >= stop_;
+    }
+
+  private:
+    RGBQUAD* palette_;
+    uint64_t room_;
+    uint64_t stop_;
+    uint64_t count_ = 0;
+};
+
+// Pieces of a row to units, and units into the set.
+class ColourScan {
+  public:
+    ColourScan(const BitmapHandle& bitmap, const GrayWindow& window, const RGBQUAD* levels,
+               const FoldedPalette& palette, Tally& tally)
+        : bits_(static_cast<size_t>(bitmap.BitsPerPixel)), isRgb_(bitmap.Order == Z_ORDER_RGB),
+          window_(window), palette_(palette), tally_(tally) {
+        PlanStages(bitmap, levels);
+        set_.emplace(SetWords());
+        if (*set_) std::memset(set_->data(), 0, SetWords() * sizeof(uint32_t));
+    }
+
+    explicit operator bool() const { return static_cast<bool>(*set_); }
+
+    // Counts the pixels of a segment; true when the answer is known.
+    bool Count(const uint8_t* row, size_t begin, size_t end) {
+        for (size_t piece = begin & ~size_t{7}; piece < end; piece += piecePixels) {
+            const size_t pixels = std::min(end - piece, piecePixels);
+            const size_t skipped = begin > piece ? begin - piece : 0;
+            if (CountUnits(Read(row + piece / 8 * bits_, pixels), skipped, pixels)) return true;
+        }
+        return false;
+    }
+
+  private:
+    void PlanStages(const BitmapHandle& bitmap, const RGBQUAD* levels) {
+        const rows::ConvertKernels& kernels = rows::Kernels().Convert;
+        const auto toColour32 = [&](rows::Source source, const rows::RowParameters& parameters) {
+            constexpr auto target = static_cast<size_t>(rows::Target::Colour32);
+            Append({kernels.Convert[static_cast<size_t>(source)][target], parameters});
+            unit_ = Unit::Colour32;
+        };
+        if (bits_ <= 8) {
+            const rows::RowParameters fold{.Table = palette_.First};
+            Append({bits_ == 8 ? kernels.MapBytes : kernels.Unpack[bits_], fold});
+            unit_ = Unit::Index;
+            return;
+        }
+        if (bits_ == 12) Append({kernels.Unpack12, {}});
+        if (bits_ <= 16) {
+            unit_ = HasGrayWords(bitmap) ? Unit::Gray : Unit::Colour16;
+            if (levels != nullptr)
+                toColour32(rows::Source::GrayLookup,
+                           {.Table = levels, .Mask = window_.Mask, .Shift = window_.Shift});
+            return;
+        }
+        const rows::Source source = bits_ == 24   ? rows::Source::Colour24
+                                    : bits_ == 32 ? rows::Source::Colour32
+                                    : bits_ == 48 ? rows::Source::Deep48
+                                                  : rows::Source::Deep64;
+        toColour32(source, {.SourceIsRgb = isRgb_});
+    }
+
+    void Append(const ConvertStage& stage) { stages_[stageCount_++] = stage; }
+
+    size_t SetWords() const {
+        switch (unit_) {
+        case Unit::Index: return 256 / 32;
+        case Unit::Gray: return (size_t{window_.Mask} + 32) / 32;
+        case Unit::Colour16: return 0x8000 / 32;
+        default: return rows::colourSetWords;
+        }
+    }
+
+    const uint8_t* Read(const uint8_t* source, size_t pixels) {
+        for (size_t i = 0; i < stageCount_; ++i) {
+            stages_[i].Kernel(source, units_[i], pixels, stages_[i].Parameters);
+            source = units_[i];
+        }
+        return source;
+    }
+
+    bool CountUnits(const uint8_t* units, size_t first, size_t end) {
+        switch (unit_) {
+        case Unit::Index: return CountKeys<uint8_t>(units, first, end, [](uint32_t index) { return index; });
+        case Unit::Gray:
+            return CountKeys<uint16_t>(units, first, end,
+                                       [mask = window_.Mask, shift = window_.Shift](uint32_t pixel) {
+                                           return pixel >> shift & mask;
+                                       });
+        case Unit::Colour16:
+            return CountKeys<uint16_t>(units, first, end, [](uint32_t pixel) { return pixel & 0x7FFF; });
+        default: return CountColours(units, first, end);
+        }
+    }
+
+    template <typename T, typename KeyOf>
+    bool CountKeys(const uint8_t* units, size_t first, size_t end, KeyOf keyOf) {
+        for (size_t i = first; i < end; ++i) {
+            T unit;
+            std::memcpy(&unit, units + i * sizeof(T), sizeof(T));
+            const uint32_t key = keyOf(unit);
+            if (IsNew(key) && tally_.Add(ColourOf(key))) return true;
+        }
+        return false;
+    }
+
+    bool CountColours(const uint8_t* quads, size_t first, size_t end) {
+        const auto skipKnown = rows::Kernels().Count.SkipKnown;
+        constexpr size_t group = rows::colourGroupPixels;
+        while (first < end) {
+            first += skipKnown(quads + first * 4, end - first, set_->data());
+            for (const size_t groupEnd = std::min(first + group, end); first < groupEnd; ++first) {
+                uint32_t quad;
+                RGBQUAD colour;
+                std::memcpy(&quad, quads + first * 4, sizeof quad);
+                std::memcpy(&colour, quads + first * 4, sizeof colour);
+                if (IsNew(rows::ColourSetBit(quad)) && tally_.Add(colour)) return true;
+            }
+        }
+        return false;
+    }
+
+    bool IsNew(uint32_t key) {
+        uint32_t& word = (*set_)[key >> 5];
+        const uint32_t bit = 1u << (key & 31);
+        if ((word & bit) != 0) return false;
+        word |= bit;
+        return true;
+    }
+
+    RGBQUAD ColourOf(uint32_t key) const {
+        if (unit_ == Unit::Index) return palette_.Entries[key];
+        const auto level = static_cast<uint8_t>(key);
+        if (unit_ == Unit::Gray) return {level, level, level, 0};
+        const auto widened = [key](uint32_t shift) {
+            const uint32_t channel = key >> shift & 31;
+            return static_cast<uint8_t>(channel << 3 | channel >> 2);
+        };
+        return {widened(isRgb_ ? 10 : 0), widened(5), widened(isRgb_ ? 0 : 10), 0};
+    }
+
+    size_t bits_;
+    bool isRgb_;
+    const GrayWindow& window_;
+    const FoldedPalette& palette_;
+    Tally& tally_;
+    Unit unit_ = Unit::Index;
+    size_t stageCount_ = 0;
+    ConvertStage stages_[2] = {};
+    uint8_t units_[2][piecePixels * 4];
+    std::optional<ScratchBuffer<uint32_t>> set_;
+};
+
+// The count with which the answer is known. Nothing but the number of its pixels bounds the colours of a
+// 16-bit colour bitmap.
+uint64_t StopCount(const BitmapHandle& bitmap, const FoldedPalette& palette, bool withPalette,
+                   uint32_t room) {
+    const uint64_t beyond = uint64_t{room} + 1;
+    if (bitmap.BitsPerPixel <= 8) return withPalette && room < palette.Distinct ? beyond : palette.Distinct;
+    if (withPalette) return beyond;
+    if (bitmap.BitsPerPixel == 12) return 1u << 12;
+    if (bitmap.BitsPerPixel >= 24) return 1u << 24;
+    return HasGrayWords(bitmap) ? 1u << 16 : ~uint64_t{0};
+}
+
+ReturnCode WalkRegion(BitmapHandle& bitmap, ColourScan& scan) {
+    RegionRows region(bitmap);
+    const ReturnCode begun = region.Begin();
+    if (begun != code::Success) return begun;
+    ScratchRow row(bitmap);
+    if (!row) return code::OutOfMemory;
+
+    const StatusReceiver receiver = StatusReceiver::Status();
+    bool known = false;
+    const ReturnCode status = WalkRows(&bitmap, region.rows(), receiver, [&](int32_t index) {
+        const int32_t y = region.top() + index;
+        std::span<const uint32_t> segments;
+        ReturnCode result = region.SegmentsOf(y, segments);
+        if (result == code::Success) result = ReadExactly(bitmap, row.data(), y, 0, bitmap.BytesPerLine);
+        if (result != code::Success) return result;
+        for (size_t i = 0; i < segments.size() && !known; i += 2)
+            known = scan.Count(row.data(), segments[i], segments[i + 1]);
+        return known ? code::General : code::Success; // ends the walk
+    });
+    return known ? receiver.Report(100) : status;
+}
+
+} // namespace
+
+} // namespace zkr
+
+using namespace zkr;
+
+ReturnCode Z_CALL Z_GetBitmapColorCountExt(BitmapHandle* bitmap, uint32_t* colors, RGBQUAD* palette) {
+    if (!IsAllocated(bitmap)) return code::InvalidBitmap;
+    if (colors == nullptr) return code::InvalidArgument;
+    const int32_t bits = bitmap->BitsPerPixel;
+    const uint32_t room = palette != nullptr ? *colors : 0;
+    const bool throughTable = HasGrayWords(*bitmap) && HasActiveLevelTable(*bitmap);
+    const GrayWindow window =
+        MakeGrayWindow(bits, palette != nullptr && !throughTable ? 8 : bits, bitmap->LowBit, bitmap->HighBit);
+    const LevelTable levels(*bitmap, window.Mask);
+    if (!levels) return code::OutOfMemory;
+    const FoldedPalette folded(*bitmap);
+    Tally tally(palette, room, StopCount(*bitmap, folded, palette != nullptr, room));
+    ColourScan scan(*bitmap, window, levels.Entries(), folded, tally);
+    if (!scan) return code::OutOfMemory;
+    const ReturnCode status = WalkRegion(*bitmap, scan);
+    if (status == code::Success) *colors = tally.count();
+    return status;
+}

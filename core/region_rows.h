@@ -1,0 +1,38 @@
+// The part of a bitmap that an operation may touch: the rows and segments of its region, or the whole bitmap
+// where it has none.
+#pragma once
+
+#include "core/return_codes.h"
+#include "core/scratch.h"
+#include "zkr13n/bitmap.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace zkr {
+
+class RegionRows {
+  public:
+    explicit RegionRows(BitmapHandle& bitmap) : bitmap_(bitmap) {}
+    RegionRows(const RegionRows&) = delete;
+    RegionRows& operator=(const RegionRows&) = delete;
+
+    // Asks for bounds and makes room for segments; the bounds are cut to the bitmap.
+    ReturnCode Begin();
+
+    int32_t top() const { return top_; }
+    int32_t rows() const { return rows_; }
+
+    // Pairs of columns inside the bitmap, ends not included; valid until the next call. A pair may be empty.
+    ReturnCode SegmentsOf(int32_t row, std::span<const uint32_t>& segments);
+
+  private:
+    BitmapHandle& bitmap_;
+    int32_t top_ = 0;
+    int32_t rows_ = 0;
+    uint32_t room_ = 0; // entries
+    std::optional<ScratchBuffer<uint32_t>> segments_;
+};
+
+} // namespace zkr
