@@ -1,6 +1,8 @@
 // Makes the pictures once and keeps them until the program ends.
 #include "pictures.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -61,7 +63,7 @@ constexpr int32_t LineHeight = 200;
 constexpr int32_t LetterWidth = 84;
 constexpr float Stem = 14;
 
-// Whether a letter has ink: two stems, a bowl and two bars, each there or not.
+// Whether a letter has ink: two stems, a bar high or sloping, a bowl or else a stroke that leans.
 bool IsInk(uint32_t letter, float x, float y) {
     const auto near = [](float distance) { return std::fabs(distance) < Stem / 2; };
     const bool bar = x > 8 && x < 68 && (letter & 8 ? near(y - 57) : near(y - 90 + x / 6));
@@ -71,12 +73,25 @@ bool IsInk(uint32_t letter, float x, float y) {
            (letter & 16 ? bowl : near(x - 38 + (y - 85) / 4) && y > 50 && y < 120);
 }
 
-void DrawLetter(BitmapHandle* page, int32_t left, int32_t top, uint32_t letter) {
-    for (int32_t y = 0; y < LineHeight; ++y) {
-        uint8_t* row = Data(page) + static_cast<size_t>(top + y) * page->BytesPerLine;
-        for (int32_t x = 0; x < LetterWidth; ++x)
-            if (IsInk(letter, static_cast<float>(x), static_cast<float>(y)))
-                row[(left + x) / 8] = static_cast<uint8_t>(row[(left + x) / 8] | 0x80 >> (left + x) % 8);
+using Letter = std::array<std::array<bool, LetterWidth>, LineHeight>;
+
+const std::vector<Letter>& Alphabet() {
+    static const std::vector<Letter> letters = [] {
+        std::vector<Letter> made(32);
+        for (uint32_t letter = 0; letter < 32; ++letter)
+            for (size_t y = 0; y < LineHeight; ++y)
+                for (size_t x = 0; x < LetterWidth; ++x)
+                    made[letter][y][x] = IsInk(letter, static_cast<float>(x), static_cast<float>(y));
+        return made;
+    }();
+    return letters;
+}
+
+void DrawLetter(BitmapHandle* page, int32_t left, int32_t top, const Letter& letter) {
+    for (size_t y = 0; y < LineHeight; ++y) {
+        uint8_t* row = Data(page) + (static_cast<size_t>(top) + y) * page->BytesPerLine;
+        for (size_t x = 0, place = static_cast<size_t>(left); x < LetterWidth; ++x, ++place)
+            if (letter[y][x]) row[place / 8] = static_cast<uint8_t>(row[place / 8] | 0x80 >> place % 8);
     }
 }
 
@@ -157,7 +172,7 @@ BitmapHandle* PageBitmap() {
         for (int32_t left = Margin, place = 0; left + LetterWidth <= PageWidth - Margin;
              left += LetterWidth, ++place) {
             const uint32_t letter = Hash(static_cast<uint32_t>(place), static_cast<uint32_t>(line), 4);
-            if (letter % 6 != 0) DrawLetter(page, left, top, letter >> 8 & 31);
+            if (letter % 6 != 0) DrawLetter(page, left, top, Alphabet()[letter >> 8 & 31]);
         }
     return page;
 }

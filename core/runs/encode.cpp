@@ -50,6 +50,15 @@ uint32_t MaskOfNonZero(Bytes16 bytes) {
 #endif
 }
 
+// Whether a block goes on in the colour in front of it.
+bool IsOneRun(const uint8_t* block) {
+    const Bytes16 colour = Bytes16{} + static_cast<uint8_t>(-(block[-1] & 1));
+    Bytes16 different = {};
+    for (size_t i = 0; i < BlockBytes; i += 16)
+        different |= Load<Bytes16>(block + i) ^ colour;
+    return MaskOfNonZero(different) == 0;
+}
+
 // The positions of the changes in a chunk, counted from its first byte.
 class Changes {
   public:
@@ -58,6 +67,7 @@ class Changes {
 
     // Adds the changes of the block at a position. The byte in front of the block is read too.
     void AddBlock(const uint8_t* block, size_t position) {
+        if (IsOneRun(block)) return;
         alignas(16) uint8_t marks[BlockBytes];
         uint64_t left = 0;
         for (size_t i = 0; i < BlockBytes; i += 16) {
