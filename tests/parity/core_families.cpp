@@ -1,6 +1,7 @@
 // Parity cases of the core: records, storage classes, row transfer, copies.
 #include "parity/digest.h"
 
+#include "zkr13n/compressed_rows.h"
 #include "zkr13n/copy.h"
 #include "zkr13n/rows.h"
 #include "zkr13n/storage.h"
@@ -187,9 +188,37 @@ void StorageCase(Seeded& seeded, Digest& digest) {
     digest.Add(Z_FreeBitmap(&bitmap));
 }
 
+// ---- compressed rows
+
+// Strokes and gaps, noise among them, now and then longer than a run can be.
+void CompressedRowCase(Seeded& seeded, Digest& digest) {
+    const int width = seeded.Between(1, seeded.Below(20) ? 3000 : 300000), rows = seeded.Between(1, 4);
+    const auto stride = static_cast<size_t>((width + 31) / 32 * 4), most = static_cast<size_t>(width + 3);
+    std::vector<uint8_t> bytes(static_cast<size_t>(rows) * stride);
+    const int longest = Pick(seeded, {1, 5, 500, 9000});
+    for (size_t place = 0; place < bytes.size();) {
+        const uint8_t byte = seeded.Below(3) ? static_cast<uint8_t>(-seeded.Below(2)) : seeded.Byte();
+        for (int count = seeded.Between(1, longest); count > 0 && place < bytes.size(); --count)
+            bytes[place++] = byte;
+    }
+    std::vector<uint16_t> runs(static_cast<size_t>(rows) * most), other(runs.size());
+    Z_CompressRows(runs.data(), bytes.data(), width, rows);
+    digest.Add(runs.data(), runs.size() * sizeof(uint16_t));
+    digest.Add(Z_MirrorCompressedBuffer(runs.data(), other.data(), rows));
+    digest.Add(other.data(), other.size() * sizeof(uint16_t));
+    digest.Add(Z_FlipCompressedBuffer(other.data(), runs.data(), rows));
+    const int column = seeded.Below(width);
+    Z_ExpandRow(runs.data(), bytes.data(), column, width - column);
+    Z_CompressRow(other.data(), bytes.data(), column, width - column - seeded.Below(width - column));
+    Z_ExpandRows(runs.data(), bytes.data(), width, rows);
+    digest.Add(bytes.data(), bytes.size());
+    digest.Add(other.data(), other.size() * sizeof(uint16_t));
+}
+
 constexpr Family Families[] = {
     {"record", 2000, RecordCase},
     {"storage", 400, StorageCase},
+    {"compressed-row", 500, CompressedRowCase},
 };
 
 } // namespace
