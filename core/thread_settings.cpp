@@ -6,6 +6,7 @@
 
 #include "core/dispatch.h"
 #include "core/spin_lock.h"
+#include "core/storage/filter_modules.h"
 #include "platform/files.h"
 #include "platform/threads.h"
 #include "zkr13n/allocation.h"
@@ -171,6 +172,7 @@ void ShutDown() {
         platform::FlsSetValue(slot.load(), nullptr);
         Release(record);
     }
+    storage::UnloadUnusedFilters();
     const SpinGuard guard(lifeLock);
     if (started.load()) Stop();
 }

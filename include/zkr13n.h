@@ -14,6 +14,7 @@
 #include "zkr13n/copy.h"
 #include "zkr13n/files.h"
 #include "zkr13n/fill.h"
+#include "zkr13n/filter.h"
 #include "zkr13n/frame.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/lists.h"

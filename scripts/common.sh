@@ -93,7 +93,7 @@ need() {
   fi
 }
 
-need_compiler() { need "building" g++ cmake ninja-build ccache pkg-config python3; }
+need_compiler() { need "building" g++ cmake ninja-build ccache pkg-config python3 libqoi-dev zlib1g-dev; }
 need_pictures() {
   need "the program zkr and its pictures" libcli11-dev libpng-dev libjpeg62-turbo-dev libfreetype-dev \
     fonts-dejavu-core palapeli-data jbigkit-bin jbigkit-testdata

@@ -120,8 +120,8 @@ Z_API ReturnCode Z_CALL Z_InitBitmap(BitmapHandle* bitmap, int32_t width, int32_
  * MemoryCompressed           1-bit rows as runs, at 1 bit per pixel with the document capability unlocked;
  *                            may go with MemoryConventional or MemoryNoDisk, one of which must be there to
  *                            be taken where runs are refused
- * MemorySuperCompressed      rows in compressed strips, at 1 and 24 bits per pixel with the document
- *                            capability unlocked; may go with MemoryConventional, likewise
+ * MemorySuperCompressed      rows in compressed strips (filter.h), at 1 and 24 bits per pixel with the
+ *                            document capability unlocked; may go with MemoryConventional, likewise
  *
  * Returns Z_SUCCESS; Z_ERROR_BITMAP for null; Z_ERROR_DIMENSIONS for an empty bitmap, a negative width or
  * height, and sizes that BytesPerLine or Size cannot hold; Z_ERROR_EXTENDED_GRAY_LOCKED for gray order, 48

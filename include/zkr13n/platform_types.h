@@ -45,6 +45,21 @@ typedef struct tagRECT {
     int32_t bottom;
 } RECT;
 
+/* The form of a bitmap outside the library; negative heights count rows from the top down. */
+typedef struct tagBITMAPINFOHEADER {
+    uint32_t biSize; /* bytes of this record: 40 */
+    int32_t biWidth;
+    int32_t biHeight;
+    uint16_t biPlanes;
+    uint16_t biBitCount;
+    uint32_t biCompression;
+    uint32_t biSizeImage;
+    int32_t biXPelsPerMeter;
+    int32_t biYPelsPerMeter;
+    uint32_t biClrUsed;
+    uint32_t biClrImportant;
+} BITMAPINFOHEADER;
+
 /* Handles are opaque and pointer-sized; a handle is never an address that a caller may follow. */
 typedef void* HANDLE;
 typedef HANDLE HGLOBAL;

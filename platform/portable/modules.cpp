@@ -5,10 +5,12 @@
 #include "platform/portable/handle_table.h"
 
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
 #include <new>
+#include <strings.h>
 #include <unistd.h>
 
 namespace zkr::platform {
@@ -38,6 +40,20 @@ bool OwnFile(char (&path)[PATH_MAX]) {
     return true;
 }
 
+// The file of the shared object that a name stands for. FOLDER/STEM.DLL is FOLDER/libSTEM.so; any other name
+// stands for itself.
+bool ObjectFile(const char* name, char (&path)[PATH_MAX]) {
+    const size_t length = std::strlen(name);
+    const bool isDll = length > 4 && strcasecmp(name + length - 4, ".dll") == 0;
+    const char* separator = std::strrchr(name, '/');
+    const char* stem = separator != nullptr ? separator + 1 : name;
+    const int written =
+        isDll ? std::snprintf(path, sizeof path, "%.*slib%.*s.so", static_cast<int>(stem - name), name,
+                              static_cast<int>(name + length - 4 - stem), stem)
+              : std::snprintf(path, sizeof path, "%s", name);
+    return written >= 0 && static_cast<size_t>(written) < sizeof path;
+}
+
 } // namespace
 
 HMODULE LoadLibraryA(const char* name) {
@@ -46,7 +62,8 @@ HMODULE LoadLibraryA(const char* name) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;
     }
-    module->object = dlopen(name, RTLD_NOW | RTLD_LOCAL);
+    char path[PATH_MAX];
+    module->object = ObjectFile(name, path) ? dlopen(path, RTLD_NOW | RTLD_LOCAL) : nullptr;
     const HMODULE handle = module->object != nullptr ? InsertHandle(LoadedModule::kind, *module) : nullptr;
     if (handle == nullptr) {
         SetLastError(module->object == nullptr ? ERROR_MOD_NOT_FOUND : ERROR_NOT_ENOUGH_MEMORY);

@@ -59,8 +59,8 @@ TEST(StorageChoice, FollowsTypeSizeAndLocks) {
         {{512}, 1, 5, -13, document},
         {{513, 768}, 1, 5, 1, document},
         // compressed strips
-        {{1024, 1025, 1536}, 24, 5, -356},
-        {{1024, 1025}, 1, 5, -357},
+        {{1024, 1025, 1536}, 24, 5, 1024},
+        {{1024, 1025}, 1, 5, 1024},
         {{1024}, 8, 5, -13},
         {{1025}, 8, 5, 1},
         {{1024}, 24, 5, -13, document},
@@ -73,6 +73,10 @@ TEST(StorageChoice, FollowsTypeSizeAndLocks) {
         {{1}, 16, 5, 1, extendedGray},
         {{1}, 48, 5, 1, ~extendedGray},
     };
+    for (const int32_t bits : {24, 1}) {
+        const Fault noModule(fault::Module, 1);
+        EXPECT_EQ(Chosen({{}, bits, 5, 0}, MemorySuperCompressed), bits == 24 ? -356 : -357);
+    }
     for (const Case& c : cases)
         for (const int32_t type : c.Types)
             EXPECT_EQ(Chosen(c, type), c.Expected)

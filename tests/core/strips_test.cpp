@@ -1,0 +1,191 @@
+// Super-compressed bitmaps: their rows against a plain array of bytes, and what becomes of them when a filter
+// module fails or lies.
+#include "core/storage/filter_modules.h"
+#include "core/storage_faults.h"
+
+namespace zkr::test {
+namespace {
+
+using storage::Filter;
+using storage::FilterEntries;
+
+struct Strips : Bitmap {
+    Strips(int32_t width, int32_t height, int32_t bits) : Bitmap(width, height, bits) {
+        EXPECT_EQ(Z_AllocateBitmap(this, MemorySuperCompressed), 1);
+    }
+};
+
+// Puts other entries in the place of a module's.
+class OtherFilter {
+  public:
+    OtherFilter(Filter filter, FilterEntries entries) : filter_(filter) {
+        EXPECT_EQ(storage::AcquireFilter(filter), 1);
+        before = storage::EntriesOf(filter);
+        storage::EntriesOf(filter) = entries;
+    }
+    ~OtherFilter() {
+        storage::EntriesOf(filter_) = before;
+        storage::ReleaseFilter(filter_);
+    }
+    static inline FilterEntries before;
+
+  private:
+    Filter filter_;
+};
+
+TEST(Strips, HoldRowsAsAnArrayDoes) {
+    std::mt19937 random(31);
+    const auto below = [&](size_t limit) { return static_cast<int32_t>(random() % limit); };
+    for (int32_t round = 0; round < 150; ++round) {
+        constexpr int32_t widths[] = {1, 2, 3, 4, 31, 32, 33, 64, 701};
+        Strips bitmap(widths[below(9)], 1 + round % 50, round % 2 == 0 ? 24 : 1);
+        const size_t rowBytes = bitmap.BytesPerLine;
+        Bytes model(rowBytes * static_cast<size_t>(bitmap.Height));
+        for (int32_t step = 0; step < 60; ++step) {
+            if (step % 8 == 7) {
+                const int32_t height = below(4) == 0 ? below(60) : std::max(0, bitmap.Height + below(9) - 4);
+                ASSERT_EQ(Z_ChangeBitmapHeight(&bitmap, height), 1);
+                ASSERT_EQ(bitmap.Height, height);
+                model.resize(rowBytes * static_cast<size_t>(height));
+                const size_t size = bitmap.Size;
+                ASSERT_EQ(Z_UpdateBitmapSize(&bitmap), 1);
+                ASSERT_EQ(bitmap.Size, size);
+            }
+            if (bitmap.Height == 0) continue;
+            const int32_t row = below(static_cast<size_t>(bitmap.Height)),
+                          column = below(4) * bitmap.Width / 4;
+            const size_t place =
+                static_cast<size_t>(row) * rowBytes + static_cast<size_t>(column * bitmap.BitsPerPixel / 8);
+            // Now and then more than there is behind the row.
+            const auto wanted = 1 + static_cast<size_t>(below(below(2) == 0 ? rowBytes : rowBytes * 40));
+            const size_t there = std::min(wanted, model.size() - place);
+            const auto bytes = static_cast<uint32_t>(wanted);
+            Bytes buffer = RandomBytes(wanted, random), expected = buffer;
+            if (below(2) == 0) {
+                ASSERT_EQ(Z_PutBitmapRowCol(&bitmap, buffer.data(), row, column, bytes),
+                          static_cast<int32_t>(there));
+                std::copy_n(buffer.begin(), there, model.begin() + static_cast<ptrdiff_t>(place));
+            } else {
+                std::copy_n(model.begin() + static_cast<ptrdiff_t>(place), there, expected.begin());
+                ASSERT_EQ(Z_GetBitmapRowCol(&bitmap, buffer.data(), row, column, bytes),
+                          static_cast<int32_t>(there));
+                ASSERT_EQ(buffer, expected) << "width " << bitmap.Width << ", row " << row;
+            }
+        }
+        ASSERT_EQ(Rows(bitmap), model);
+    }
+}
+
+TEST(Strips, CountTheirCompressedBytes) {
+    Strips bitmap(1000, 40, 24);
+    EXPECT_EQ(bitmap.Size, 0u) << "nothing is saved yet";
+    Fill(bitmap, 3);
+    const size_t two = bitmap.Size;
+    EXPECT_GT(two, 2u * 48000) << "of three strips the last one is in the buffer; noise does not compress";
+    const Bytes blank(3000);
+    Z_PutBitmapRow(&bitmap, blank.data(), 0, 3000);
+    const size_t three = bitmap.Size;
+    EXPECT_GT(three, two);
+    for (int32_t row = 0; row < 16; ++row)
+        Z_PutBitmapRow(&bitmap, blank.data(), row, 3000);
+    uint8_t byte;
+    Z_GetBitmapRow(&bitmap, &byte, 39, 1);
+    EXPECT_LT(bitmap.Size, three - 45000) << "a strip that is saved again is counted once";
+    ASSERT_EQ(Z_ChangeBitmapHeight(&bitmap, 1), 1);
+    EXPECT_LT(bitmap.Size, 1000u);
+    EXPECT_EQ(InfoOf(bitmap), Info{MemorySuperCompressed});
+    const int64_t alive = fault::Live();
+    EXPECT_EQ(Z_FreeBitmap(&bitmap), 1);
+    EXPECT_LT(fault::Live(), alive);
+    EXPECT_EQ(Z_AllocateBitmap(&bitmap, MemorySuperCompressed), 1) << "a freed record can be given storage";
+}
+
+struct Seen {
+    BITMAPINFOHEADER Header;
+    uint32_t Room;
+    std::vector<int32_t> Rest;
+};
+Seen saved, loaded;
+
+// A filter that notes what it is given and does what the module does.
+const FilterEntries Noting = {
+    [](const void* data, uint32_t bytes, void* pixels, int32_t quality, int32_t width, int32_t rows,
+       int32_t bits, int32_t a, int32_t b) Z_CALL {
+        loaded = {{}, bytes, {quality, width, rows, bits, a, b}};
+        return OtherFilter::before.Load(data, bytes, pixels, quality, width, rows, bits, a, b);
+    },
+    [](const void* pixels, const BITMAPINFOHEADER* header, void* output, uint32_t* bytes, int32_t parameter,
+       int32_t a, int32_t quality, int32_t b, int32_t c) Z_CALL {
+        saved = {*header, *bytes, {parameter, a, quality, b, c}};
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(pixels) % 32, 0u);
+        return OtherFilter::before.Save(pixels, header, output, bytes, parameter, a, quality, b, c);
+    }};
+
+TEST(Strips, TellTheFilterWhatItNeeds) {
+    for (const bool colour : {true, false}) {
+        const OtherFilter filter(colour ? Filter::Colour : Filter::Bitonal, Noting);
+        const int32_t bits = colour ? 24 : 1;
+        Strips bitmap(50, 35, bits);
+        Fill(bitmap, 1);
+        Rows(bitmap);
+        EXPECT_EQ(saved.Header.biSize, 40u);
+        EXPECT_EQ(saved.Header.biWidth, 50);
+        EXPECT_EQ(saved.Header.biHeight, -3) << "the last strip, from the top down";
+        EXPECT_EQ(saved.Header.biBitCount, bits);
+        EXPECT_EQ(saved.Room, bitmap.BytesPerLine * 32);
+        EXPECT_EQ(saved.Rest, (std::vector<int32_t>{colour ? -1 : 0, 0, colour ? 20 : 68, 0, 0}));
+        EXPECT_EQ(loaded.Rest, (std::vector<int32_t>{colour ? 20 : 68, 50, 3, bits, 0, 0}));
+    }
+}
+
+bool saves, loads;
+uint32_t toldBytes; // more than 0: what a save tells, whatever it has written
+
+const FilterEntries Failing = {
+    [](const void* data, uint32_t bytes, void* pixels, int32_t quality, int32_t width, int32_t rows,
+       int32_t bits, int32_t a, int32_t b) Z_CALL {
+        if (!loads) std::memset(pixels, 0xEE, 5);
+        return loads ? OtherFilter::before.Load(data, bytes, pixels, quality, width, rows, bits, a, b) : 2;
+    },
+    [](const void* pixels, const BITMAPINFOHEADER* header, void* output, uint32_t* bytes, int32_t parameter,
+       int32_t a, int32_t quality, int32_t b, int32_t c) Z_CALL {
+        if (!saves) return 0;
+        const int32_t result =
+            OtherFilter::before.Save(pixels, header, output, bytes, parameter, a, quality, b, c);
+        if (toldBytes != UINT32_MAX) *bytes = toldBytes;
+        return result;
+    }};
+
+TEST(Strips, ReportAFailingFilterAndLoseNothing) {
+    const OtherFilter filter(Filter::Colour, Failing);
+    for (const uint32_t lie : {UINT32_MAX, 12u * 32 + 1, 0u}) {
+        saves = loads = true, toldBytes = UINT32_MAX;
+        Strips bitmap(4, 40, 24);
+        Bytes all = Fill(bitmap, 5), row(12, 9), far(12 * 40);
+        ASSERT_EQ(Rows(bitmap), all);
+        const size_t size = bitmap.Size;
+
+        saves = lie != UINT32_MAX, toldBytes = lie;
+        ASSERT_EQ(Z_PutBitmapRow(&bitmap, row.data(), 3, 12), 12);
+        std::copy(row.begin(), row.end(), all.begin() + 36);
+        EXPECT_EQ(Z_GetBitmapRow(&bitmap, far.data(), 16, 12), 0);
+        EXPECT_EQ(Z_PutBitmapRow(&bitmap, row.data(), 39, 12), 0);
+        EXPECT_EQ(Z_GetBitmapRow(&bitmap, far.data(), 15, 24), 12) << "as far as the strip goes";
+        EXPECT_EQ(Bytes(far.begin(), far.begin() + 12), Bytes(all.begin() + 180, all.begin() + 192));
+        const uint32_t segment[] = {0, 2};
+        EXPECT_EQ(Z_PutBitmapRowSegments(&bitmap, row.data(), 20, 0, segment, 2, 0), code::ReadFailed);
+        EXPECT_EQ(Z_ChangeBitmapHeight(&bitmap, 41), 1) << "no row call";
+        EXPECT_EQ(Z_ChangeBitmapHeight(&bitmap, 40), 1);
+        EXPECT_EQ(bitmap.Size, size);
+        saves = true, toldBytes = UINT32_MAX;
+        EXPECT_EQ(Rows(bitmap), all);
+
+        loads = false;
+        EXPECT_EQ(Z_GetBitmapRow(&bitmap, far.data(), 0, 12), 0);
+        loads = true;
+        EXPECT_EQ(Rows(bitmap), all) << "nothing of what a failing load has left is taken for a strip";
+    }
+}
+
+} // namespace
+} // namespace zkr::test
