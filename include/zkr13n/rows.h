@@ -18,11 +18,12 @@ Z_BEGIN_DECLS
  *           tiles and strips a count that runs past the last row stops there, and elsewhere it must not.
  *
  * Returns the count of bytes; in tiles always the count asked for, also when a tile's file fails and bytes of
- * the buffer stay as they were; in compressed strips the bytes before the first strip that cannot be restored,
- * or that cannot be reached because the strip last written cannot be compressed and stays in memory: fewer
- * than asked for, or 0. Z_ERROR_BITMAP for data in memory that has no address (a user bitmap without data, a global bitmap that is not locked); Z_ERROR_SEEK and
- * Z_ERROR_READ when the file of a disk bitmap fails, after which the buffer may be partly filled;
- * Z_ERROR_MEMORY for a record without any storage class. None of the arguments is checked.
+ * the buffer stay as they were; in compressed strips the bytes before the first strip that cannot be
+ * restored, or that cannot be reached because the strip last written cannot be compressed and stays in
+ * memory: fewer than asked for, or 0. Z_ERROR_BITMAP for data in memory that has no address (a user bitmap
+ * without data, a global bitmap that is not locked); Z_ERROR_SEEK and Z_ERROR_READ when the file of a disk
+ * bitmap fails, after which the buffer may be partly filled; Z_ERROR_MEMORY for a record without any storage
+ * class. None of the arguments is checked.
  */
 Z_API ReturnCode Z_CALL Z_GetBitmapRow(BitmapHandle* bitmap, void* buffer, int32_t row, uint32_t bytes);
 
@@ -87,7 +88,8 @@ Z_API ReturnCode Z_CALL Z_PutBitmapRowCol(BitmapHandle* bitmap, const void* buff
  *
  * Returns Z_SUCCESS; Z_ERROR_BITMAP for data in memory that has no address; Z_ERROR_SEEK, Z_ERROR_READ and
  * Z_ERROR_WRITE when the file of a disk bitmap or of a tile fails, the last two also when a strip cannot be
- * reached, with the segments before the failure written; Z_ERROR_MEMORY for a record without any storage class. The pointers and row are not checked.
+ * reached, with the segments before the failure written; Z_ERROR_MEMORY for a record without any storage
+ * class. The pointers and row are not checked.
  */
 Z_API ReturnCode Z_CALL Z_PutBitmapRowSegments(BitmapHandle* bitmap, const void* buffer, int32_t row,
                                                int32_t columnOffset, const uint32_t* segments,
