@@ -79,11 +79,11 @@ using namespace zkr::filters;
 
 int32_t Z_CALL fltSaveBuffer(const void* pixels, const BITMAPINFOHEADER* header, void* output,
                              uint32_t* outputBytes, int32_t, int32_t, int32_t, int32_t, int32_t) {
-    const uint64_t plain = StripBytes(header, Depth);
-    const uint64_t left = plain % Channels, tail = left + sizeof(uint64_t);
+    const size_t plain = StripBytes(header, Depth);
+    const size_t left = plain % Channels, tail = left + sizeof(uint64_t);
     if (plain == 0 || pixels == nullptr || output == nullptr || outputBytes == nullptr || *outputBytes < tail)
         return Failure;
-    const Area area = {.Description = {.width = static_cast<uint32_t>(plain / Channels),
+    const Area area = {.Description = {.width = static_cast<unsigned int>(plain / Channels),
                                        .height = 1,
                                        .channels = Channels,
                                        .colorspace = QOI_SRGB},
@@ -102,8 +102,8 @@ int32_t Z_CALL fltSaveBuffer(const void* pixels, const BITMAPINFOHEADER* header,
 
 int32_t Z_CALL fltLoadBuffer(const void* data, uint32_t bytes, void* pixels, int32_t, int32_t width,
                              int32_t rows, int32_t bitsPerPixel, int32_t, int32_t) {
-    const uint64_t plain = StripBytes(width, rows, bitsPerPixel, Depth);
-    const uint64_t left = plain % Channels, tail = left + sizeof(uint64_t);
+    const size_t plain = StripBytes(width, rows, bitsPerPixel, Depth);
+    const size_t left = plain % Channels, tail = left + sizeof(uint64_t);
     if (plain == 0 || data == nullptr || pixels == nullptr || bytes < tail || bytes > INT_MAX) return Failure;
     const auto* source = static_cast<const uint8_t*>(data);
     uint64_t sum;

@@ -15,13 +15,15 @@ constexpr uint64_t RowBytes(int32_t width, int32_t bitsPerPixel) {
 }
 
 // Bytes of a strip's rows; 0 for what is no strip of this depth, or too large to be worked on.
-constexpr uint64_t StripBytes(int32_t width, int32_t rows, int32_t bitsPerPixel, int32_t depth) {
+constexpr uint32_t StripBytes(int32_t width, int32_t rows, int32_t bitsPerPixel, int32_t depth) {
     if (width < 1 || rows < 1 || bitsPerPixel != depth) return 0;
     const uint64_t rowBytes = RowBytes(width, bitsPerPixel);
-    return rowBytes > UINT32_MAX / static_cast<uint32_t>(rows) ? 0 : rowBytes * static_cast<uint32_t>(rows);
+    return rowBytes > UINT32_MAX / static_cast<uint32_t>(rows)
+               ? 0
+               : static_cast<uint32_t>(rowBytes) * static_cast<uint32_t>(rows);
 }
 
-inline uint64_t StripBytes(const BITMAPINFOHEADER* header, int32_t depth) {
+inline uint32_t StripBytes(const BITMAPINFOHEADER* header, int32_t depth) {
     if (header == nullptr || header->biSize < sizeof(BITMAPINFOHEADER) || header->biHeight < -INT32_MAX)
         return 0;
     return StripBytes(header->biWidth, -header->biHeight, header->biBitCount, depth);

@@ -161,17 +161,17 @@ TEST(Strips, ReportAFailingFilterAndLoseNothing) {
     for (const uint32_t lie : {UINT32_MAX, 12u * 32 + 1, 0u}) {
         saves = loads = true, toldBytes = UINT32_MAX;
         Strips bitmap(4, 40, 24);
-        Bytes all = Fill(bitmap, 5), row(12, 9), far(12 * 40);
+        Bytes all = Fill(bitmap, 5), row(12, 9), got(12 * 40);
         ASSERT_EQ(Rows(bitmap), all);
         const size_t size = bitmap.Size;
 
         saves = lie != UINT32_MAX, toldBytes = lie;
         ASSERT_EQ(Z_PutBitmapRow(&bitmap, row.data(), 3, 12), 12);
         std::copy(row.begin(), row.end(), all.begin() + 36);
-        EXPECT_EQ(Z_GetBitmapRow(&bitmap, far.data(), 16, 12), 0);
+        EXPECT_EQ(Z_GetBitmapRow(&bitmap, got.data(), 16, 12), 0);
         EXPECT_EQ(Z_PutBitmapRow(&bitmap, row.data(), 39, 12), 0);
-        EXPECT_EQ(Z_GetBitmapRow(&bitmap, far.data(), 15, 24), 12) << "as far as the strip goes";
-        EXPECT_EQ(Bytes(far.begin(), far.begin() + 12), Bytes(all.begin() + 180, all.begin() + 192));
+        EXPECT_EQ(Z_GetBitmapRow(&bitmap, got.data(), 15, 24), 12) << "as far as the strip goes";
+        EXPECT_EQ(Bytes(got.begin(), got.begin() + 12), Bytes(all.begin() + 180, all.begin() + 192));
         const uint32_t segment[] = {0, 2};
         EXPECT_EQ(Z_PutBitmapRowSegments(&bitmap, row.data(), 20, 0, segment, 2, 0), code::ReadFailed);
         EXPECT_EQ(Z_ChangeBitmapHeight(&bitmap, 41), 1) << "no row call";
@@ -181,7 +181,7 @@ TEST(Strips, ReportAFailingFilterAndLoseNothing) {
         EXPECT_EQ(Rows(bitmap), all);
 
         loads = false;
-        EXPECT_EQ(Z_GetBitmapRow(&bitmap, far.data(), 0, 12), 0);
+        EXPECT_EQ(Z_GetBitmapRow(&bitmap, got.data(), 0, 12), 0);
         loads = true;
         EXPECT_EQ(Rows(bitmap), all) << "nothing of what a failing load has left is taken for a strip";
     }
