@@ -173,7 +173,7 @@ TEST(Strips, ReportAFailingFilterAndLoseNothing) {
         EXPECT_EQ(Z_GetBitmapRow(&bitmap, got.data(), 15, 24), 12) << "as far as the strip goes";
         EXPECT_EQ(Bytes(got.begin(), got.begin() + 12), Bytes(all.begin() + 180, all.begin() + 192));
         const uint32_t segment[] = {0, 2};
-        EXPECT_EQ(Z_PutBitmapRowSegments(&bitmap, row.data(), 20, 0, segment, 2, 0), code::ReadFailed);
+        EXPECT_EQ(Z_PutBitmapRowSegments(&bitmap, row.data(), 20, 0, segment, 2, 0), code::WriteFailed);
         EXPECT_EQ(Z_ChangeBitmapHeight(&bitmap, 41), 1) << "no row call";
         EXPECT_EQ(Z_ChangeBitmapHeight(&bitmap, 40), 1);
         EXPECT_EQ(bitmap.Size, size);
