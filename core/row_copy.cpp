@@ -27,7 +27,7 @@ void StreamLine(uint8_t* to, const uint8_t* from) {
 
 } // namespace
 
-void StreamBytes(uint8_t* to, const uint8_t* from, size_t bytes) {
+void StreamPart(uint8_t* to, const uint8_t* from, size_t bytes) {
     const size_t head = (Line - reinterpret_cast<uintptr_t>(to) % Line) % Line;
     if (bytes < head + Line) {
         std::memcpy(to, from, bytes);
@@ -37,16 +37,26 @@ void StreamBytes(uint8_t* to, const uint8_t* from, size_t bytes) {
     size_t done = head;
     for (; bytes - done >= Line; done += Line)
         StreamLine(to + done, from + done);
-    _mm_sfence();
     std::memcpy(to + done, from + done, bytes - done);
+}
+
+void EndStream() {
+    _mm_sfence();
 }
 
 #else
 
-void StreamBytes(uint8_t* to, const uint8_t* from, size_t bytes) {
+void StreamPart(uint8_t* to, const uint8_t* from, size_t bytes) {
     std::memcpy(to, from, bytes);
 }
 
+void EndStream() {}
+
 #endif
+
+void StreamBytes(uint8_t* to, const uint8_t* from, size_t bytes) {
+    StreamPart(to, from, bytes);
+    EndStream();
+}
 
 } // namespace zkr

@@ -17,6 +17,11 @@ inline constexpr size_t SmallestStreamedRow = 4096;
 // Copies past the cache; whatever is stored afterwards is seen afterwards by other threads too.
 void StreamBytes(uint8_t* to, const uint8_t* from, size_t bytes);
 
+// The same in many parts: only what is stored after EndStream is seen after them. Closing costs as much as
+// some hundred bytes.
+void StreamPart(uint8_t* to, const uint8_t* from, size_t bytes);
+void EndStream();
+
 inline void CopyFromBitmap(uint8_t* buffer, const uint8_t* data, size_t bytes) {
     std::memcpy(buffer, data, bytes);
 }

@@ -49,17 +49,30 @@ void* ZeroedSmallBlock(size_t size) {
     return posix_memalign(&memory, SmallAlignment, size) == 0 ? std::memset(memory, 0, size) : nullptr;
 }
 
+// Memory of a large block; Bytes is what of it is mapped.
+struct LargeBlock {
+    uint8_t* Start;
+    size_t Bytes;
+};
+
+// The last huge page is taken whole where that costs at most an eighth more: its small pages would take as
+// long to get as many huge ones.
+size_t LargeBytes(size_t size) {
+    const size_t whole = (size + HugePage - 1) / HugePage * HugePage;
+    return whole - size <= size / 8 ? whole : WholePages(size);
+}
+
 // On a huge page's border, so that all of the block but its tail can lie in huge pages.
-uint8_t* MapLarge(size_t size) {
-    auto* memory = static_cast<uint8_t*>(MapAnonymous(size + HugePage));
-    if (memory == nullptr) return static_cast<uint8_t*>(MapAnonymous(size));
+LargeBlock MapLarge(size_t size) {
+    const size_t bytes = LargeBytes(size);
+    auto* memory = static_cast<uint8_t*>(MapAnonymous(bytes + HugePage));
+    if (memory == nullptr) return {static_cast<uint8_t*>(MapAnonymous(size)), size};
     const size_t before = (HugePage - reinterpret_cast<uintptr_t>(memory) % HugePage) % HugePage;
     if (before != 0) munmap(memory, before);
     uint8_t* start = memory + before;
-    const size_t whole = WholePages(size);
-    munmap(start + whole, WholePages(size + HugePage) - before - whole);
-    madvise(start, whole, MADV_HUGEPAGE);
-    return start;
+    munmap(start + bytes, HugePage - before);
+    madvise(start, bytes, MADV_HUGEPAGE);
+    return {start, bytes};
 }
 
 struct Mapping final : Object {
@@ -67,20 +80,26 @@ struct Mapping final : Object {
 
     size_t size = 0;
     uint8_t* memory = nullptr; // of an anonymous mapping
+    size_t mappedBytes = 0;    // likewise
     int descriptor = -1;       // of a file mapping
     bool writes = true;
     std::atomic<uint32_t> references{1}; // the handle and the views
 
     bool TakeMemory() {
-        memory = size < SmallBlock ? static_cast<uint8_t*>(ZeroedSmallBlock(size))
-                 : size < HugePage ? static_cast<uint8_t*>(MapAnonymous(size))
-                                   : MapLarge(size);
+        if (size < HugePage) {
+            memory = static_cast<uint8_t*>(size < SmallBlock ? ZeroedSmallBlock(size) : MapAnonymous(size));
+            mappedBytes = size;
+        } else {
+            const LargeBlock block = MapLarge(size);
+            memory = block.Start;
+            mappedBytes = block.Bytes;
+        }
         return memory != nullptr;
     }
     void Release() override {
         if (references.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
         if (memory != nullptr && size < SmallBlock) std::free(memory);
-        if (memory != nullptr && size >= SmallBlock) munmap(memory, size);
+        if (memory != nullptr && size >= SmallBlock) munmap(memory, mappedBytes);
         if (descriptor >= 0) close(descriptor);
         delete this;
     }
