@@ -13,6 +13,10 @@ inline constexpr int32_t PhotographHeight = 3072;
 inline constexpr int32_t PageWidth = 9920; // A4 at 1200 dots an inch
 inline constexpr int32_t PageHeight = 14032;
 
+// A rectangle of the photograph, and by how much the page is moved to the left, to be copied.
+inline constexpr int32_t CopiedLeft = 501, CopiedTop = 300, CopiedWidth = 3000, CopiedHeight = 2000;
+inline constexpr int32_t ShiftedBy = 3;
+
 inline constexpr size_t PhotographPixels = size_t{PhotographWidth} * PhotographHeight;
 inline constexpr size_t PagePixels = size_t{PageWidth} * PageHeight;
 

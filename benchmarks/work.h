@@ -65,6 +65,10 @@ enum WorkNumber {
     From1To24,
     From24ToPalette,
     MatchTable,
+    Fill24,
+    Clear24,
+    CopyRect24,
+    ShiftPage,
     OddDepths, // and what follows: 1000 + depth * 2 + direction
     FreshMemory = 2000,
     PageToRuns = 2100,

@@ -6,9 +6,10 @@
 #include "core/flags.h"
 #include "core/progress.h"
 #include "core/return_codes.h"
+#include "core/row_copy.h"
 #include "core/scratch.h"
+#include "core/segments.h"
 #include "zkr13n/fill.h"
-#include "zkr13n/rows.h"
 
 #include <algorithm>
 #include <cstring>
@@ -52,7 +53,7 @@ void WriteSegments(BitmapHandle& bitmap, const uint8_t* pixels, int32_t row, uin
         segments[0] = 0;
         segments[1] = static_cast<uint32_t>(bitmap.Width);
     }
-    Z_PutBitmapRowSegments(&bitmap, pixels, row, 0, segments, entries, 0);
+    StreamSegments(bitmap, pixels, row, {segments, entries});
 }
 
 // Rows of a file are reported one by one, all others as one.
@@ -65,6 +66,7 @@ ReturnCode WriteRows(BitmapHandle& bitmap, const uint8_t* pixels, RowRange rows,
         WriteSegments(bitmap, pixels, row, segments);
         if (eachRow) status = progress.Step();
     }
+    EndStream();
     return status == code::Success && !eachRow ? progress.Step() : status;
 }
 

@@ -23,14 +23,17 @@ template <bool topFirst> class BitMerge {
           start_(target.Bit % 8), end_(start_ + count),
           distance_(static_cast<int64_t>(source.Bit % 8) - static_cast<int64_t>(start_)) {}
 
-    void Run() {
+    void Run() { Run(std::memcpy); }
+
+    // Whole bytes in phase are copied by copy(target, source, bytes).
+    template <typename Copy> void Run(Copy copy) {
         if (end_ == start_) return;
         const uint64_t bytes = (end_ + 7) / 8;
         uint64_t byte = 0;
         if (start_ != 0) MergeByte(byte++);
         if (const uint64_t whole = end_ / 8; whole > byte) {
             if (distance_ == 0)
-                std::memcpy(target_ + byte, source_ + byte, static_cast<size_t>(whole - byte));
+                copy(target_ + byte, source_ + byte, static_cast<size_t>(whole - byte));
             else
                 ShiftBytes(target_ + byte, source_ + static_cast<int64_t>(byte) + (distance_ >> 3),
                            static_cast<size_t>(whole - byte));

@@ -1,10 +1,12 @@
 // Z_PutBitmapRowSegments: pieces of a row, exact to the pixel at every depth. Pixels of 1 to 7 bits are
 // packed from the top bit of a byte down, pixels of 12 bits from the bottom bit up; all others are whole
 // bytes.
+#include "core/segments.h"
 #include "core/bit_merge.h"
 #include "core/exact_rows.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
+#include "core/row_copy.h"
 #include "core/storage/storage_class.h"
 #include "zkr13n/rows.h"
 
@@ -44,9 +46,11 @@ void MergeBelowTopBit(uint8_t* target, const uint8_t* source, uint64_t count) {
     }
 }
 
-void MergePixels(PixelForm form, BitPlace<uint8_t> target, BitPlace<const uint8_t> source, uint64_t count) {
-    if (form.Bits < 8) return BitMerge<true>(target, source, count * form.Bits).Run();
-    if (form.KeptBits == 0) return BitMerge<false>(target, source, count * form.Bits).Run();
+template <typename Copy>
+void MergePixels(PixelForm form, BitPlace<uint8_t> target, BitPlace<const uint8_t> source, uint64_t count,
+                 Copy copy) {
+    if (form.Bits < 8) return BitMerge<true>(target, source, count * form.Bits).Run(copy);
+    if (form.KeptBits == 0) return BitMerge<false>(target, source, count * form.Bits).Run(copy);
     uint8_t* to = target.Data + target.Bit / 8;
     const uint8_t* from = source.Data + source.Bit / 8;
     if (form.Bits == 16) return MergeBelowTopBit(to, from, count);
@@ -91,7 +95,7 @@ ReturnCode MergeThroughStorage(BitmapHandle& bitmap, int32_t row, const uint8_t*
         ReturnCode result = ReadExactly(bitmap, window.data(), row, column, bytes);
         if (result != code::Success) return result;
         MergePixels(form, {window.data(), firstBit % 8}, {buffer, uint64_t{piece.SourceColumn} * form.Bits},
-                    count);
+                    count, std::memcpy);
         result = WriteExactly(bitmap, window.data(), row, column, bytes);
         if (result != code::Success) return result;
 
@@ -102,7 +106,42 @@ ReturnCode MergeThroughStorage(BitmapHandle& bitmap, int32_t row, const uint8_t*
     return code::Success;
 }
 
+// Whole bytes that stand in memory are copied by copy(target, source, bytes).
+template <typename Copy>
+ReturnCode PutSegments(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row, int32_t columnOffset,
+                       std::span<const uint32_t> segments, bool keepTopBits, Copy copy) {
+    const storage::StorageClass* storageClass = storage::ClassOf(bitmap);
+    if (storageClass == nullptr) return code::OutOfMemory;
+    const PixelForm form = FormOf(bitmap, keepTopBits);
+    uint8_t* const data = storageClass->ReachRow(bitmap, row);
+
+    for (size_t entry = 0; entry + 1 < segments.size(); entry += 2) {
+        const Piece piece = ClippedPiece(bitmap, columnOffset, segments[entry], segments[entry + 1]);
+        if (piece.Count == 0) continue;
+        if (data != nullptr) {
+            MergePixels(form, {data, uint64_t{piece.Column} * form.Bits},
+                        {buffer, uint64_t{piece.SourceColumn} * form.Bits}, piece.Count, copy);
+        } else {
+            const ReturnCode result = MergeThroughStorage(bitmap, row, buffer, form, piece);
+            if (result != code::Success) return result;
+        }
+    }
+    return code::Success;
+}
+
 } // namespace
+
+ReturnCode StreamSegments(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row,
+                          std::span<const uint32_t> segments) {
+    const bool large = bitmap.Size >= SmallestStreamedBitmap;
+    const auto copy = [large](uint8_t* to, const uint8_t* from, size_t bytes) {
+        if (large && bytes >= SmallestStreamedRow)
+            StreamPart(to, from, bytes);
+        else
+            std::memcpy(to, from, bytes);
+    };
+    return PutSegments(bitmap, buffer, row, 0, segments, false, copy);
+}
 
 } // namespace zkr
 
@@ -111,22 +150,6 @@ using namespace zkr;
 ReturnCode Z_CALL Z_PutBitmapRowSegments(BitmapHandle* bitmap, const void* buffer, int32_t row,
                                          int32_t columnOffset, const uint32_t* segments,
                                          uint32_t segmentEntries, int32_t keepTopBits) {
-    const storage::StorageClass* storageClass = storage::ClassOf(*bitmap);
-    if (storageClass == nullptr) return code::OutOfMemory;
-    const auto* source = static_cast<const uint8_t*>(buffer);
-    const PixelForm form = FormOf(*bitmap, keepTopBits != 0);
-    uint8_t* const data = storageClass->ReachRow(*bitmap, row);
-
-    for (uint32_t entry = 0; entry + 1 < segmentEntries; entry += 2) {
-        const Piece piece = ClippedPiece(*bitmap, columnOffset, segments[entry], segments[entry + 1]);
-        if (piece.Count == 0) continue;
-        if (data != nullptr) {
-            MergePixels(form, {data, uint64_t{piece.Column} * form.Bits},
-                        {source, uint64_t{piece.SourceColumn} * form.Bits}, piece.Count);
-        } else {
-            const ReturnCode result = MergeThroughStorage(*bitmap, row, source, form, piece);
-            if (result != code::Success) return result;
-        }
-    }
-    return code::Success;
+    return PutSegments(*bitmap, static_cast<const uint8_t*>(buffer), row, columnOffset,
+                       {segments, segmentEntries}, keepTopBits != 0, std::memcpy);
 }

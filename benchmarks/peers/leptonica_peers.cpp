@@ -37,6 +37,12 @@ const Adds adds([] {
                              pixFlipLR(page, page);
                              Touch(pixGetData(page));
                          }});
+    AddPeer(ShiftPage, {"Leptonica raster operation", 0.8, [] {
+                            static PIX* target = pixCreate(PageWidth, PageHeight, 1);
+                            pixRasterop(target, 0, 0, PageWidth - ShiftedBy, PageHeight, PIX_SRC, Page(),
+                                        ShiftedBy, 0);
+                            Touch(pixGetData(target));
+                        }});
 });
 
 } // namespace

@@ -5,6 +5,8 @@
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include <sys/mman.h>
+
 namespace bench {
 
 namespace {
@@ -12,6 +14,10 @@ namespace {
 // The pixels of one of our bitmaps, in place.
 cv::Mat View(BitmapHandle* bitmap, int type) {
     return {bitmap->Height, bitmap->Width, type, Data(bitmap), bitmap->BytesPerLine};
+}
+
+cv::Rect Rectangle() {
+    return {CopiedLeft, CopiedTop, CopiedWidth, CopiedHeight};
 }
 
 void AddColour(int number, double ratio, int32_t fromBits, int32_t fromOrder, int fromType, int conversion) {
@@ -37,6 +43,22 @@ const Adds adds([] {
                              cv::setNumThreads(1);
                              View(PhotographBitmap(24, 1), CV_8UC3).convertTo(target, CV_16U, 257);
                              Touch(target.data);
+                         }});
+    AddPeer(CopyRect24, {"OpenCV copyTo", 0.8, [] {
+                             static cv::Mat target;
+                             cv::setNumThreads(1);
+                             View(PhotographBitmap(24, 1), CV_8UC3)(Rectangle()).copyTo(target);
+                             Touch(target.data);
+                         }});
+    AddPeer(CopyRect24, {"OpenCV, memory fresh", 0.8, [] {
+                             constexpr size_t bytes = size_t{CopiedWidth} * CopiedHeight * 3;
+                             cv::setNumThreads(1);
+                             void* memory = mmap(nullptr, bytes, PROT_READ | PROT_WRITE,
+                                                 MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+                             cv::Mat target(CopiedHeight, CopiedWidth, CV_8UC3, memory);
+                             View(PhotographBitmap(24, 1), CV_8UC3)(Rectangle()).copyTo(target);
+                             Touch(target.data);
+                             munmap(memory, bytes);
                          }});
     AddPeer(FromPaletteTo24,
             {"OpenCV", 3, [] {
