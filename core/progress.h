@@ -23,6 +23,12 @@ struct StatusReceiver {
     }
 };
 
+// Of an operation that has nothing to do: its beginning and its end, whatever the callback says.
+inline void ReportDone(StatusReceiver receiver) {
+    receiver.Report(0);
+    receiver.Report(100);
+}
+
 // A percentage that advances by equal parts of a range, in whole numbers: what a part does not fill is
 // carried.
 class PercentCounter {

@@ -17,6 +17,7 @@
 #include "zkr13n/filter.h"
 #include "zkr13n/frame.h"
 #include "zkr13n/gray.h"
+#include "zkr13n/levels.h"
 #include "zkr13n/lists.h"
 #include "zkr13n/locks.h"
 #include "zkr13n/numeric.h"

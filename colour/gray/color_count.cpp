@@ -1,13 +1,13 @@
 // Counts the distinct colours of a bitmap: a bit for each colour that there can be, and the pixels of its
 // region one after the other until the answer is known.
 #include "colour/colour_value.h"
-#include "colour/convert_plan.h"
 #include "colour/gray_window.h"
 #include "colour/level_table.h"
 #include "colour/rows/colour_set.h"
 #include "colour/rows/kernel_set.h"
-#include "core/exact_rows.h"
+#include "colour/stages.h"
 #include "core/region_rows.h"
+#include "core/row_access.h"
 #include "core/row_walk.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
@@ -17,9 +17,6 @@
 namespace zkr {
 
 namespace {
-
-// A multiple of 8, so that every piece of a row begins on a byte.
-constexpr size_t piecePixels = 512;
 
 // What pixels are counted by: bytes with an index, words with a gray value or a colour, colours of four
 // bytes.
@@ -84,10 +81,10 @@ class ColourScan {
 
     // Counts the pixels of a segment; true when the answer is known.
     bool Count(const uint8_t* row, size_t begin, size_t end) {
-        for (size_t piece = begin & ~size_t{7}; piece < end; piece += piecePixels) {
-            const size_t pixels = std::min(end - piece, piecePixels);
+        for (size_t piece = begin & ~size_t{7}; piece < end; piece += Stages::piecePixels) {
+            const size_t pixels = std::min(end - piece, Stages::piecePixels);
             const size_t skipped = begin > piece ? begin - piece : 0;
-            if (CountUnits(Read(row + piece / 8 * bits_, pixels), skipped, pixels)) return true;
+            if (CountUnits(stages_.Run(row + piece / 8 * bits_, pixels), skipped, pixels)) return true;
         }
         return false;
     }
@@ -97,16 +94,15 @@ class ColourScan {
         const rows::ConvertKernels& kernels = rows::Kernels().Convert;
         const auto toColour32 = [&](rows::Source source, const rows::RowParameters& parameters) {
             constexpr auto target = static_cast<size_t>(rows::Target::Colour32);
-            Append({kernels.Convert[static_cast<size_t>(source)][target], parameters});
+            stages_.Append(kernels.Convert[static_cast<size_t>(source)][target], parameters);
             unit_ = Unit::Colour32;
         };
         if (bits_ <= 8) {
-            const rows::RowParameters fold{.Table = palette_.First};
-            Append({bits_ == 8 ? kernels.MapBytes : kernels.Unpack[bits_], fold});
+            stages_.Append(bits_ == 8 ? kernels.MapBytes : kernels.Unpack[bits_], {.Table = palette_.First});
             unit_ = Unit::Index;
             return;
         }
-        if (bits_ == 12) Append({kernels.Unpack12, {}});
+        if (bits_ == 12) stages_.Append(kernels.Unpack12);
         if (bits_ <= 16) {
             unit_ = HasGrayWords(bitmap) ? Unit::Gray : Unit::Colour16;
             if (levels != nullptr)
@@ -121,8 +117,6 @@ class ColourScan {
         toColour32(source, {.SourceIsRgb = isRgb_});
     }
 
-    void Append(const ConvertStage& stage) { stages_[stageCount_++] = stage; }
-
     size_t SetWords() const {
         switch (unit_) {
         case Unit::Index: return 256 / 32;
@@ -130,14 +124,6 @@ class ColourScan {
         case Unit::Colour16: return 0x8000 / 32;
         default: return rows::colourSetWords;
         }
-    }
-
-    const uint8_t* Read(const uint8_t* source, size_t pixels) {
-        for (size_t i = 0; i < stageCount_; ++i) {
-            stages_[i].Kernel(source, units_[i], pixels, stages_[i].Parameters);
-            source = units_[i];
-        }
-        return source;
     }
 
     bool CountUnits(const uint8_t* units, size_t first, size_t end) {
@@ -206,9 +192,7 @@ class ColourScan {
     const FoldedPalette& palette_;
     Tally& tally_;
     Unit unit_ = Unit::Index;
-    size_t stageCount_ = 0;
-    ConvertStage stages_[2] = {};
-    uint8_t units_[2][piecePixels * 4];
+    Stages stages_;
     std::optional<ScratchBuffer<uint32_t>> set_;
 };
 
@@ -237,10 +221,11 @@ ReturnCode WalkRegion(BitmapHandle& bitmap, ColourScan& scan) {
         const int32_t y = region.top() + index;
         std::span<const uint32_t> segments;
         ReturnCode result = region.SegmentsOf(y, segments);
-        if (result == code::Success) result = ReadExactly(bitmap, row.data(), y, 0, bitmap.BytesPerLine);
+        const uint8_t* data = nullptr;
+        if (result == code::Success) result = FetchRow(bitmap, y, row.data(), data);
         if (result != code::Success) return result;
         for (size_t i = 0; i < segments.size() && !known; i += 2)
-            known = scan.Count(row.data(), segments[i], segments[i + 1]);
+            known = scan.Count(data, segments[i], segments[i + 1]);
         return known ? code::General : code::Success; // ends the walk
     });
     return known ? receiver.Report(100) : status;

@@ -1,5 +1,6 @@
 /*
- * The gray window: which bits of a gray pixel are its value, and the record's fields that carry it.
+ * Gray: whether palettes and bitmaps are gray, bitmaps brought to gray, and the gray window: which bits of a
+ * gray pixel are its value, and the record's fields that carry it.
  *
  * A gray bitmap of 12 or 16 bits per pixel need not use all of its bits. LowBit and HighBit of the record
  * name those that hold the value; a level table, LevelLUT, can give each value a colour. Depths, bits and
@@ -11,6 +12,15 @@
 #include "bitmap.h"
 
 Z_BEGIN_DECLS
+
+/* What a palette or a bitmap is. */
+enum {
+    GRAY_NO = 0,                               /* not gray */
+    GRAY_ORDEREDNORMAL = 1,                    /* gray, black first */
+    GRAY_ORDEREDREVERSE = 2,                   /* gray, white first */
+    GRAY_ORDEREDINVERSE = GRAY_ORDEREDREVERSE, /* the same */
+    GRAY_NOTORDERED = 3                        /* gray, but not an even ramp */
+};
 
 /*
  * Finds the bits of a pixel that are its value: value = (pixel >> shift) & mask. A window wider than the
@@ -57,6 +67,69 @@ Z_API ReturnCode Z_CALL Z_CopyGrayParams(BitmapHandle* target, const BitmapHandl
  * bitmap  in, out: LevelLUT and PaintLUT are freed and become null; LevelLUTLength stays. Null is ignored.
  */
 Z_API void Z_CALL Z_FreeGrayParams(BitmapHandle* bitmap);
+
+/*
+ * Says whether a palette is gray, and in which order.
+ *
+ * palette  in: its first entry is read whatever the count; null is not gray
+ * entries  in
+ *
+ * GRAY_NO when red, green and blue of an entry differ. Of up to one entry black is GRAY_ORDEREDNORMAL, white
+ * GRAY_ORDEREDREVERSE. More must be a ramp of even steps of 255 / (entries - 1), cut to a whole number, from
+ * black up or from white down, so that only 2, 4, 16 and 256 entries can be ordered. Else GRAY_NOTORDERED.
+ */
+Z_API int32_t Z_CALL Z_IsGrayScalePalette(const RGBQUAD* palette, uint32_t entries);
+
+/*
+ * Says whether a bitmap is gray. Its pixels are not looked at.
+ *
+ * bitmap  in; null is not gray
+ *
+ * In gray order GRAY_ORDEREDNORMAL; with an active level table only when all entries that a value can reach
+ * are gray, else GRAY_NO. In another order GRAY_NO above 8 bits and without a whole palette, else what
+ * Z_IsGrayScalePalette says of the palette.
+ */
+Z_API int32_t Z_CALL Z_IsGrayScaleBitmap(const BitmapHandle* bitmap);
+
+/*
+ * Brings a bitmap to gray.
+ *
+ * bitmap  in, replaced: of the same size, view perspective, resolution, playback fields and region; on disk
+ *         where it was on disk, else conventional. At 8 bits it has a gray palette, at 12 and 16 bits gray
+ *         order and a window of the whole pixel. A bitmap that is so already is left alone.
+ * bits    in: 8, 12 or 16
+ *
+ * The gray of a colour is (2 red + 5 green + blue + 4) >> 3, of 8 bits up to 32 bits per pixel, of 16 bits
+ * above. 8 bits become 12 as g * 16 + g / 17 and 16 as g * 257, and 16 bits lose their lower bits. A gray
+ * pixel of 12 or 16 bits counts by its value in the window from LowBit to HighBit, stretched to the new
+ * depth, or by the gray of its entry in an active level table (black behind the table's end). Divisions
+ * truncate.
+ *
+ * Returns Z_SUCCESS; Z_ERROR_BITMAP for a bitmap that is null or not allocated, or whose palette is shorter
+ * than ColorsUsed; Z_ERROR_BITS_PER_PIXEL above 16 bits; Z_ERROR_EXTENDED_GRAY_LOCKED above 8 bits while
+ * extended gray is locked; Z_ERROR_ARGUMENT for another count of bits; Z_ERROR_MEMORY; the failures of
+ * reading and writing rows; any other result of the status callback, which stops the work. On failure the
+ * bitmap is as it was.
+ */
+Z_API ReturnCode Z_CALL Z_GrayScaleBitmap(BitmapHandle* bitmap, int32_t bits);
+
+/*
+ * Removes negative values from a bitmap of signed data, two's complement in the pixel's own width: they
+ * become 0.
+ *
+ * bitmap  in, changed. Z_FLAG_SIGNED is cleared. Without that flag, and at 16 bits unless in gray order, the
+ *         bitmap is left alone.
+ *
+ * At 16 bits the words of the pixels count, at 48 and 64 bits all words of a row, alpha too, at 24 and 32
+ * bits all bytes of a row. Up to 8 bits the channels of the palette do, and no pixel changes. At 12 bits a
+ * row is taken in steps of six bytes for two pixels: the low 12 bits of the first word become 0 when bit 11
+ * is set in it, the high 12 bits of the second word when its bit 15 is set.
+ *
+ * Returns Z_SUCCESS; Z_ERROR_BITMAP for a bitmap that is null or not allocated; Z_ERROR_MEMORY, with the
+ * pixels and the palette as they were; the failures of reading and writing rows and any other result of the
+ * status callback, with the rows before done and the flag cleared.
+ */
+Z_API ReturnCode Z_CALL Z_ClearNegativePixels(BitmapHandle* bitmap);
 
 /*
  * Counts the distinct colours of a bitmap inside its region, or of the whole bitmap without one, and ends as
