@@ -5,6 +5,7 @@
 #include "zkr13n/colour_values.h"
 #include "zkr13n/convert.h"
 #include "zkr13n/copy.h"
+#include "zkr13n/fill.h"
 #include "zkr13n/frame.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/surface.h"
@@ -132,6 +133,15 @@ TEST(Failures, OfWorkOnOneBitmap) {
             for (const int32_t conventional : {0, 1, 99})
                 move("tuning", MemoryTiled, conventional, 56);
         add("copy", {Memory, Write}, [](Ground& g) { return Z_CopyBitmap(&g.Made, &g.Subject); });
+        add("copy into a file", {Memory, Write},
+            [](Ground& g) { return Z_CopyBitmap2(&g.Made, &g.Subject, MemoryDisk); });
+        add("rectangle", {Memory, Write},
+            [](Ground& g) { return Z_CopyBitmapRect(&g.Made, &g.Subject, -1, 2, 7, 6); });
+        add("rectangle into a file", {Memory, Write},
+            [](Ground& g) { return Z_CopyBitmapRect2(nullptr, &g.Subject, -1, 2, 7, 6, MemoryDisk); });
+        add("cut", {Memory, Write}, [](Ground& g) { return Z_TrimBitmap(&g.Subject, 1, 1, 5, 4); });
+        add("fill", {Memory}, [](Ground& g) { return Z_FillBitmap(&g.Subject, 0x010000EE); });
+        add("clear", {Memory}, [](Ground& g) { return Z_ClearBitmap(&g.Subject); });
         add("duplicate without data", {Memory}, [](Ground& g) {
             const ReturnCode result = Z_DupBitmapNewDim(&g.Made, &g.Subject, 3, 3, 8, Z_DUP_PALETTE);
             Z_FreeDuplicateBitmap(&g.Made, Z_DUP_PALETTE);
