@@ -1,6 +1,7 @@
 // The callbacks that a thread has set, and the one default that can only be read.
 #include "core/return_codes.h"
 #include "core/thread_settings.h"
+#include "zkr13n/dither.h"
 #include "zkr13n/frame.h"
 
 #include <utility>

@@ -12,6 +12,7 @@
 #include "zkr13n/compressed_rows.h"
 #include "zkr13n/convert.h"
 #include "zkr13n/copy.h"
+#include "zkr13n/dither.h"
 #include "zkr13n/files.h"
 #include "zkr13n/fill.h"
 #include "zkr13n/filter.h"

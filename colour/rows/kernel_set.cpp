@@ -17,13 +17,15 @@ namespace zkr::rows {
     extern const ConvertKernels convertKernels;                                                              \
     extern const MatchKernels matchKernels;                                                                  \
     extern const CountKernels countKernels;                                                                  \
+    extern const DitherKernels ditherKernels;                                                                \
     }
 ZKR_FOR_EACH_SET(ZKR_DECLARE_TABLES)
 #undef ZKR_DECLARE_TABLES
 
 namespace {
 
-#define ZKR_LIST_TABLES(set) {#set, set::convertKernels, set::matchKernels, set::countKernels},
+#define ZKR_LIST_TABLES(set)                                                                                 \
+    {#set, set::convertKernels, set::matchKernels, set::countKernels, set::ditherKernels},
 constexpr RowKernels allSets[] = {ZKR_FOR_EACH_SET(ZKR_LIST_TABLES)};
 #undef ZKR_LIST_TABLES
 

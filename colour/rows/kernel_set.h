@@ -12,12 +12,14 @@ namespace zkr::rows {
 struct ConvertKernels; // row_kernel.h
 struct MatchKernels;   // palette_match.h
 struct CountKernels;   // colour_set.h
+struct DitherKernels;  // dither_rows.h
 
 struct RowKernels {
     const char* Name; // as ZKR_CPU names it
     const ConvertKernels& Convert;
     const MatchKernels& Match;
     const CountKernels& Count;
+    const DitherKernels& Dither;
 };
 
 // The kernels that this process uses: the best set that the processor has, or the one that the environment

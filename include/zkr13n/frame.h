@@ -105,13 +105,6 @@ Z_API ReturnCode Z_CALL Z_VecGetSubstituteFontCallback(SubstituteFontCallback* c
  */
 Z_API ReturnCode Z_CALL Z_VersionInfo(VersionRecord* record);
 
-/*
- * The dithering method that a new bitmap of the calling thread gets.
- *
- * Returns a dithering method, 7 unless the thread could not be given settings of its own for want of memory.
- */
-Z_API int32_t Z_CALL Z_GetDefaultDithering(void);
-
 Z_END_DECLS
 
 #endif

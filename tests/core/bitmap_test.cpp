@@ -2,6 +2,7 @@
 #include "core/dispatch.h"
 #include "core/test_bitmaps.h"
 #include "zkr13n/allocation.h"
+#include "zkr13n/dither.h"
 #include "zkr13n/frame.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"

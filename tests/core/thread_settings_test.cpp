@@ -5,6 +5,7 @@
 #include "core/dispatch.h"
 #include "platform/faults.h"
 #include "zkr13n/allocation.h"
+#include "zkr13n/dither.h"
 #include "zkr13n/locks.h"
 #include "zkr13n/storage.h"
 

@@ -1,6 +1,8 @@
 // A host loads the library, uses it on threads that live on, and unloads it: nothing of it may run or stay
 // then. The program does not link the library.
 #include "support/loaded_module.h"
+
+#include "zkr13n/dither.h"
 #include "zkr13n/frame.h"
 #include "zkr13n/locks.h"
 

@@ -1,0 +1,207 @@
+// One row of a dithering run: piece by piece through reader, method and packer.
+#include "colour/dither/dither_state.h"
+
+#include "colour/dither/row_reader.h"
+#include "colour/dither/thresholds.h"
+#include "colour/rows/kernel_set.h"
+#include "zkr13n/palettes.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zkr {
+
+using rows::IndexRule;
+
+namespace {
+
+constexpr uint32_t redShift = 16, greenShift = 8, blueShift = 0;
+
+// The uppermost bits of a channel, put into an index from a bit on.
+constexpr rows::Slice TopBits(uint32_t channelShift, uint32_t bits, uint32_t place) {
+    return {channelShift + 8 - bits - place, ((1u << bits) - 1) << place};
+}
+
+struct SlicedPalette {
+    rows::Slice Slices[3];
+    uint32_t NonZero = 0;
+};
+
+// The palettes of 8 colours and more, by bits. That of 16 is cut like that of 8 with red and blue exchanged,
+// and of its colours only black and the bright ones are met.
+constexpr SlicedPalette slicedPalettes[] = {
+    {{TopBits(redShift, 1, 2), TopBits(greenShift, 1, 1), TopBits(blueShift, 1, 0)}},
+    {{TopBits(redShift, 1, 0), TopBits(greenShift, 1, 1), TopBits(blueShift, 1, 2)}, 8},
+    {{TopBits(redShift, 2, 3), TopBits(greenShift, 2, 1), TopBits(blueShift, 1, 0)}},
+    {{TopBits(redShift, 2, 4), TopBits(greenShift, 2, 2), TopBits(blueShift, 2, 0)}},
+    {{TopBits(redShift, 2, 5), TopBits(greenShift, 3, 2), TopBits(blueShift, 2, 0)}},
+    {{TopBits(redShift, 3, 5), TopBits(greenShift, 3, 2), TopBits(blueShift, 2, 0)}},
+};
+
+// The index of the entry that a cell of the match table leads to. Cells of a caller's table may hold
+// anything; where no entry may be chosen all colours get index 0.
+uint8_t FindIndex(void* context, uint32_t cell) {
+    auto& state = *static_cast<DitherState*>(context);
+    uint32_t& position = state.MatchTable[cell];
+    if (position == 0) {
+        const auto channel = [cell](uint32_t shift) { return static_cast<int32_t>(cell >> shift & 31) * 8; };
+        position = static_cast<uint32_t>(Z_FindPaletteIndex(state.MatchPalette,
+                                                            static_cast<int32_t>(state.MatchColors),
+                                                            channel(10), channel(5), channel(0)) +
+                                         1);
+    }
+    return position - 1 < state.MatchColors ? state.MatchPalette[position - 1].rgbReserved : 0;
+}
+
+IndexRule RuleOf(const DitherState& state) {
+    if (UsesMatchTable(state)) return IndexRule::Table;
+    switch (state.PaletteKind) {
+    case PaletteFixed1: return IndexRule::TwoLevels;
+    case PaletteFixed2: return IndexRule::FourLevels;
+    case PaletteCube: return IndexRule::Cube;
+    default: return IndexRule::Slices;
+    }
+}
+
+// An ordered method at work on one line.
+class OrderedLine {
+  public:
+    explicit OrderedLine(const DitherState& state) : kernels_(rows::Kernels()) {
+        const ThresholdMatrix& matrix = state.Method == DitherOrdered ? dispersedDots : clusteredDots;
+        const uint8_t(&thresholds)[thresholdSide] = matrix.Rows[state.LineCounter % thresholdSide];
+        comparesGray_ = state.PaletteKind == PaletteFixed1;
+        comparesChannels_ = state.PaletteKind == PaletteFixed4;
+        const size_t bytesEach = comparesGray_ ? 1 : 4;
+        for (size_t i = 0; i < rows::patternBytes; ++i) {
+            const uint8_t m = thresholds[i / bytesEach % thresholdSide];
+            const int32_t shift = ThresholdShift(m, FinenessBits(state));
+            thresholds_[i] = m;
+            up_[i] = static_cast<uint8_t>(std::max(shift, 0));
+            down_[i] = static_cast<uint8_t>(std::max(-shift, 0));
+        }
+    }
+
+    void Run(const DitherState& state, uint8_t* quads, uint8_t* indices, size_t pixels) const {
+        if (comparesGray_) {
+            const auto toGray = kernels_.Convert.Convert[static_cast<size_t>(rows::Source::Colour32)]
+                                                        [static_cast<size_t>(rows::Target::Gray8)];
+            toGray(quads, indices, pixels, {});
+            kernels_.Dither.Compare(indices, pixels, thresholds_, 1);
+            return;
+        }
+        if (comparesChannels_) {
+            kernels_.Dither.Compare(quads, pixels * 4, thresholds_, 0xFF);
+        } else {
+            kernels_.Dither.Shift(quads, pixels * 4, up_, down_);
+        }
+        kernels_.Dither.Index[static_cast<size_t>(state.Rule)](quads, indices, pixels, state.Index);
+    }
+
+  private:
+    static int32_t FinenessBits(const DitherState& state) {
+        constexpr int32_t likeCube = 6;
+        if (UsesMatchTable(state)) return state.TargetBits;
+        return state.PaletteKind == PaletteCube ? likeCube : state.PaletteKind - PaletteFixed1 + 1;
+    }
+
+    const rows::RowKernels& kernels_;
+    bool comparesGray_;
+    bool comparesChannels_;
+    uint8_t thresholds_[rows::patternBytes];
+    uint8_t up_[rows::patternBytes];
+    uint8_t down_[rows::patternBytes];
+};
+
+// Begins a line of a diffusing method: takes the sums of the first pixels out of the uppermost row and moves
+// the rows up there.
+rows::ErrorState StartLine(const DitherState& state) {
+    const rows::Taps& taps = rows::taps[state.Method];
+    rows::ErrorState line = {};
+    for (int32_t row = 0; row < taps.Rows; ++row)
+        line.Rows[row] = reinterpret_cast<int32_t(*)[4]>(state.BlueRows[row]) + taps.Margin;
+    for (int32_t column = 0; column < taps.Margin; ++column) {
+        int32_t(&sums)[4] = column == 0 ? line.Error : line.Sums[column - 1];
+        std::memcpy(sums, line.Rows[0][column], sizeof sums);
+        for (int32_t row = 1; row < taps.Rows; ++row)
+            std::memcpy(line.Rows[row - 1][column], line.Rows[row][column], sizeof sums);
+        std::memset(line.Rows[taps.Rows - 1][column], 0, sizeof sums);
+    }
+    for (int32_t& error : line.Error)
+        error /= taps.Divisor;
+    return line;
+}
+
+// Packs indices, of which the target's bits are kept; other pixels of the last byte stay as they are.
+void PackIndices(const DitherState& state, uint8_t* indices, size_t pixels, uint8_t* row, size_t first) {
+    const int32_t bits = state.TargetBits;
+    if (bits < 1 || bits > 8) return;
+    uint8_t* target = row + first / 8 * static_cast<size_t>(bits);
+    if (bits == 8) {
+        std::memcpy(target, indices, pixels);
+        return;
+    }
+    if (state.TargetColors > 1u << bits) {
+        for (size_t i = 0; i < pixels; ++i)
+            indices[i] = static_cast<uint8_t>(indices[i] & ((1u << bits) - 1));
+    }
+    rows::Kernels().Convert.Pack[bits](indices, target, pixels, {});
+}
+
+} // namespace
+
+void PrepareIndex(DitherState& state) {
+    state.Rule = RuleOf(state);
+    rows::IndexParameters& index = state.Index;
+    if (state.Rule == IndexRule::Slices) {
+        const SlicedPalette& sliced = slicedPalettes[state.PaletteKind - PaletteFixed3];
+        std::copy(std::begin(sliced.Slices), std::end(sliced.Slices), index.Slices);
+        index.NonZero = sliced.NonZero;
+    }
+    if (state.Rule == IndexRule::Table) std::memset(state.Known, rows::unknownIndex, sizeof state.Known);
+    index.Known = state.Known;
+    index.Find = FindIndex;
+    index.FindContext = &state;
+    index.Colours = state.TargetPalette;
+    index.Weighted = state.Weighted;
+    if (state.ErrorRowCount == 0) return;
+    const int32_t weight = rows::taps[state.Method].Weight(0, 1);
+    for (size_t i = 0; i < std::size(state.Weighted); ++i) {
+        const RGBQUAD& colour = state.TargetPalette[i];
+        const int32_t channels[4] = {colour.rgbBlue, colour.rgbGreen, colour.rgbRed, colour.rgbReserved};
+        for (size_t lane = 0; lane < 4; ++lane)
+            state.Weighted[i][lane] = -channels[lane] * weight;
+    }
+}
+
+void DitherRow(DitherState& state, const BitmapHandle& bitmap, const uint8_t* source, uint8_t* target) {
+    const bool diffuses = state.ErrorRowCount > 0;
+    const bool ordered = IsOrdered(state.Method);
+    // A row that has become wider ends where the error rows end.
+    const int32_t widest =
+        diffuses ? state.ErrorRowLength - 2 * rows::taps[state.Method].Margin : bitmap.Width;
+    const auto width = static_cast<size_t>(std::clamp(bitmap.Width, 0, std::max(widest, 0)));
+    const rows::DitherKernels& kernels = rows::Kernels().Dither;
+    const auto rule = static_cast<size_t>(state.Rule);
+
+    RowReader reader(state, bitmap);
+    const OrderedLine thresholds(state);
+    rows::ErrorState errors = diffuses ? StartLine(state) : rows::ErrorState{};
+    if (ordered) ++state.LineCounter;
+    uint8_t quads[ditherPiece * 4 + 4];
+    uint8_t indices[ditherPiece];
+    for (size_t first = 0; first < width; first += ditherPiece) {
+        const size_t pixels = std::min(ditherPiece, width - first);
+        reader.Read(source, first, pixels, quads);
+        if (diffuses) {
+            std::memset(quads + pixels * 4, 0, 4);
+            kernels.Diffuse[state.Method][rule](quads, indices, pixels, state.Index, errors);
+        } else if (ordered) {
+            thresholds.Run(state, quads, indices, pixels);
+        } else {
+            kernels.Index[rule](quads, indices, pixels, state.Index);
+        }
+        PackIndices(state, indices, pixels, target, first);
+    }
+}
+
+} // namespace zkr

@@ -1,0 +1,46 @@
+// Rows of any depth as pixels of four bytes: blue, green, red and one without meaning.
+#pragma once
+
+#include "colour/rows/row_kernel.h"
+#include "zkr13n/bitmap.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace zkr {
+
+struct DitherState;
+
+// The pixels that are in work at a time; a multiple of 8, so that every piece of a row begins on a byte.
+inline constexpr size_t ditherPiece = 512;
+
+// The order and the level table are those that the bitmap has when the reader is made.
+class RowReader {
+  public:
+    RowReader(const DitherState& state, const BitmapHandle& bitmap);
+
+    // Reads the pixels from one that is a multiple of 8 on; at most ditherPiece.
+    void Read(const uint8_t* row, size_t first, size_t pixels, uint8_t* quads);
+
+  private:
+    void AddGray(const DitherState& state, const BitmapHandle& bitmap);
+    void Add(rows::RowKernel kernel, const rows::RowParameters& parameters);
+    void Add(rows::Source source, rows::Target target, const rows::RowParameters& parameters);
+    void LookUpLevels(const uint8_t* words, size_t pixels, uint8_t* quads) const;
+
+    struct Stage {
+        rows::RowKernel Kernel;
+        rows::RowParameters Parameters;
+    };
+    size_t bits_;
+    int32_t stageCount_ = 0;
+    Stage stages_[3];
+
+    const RGBQUAD* levels_ = nullptr; // gray words are looked up here after the stages
+    uint32_t levelCount_ = 0;
+    uint32_t mask_ = 0;
+    uint32_t shift_ = 0;
+    uint8_t between_[2][ditherPiece * 2]; // words at most
+};
+
+} // namespace zkr

@@ -1,0 +1,108 @@
+// Kernels of dithering, and the taps that the error diffusion kernels are made from. They work on pixels of
+// four bytes (blue, green, red and one that is ignored) and give one index a byte.
+//
+// Errors are kept for three channels at a time: a cell is four 32-bit numbers, blue, green, red and one
+// without meaning. A cell holds the sum of error times weight of all that reached its pixel; it is divided
+// once, when the pixel comes.
+#pragma once
+
+#include "zkr13n/platform_types.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+
+namespace zkr::rows {
+
+inline constexpr int32_t farthestTap = 3;
+inline constexpr int32_t mostErrorRows = 3;
+
+// Where the error of a pixel goes: Weights[row][column + farthestTap], of the pixel's own row and those
+// below. Errors below the pixel's own row wait in Rows rows of cells, which have Margin cells more at each
+// end.
+struct Taps {
+    int32_t Divisor;
+    int32_t Rows;
+    int32_t Margin;
+    int32_t Weights[1 + mostErrorRows][2 * farthestTap + 1];
+
+    constexpr int32_t Weight(int32_t row, int32_t column) const { return Weights[row][column + farthestTap]; }
+};
+
+// By method, of which 1 to 6 diffuse errors: Floyd and Steinberg (1976), Stucki (1981), Burkes (1988), Sierra
+// (1989), Stevenson and Arce (1985), Jarvis, Judice and Ninke (1976).
+inline constexpr Taps taps[] = {
+    {},
+    {16, 1, 1, {{0, 0, 0, 0, 7}, {0, 0, 3, 5, 1}}},
+    {42, 2, 2, {{0, 0, 0, 0, 8, 4}, {0, 2, 4, 8, 4, 2}, {0, 1, 2, 4, 2, 1}}},
+    {32, 1, 2, {{0, 0, 0, 0, 8, 4}, {0, 2, 4, 8, 4, 2}}},
+    {32, 2, 2, {{0, 0, 0, 0, 5, 3}, {0, 2, 4, 5, 4, 2}, {0, 0, 2, 3, 2, 0}}},
+    {200,
+     3,
+     3,
+     {{0, 0, 0, 0, 0, 32, 0}, {12, 0, 26, 0, 30, 0, 16}, {0, 12, 0, 26, 0, 12, 0}, {5, 0, 12, 0, 12, 0, 5}}},
+    {48, 2, 2, {{0, 0, 0, 0, 7, 5}, {0, 3, 5, 7, 5, 3}, {0, 1, 3, 5, 3, 1}}},
+};
+inline constexpr size_t diffusionMethods = std::size(taps);
+
+// How a colour becomes an index.
+enum class IndexRule : uint8_t {
+    TwoLevels,  // the uppermost bit of its gray
+    FourLevels, // the two uppermost bits of its gray
+    Slices,     // the uppermost bits of its channels, side by side
+    Cube,       // which fifty-first of its channels, as digits of base 6
+    Table,      // looked up by the five upper bits of each channel
+    Count
+};
+inline constexpr size_t indexRules = static_cast<size_t>(IndexRule::Count);
+
+// The bits that a channel gives to an index: those of Mask after shifting right.
+struct Slice {
+    uint32_t Shift; // of the whole pixel
+    uint32_t Mask;
+};
+
+struct IndexParameters {
+    Slice Slices[3];
+    uint32_t NonZero; // set in an index of slices that is not 0
+
+    // By red << 10 | green << 5 | blue in five bits each; an index, or unknownIndex where Find has not been
+    // asked yet or gave that.
+    uint8_t* Known;
+    uint8_t (*Find)(void* context, uint32_t cell);
+    void* FindContext;
+
+    // By index: its colour, and the same as a cell, times the weight of the tap to the next pixel, negative.
+    const RGBQUAD* Colours;
+    int32_t (*Weighted)[4];
+};
+inline constexpr uint8_t unknownIndex = 255;
+inline constexpr size_t tableCells = 32768;
+
+// What is carried from pixel to pixel of a row.
+struct ErrorState {
+    int32_t Error[4];                  // of the next pixel, divided
+    int32_t Sums[farthestTap - 1][4];  // of the pixels behind it, undivided, as far as the taps reach
+    int32_t (*Rows[mostErrorRows])[4]; // the cell of the next pixel in the rows below, uppermost first
+};
+
+using IndexKernel = void (*)(const uint8_t* quads, uint8_t* indices, size_t pixels, const IndexParameters&);
+// Behind the last pixel there is one more, which is 0.
+using DiffuseKernel = void (*)(const uint8_t* quads, uint8_t* indices, size_t pixels, const IndexParameters&,
+                               ErrorState&);
+
+// Thresholds come as patterns of 32 bytes that repeat along the row.
+inline constexpr size_t patternBytes = 32;
+
+struct DitherKernels {
+    IndexKernel Index[indexRules];
+    DiffuseKernel Diffuse[diffusionMethods][indexRules]; // null for method 0
+
+    // Adds up and subtracts down, one of which is 0 in each place; bytes stay within 0 to 255.
+    void (*Shift)(uint8_t* bytes, size_t count, const uint8_t* up, const uint8_t* down);
+
+    // Makes bytes above their threshold mark, others 0.
+    void (*Compare)(uint8_t* bytes, size_t count, const uint8_t* thresholds, uint8_t mark);
+};
+
+} // namespace zkr::rows
