@@ -6,7 +6,10 @@
 #include "core/flags.h"
 #include "core/return_codes.h"
 #include "core/row_walk.h"
+#include "core/runs/exchanged_row.h"
+#include "core/runs/run_list.h"
 #include "core/scratch.h"
+#include "zkr13n/compressed_rows.h"
 #include "zkr13n/locks.h"
 
 #include <algorithm>
@@ -36,9 +39,24 @@ ReturnCode CopyRows(BitmapHandle* destination, BitmapHandle* source, RowFailures
         });
 }
 
+// Rows of runs go from heap to heap as they are.
+ReturnCode CopyRuns(BitmapHandle* destination, BitmapHandle* source) {
+    ScratchBuffer<uint16_t> row(runs::CountWords + static_cast<size_t>(runs::MostWords(source->Width)));
+    if (!row) return code::OutOfMemory;
+    return WalkRows(
+        source, std::min(destination->Height, source->Height), StatusReceiver::Copy(), [&](int32_t index) {
+            const ReturnCode read = Z_GetBitmapRowCompressed(source, nullptr, row.data(), index, 1);
+            if (read != code::Success) return read;
+            return Z_PutBitmapRowCompressed(destination, nullptr, row.data(), index, 1);
+        });
+}
+
 ReturnCode CopyData(BitmapHandle* destination, BitmapHandle* source, RowFailures failures) {
     if (!IsAllocated(source) || !IsAllocated(destination)) return code::InvalidBitmap;
-    return destination == source ? code::Success : CopyRows(destination, source, failures);
+    if (destination == source) return code::Success;
+    const bool bothRuns = HasFlag(*source, flag::Compressed) && HasFlag(*destination, flag::Compressed);
+    if (bothRuns && source->Width == destination->Width) return CopyRuns(destination, source);
+    return CopyRows(destination, source, failures);
 }
 
 } // namespace

@@ -53,10 +53,11 @@ ReturnCode WhetherAllMoved(ReturnCode moved, uint32_t bytes, ReturnCode failure)
 
 } // namespace
 
-ReturnCode ReadExactly(BitmapHandle& bitmap, uint8_t* buffer, int32_t row, int32_t column, uint32_t bytes) {
+ReturnCode ReadExactly(BitmapHandle& bitmap, uint8_t* buffer, int32_t row, int32_t column, uint32_t bytes,
+                       ReturnCode shortfall) {
     const storage::StorageClass* storageClass = storage::ClassOf(bitmap);
     if (storageClass == nullptr) return NoStorage(bitmap, row);
-    return WhetherAllMoved(storageClass->Read(bitmap, buffer, row, column, bytes), bytes, code::ReadFailed);
+    return WhetherAllMoved(storageClass->Read(bitmap, buffer, row, column, bytes), bytes, shortfall);
 }
 
 ReturnCode WriteExactly(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row, int32_t column,

@@ -7,6 +7,7 @@
 #include "core/flags.h"
 #include "core/return_codes.h"
 #include "core/row_copy.h"
+#include "core/storage/compressed.h"
 #include "core/storage/storage_class.h"
 #include "zkr13n/rows.h"
 
@@ -106,12 +107,33 @@ ReturnCode MergeThroughStorage(BitmapHandle& bitmap, int32_t row, const uint8_t*
     return code::Success;
 }
 
+// A row of runs is rebuilt once for as many segments as follow one another from left to right.
+ReturnCode MergeIntoRuns(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row, int32_t columnOffset,
+                         std::span<const uint32_t> segments) {
+    if (bitmap.Addr == nullptr) return code::InvalidBitmap;
+    if (row < 0 || row >= bitmap.Height) return code::InvalidArgument;
+    for (size_t entry = 0; entry + 1 < segments.size();) {
+        storage::RowRebuild rebuild(bitmap, row);
+        for (; entry + 1 < segments.size(); entry += 2) {
+            const Piece piece = ClippedPiece(bitmap, columnOffset, segments[entry], segments[entry + 1]);
+            if (piece.Count == 0) continue;
+            if (piece.Column < rebuild.Position()) break;
+            rebuild.KeepTo(piece.Column);
+            rebuild.PutBits(buffer + piece.SourceColumn / 8, piece.SourceColumn % 8, piece.Count);
+        }
+        if (!rebuild.Store()) return code::OutOfMemory;
+    }
+    return code::Success;
+}
+
 // Whole bytes that stand in memory are copied by copy(target, source, bytes).
 template <typename Copy>
 ReturnCode PutSegments(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row, int32_t columnOffset,
                        std::span<const uint32_t> segments, bool keepTopBits, Copy copy) {
     const storage::StorageClass* storageClass = storage::ClassOf(bitmap);
     if (storageClass == nullptr) return code::OutOfMemory;
+    if (storageClass == &storage::Compressed)
+        return MergeIntoRuns(bitmap, buffer, row, columnOffset, segments);
     const PixelForm form = FormOf(bitmap, keepTopBits);
     uint8_t* const data = storageClass->ReachRow(bitmap, row);
 

@@ -1,7 +1,7 @@
-// The exchange form of compressed rows: in a caller's buffer each run list stands behind its count of words,
-// four bytes at any even address, and rows follow one another without padding.
+// Compressed rows in callers' buffers: made of packed bits and expanded to them, mirrored and flipped.
 #include "zkr13n/compressed_rows.h"
 #include "core/return_codes.h"
+#include "core/runs/exchanged_row.h"
 #include "core/runs/run_list.h"
 
 #include <cstring>
@@ -10,25 +10,11 @@ namespace zkr::runs {
 
 namespace {
 
-// The words of the count in front of a list.
-constexpr size_t CountWords = sizeof(uint32_t) / sizeof(uint16_t);
-
-uint32_t RunCountOf(const uint16_t* row) {
-    uint32_t count;
-    std::memcpy(&count, row, sizeof count);
-    return count;
-}
-
-const uint16_t* NextRow(const uint16_t* row) {
-    return row + CountWords + RunCountOf(row);
-}
-
 uint16_t* CompressRow(uint16_t* row, const uint8_t* source, uint32_t skip, uint64_t bits) {
     RunWriter writer(row + CountWords, false);
     writer.AppendBits(source, skip, bits);
-    const uint32_t count = writer.Words();
-    std::memcpy(row, &count, sizeof count);
-    return row + CountWords + count;
+    SetRunCount(row, writer.Words());
+    return row + CountWords + writer.Words();
 }
 
 void ExpandRow(const uint16_t* row, uint8_t* destination, uint64_t column, uint64_t bits) {
@@ -82,7 +68,7 @@ ReturnCode Z_CALL Z_MirrorCompressedBuffer(const uint16_t* source, uint16_t* des
         const uint16_t* const list = source + CountWords;
         const uint32_t words = RunCountOf(source);
         const uint32_t mirrored = MirroredWords(list, words);
-        std::memcpy(destination, &mirrored, sizeof mirrored);
+        SetRunCount(destination, mirrored);
         MirrorRuns(list, words, destination + CountWords);
         destination += CountWords + mirrored;
     }

@@ -198,6 +198,30 @@ Z_API int32_t Z_CALL Z_LockBitmap(BitmapHandle* bitmap);
  */
 Z_API void Z_CALL Z_UnlockBitmap(BitmapHandle* bitmap, int32_t previous);
 
+/*
+ * Gives memory back that the end of a run-compressed bitmap's heap does not use: where the last of its blocks
+ * is free and longer than 128 bytes it is cut to 128, and Size becomes what the heap takes then.
+ *
+ * bitmap    in, changed: allocated, with Z_FLAG_COMPRESSED
+ *
+ * Returns 1 when it was cut; 0 when there was nothing to cut or the heap could not be resized;
+ * Z_ERROR_ARGUMENT for another bitmap, or null.
+ */
+Z_API int32_t Z_CALL Z_TrimBitmapHeap(BitmapHandle* bitmap);
+
+/*
+ * Makes room in a run-compressed bitmap's heap, so that rows can be written without growing it row by row.
+ * The heap grows in steps of 262144 bytes and never shrinks here; Size becomes what it takes then.
+ *
+ * bitmap    in, changed: allocated, with Z_FLAG_COMPRESSED
+ * bytes     in: bytes in one piece that shall be free at the end of the heap. A row takes 2 for each of its
+ *           runs, rounded up to 4, and 24.
+ *
+ * Returns 1 when there is room, also when there was before; 0 when memory is short or the heap would pass 4
+ * GiB; Z_ERROR_ARGUMENT for another bitmap, or null.
+ */
+Z_API int32_t Z_CALL Z_GrowBitmapHeap(BitmapHandle* bitmap, uint32_t bytes);
+
 Z_END_DECLS
 
 #endif
