@@ -1,5 +1,5 @@
-// Sequences of row calls, tuning, rebuilding and changes of height over the storage classes, checked against
-// a plain array of bytes.
+// Sequences of row calls, compressed rows, tuning, rebuilding and changes of height over the storage classes,
+// checked against a plain array of bytes.
 #include "input.h"
 
 #include <algorithm>
@@ -16,14 +16,20 @@ class Checked {
     explicit Checked(Input& input) : input_(input) {
         const int32_t width = 1 + input.Below(input.Byte() < 240 ? 40 : 3000);
         const int32_t height = 1 + input.Below(maximumHeight);
-        Z_InitBitmap(&bitmap_, width, height, input.Depth());
+        Z_InitBitmap(&bitmap_, width, height, input.Byte() < 80 ? 1 : input.Depth());
         if (input.Flip()) bitmap_.Order = Z_ORDER_GRAY;
         Z_SetMemoryThresholds(0, 0, TileSize(), input.Below(9) - 1, input.Below(4), 28);
-        constexpr int32_t types[] = {MemoryConventional, MemoryUser, MemoryTiled,
-                                     MemoryTiled,        MemoryDisk, MemoryNoTiled};
+        constexpr int32_t types[] = {MemoryConventional,
+                                     MemoryUser,
+                                     MemoryTiled,
+                                     MemoryTiled,
+                                     MemoryDisk,
+                                     MemoryNoTiled,
+                                     MemoryCompressed | MemoryConventional,
+                                     MemoryCompressed | MemoryConventional};
         const int32_t type = types[input.Byte() % std::size(types)];
         FUZZ_EXPECT(Z_AllocateBitmap(&bitmap_, type) == 1);
-        model_.assign(bitmap_.Size, 0);
+        model_.assign(static_cast<size_t>(height) * RowBytes(), 0);
         if (type == MemoryUser) {
             user_ = model_;
             FUZZ_EXPECT(Z_SetBitmapDataPointer(&bitmap_, user_.data(), user_.size()) == 1);
@@ -37,7 +43,7 @@ class Checked {
     Checked& operator=(const Checked&) = delete;
 
     void Step() {
-        switch (input_.Byte() % 10) {
+        switch (input_.Byte() % (bitmap_.BitsPerPixel == 1 ? 15 : 10)) {
         case 0:
         case 1: Write(); break;
         case 2:
@@ -47,8 +53,16 @@ class Checked {
         case 6: Height(); break;
         case 7: Tune(); break;
         case 8: Rebuild(); break;
-        default: Copy(); break;
+        case 9: Copy(); break;
+        case 10: ReadRuns(); break;
+        case 11: WriteRuns(); break;
+        case 12: ReadSomeRuns(); break;
+        case 13: WriteSomeRuns(); break;
+        default: Compress(); break;
         }
+        if ((bitmap_.Flags & Z_FLAG_COMPRESSED) != 0)
+            for (int32_t row = 0; row < bitmap_.Height; ++row)
+                ForgetPadding(row);
     }
 
   private:
@@ -159,7 +173,7 @@ class Checked {
     // Whatever is asked for, and whether it is granted or not, no pixel is lost; the usual wishes are
     // granted.
     void Rebuild() {
-        constexpr int32_t types[] = {MemoryConventional, MemoryDisk, MemoryNoTiled, 2, 4, 5, 8, 9, 129};
+        constexpr int32_t types[] = {MemoryConventional, MemoryDisk, MemoryNoTiled, 2, 4, 5, 8, 9, 129, 512};
         const size_t choice = input_.Byte() % (std::size(types) + 1);
         const bool usual = choice < 3;
         const int32_t type = choice < std::size(types) ? types[choice] : input_.Hostile();
@@ -181,6 +195,170 @@ class Checked {
         if (result != 1) return;
         Z_FreeBitmap(&bitmap_);
         bitmap_ = copy;
+    }
+
+    // ---- compressed rows, of 1-bit bitmaps in any class
+
+    bool Bit(int64_t pixel) const {
+        const auto row = static_cast<size_t>(pixel / bitmap_.Width);
+        const auto column = static_cast<size_t>(pixel % bitmap_.Width);
+        return (model_[row * RowBytes() + column / 8] & 0x80 >> column % 8) != 0;
+    }
+    void SetBit(int64_t pixel, bool set) {
+        const auto row = static_cast<size_t>(pixel / bitmap_.Width);
+        const auto column = static_cast<size_t>(pixel % bitmap_.Width);
+        uint8_t& byte = model_[row * RowBytes() + column / 8];
+        byte = static_cast<uint8_t>(set ? byte | 0x80 >> column % 8 : byte & ~(0x80 >> column % 8));
+    }
+    // Runs hold no bits behind the last pixel.
+    void ForgetPadding(int32_t row) {
+        uint8_t* const bytes = model_.data() + static_cast<size_t>(row) * RowBytes();
+        const auto width = static_cast<size_t>(bitmap_.Width);
+        std::fill(bytes + (width + 7) / 8, bytes + RowBytes(), uint8_t{0});
+        if (width % 8 != 0) bytes[width / 8] &= static_cast<uint8_t>(0xFF00 >> width % 8);
+    }
+
+    // Compares a list with the model from a pixel on, and goes on to the list behind it.
+    const uint16_t* CompareRuns(const uint16_t* list, int64_t first, int64_t pixels) {
+        uint32_t count;
+        std::memcpy(&count, list, sizeof count);
+        FUZZ_EXPECT(count <= static_cast<uint64_t>(pixels) + 1);
+        int64_t pixel = first;
+        for (uint32_t word = 0; word < count; ++word)
+            for (uint16_t left = list[2 + word]; left > 0; --left)
+                FUZZ_EXPECT(pixel < first + pixels && Bit(pixel++) == (word % 2 != 0));
+        FUZZ_EXPECT(pixel == first + pixels);
+        return list + 2 + count;
+    }
+
+    // A list that is mostly a row of so many pixels; whether it is one.
+    bool AddList(std::vector<uint16_t>& lists, int32_t pixels) {
+        const size_t start = lists.size();
+        lists.resize(start + 2);
+        const auto most = static_cast<size_t>(pixels) + 1;
+        int32_t left = pixels;
+        const int32_t longest = input_.Flip() ? 4 : 3000;
+        for (size_t words = 0; left > 0 && words < most; ++words) {
+            const int32_t run = words + 1 == most ? left : std::min(left, input_.Below(longest));
+            lists.push_back(static_cast<uint16_t>(run));
+            left -= run;
+        }
+        bool isRow = left == 0;
+        auto count = static_cast<uint32_t>(lists.size() - start - 2);
+        if (input_.Byte() < 30 && count > 0) {
+            uint16_t& spoilt =
+                lists[start + 2 + static_cast<size_t>(input_.Below(static_cast<int32_t>(count)))];
+            const auto wrong = static_cast<uint16_t>(input_.Word());
+            isRow = isRow && spoilt == wrong;
+            spoilt = wrong;
+        } else if (input_.Byte() < 15) {
+            count = std::max(input_.Word(), static_cast<uint32_t>(most) + 1);
+            isRow = false;
+        }
+        std::memcpy(&lists[start], &count, sizeof count);
+        return isRow;
+    }
+    // Takes a list over into the model.
+    const uint16_t* Adopt(const uint16_t* list, int64_t pixel) {
+        uint32_t count;
+        std::memcpy(&count, list, sizeof count);
+        for (uint32_t word = 0; word < count; ++word)
+            for (uint16_t left = list[2 + word]; left > 0; --left)
+                SetBit(pixel++, word % 2 != 0);
+        return list + 2 + count;
+    }
+    // A buffer of exactly the words of a list; what is not there must not be read.
+    static Exact Copied(const std::vector<uint16_t>& lists) {
+        Exact copy(lists.size() * 2);
+        std::memcpy(copy.Get(), lists.data(), copy.Count);
+        return copy;
+    }
+    static uint16_t* Words(const Exact& buffer) { return reinterpret_cast<uint16_t*>(buffer.Get()); }
+
+    void ReadRuns() {
+        if (IsEmpty()) return;
+        const int32_t row = input_.Below(bitmap_.Height),
+                      rows = std::min(1 + input_.Below(3), bitmap_.Height - row);
+        const auto width = static_cast<size_t>(bitmap_.Width);
+        const Exact lists(static_cast<size_t>(rows) * (4 + 2 * (width + 1))), work(RowBytes());
+        const bool past = input_.Flip();
+        FUZZ_EXPECT(Z_GetBitmapRowCompressed(&bitmap_, input_.Flip() ? work.Get() : nullptr, Words(lists),
+                                             row, past && row + rows == bitmap_.Height ? 99 : rows) == 1);
+        const uint16_t* list = Words(lists);
+        for (int32_t i = row; i < row + rows; ++i)
+            list = CompareRuns(list, int64_t{i} * bitmap_.Width, bitmap_.Width);
+    }
+
+    void WriteRuns() {
+        if (IsEmpty()) return;
+        const int32_t row = input_.Below(bitmap_.Height),
+                      rows = std::min(1 + input_.Below(3), bitmap_.Height - row);
+        std::vector<uint16_t> lists;
+        bool good = true;
+        for (int32_t i = 0; i < rows && good; ++i)
+            good = AddList(lists, bitmap_.Width);
+        const Exact source = Copied(lists), work(RowBytes());
+        FUZZ_EXPECT(Z_PutBitmapRowCompressed(&bitmap_, input_.Flip() ? work.Get() : nullptr, Words(source),
+                                             row, rows) == (good ? 1 : Z_ERROR_ARGUMENT));
+        const uint16_t* list = Words(source);
+        for (int32_t i = row; good && i < row + rows; ++i) {
+            list = Adopt(list, int64_t{i} * bitmap_.Width);
+            ForgetPadding(i);
+        }
+    }
+
+    // Pixels from a place on that are there, and those asked for beyond.
+    struct RunStretch {
+        int32_t Row, Column, Asked;
+        int64_t First, Pixels;
+    };
+    RunStretch AnyRunStretch() {
+        RunStretch stretch = {};
+        stretch.Row = input_.Below(bitmap_.Height);
+        stretch.Column = input_.Below(bitmap_.Width);
+        stretch.Asked = 1 + input_.Below(input_.Flip() ? bitmap_.Width - stretch.Column : 3 * bitmap_.Width);
+        stretch.First = int64_t{stretch.Row} * bitmap_.Width + stretch.Column;
+        stretch.Pixels =
+            std::min<int64_t>(stretch.Asked, int64_t{bitmap_.Height} * bitmap_.Width - stretch.First);
+        return stretch;
+    }
+
+    void ReadSomeRuns() {
+        if (IsEmpty()) return;
+        const RunStretch from = AnyRunStretch();
+        const Exact list(4 + 2 * (static_cast<size_t>(from.Asked) + 1)), work(RowBytes());
+        std::memset(list.Get(), 0, list.Count);
+        FUZZ_EXPECT(Z_GetBitmapRowColCompressed(&bitmap_, input_.Flip() ? work.Get() : nullptr, Words(list),
+                                                from.Row, from.Column, from.Asked) == 1);
+        CompareRuns(Words(list), from.First, from.Pixels);
+    }
+
+    void WriteSomeRuns() {
+        if (IsEmpty()) return;
+        const RunStretch to = AnyRunStretch();
+        std::vector<uint16_t> list;
+        const bool good = AddList(list, to.Asked);
+        const Exact source = Copied(list), work(RowBytes());
+        FUZZ_EXPECT(Z_PutBitmapRowColCompressed(&bitmap_, input_.Flip() ? work.Get() : nullptr, Words(source),
+                                                to.Row, to.Column,
+                                                to.Asked) == (good ? 1 : Z_ERROR_ARGUMENT));
+        if (!good) return;
+        int64_t pixel = to.First;
+        for (size_t word = 2; word < list.size(); ++word)
+            for (uint16_t left = list[word]; left > 0 && pixel < to.First + to.Pixels; --left)
+                SetBit(pixel++, word % 2 != 0);
+    }
+
+    void Compress() {
+        const bool isCompressed = (bitmap_.Flags & Z_FLAG_COMPRESSED) != 0;
+        if (isCompressed && input_.Flip()) {
+            const int32_t result = input_.Flip() ? Z_TrimBitmapHeap(&bitmap_)
+                                                 : Z_GrowBitmapHeap(&bitmap_, input_.Word() % 300000);
+            FUZZ_EXPECT(result == 0 || result == 1);
+            return;
+        }
+        FUZZ_EXPECT(Z_ToggleBitmapCompression(&bitmap_) == (IsEmpty() ? Z_ERROR_DIMENSIONS : 1));
+        FUZZ_EXPECT(((bitmap_.Flags & Z_FLAG_COMPRESSED) != 0) == (isCompressed == IsEmpty()));
     }
 
     void Compare() {
