@@ -51,7 +51,7 @@ struct Rows : Exact {
     uint16_t* First() const { return reinterpret_cast<uint16_t*>(Get() + 2); }
 };
 
-// Rows must hold pixels, zeros behind them, and behind the last byte what was there.
+// So many bits must be the pixels from a column on, and zeros where there are no more.
 void ExpectBytes(const uint8_t* bytes, const Pixels& pixels, size_t column, size_t bits) {
     for (size_t i = 0; i < (bits + 7) / 8 * 8; ++i) {
         const bool expected = i < bits && column + i < pixels.size() && pixels[column + i];
@@ -72,6 +72,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const auto stride = static_cast<size_t>((bits + 31) / 32 * 4);
     const Exact packed(stride * lists.size(), input), before(packed);
     Z_ExpandRows(rows.First(), packed.Get(), bits, count);
+    List again(lists.size() * (static_cast<size_t>(bits) + 3));
+    Z_CompressRows(again.data(), packed.Get(), bits, count);
+    const Exact back(before);
+    Z_ExpandRows(again.data(), back.Get(), bits, count);
+    FUZZ_EXPECT(std::equal(back.Get(), back.Get() + back.Count, packed.Get()));
+
     std::vector<List> backward;
     const uint16_t* source = rows.First();
     for (size_t row = 0; row < lists.size(); ++row) {
@@ -86,20 +92,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
         // A first run of 0 goes; one comes where the last is one of 1 bits.
         const List& list = lists[row];
-        const size_t words = list.size() - (!list.empty() && list[0] == 0) + (list.size() % 2 == 0);
-        const Rows turned(2 + words);
-        FUZZ_EXPECT(Z_MirrorCompressedBuffer(source, turned.First(), 1) == Z_SUCCESS);
-        backward.emplace_back(turned.First() + 2, turned.First() + 2 + words);
-        Pixels pixels = PixelsOf(list);
-        std::reverse(pixels.begin(), pixels.end());
-        FUZZ_EXPECT(PixelsOf(backward.back()) == pixels);
+        List& mirrored = backward.emplace_back(list.rbegin(), list.rend());
+        if (!list.empty() && list[0] == 0) mirrored.pop_back();
+        if (list.size() % 2 == 0) mirrored.insert(mirrored.begin(), 0);
         source += 2 + list.size();
     }
-    const Rows mirrored(Rows::WordsOf(backward)), flipped(Rows::WordsOf(lists));
-    FUZZ_EXPECT(Z_MirrorCompressedBuffer(rows.First(), mirrored.First(), count) == Z_SUCCESS);
-    FUZZ_EXPECT(std::equal(mirrored.Get() + 2, mirrored.Get() + mirrored.Count, Rows(backward).Get() + 2));
-    FUZZ_EXPECT(Z_FlipCompressedBuffer(rows.First(), flipped.First(), count) == Z_SUCCESS);
+    const auto expectRows = [count, &rows](auto change, const std::vector<List>& expected) {
+        const Rows changed(Rows::WordsOf(expected)), same(expected);
+        FUZZ_EXPECT(change(rows.First(), changed.First(), count) == Z_SUCCESS);
+        FUZZ_EXPECT(std::equal(same.Get() + 2, same.Get() + same.Count, changed.Get() + 2));
+    };
+    expectRows(Z_MirrorCompressedBuffer, backward);
     std::reverse(lists.begin(), lists.end());
-    FUZZ_EXPECT(std::equal(flipped.Get() + 2, flipped.Get() + flipped.Count, Rows(lists).Get() + 2));
+    expectRows(Z_FlipCompressedBuffer, lists);
     return 0;
 }
