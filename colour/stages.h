@@ -56,7 +56,7 @@ class Stages {
     static constexpr size_t maximumStages = 4;
     Stage stages_[maximumStages] = {};
     size_t count_ = 0;
-    uint8_t work_[2][piecePixels * 8];
+    alignas(8) uint8_t work_[2][piecePixels * 8];
 };
 
 } // namespace zkr

@@ -1,0 +1,68 @@
+// Puts the reader together from the kernels of row conversion.
+#include "colour/quantise/key_reader.h"
+
+#include "colour/rows/kernel_set.h"
+#include "zkr13n/palettes.h"
+
+#include <array>
+
+namespace zkr {
+
+using rows::Source;
+using rows::Target;
+
+namespace {
+
+constexpr auto identityMap = [] {
+    std::array<uint8_t, 128> map{};
+    for (uint8_t i = 0; i < map.size(); ++i)
+        map[i] = i;
+    return map;
+}();
+
+// Without a level table, the upper eight bits of the window.
+GrayWindow WindowOf(const BitmapHandle& bitmap) {
+    const int32_t maximum = HasActiveLevelTable(bitmap) ? bitmap.BitsPerPixel : 8;
+    return MakeGrayWindow(bitmap.BitsPerPixel, maximum, bitmap.LowBit, bitmap.HighBit);
+}
+
+} // namespace
+
+KeyReader::KeyReader(const BitmapHandle& bitmap)
+    : width_(static_cast<size_t>(bitmap.Width)), bits_(static_cast<size_t>(bitmap.BitsPerPixel)),
+      window_(WindowOf(bitmap)), levels_(bitmap, window_.Mask) {
+    if (bits_ <= 8) {
+        Z_GetBitmapPaletteEntries(&bitmap, 0, 256, palette_);
+        PlanIndices();
+    } else if (HasGrayWords(bitmap)) {
+        PlanGray();
+    } else {
+        const Source source = bits_ == 16   ? Source::Colour16
+                              : bits_ == 24 ? Source::Colour24
+                              : bits_ == 32 ? Source::Colour32
+                              : bits_ == 48 ? Source::Deep48
+                                            : Source::Deep64;
+        Append(source, Target::Colour16, {.SourceIsRgb = bitmap.Order != Z_ORDER_BGR});
+    }
+}
+
+void KeyReader::PlanIndices() {
+    if (bits_ < 8) stages_.Append(rows::Kernels().Convert.Unpack[bits_], {.Table = identityMap.data()});
+    Append(Source::Index8, Target::Colour16, {.Table = palette_, .Mask = (1u << bits_) - 1});
+}
+
+void KeyReader::PlanGray() {
+    if (bits_ == 12) stages_.Append(rows::Kernels().Convert.Unpack12);
+    rows::RowParameters parameters{.Table = levels_.Entries(), .Mask = window_.Mask, .Shift = window_.Shift};
+    if (levels_.Entries() != nullptr) return Append(Source::GrayLookup, Target::Colour16, parameters);
+    parameters.Scale = rows::StretchGray(0xFF, window_.Mask);
+    Append(Source::GrayValue, Target::Gray8, parameters);
+    Append(Source::Gray8, Target::Colour16, {});
+}
+
+void KeyReader::Append(Source source, Target target, const rows::RowParameters& parameters) {
+    stages_.Append(rows::Kernels().Convert.Convert[static_cast<size_t>(source)][static_cast<size_t>(target)],
+                   parameters);
+}
+
+} // namespace zkr
