@@ -99,6 +99,13 @@ GrayWindow TargetWindow(const ConvertRequest& request, int32_t depth) {
                  : MakeGrayWindow(request.TargetBits, request.TargetBits, -1, -1);
 }
 
+// From colours to gray words, the only targets for which their grays are scaled.
+GrayScale ScaleToGrayWords(const ConvertRequest& request) {
+    if (request.SourceBits > 32) return UpperBitsOf(16, TargetWindow(request, 16));
+    return EightBitsTo(request.SourceBits == 16 ? WindowFrom16(request)
+                                                : TargetWindow(request, request.TargetBits));
+}
+
 Source ColourSource(int32_t bits) {
     switch (bits) {
     case 16: return Source::Colour16;
@@ -175,6 +182,10 @@ void ConvertPlan::Add(Source source, Target target, const RowParameters& paramet
     Add(kernels_.Convert[static_cast<size_t>(source)][static_cast<size_t>(target)], parameters);
 }
 
+bool ConvertPlan::TargetIsGrayWords() const {
+    return request_.TargetBits == 12 || (request_.TargetBits == 16 && request_.Has(Z_CONVERT_TARGET_GRAY));
+}
+
 const RGBQUAD* ConvertPlan::TargetPalette() const {
     return request_.TargetPalette != nullptr ? request_.TargetPalette
                                              : Z_IntGetFixedPalette(request_.TargetBits);
@@ -214,7 +225,7 @@ void ConvertPlan::PlanIndices() {
     const RGBQUAD* palette =
         request_.SourcePalette != nullptr ? request_.SourcePalette : Z_IntGetFixedPalette(bits);
     RowParameters parameters{.Table = palette, .Mask = (1u << PixelBits(bits)) - 1};
-    parameters.Scale = EightBitsTo(TargetWindow(request_, request_.TargetBits));
+    if (TargetIsGrayWords()) parameters.Scale = ScaleToGrayWords(request_);
     if (bits == 0) return AddTarget(Source::Gray8, parameters);
     if (bits == 1 && (request_.TargetBits == 24 || request_.TargetBits == 32))
         return AddTarget(Source::Bits1, parameters);
@@ -246,7 +257,7 @@ void ConvertPlan::PlanIndexMap() {
 // Words of gray. Of 12 bits a lookup table plays no part where the target is gray words too.
 void ConvertPlan::PlanGray() {
     const bool is12 = request_.SourceBits == 12;
-    const bool toWords = TargetOf(request_, true) == Target::GrayWords && !TargetIsIndexed();
+    const bool toWords = TargetIsGrayWords();
     if (is12 && toWords) request_.SourcePalette = nullptr;
     const GrayWindow window = is12 ? WindowFrom12(request_) : WindowFrom16(request_);
     if (request_.SourceBits == request_.TargetBits && toWords && request_.SourcePalette == nullptr &&
@@ -313,13 +324,7 @@ void ConvertPlan::PlanColour() {
     const int32_t bits = request_.SourceBits;
     if (bits == request_.TargetBits && request_.SourceOrder == request_.TargetOrder) return;
     RowParameters parameters{.SourceIsRgb = request_.SourceOrder == Z_ORDER_RGB};
-    if (bits == 16) {
-        parameters.Scale = EightBitsTo(WindowFrom16(request_));
-    } else if (bits <= 32) {
-        parameters.Scale = EightBitsTo(TargetWindow(request_, request_.TargetBits));
-    } else {
-        parameters.Scale = UpperBitsOf(16, TargetWindow(request_, 16));
-    }
+    if (TargetIsGrayWords()) parameters.Scale = ScaleToGrayWords(request_);
     AddTarget(ColourSource(bits), parameters);
 }
 

@@ -68,6 +68,7 @@ class ConvertPlan {
     void AddMatch();
     void AddPack();
     bool TargetIsIndexed() const { return request_.TargetBits >= 1 && request_.TargetBits <= 8; }
+    bool TargetIsGrayWords() const;
     const RGBQUAD* TargetPalette() const;
 
     ConvertRequest request_;
