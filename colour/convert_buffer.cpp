@@ -5,7 +5,6 @@
 #include "core/return_codes.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 
 namespace zkr {
@@ -16,14 +15,8 @@ namespace {
 // every piece of a row begins on a byte.
 constexpr size_t piecePixels = 512;
 
-// Working rows between two stages, and a copy of the source of a piece whose target would overwrite it.
-struct WorkRows {
-    uint8_t Between[2][piecePixels * 4];
-    uint8_t Source[piecePixels * 8];
-};
-
 // Walks over a row so that every pixel is read before a target pixel covers it: from the end where pixels
-// grow, else from the start.
+// grow, else from the start. A single kernel does so by itself.
 class InPlaceWalk {
   public:
     InPlaceWalk(const ConvertPlan& plan, const ConvertRequest& request, uint8_t* row)
@@ -31,43 +24,19 @@ class InPlaceWalk {
           targetBits_(static_cast<size_t>(PixelBits(request.TargetBits))) {}
 
     void Run(size_t width) {
-        if (targetBits_ > sourceBits_) {
-            RunBackwards(width);
-        } else if (plan_.StageCount() == 1) {
-            RunStages(row_, row_, width);
-        } else {
-            for (size_t begin = 0; begin < width; begin += piecePixels)
-                RunStages(SourceAt(begin), TargetAt(begin), std::min(piecePixels, width - begin));
+        if (plan_.StageCount() == 1) return RunStages(row_, row_, width);
+        const size_t pieces = (width + piecePixels - 1) / piecePixels;
+        for (size_t i = 0; i < pieces; ++i) {
+            const size_t begin = (targetBits_ > sourceBits_ ? pieces - 1 - i : i) * piecePixels;
+            RunStages(SourceAt(begin), TargetAt(begin), std::min(piecePixels, width - begin));
         }
     }
 
   private:
-    // A single stage takes at once all pixels whose target lies behind the whole source of the rest of the
-    // row.
-    void RunBackwards(size_t width) {
-        const bool single = plan_.StageCount() == 1;
-        while (width > 0) {
-            size_t begin = (width - 1) / piecePixels * piecePixels;
-            const uint64_t sourceBits = uint64_t{width} * sourceBits_;
-            const auto apart =
-                static_cast<size_t>((sourceBits + targetBits_ - 1) / targetBits_ + 31) & ~size_t{31};
-            if (!single) {
-                RunStages(SourceAt(begin), TargetAt(begin), width - begin);
-            } else if (width > piecePixels && apart < width) {
-                begin = apart;
-                RunStages(SourceAt(begin), TargetAt(begin), width - begin);
-            } else {
-                std::memcpy(work_.Source, SourceAt(begin), ((width - begin) * sourceBits_ + 7) / 8);
-                RunStages(work_.Source, TargetAt(begin), width - begin);
-            }
-            width = begin;
-        }
-    }
-
     void RunStages(const uint8_t* source, uint8_t* target, size_t pixels) {
         const int32_t last = plan_.StageCount() - 1;
         for (int32_t i = 0; i <= last; ++i) {
-            uint8_t* to = i == last ? target : work_.Between[i & 1];
+            uint8_t* to = i == last ? target : between_[i & 1];
             plan_.Stage(i).Kernel(source, to, pixels, plan_.Stage(i).Parameters);
             source = to;
         }
@@ -80,7 +49,7 @@ class InPlaceWalk {
     uint8_t* row_;
     size_t sourceBits_;
     size_t targetBits_;
-    WorkRows work_;
+    uint8_t between_[2][piecePixels * 4]; // working rows between two stages
 };
 
 // The bytes of a row that ends on a multiple of four.

@@ -26,9 +26,13 @@ inline void UnpackGroup(uint64_t group, uint8_t* target, size_t pixels, const ui
 template <size_t bits>
 void Unpack(const uint8_t* source, uint8_t* target, size_t pixels, const RowParameters& parameters) {
     const auto* map = static_cast<const uint8_t*>(parameters.Table);
-    for (; pixels >= 8; pixels -= 8, source += bits, target += 8)
-        UnpackGroup<bits>(LoadGroup<bits>(source, bits), target, 8, map);
-    if (pixels > 0) UnpackGroup<bits>(LoadGroup<bits>(source, (pixels * bits + 7) / 8), target, pixels, map);
+    size_t group = pixels / 8;
+    if (const size_t rest = pixels % 8; rest > 0)
+        UnpackGroup<bits>(LoadGroup<bits>(source + group * bits, (rest * bits + 7) / 8), target + group * 8,
+                          rest, map);
+    for (; group > 0; --group)
+        UnpackGroup<bits>(LoadGroup<bits>(source + (group - 1) * bits, bits), target + (group - 1) * 8, 8,
+                          map);
 }
 
 template <size_t bits> inline uint64_t PackGroup(const uint8_t* source, size_t pixels) {
@@ -66,13 +70,16 @@ inline uint32_t LoadWordAt(const uint8_t* place) {
 }
 
 void Unpack12(const uint8_t* source, uint8_t* target, size_t pixels, const RowParameters&) {
-    for (; pixels >= 2; pixels -= 2, source += 3, target += 4) {
-        const uint32_t first = LoadWordAt(source) & 0xFFF;
-        const uint32_t second = LoadWordAt(source + 1) >> 4;
-        StoreWordAt(target, first);
-        StoreWordAt(target + 2, second);
+    if (pixels % 2 > 0) {
+        --pixels;
+        StoreWordAt(target + pixels * 2, LoadWordAt(source + pixels / 2 * 3) & 0xFFF);
     }
-    if (pixels > 0) StoreWordAt(target, LoadWordAt(source) & 0xFFF);
+    for (size_t pair = pixels / 2; pair-- > 0;) {
+        const uint32_t first = LoadWordAt(source + pair * 3) & 0xFFF;
+        const uint32_t second = LoadWordAt(source + pair * 3 + 1) >> 4;
+        StoreWordAt(target + pair * 4, first);
+        StoreWordAt(target + pair * 4 + 2, second);
+    }
 }
 
 void Pack12(const uint8_t* source, uint8_t* target, size_t pixels, const RowParameters&) {

@@ -1,6 +1,8 @@
 // Readers and writers of 32 pixels at a time for AVX2. What they hand over is the same as in pixels_plain.h:
 // colours of four bytes (blue, green, red, alpha from the lowest), deep colours of four words, or gray
-// values, here as vectors that hold the pixels in their order. No reader or writer goes beyond its 32 pixels.
+// values, here as vectors with as many pixels in each half. How far apart the pixels of the two halves lie is
+// for the writer to say, so that what it puts out comes together without crossing the halves; the pixels of
+// each half are in their order. No reader or writer goes beyond its 32 pixels.
 #pragma once
 
 #include "colour/rows/row_kernel.h"
@@ -10,26 +12,30 @@ namespace zkr::rows {
 namespace {
 
 struct Colours {
-    __m256i Eight[4];
+    __m256i Four[4];
 };
 struct DeepColours {
-    __m256i Four[8];
+    __m256i Two[8];
 };
 struct GrayLevels {
-    __m256i Eight[4];
+    __m256i Four[4];
 };
 
-// Puts vectors of eight values of at most 16 bits next to each other.
-inline __m256i PackWords(__m256i low, __m256i high) {
-    return _mm256_permute4x64_epi64(_mm256_packus_epi32(low, high), 0xD8);
+// The first pixel of a vector that holds as many pixels in each half, those of the high half so many pixels
+// apart from those of the low half.
+template <size_t apart> constexpr size_t FirstPixel(size_t vector, size_t perHalf) {
+    return vector * perHalf / apart * (2 * apart) + vector * perHalf % apart;
 }
-// Words that were joined from pairs of such vectors, as bytes in the order of the pixels.
-inline __m256i JoinBytes(__m256i low, __m256i high) {
-    return _mm256_permutevar8x32_epi32(_mm256_packus_epi16(low, high),
-                                       _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+
+template <size_t apartBytes> inline __m256i LoadApart(const uint8_t* place) {
+    return apartBytes == 16 ? Load(place) : LoadHalves(place, place + apartBytes);
 }
-inline __m256i PackBytes(const __m256i (&eight)[4]) {
-    return JoinBytes(_mm256_packus_epi32(eight[0], eight[1]), _mm256_packus_epi32(eight[2], eight[3]));
+
+// Sixteen words, the lower four of each half for one vector of pixels, the upper four for the next.
+template <size_t apart> inline __m256i LoadWords(const uint8_t* source, size_t vector) {
+    const uint8_t* place = source + FirstPixel<apart>(vector, 4) * 2;
+    const __m256i words = LoadApart < apart == 16 ? 32 : 16 > (place);
+    return apart == 4 ? _mm256_permute4x64_epi64(words, 0xD8) : words;
 }
 
 // Whether a reader or writer brings red and blue into the order that the parameters tell, or leaves them as
@@ -42,29 +48,46 @@ constexpr size_t Ordered(size_t channel, bool isRgb) {
     return isRgb && channel < 3 ? 2 - channel : channel;
 }
 
+// The byte of a half that belongs at a place of it: pixels of three channels are rotated for Store96, each of
+// four vectors in its own way.
+constexpr size_t Rotated(size_t place, size_t channels, size_t vector) {
+    return (place + (channels == 3 ? vector % 4 * 4 : 0)) % 16;
+}
+
 // The shuffle that lays out pixels of some channels, of so many bytes each, as pixels of other channels. In
 // the high half of the vector the pixels begin so many bytes later.
 template <size_t fromChannels, size_t toChannels, size_t channelBytes>
-constexpr Places Reorder(bool isRgb, size_t highOffset) {
+constexpr Places Reorder(bool isRgb, size_t highOffset, size_t vector) {
     constexpr size_t widest = fromChannels > toChannels ? fromChannels : toChannels;
     constexpr size_t pixels = 16 / (widest * channelBytes);
     return MakePlaces([&](size_t i) {
-        const size_t pixel = i % 16 / (toChannels * channelBytes);
-        const size_t channel = Ordered(i % 16 / channelBytes % toChannels, isRgb);
+        const size_t byte = Rotated(i, toChannels, vector);
+        const size_t pixel = byte / (toChannels * channelBytes);
+        const size_t channel = Ordered(byte / channelBytes % toChannels, isRgb);
         if (pixel >= pixels || channel >= fromChannels) return size_t{none};
-        return i / 16 * highOffset + (pixel * fromChannels + channel) * channelBytes + i % channelBytes;
+        return i / 16 * highOffset + (pixel * fromChannels + channel) * channelBytes + byte % channelBytes;
     });
 }
 
-// For both orders.
 template <size_t fromChannels, size_t toChannels, size_t channelBytes, size_t highOffset = 0>
-inline __m256i ReorderShuffle(bool isRgb) {
-    static constexpr Places places[2] = {Reorder<fromChannels, toChannels, channelBytes>(false, highOffset),
-                                         Reorder<fromChannels, toChannels, channelBytes>(true, highOffset)};
-    return Load(places[isRgb]);
+inline __m256i ReorderShuffle(bool isRgb, size_t vector = 0) {
+    static constexpr auto make = [](bool rgb, size_t i) {
+        return Reorder<fromChannels, toChannels, channelBytes>(rgb, highOffset, i);
+    };
+    static constexpr Places places[2][4] = {{make(false, 0), make(false, 1), make(false, 2), make(false, 3)},
+                                            {make(true, 0), make(true, 1), make(true, 2), make(true, 3)}};
+    return Load(places[isRgb][vector % 4]);
 }
 
+// Pixels of three channels are loaded four bytes early for the high half, so that nothing behind the last of
+// them is read.
+template <size_t channels> constexpr size_t highOffsetOf = channels == 3 ? 4 : 0;
+
 // Readers
+
+inline __m256i Masked(__m256i value, uint32_t mask) {
+    return _mm256_and_si256(value, _mm256_set1_epi32(static_cast<int>(mask)));
+}
 
 struct ReadBits1 {
     static constexpr size_t bits = 1;
@@ -75,41 +98,51 @@ struct ReadBits1 {
         zero = _mm256_castsi256_ps(_mm256_set1_epi32(static_cast<int>(entries[0] & 0xFFFFFF)));
         one = _mm256_castsi256_ps(_mm256_set1_epi32(static_cast<int>(entries[1] & 0xFFFFFF)));
     }
-    Colours operator()(const uint8_t* source) const {
+    template <size_t apart> Colours Take(const uint8_t* source) const {
+        uint32_t bits32;
+        std::memcpy(&bits32, source, 4);
+        const __m256i pixels = _mm256_set1_epi32(static_cast<int>(__builtin_bswap32(bits32)));
+        constexpr int high = apart;
+        const __m256i steps = _mm256_setr_epi32(0, 1, 2, 3, high, high + 1, high + 2, high + 3);
         Colours colours;
-        const __m256i toSign = _mm256_setr_epi32(24, 25, 26, 27, 28, 29, 30, 31);
         for (size_t i = 0; i < 4; ++i) {
-            const __m256i signs = _mm256_sllv_epi32(_mm256_set1_epi32(source[i]), toSign);
-            colours.Eight[i] = _mm256_castps_si256(_mm256_blendv_ps(zero, one, _mm256_castsi256_ps(signs)));
+            const __m256i first = _mm256_set1_epi32(static_cast<int>(FirstPixel<apart>(i, 4)));
+            const __m256i signs = _mm256_sllv_epi32(pixels, _mm256_add_epi32(first, steps));
+            colours.Four[i] = _mm256_castps_si256(_mm256_blendv_ps(zero, one, _mm256_castsi256_ps(signs)));
         }
         return colours;
     }
 };
 
-inline __m128i PaletteEntry(const uint8_t* palette, size_t index) {
-    int entry;
-    std::memcpy(&entry, palette + index * 4, 4);
-    return _mm_cvtsi32_si128(entry);
-}
-inline __m128i FourEntries(const uint8_t* palette, const uint8_t* indices) {
-    const __m128i low =
-        _mm_unpacklo_epi32(PaletteEntry(palette, indices[0]), PaletteEntry(palette, indices[1]));
-    const __m128i high =
-        _mm_unpacklo_epi32(PaletteEntry(palette, indices[2]), PaletteEntry(palette, indices[3]));
-    return _mm_unpacklo_epi64(low, high);
-}
-
-// Single loads, which common processors do faster than gathering.
+// Single loads, which common processors do faster than gathering, from a copy of the palette that can be read
+// behind its end.
 struct ReadIndex8 {
     static constexpr size_t bits = 8;
-    const uint8_t* palette;
-    explicit ReadIndex8(const RowParameters& p) : palette(static_cast<const uint8_t*>(p.Table)) {}
-    Colours operator()(const uint8_t* source) const {
+    alignas(32) uint8_t entries[256 * 4 + 16];
+    explicit ReadIndex8(const RowParameters& p) {
+        const __m256i order = ReorderShuffle<4, 4, 1>(p.SourceIsRgb);
+        const auto* palette = static_cast<const uint8_t*>(p.Table);
+        const size_t count = p.Mask + size_t{1};
+        uint8_t few[32];
+        if (count < 8) palette = static_cast<const uint8_t*>(std::memcpy(few, palette, count * 4));
+        for (size_t i = 0; i < count; i += 8)
+            Store(entries + i * 4, _mm256_shuffle_epi8(Masked(Load(palette + i * 4), 0xFFFFFF), order));
+    }
+    // The second entry of a pair comes with what follows it in memory: that spares an instruction.
+    __m128i Two(uint32_t indices) const {
+        return _mm_unpacklo_epi32(LoadEighth(entries + (indices & 0xFF) * size_t{4}),
+                                  LoadHalf(entries + (indices >> 8 & 0xFF) * size_t{4}));
+    }
+    __m128i Four(const uint8_t* source) const {
+        uint32_t indices;
+        std::memcpy(&indices, source, 4);
+        return _mm_unpacklo_epi64(Two(indices), Two(indices >> 16));
+    }
+    template <size_t apart> Colours Take(const uint8_t* source) const {
         Colours colours;
         for (size_t i = 0; i < 4; ++i) {
-            const __m128i low = FourEntries(palette, source + i * 8);
-            const __m128i high = FourEntries(palette, source + i * 8 + 4);
-            colours.Eight[i] = _mm256_and_si256(_mm256_setr_m128i(low, high), _mm256_set1_epi32(0xFFFFFF));
+            const uint8_t* place = source + FirstPixel<apart>(i, 4);
+            colours.Four[i] = _mm256_setr_m128i(Four(place), Four(place + apart));
         }
         return colours;
     }
@@ -117,17 +150,17 @@ struct ReadIndex8 {
 
 struct ReadGray8 {
     static constexpr size_t bits = 8;
-    static constexpr Places places = MakePlaces([](size_t i) { return i % 4 < 3 ? i / 4 : none; });
-    __m256i replicate = Load(places);
     explicit ReadGray8(const RowParameters&) {}
-    Colours operator()(const uint8_t* source) const {
+    template <size_t apart> Colours Take(const uint8_t* source) const {
         Colours colours;
         for (size_t i = 0; i < 4; ++i) {
-            const __m128i bytes = LoadQuarter(source + i * 8);
-            colours.Eight[i] = _mm256_shuffle_epi8(_mm256_broadcastq_epi64(bytes), replicate);
+            const uint8_t* place = source + FirstPixel<apart>(i, 4);
+            const __m256i levels = _mm256_setr_m128i(LoadEighth(place), LoadEighth(place + apart));
+            colours.Four[i] = _mm256_shuffle_epi8(levels, Load(places));
         }
         return colours;
     }
+    static constexpr Places places = MakePlaces([](size_t i) { return i % 4 < 3 ? i % 16 / 4 : none; });
 };
 
 struct ReadGrayValue {
@@ -137,25 +170,28 @@ struct ReadGrayValue {
     explicit ReadGrayValue(const RowParameters& p)
         : shift(_mm_cvtsi32_si128(static_cast<int>(p.Shift))),
           mask(_mm256_set1_epi32(static_cast<int>(p.Mask))) {}
-    GrayLevels operator()(const uint8_t* source) const {
+    template <size_t apart> GrayLevels Take(const uint8_t* source) const {
+        const __m256i zero = _mm256_setzero_si256();
         GrayLevels levels;
-        for (size_t i = 0; i < 4; ++i) {
-            const __m256i words = _mm256_cvtepu16_epi32(LoadHalf(source + i * 16));
-            levels.Eight[i] = _mm256_and_si256(_mm256_srl_epi32(words, shift), mask);
+        for (size_t i = 0; i < 4; i += 2) {
+            const __m256i words = LoadWords<apart>(source, i);
+            levels.Four[i] = Value(_mm256_unpacklo_epi16(words, zero));
+            levels.Four[i + 1] = Value(_mm256_unpackhi_epi16(words, zero));
         }
         return levels;
     }
+    __m256i Value(__m256i pixels) const { return _mm256_and_si256(_mm256_srl_epi32(pixels, shift), mask); }
 };
 
 struct ReadGrayColour : ReadGrayValue {
     static constexpr Places places = MakePlaces([](size_t i) { return i % 4 < 3 ? i % 16 / 4 * 4 : none; });
     __m256i replicate = Load(places);
     using ReadGrayValue::ReadGrayValue;
-    Colours operator()(const uint8_t* source) const {
-        const GrayLevels levels = ReadGrayValue::operator()(source);
+    template <size_t apart> Colours Take(const uint8_t* source) const {
+        const GrayLevels levels = ReadGrayValue::Take<apart>(source);
         Colours colours;
         for (size_t i = 0; i < 4; ++i)
-            colours.Eight[i] = _mm256_shuffle_epi8(levels.Eight[i], replicate);
+            colours.Four[i] = _mm256_shuffle_epi8(levels.Four[i], replicate);
         return colours;
     }
 };
@@ -164,19 +200,15 @@ struct ReadGrayLookup : ReadGrayValue {
     const int* palette;
     explicit ReadGrayLookup(const RowParameters& p)
         : ReadGrayValue(p), palette(static_cast<const int*>(p.Table)) {}
-    Colours operator()(const uint8_t* source) const {
-        const GrayLevels levels = ReadGrayValue::operator()(source);
+    template <size_t apart> Colours Take(const uint8_t* source) const {
+        const GrayLevels levels = ReadGrayValue::Take<apart>(source);
         Colours colours;
         for (size_t i = 0; i < 4; ++i)
-            colours.Eight[i] = _mm256_and_si256(_mm256_i32gather_epi32(palette, levels.Eight[i], 4),
-                                                _mm256_set1_epi32(0xFFFFFF));
+            colours.Four[i] = _mm256_and_si256(_mm256_i32gather_epi32(palette, levels.Four[i], 4),
+                                               _mm256_set1_epi32(0xFFFFFF));
         return colours;
     }
 };
-
-inline __m256i Masked(__m256i value, uint32_t mask) {
-    return _mm256_and_si256(value, _mm256_set1_epi32(static_cast<int>(mask)));
-}
 
 template <Ordering ordering = Ordering::Done, Alpha alpha = Alpha::Used> struct ReadColour16 {
     static constexpr size_t bits = 16;
@@ -199,28 +231,27 @@ template <Ordering ordering = Ordering::Done, Alpha alpha = Alpha::Used> struct 
         low = _mm256_shuffle_epi8(low, order);
         high = _mm256_shuffle_epi8(high, order);
     }
-    Colours operator()(const uint8_t* source) const {
+    template <size_t apart> Colours Take(const uint8_t* source) const {
         Colours colours;
-        for (size_t i = 0; i < 4; i += 2) {
-            const __m256i words = _mm256_permute4x64_epi64(Load(source + i * 16), 0xD8);
-            Widen(words, colours.Eight[i], colours.Eight[i + 1]);
-        }
+        for (size_t i = 0; i < 4; i += 2)
+            Widen(LoadWords<apart>(source, i), colours.Four[i], colours.Four[i + 1]);
         return colours;
     }
 };
 
 template <size_t channels, Ordering ordering = Ordering::Done> struct ReadColour {
     static constexpr size_t bits = channels * 8;
+    static constexpr size_t highOffset = highOffsetOf<channels>;
     __m256i order;
     explicit ReadColour(const RowParameters& p)
-        : order(ReorderShuffle < channels, 4, 1, channels == 3 ? 4 : 0 > (p.SourceIsRgb)) {}
-    Colours operator()(const uint8_t* source) const {
+        : order(ReorderShuffle<channels, 4, 1, highOffset>(p.SourceIsRgb)) {}
+    template <size_t apart> Colours Take(const uint8_t* source) const {
         Colours colours;
         for (size_t i = 0; i < 4; ++i) {
-            const uint8_t* place = source + i * bits;
-            colours.Eight[i] = channels == 3 ? Load24(place) : Load(place);
+            const uint8_t* place = source + FirstPixel<apart>(i, 4) * channels;
+            colours.Four[i] = LoadApart<apart * channels - highOffset>(place);
             if (channels == 3 || ordering == Ordering::Done)
-                colours.Eight[i] = _mm256_shuffle_epi8(colours.Eight[i], order);
+                colours.Four[i] = _mm256_shuffle_epi8(colours.Four[i], order);
         }
         return colours;
     }
@@ -228,14 +259,15 @@ template <size_t channels, Ordering ordering = Ordering::Done> struct ReadColour
 
 template <size_t channels> struct ReadDeep {
     static constexpr size_t bits = channels * 16;
+    static constexpr size_t highOffset = highOffsetOf<channels>;
     __m256i order;
     explicit ReadDeep(const RowParameters& p)
-        : order(ReorderShuffle < channels, 4, 2, channels == 3 ? 4 : 0 > (p.SourceIsRgb)) {}
-    DeepColours operator()(const uint8_t* source) const {
+        : order(ReorderShuffle<channels, 4, 2, highOffset>(p.SourceIsRgb)) {}
+    template <size_t apart> DeepColours Take(const uint8_t* source) const {
         DeepColours colours;
         for (size_t i = 0; i < 8; ++i) {
-            const uint8_t* place = source + i * bits / 2;
-            colours.Four[i] = _mm256_shuffle_epi8(channels == 3 ? Load24(place) : Load(place), order);
+            const uint8_t* place = source + FirstPixel<apart>(i, 2) * channels * 2;
+            colours.Two[i] = _mm256_shuffle_epi8(LoadApart<apart * channels * 2 - highOffset>(place), order);
         }
         return colours;
     }
@@ -243,14 +275,14 @@ template <size_t channels> struct ReadDeep {
 
 template <size_t channels, Alpha alpha = Alpha::Used> struct ReadDeepHigh : ReadDeep<channels> {
     using ReadDeep<channels>::ReadDeep;
-    Colours operator()(const uint8_t* source) const {
-        const DeepColours deep = ReadDeep<channels>::operator()(source);
+    template <size_t apart> Colours Take(const uint8_t* source) const {
+        const DeepColours deep = ReadDeep<channels>::template Take<apart>(source);
         Colours colours;
         for (size_t i = 0; i < 4; ++i) {
-            const __m256i low = _mm256_srli_epi16(deep.Four[i * 2], 8);
-            const __m256i high = _mm256_srli_epi16(deep.Four[i * 2 + 1], 8);
-            colours.Eight[i] = _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0xD8);
-            if (alpha == Alpha::Ignored) colours.Eight[i] = Masked(colours.Eight[i], 0xFFFFFF);
+            const __m256i low = _mm256_srli_epi16(deep.Two[i * 2], 8);
+            const __m256i high = _mm256_srli_epi16(deep.Two[i * 2 + 1], 8);
+            colours.Four[i] = _mm256_packus_epi16(low, high);
+            if (alpha == Alpha::Ignored) colours.Four[i] = Masked(colours.Four[i], 0xFFFFFF);
         }
         return colours;
     }
@@ -269,8 +301,8 @@ constexpr uint32_t swappedWeights = 0x020105;
 inline GrayLevels GrayOf(const Colours& colours, uint32_t weights) {
     GrayLevels levels;
     for (size_t i = 0; i < 4; ++i) {
-        const __m256i sums = WeightedSums(colours.Eight[i], weights);
-        levels.Eight[i] = _mm256_srli_epi32(_mm256_add_epi32(sums, _mm256_set1_epi32(4)), 3);
+        const __m256i sums = WeightedSums(colours.Four[i], weights);
+        levels.Four[i] = _mm256_srli_epi32(_mm256_add_epi32(sums, _mm256_set1_epi32(4)), 3);
     }
     return levels;
 }
@@ -295,10 +327,9 @@ inline __m256i GrayOfFour(__m256i deep) {
 inline GrayLevels GrayOf(const DeepColours& deep) {
     GrayLevels levels;
     for (size_t i = 0; i < 4; ++i) {
-        const __m256 low = _mm256_castsi256_ps(GrayOfFour(deep.Four[i * 2]));
-        const __m256 high = _mm256_castsi256_ps(GrayOfFour(deep.Four[i * 2 + 1]));
-        levels.Eight[i] =
-            _mm256_permute4x64_epi64(_mm256_castps_si256(_mm256_shuffle_ps(low, high, 0x88)), 0xD8);
+        const __m256 low = _mm256_castsi256_ps(GrayOfFour(deep.Two[i * 2]));
+        const __m256 high = _mm256_castsi256_ps(GrayOfFour(deep.Two[i * 2 + 1]));
+        levels.Four[i] = _mm256_castps_si256(_mm256_shuffle_ps(low, high, 0x88));
     }
     return levels;
 }
@@ -322,33 +353,38 @@ struct Scaler {
     GrayLevels operator()(const GrayLevels& levels) const {
         GrayLevels scaled;
         for (size_t i = 0; i < 4; ++i)
-            scaled.Eight[i] = (*this)(levels.Eight[i]);
+            scaled.Four[i] = (*this)(levels.Four[i]);
         return scaled;
     }
 };
 
 struct WriteGray8 {
     static constexpr size_t bits = 8;
+    static constexpr size_t apart = 16;
     Scaler scale;
     explicit WriteGray8(const RowParameters& p) : scale(p.Scale, 0xFF) {}
     void operator()(uint8_t* target, const Colours& colours) const {
-        const __m256i low = GrayWordsOf(colours.Eight[0], colours.Eight[1]);
-        const __m256i high = GrayWordsOf(colours.Eight[2], colours.Eight[3]);
-        Store(target, JoinBytes(low, high));
+        const __m256i low = GrayWordsOf(colours.Four[0], colours.Four[1]);
+        const __m256i high = GrayWordsOf(colours.Four[2], colours.Four[3]);
+        Store(target, _mm256_packus_epi16(low, high));
     }
     void operator()(uint8_t* target, const GrayLevels& levels) const {
-        Store(target, PackBytes(scale(levels).Eight));
+        const GrayLevels scaled = scale(levels);
+        const __m256i low = _mm256_packus_epi32(scaled.Four[0], scaled.Four[1]);
+        const __m256i high = _mm256_packus_epi32(scaled.Four[2], scaled.Four[3]);
+        Store(target, _mm256_packus_epi16(low, high));
     }
 };
 
 struct WriteGrayWords {
     static constexpr size_t bits = 16;
+    static constexpr size_t apart = 8;
     Scaler scale;
     explicit WriteGrayWords(const RowParameters& p) : scale(p.Scale, 0xFFFF) {}
     void operator()(uint8_t* target, const GrayLevels& levels) const {
         const GrayLevels scaled = scale(levels);
-        Store(target, PackWords(scaled.Eight[0], scaled.Eight[1]));
-        Store(target + 32, PackWords(scaled.Eight[2], scaled.Eight[3]));
+        Store(target, _mm256_packus_epi32(scaled.Four[0], scaled.Four[1]));
+        Store(target + 32, _mm256_packus_epi32(scaled.Four[2], scaled.Four[3]));
     }
     void operator()(uint8_t* target, const Colours& colours) const {
         (*this)(target, GrayOf(colours, grayWeights));
@@ -365,6 +401,7 @@ struct WriteSwappedGray : WriteGrayWords {
 
 template <Ordering ordering = Ordering::Done> struct WriteColour16 {
     static constexpr size_t bits = 16;
+    static constexpr size_t apart = 8;
     __m256i order;
     explicit WriteColour16(const RowParameters& p) : order(ReorderShuffle<4, 4, 1>(p.TargetIsRgb)) {}
     // The fields are put together by multiplying and adding: the upper five bits of the channels times 1, 32
@@ -376,90 +413,104 @@ template <Ordering ordering = Ordering::Done> struct WriteColour16 {
         return _mm256_srli_epi32(_mm256_madd_epi16(pairs, _mm256_set1_epi32(0x04000001)), 3);
     }
     void operator()(uint8_t* target, const Colours& colours) const {
-        Store(target, PackWords(Packed(colours.Eight[0]), Packed(colours.Eight[1])));
-        Store(target + 32, PackWords(Packed(colours.Eight[2]), Packed(colours.Eight[3])));
+        Store(target, _mm256_packus_epi32(Packed(colours.Four[0]), Packed(colours.Four[1])));
+        Store(target + 32, _mm256_packus_epi32(Packed(colours.Four[2]), Packed(colours.Four[3])));
     }
 };
 
 template <size_t channels, Alpha alpha = Alpha::Used, Ordering ordering = Ordering::Done> struct WriteColour {
     static constexpr size_t bits = channels * 8;
-    __m256i order;
-    explicit WriteColour(const RowParameters& p) : order(ReorderShuffle<4, channels, 1>(p.TargetIsRgb)) {}
-    void operator()(uint8_t* target, const Colours& colours) const {
-        __m256i eight[4];
+    static constexpr size_t apart = channels == 3 ? 16 : 4;
+    __m256i order[4];
+    explicit WriteColour(const RowParameters& p) {
         for (size_t i = 0; i < 4; ++i)
-            eight[i] = channels == 4 && ordering == Ordering::Left
-                           ? colours.Eight[i]
-                           : _mm256_shuffle_epi8(colours.Eight[i], order);
-        if constexpr (channels == 3) return Store96(target, eight[0], eight[1], eight[2], eight[3]);
+            order[i] = ReorderShuffle<4, channels, 1>(p.TargetIsRgb, i);
+    }
+    void operator()(uint8_t* target, const Colours& colours) const {
+        __m256i four[4];
+        for (size_t i = 0; i < 4; ++i)
+            four[i] = channels == 4 && ordering == Ordering::Left
+                          ? colours.Four[i]
+                          : _mm256_shuffle_epi8(colours.Four[i], order[i]);
+        if constexpr (channels == 3) return Store96(target, four);
         const __m256i alphaMask = _mm256_set1_epi32(static_cast<int>(0xFF000000));
         for (size_t i = 0; i < 4; ++i) {
             uint8_t* place = target + i * 32;
-            if (alpha == Alpha::Ignored) eight[i] = _mm256_blendv_epi8(eight[i], Load(place), alphaMask);
-            Store(place, eight[i]);
+            if (alpha == Alpha::Ignored) four[i] = _mm256_blendv_epi8(four[i], Load(place), alphaMask);
+            Store(place, four[i]);
         }
     }
 };
 
-// Words of deep pixels, both bytes of each from the byte of its channel.
-constexpr Places SpreadBytes(size_t channels, bool isRgb) {
+// The shuffle that lays out two of four narrow pixels as deep ones: both bytes of a word come from the byte
+// of its channel in colours, from the word in gray values.
+constexpr Places SpreadBytes(size_t channels, bool isRgb, size_t vector) {
     return MakePlaces([&](size_t i) {
-        const size_t pixel = i % 16 / (channels * 2);
-        return pixel < 2 ? pixel * 4 + Ordered(i % 16 / 2 % channels, isRgb) : none;
+        const size_t byte = Rotated(i, channels, vector);
+        const size_t pixel = byte / (channels * 2);
+        return pixel < 2 ? (vector % 2 * 2 + pixel) * 4 + Ordered(byte / 2 % channels, isRgb) : none;
+    });
+}
+constexpr Places SpreadWords(size_t channels, size_t vector) {
+    return MakePlaces([&](size_t i) {
+        const size_t byte = Rotated(i, channels, vector);
+        const size_t pixel = byte / (channels * 2);
+        const size_t channel = byte / 2 % channels;
+        return pixel < 2 && channel < 3 ? (vector % 2 * 2 + pixel) * 4 + byte % 2 : none;
     });
 }
 
 template <size_t channels, Alpha alpha = Alpha::Used> struct WriteDeep {
     static constexpr size_t bits = channels * 16;
-    static constexpr size_t pixelBytes = channels * 2;
-    static constexpr Places replicated = MakePlaces([](size_t i) {
-        const size_t byte = i % 16 % pixelBytes;
-        return i % 16 < 2 * pixelBytes && byte < 6 ? i % 16 / pixelBytes * 4 + byte % 2 : none;
-    });
-    static constexpr Places spreadPlaces[2] = {SpreadBytes(channels, false), SpreadBytes(channels, true)};
-    __m256i order, spread;
-    __m256i replicate = Load(replicated);
+    static constexpr size_t apart = channels == 3 ? 8 : 4;
+    static constexpr Places spreadPlaces[2][4] = {
+        {SpreadBytes(channels, false, 0), SpreadBytes(channels, false, 1), SpreadBytes(channels, false, 2),
+         SpreadBytes(channels, false, 3)},
+        {SpreadBytes(channels, true, 0), SpreadBytes(channels, true, 1), SpreadBytes(channels, true, 2),
+         SpreadBytes(channels, true, 3)}};
+    static constexpr Places replicated[4] = {SpreadWords(channels, 0), SpreadWords(channels, 1),
+                                             SpreadWords(channels, 2), SpreadWords(channels, 3)};
+    __m256i order[4], spread[4], replicate[4];
     Scaler scale;
-    explicit WriteDeep(const RowParameters& p)
-        : order(ReorderShuffle<4, channels, 2>(p.TargetIsRgb)), spread(Load(spreadPlaces[p.TargetIsRgb])),
-          scale(p.Scale, 0xFFFF) {}
-
-    // Eight vectors of four pixels in the layout of the target.
-    void Put(uint8_t* target, const __m256i (&four)[8]) const {
-        if constexpr (channels == 3) {
-            Store96(target, four[0], four[1], four[2], four[3]);
-            return Store96(target + 96, four[4], four[5], four[6], four[7]);
-        }
-        const __m256i alphaMask = _mm256_set1_epi64x(static_cast<long long>(0xFFFF000000000000));
-        for (size_t i = 0; i < 8; ++i) {
-            uint8_t* place = target + i * 32;
-            Store(place,
-                  alpha == Alpha::Ignored ? _mm256_blendv_epi8(four[i], Load(place), alphaMask) : four[i]);
+    explicit WriteDeep(const RowParameters& p) : scale(p.Scale, 0xFFFF) {
+        for (size_t i = 0; i < 4; ++i) {
+            order[i] = ReorderShuffle<4, channels, 2>(p.TargetIsRgb, i);
+            spread[i] = Load(spreadPlaces[p.TargetIsRgb][i]);
+            replicate[i] = Load(replicated[i]);
         }
     }
-    // Vectors of eight narrow pixels, each spread over two of four by a shuffle that takes the low half of
-    // the bytes of its half.
-    void PutSpread(uint8_t* target, const __m256i (&eight)[4], __m256i shuffle) const {
-        __m256i four[8];
-        for (size_t i = 0; i < 4; ++i) {
-            const __m256i low = _mm256_permute4x64_epi64(eight[i], 0x50);
-            const __m256i high = _mm256_permute4x64_epi64(eight[i], 0xFA);
-            four[i * 2] = _mm256_shuffle_epi8(low, shuffle);
-            four[i * 2 + 1] = _mm256_shuffle_epi8(high, shuffle);
+
+    // Four vectors of two pixels in each half, in the layout of the target.
+    void Put(uint8_t* target, const __m256i (&two)[4]) const {
+        if constexpr (channels == 3) return Store96(target, two);
+        const __m256i alphaMask = _mm256_set1_epi64x(static_cast<long long>(0xFFFF000000000000));
+        const auto put = [&](uint8_t* place, __m256i four) {
+            if (alpha == Alpha::Ignored) four = _mm256_blendv_epi8(four, Load(place), alphaMask);
+            Store(place, four);
+        };
+        for (size_t i = 0; i < 4; i += 2) {
+            put(target + i * 32, _mm256_permute2x128_si256(two[i], two[i + 1], 0x20));
+            put(target + i * 32 + 32, _mm256_permute2x128_si256(two[i], two[i + 1], 0x31));
         }
-        Put(target, four);
+    }
+    // Puts 32 pixels, of which each vector of a half has been given by a shuffle of that of the source.
+    template <size_t perVector>
+    void PutShuffled(uint8_t* target, const __m256i* source, const __m256i (&shuffle)[4]) const {
+        for (size_t half = 0; half < 2; ++half) {
+            __m256i two[4];
+            for (size_t i = 0; i < 4; ++i)
+                two[i] = _mm256_shuffle_epi8(source[(half * 4 + i) / perVector], shuffle[i]);
+            Put(target + half * channels * 32, two);
+        }
     }
     void operator()(uint8_t* target, const DeepColours& colours) const {
-        __m256i four[8];
-        for (size_t i = 0; i < 8; ++i)
-            four[i] = _mm256_shuffle_epi8(colours.Four[i], order);
-        Put(target, four);
+        PutShuffled<1>(target, colours.Two, order);
     }
     void operator()(uint8_t* target, const Colours& colours) const {
-        PutSpread(target, colours.Eight, spread);
+        PutShuffled<2>(target, colours.Four, spread);
     }
     void operator()(uint8_t* target, const GrayLevels& levels) const {
-        PutSpread(target, scale(levels).Eight, replicate);
+        PutShuffled<2>(target, scale(levels).Four, replicate);
     }
 };
 
@@ -472,7 +523,9 @@ template <class Reader, class Writer> struct ConvertStep {
     Writer write;
 
     explicit ConvertStep(const RowParameters& p) : read(p), write(p) {}
-    void operator()(uint8_t* target, const uint8_t* source) const { write(target, read(source)); }
+    void operator()(uint8_t* target, const uint8_t* source) const {
+        write(target, read.template Take<Writer::apart>(source));
+    }
 };
 
 template <class Reader, class Writer> constexpr RowKernel ConvertRow = RunStep<ConvertStep<Reader, Writer>>;

@@ -252,8 +252,10 @@ template <class Reader, class Writer>
 void ConvertRow(const uint8_t* source, uint8_t* target, size_t pixels, const RowParameters& parameters) {
     const Reader read(parameters);
     const Writer write(parameters);
-    for (size_t pixel = 0; pixel < pixels; ++pixel)
+    for (size_t i = 0; i < pixels; ++i) {
+        const size_t pixel = Writer::bits > Reader::bits ? pixels - 1 - i : i;
         write(target, pixel, read(source, pixel));
+    }
 }
 
 } // namespace

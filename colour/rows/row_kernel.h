@@ -1,7 +1,7 @@
 // What all kernels of row conversion share: their signature, their parameters, and the table of kernels that
 // each instruction set fills. A kernel takes spans of pixels that both begin on a byte and gives spans of
-// pixels; it allocates nothing and cannot fail. The two spans do not overlap, or the target begins where the
-// source begins and its pixels are no wider. No byte outside the two spans is touched, and bits of the last
+// pixels; it allocates nothing and cannot fail. The two spans do not overlap, or begin at the same place: a
+// kernel whose pixels grow walks from the end. No byte outside the two spans is touched, and bits of the last
 // byte behind the last pixel stay as they were.
 #pragma once
 

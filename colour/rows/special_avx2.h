@@ -6,39 +6,12 @@
 namespace zkr::rows {
 namespace {
 
-// Indices to colours of 24 or 32 bits, four pixels to a store. The entries wait in the order of the target.
-template <size_t channels> struct LookUpColours {
-    static constexpr size_t sourceBits = 8;
-    static constexpr size_t targetBits = channels * 8;
-    static constexpr size_t reach =
-        unitPixels + (channels == 3 ? 2 : 0); // the last store goes four bytes too far
-
-    alignas(32) uint8_t entries[256 * 4];
-    __m128i join = _mm256_castsi256_si128(ReorderShuffle<4, 3, 1>(false));
-
-    explicit LookUpColours(const RowParameters& p) {
-        const __m256i order = ReorderShuffle<4, 4, 1>(p.TargetIsRgb);
-        const auto* palette = static_cast<const uint8_t*>(p.Table);
-        const size_t count = p.Mask + size_t{1};
-        uint8_t few[32];
-        if (count < 8) palette = static_cast<const uint8_t*>(std::memcpy(few, palette, count * 4));
-        for (size_t i = 0; i < count; i += 8)
-            Store(entries + i * 4, _mm256_shuffle_epi8(Masked(Load(palette + i * 4), 0xFFFFFF), order));
-    }
-    void operator()(uint8_t* target, const uint8_t* source) const {
-        for (size_t i = 0; i < unitPixels; i += 4) {
-            const __m128i four = FourEntries(entries, source + i);
-            StoreHalf(target + i * channels, channels == 3 ? _mm_shuffle_epi8(four, join) : four);
-        }
-    }
-};
-
 // Colours among each other, with the change of order left to the side that shuffles its bytes anyway: the
 // other is given with its ordering left, and both are told whether the orders differ.
 template <class Reader, class Writer> struct ReorderOnce : ConvertStep<Reader, Writer> {
-    static RowParameters Relative(const RowParameters& p) {
-        const bool differs = p.SourceIsRgb != p.TargetIsRgb;
-        return {.SourceIsRgb = differs, .TargetIsRgb = differs};
+    static RowParameters Relative(RowParameters p) {
+        p.SourceIsRgb = p.TargetIsRgb = p.SourceIsRgb != p.TargetIsRgb;
+        return p;
     }
     explicit ReorderOnce(const RowParameters& p) : ConvertStep<Reader, Writer>(Relative(p)) {}
 };
@@ -49,20 +22,19 @@ struct Swap24 {
     static constexpr size_t targetBits = 24;
     static constexpr size_t reach = unitPixels;
 
-    __m256i swap = ReorderShuffle<3, 3, 1, 4>(true);
+    __m256i swap[4];
 
-    explicit Swap24(const RowParameters&) {}
-    void operator()(uint8_t* target, const uint8_t* source) const {
-        __m256i eight[4];
+    explicit Swap24(const RowParameters&) {
         for (size_t i = 0; i < 4; ++i)
-            eight[i] = _mm256_shuffle_epi8(Load24(source + i * 24), swap);
-        Store96(target, eight[0], eight[1], eight[2], eight[3]);
+            swap[i] = ReorderShuffle<3, 3, 1, 4>(true, i);
+    }
+    void operator()(uint8_t* target, const uint8_t* source) const {
+        __m256i four[4];
+        for (size_t i = 0; i < 4; ++i)
+            four[i] = _mm256_shuffle_epi8(LoadHalves(source + i * 12, source + 44 + i * 12), swap[i]);
+        Store96(target, four);
     }
 };
-
-inline __m256i LoadHalves(const uint8_t* low, const uint8_t* high) {
-    return _mm256_inserti128_si256(_mm256_castsi128_si256(LoadHalf(low)), LoadHalf(high), 1);
-}
 
 // Channels of eight bits to words. The 24 bytes of eight pixels become three halves of vectors of eight words
 // each, which find all their channels, in either order, in the 16 bytes from 0, 6 and 8 on.
@@ -179,8 +151,7 @@ constexpr void SetSpecialKernels(ConvertKernels& kernels) {
     };
     using Left32 = WriteColour<4, Alpha::Used, Ordering::Left>;
     using From16 = ReadColour16<Ordering::Left, Alpha::Ignored>;
-    set(Source::Index8, Target::Colour24, RunStep<LookUpColours<3>>);
-    set(Source::Index8, Target::Colour32, RunStep<LookUpColours<4>>);
+    set(Source::Index8, Target::Colour32, RunStep<ReorderOnce<ReadIndex8, Left32>>);
     set(Source::Colour24, Target::Colour24, RunStep<Swap24>);
     set(Source::Colour24, Target::Colour32, RunStep<ReorderOnce<ReadColour<3>, Left32>>);
     set(Source::Colour24, Target::Colour16,

@@ -6,12 +6,13 @@
 //     explicit Step(const RowParameters& parameters);
 //     void operator()(uint8_t* target, const uint8_t* source) const;
 //
-// A step that reads or writes a little more than its 32 pixels says so by a longer reach. The pixels that are
-// left over pass through padded copies.
+// A step that reads a little more than its 32 pixels, or writes more where pixels do not grow, says so by a
+// longer reach. The pixels that are left over pass through padded copies.
 #pragma once
 
 #include "colour/rows/row_kernel.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -31,6 +32,11 @@ inline __m128i LoadHalf(const uint8_t* place) {
 inline __m128i LoadQuarter(const uint8_t* place) {
     return _mm_loadl_epi64(reinterpret_cast<const __m128i*>(place));
 }
+inline __m128i LoadEighth(const uint8_t* place) {
+    int bytes;
+    std::memcpy(&bytes, place, 4);
+    return _mm_cvtsi32_si128(bytes);
+}
 inline void Store(uint8_t* place, __m256i value) {
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(place), value);
 }
@@ -41,27 +47,34 @@ inline void StoreQuarter(uint8_t* place, __m128i value) {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(place), value);
 }
 
+inline __m256i LoadHalves(const uint8_t* low, const uint8_t* high) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(LoadHalf(low)), LoadHalf(high), 1);
+}
+
 // 24 bytes, of which each half of the vector gets 12: in the low half from its start, in the high half from
 // its fifth byte.
 inline __m256i Load24(const uint8_t* place) {
-    return _mm256_inserti128_si256(_mm256_castsi128_si256(LoadHalf(place)), LoadHalf(place + 8), 1);
+    return LoadHalves(place, place + 8);
 }
 
-// 48 bytes from two, 96 from four vectors that have 12 at the start of each half.
+// 48 bytes from two vectors that have 12 at the start of each half.
 inline void Store48(uint8_t* place, __m256i a, __m256i b) {
     a = _mm256_permutevar8x32_epi32(a, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 0, 0));
     b = _mm256_permutevar8x32_epi32(b, _mm256_setr_epi32(2, 4, 5, 6, 0, 0, 0, 1));
     Store(place, _mm256_blend_epi32(a, b, 0xC0));
     StoreHalf(place + 32, _mm256_castsi256_si128(b));
 }
-inline void Store96(uint8_t* place, __m256i a, __m256i b, __m256i c, __m256i d) {
-    a = _mm256_permutevar8x32_epi32(a, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 0, 0));
-    b = _mm256_permutevar8x32_epi32(b, _mm256_setr_epi32(2, 4, 5, 6, 0, 0, 0, 1));
-    c = _mm256_permutevar8x32_epi32(c, _mm256_setr_epi32(5, 6, 0, 0, 0, 1, 2, 4));
-    d = _mm256_permutevar8x32_epi32(d, _mm256_setr_epi32(0, 0, 0, 1, 2, 4, 5, 6));
-    Store(place, _mm256_blend_epi32(a, b, 0xC0));
-    Store(place + 32, _mm256_blend_epi32(b, c, 0xF0));
-    Store(place + 64, _mm256_blend_epi32(c, d, 0xFC));
+
+// 96 bytes from four vectors with 12 in each half, of which the low halves make the first 48 bytes, the high
+// halves the others. The bytes of the i-th are rotated within their half, so that the one at place p is the
+// (p + 4 * i) % 16-th: so they stand where they are wanted.
+inline void Store96(uint8_t* place, const __m256i (&rotated)[4]) {
+    const __m256i first = _mm256_blend_epi32(rotated[0], rotated[1], 0x88);
+    const __m256i second = _mm256_blend_epi32(rotated[1], rotated[2], 0xCC);
+    const __m256i third = _mm256_blend_epi32(rotated[2], rotated[3], 0xEE);
+    Store(place, _mm256_permute2x128_si256(first, second, 0x20));
+    Store(place + 32, _mm256_blend_epi32(third, first, 0xF0));
+    Store(place + 64, _mm256_permute2x128_si256(second, third, 0x31));
 }
 
 // A byte shuffle within the halves of a vector: the place in its half that each byte comes from, none for
@@ -89,7 +102,7 @@ constexpr uint8_t UnusedBits(size_t pixels, size_t bits) {
 }
 
 template <class Step>
-inline void RunPadded(const Step& step, uint8_t* target, const uint8_t* source, size_t pixels) {
+[[gnu::noinline]] void RunPadded(const Step& step, uint8_t* target, const uint8_t* source, size_t pixels) {
     constexpr size_t widestPixel = 8;
     uint8_t paddedSource[unitPixels * widestPixel] = {};
     uint8_t paddedTarget[unitPixels * widestPixel];
@@ -103,7 +116,8 @@ inline void RunPadded(const Step& step, uint8_t* target, const uint8_t* source, 
     std::memcpy(target, paddedTarget, targetBytes);
 }
 
-template <class Step> void RunUnits(const Step& step, const uint8_t* source, uint8_t* target, size_t pixels) {
+template <class Step>
+void RunForwards(const Step& step, const uint8_t* source, uint8_t* target, size_t pixels) {
     constexpr size_t sourceBytes = unitPixels * Step::sourceBits / 8;
     constexpr size_t targetBytes = unitPixels * Step::targetBits / 8;
     for (; pixels >= Step::reach; pixels -= unitPixels, source += sourceBytes, target += targetBytes)
@@ -111,6 +125,47 @@ template <class Step> void RunUnits(const Step& step, const uint8_t* source, uin
     for (; pixels > unitPixels; pixels -= unitPixels, source += sourceBytes, target += targetBytes)
         RunPadded(step, target, source, unitPixels);
     if (pixels > 0) RunPadded(step, target, source, pixels);
+}
+
+// For pixels that grow. In place the target of one of the first units can reach into its own source, so these
+// units are read from a copy.
+template <class Step>
+void RunBackwards(const Step& step, const uint8_t* source, uint8_t* target, size_t pixels) {
+    constexpr size_t sourceBytes = unitPixels * Step::sourceBits / 8;
+    constexpr size_t targetBytes = unitPixels * Step::targetBits / 8;
+    constexpr size_t copiedUnits = (targetBytes - 1) / (targetBytes - sourceBytes);
+    static_assert(Step::reach <= 2 * unitPixels);
+    const size_t rest = pixels % unitPixels;
+    size_t units = pixels / unitPixels;
+    if (rest > 0) RunPadded(step, target + units * targetBytes, source + units * sourceBytes, rest);
+    if (units > 0 && unitPixels + rest < Step::reach) {
+        --units;
+        RunPadded(step, target + units * targetBytes, source + units * sourceBytes, unitPixels);
+    }
+    const size_t apart = source == target ? std::min(units, copiedUnits) : 0;
+    const uint8_t* from = source + units * sourceBytes;
+    uint8_t* to = target + units * targetBytes;
+    const uint8_t* const last = source + apart * sourceBytes;
+#pragma GCC unroll 2 // for the shortest of the steps
+    while (from != last) {
+        from -= sourceBytes;
+        to -= targetBytes;
+        step(to, from);
+    }
+    uint8_t copy[copiedUnits * sourceBytes + unitPixels];
+    std::memcpy(copy, source, apart * sourceBytes);
+    for (size_t unit = 0; unit < apart; ++unit)
+        step(target + unit * targetBytes, copy + unit * sourceBytes);
+}
+
+// Flattened, since a step that is called hands its vectors over in memory.
+template <class Step>
+[[gnu::flatten]] void RunUnits(const Step& step, const uint8_t* source, uint8_t* target, size_t pixels) {
+    if constexpr (Step::targetBits > Step::sourceBits) {
+        RunBackwards(step, source, target, pixels);
+    } else {
+        RunForwards(step, source, target, pixels);
+    }
 }
 
 // The kernel of a step that is made from the parameters of the row.
