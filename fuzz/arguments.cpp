@@ -46,7 +46,7 @@ class Host {
     Host& operator=(const Host&) = delete;
 
     void Step() {
-        switch (in_.Byte() % 8) {
+        switch (in_.Byte() % 9) {
         case 0: Life(); break;
         case 1: Duplicates(); break;
         case 2: Storage(); break;
@@ -54,6 +54,7 @@ class Host {
         case 4: Palettes(); break;
         case 5: BitmapPalettes(); break;
         case 6: Colours(); break;
+        case 7: Pixels(); break;
         default: Frame(); break;
         }
         for (BitmapHandle& record : records_)
@@ -172,6 +173,38 @@ class Host {
             char path[261] = "";
             Z_GetTempDirectory(path, static_cast<uint32_t>(in_.Below(261)));
         }
+    }
+
+    void Pixels() {
+        BitmapHandle* record = Any();
+        const int32_t left = in_.Near(70, -9), top = in_.Near(70, -9);
+        const int32_t width = in_.Near(60), height = in_.Near(60);
+        const auto colour = static_cast<uint32_t>(in_.Hostile()) ^ in_.Word();
+        BitmapHandle made = {};
+        BitmapHandle* const target = in_.Flip() ? &made : in_.Flip() ? nullptr : record;
+        const bool small = width <= 99 && height <= 99;
+        switch (in_.Byte() % 9) {
+        case 0: Z_GetPixelColor(record, top, left); break;
+        case 1: Z_PutPixelColor(record, top, left, colour); break;
+        case 2:
+            if (record == nullptr) break;
+            record->LowBit = in_.Hostile();
+            record->HighBit = in_.Hostile();
+            record->Order = in_.Byte() % 3;
+            record->Flags ^= Z_FLAG_LEVEL_LUT_ACTIVE;
+            break;
+        case 3: Z_FillBitmap(record, colour); break;
+        case 4: Z_ClearBitmap(record); break;
+        case 5: Z_TrimBitmap(record, left, top, width, height); break;
+        case 6:
+            if (small) Z_CopyBitmapRect(target, record, left, top, width, height);
+            break;
+        case 7:
+            if (small) Z_CopyBitmapRect2(target, record, left, top, width, height, Type());
+            break;
+        default: Z_CopyBitmap2(target, record, Type());
+        }
+        Z_FreeBitmap(&made);
     }
 
     BitmapList AnyList() {
