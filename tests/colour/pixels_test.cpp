@@ -23,6 +23,10 @@ struct Model {
 
     int Bits() const { return Record.BitsPerPixel; }
     bool IsGray() const { return Bits() == 12 || (Bits() == 16 && Record.Order == 2); }
+    int Low() const { return std::max(Record.LowBit, 0); }
+    uint64_t Largest() const {
+        return (uint64_t{1} << ((Record.HighBit < 0 ? Bits() - 1 : Record.HighBit) - Low() + 1)) - 1;
+    }
     bool HasLevels() const {
         return Record.LevelLUT != nullptr && (Record.Flags & Z_FLAG_LEVEL_LUT_ACTIVE) != 0;
     }
@@ -40,12 +44,9 @@ struct Model {
     uint32_t ColourOf(uint64_t pixel) const {
         if (Bits() <= 8) return Plain(Palette[static_cast<size_t>(pixel)]);
         if (IsGray()) {
-            const int high = Record.HighBit < 0 ? Bits() - 1 : Record.HighBit,
-                      low = std::max(Record.LowBit, 0);
-            const uint64_t largest = (uint64_t{1} << (high - low + 1)) - 1;
-            const uint64_t value = pixel >> low & largest;
+            const uint64_t value = pixel >> Low() & Largest();
             if (HasLevels()) return value < Record.LevelLUTLength ? Plain(Record.LevelLUT[value]) : 0;
-            return 0x04000000 | static_cast<uint32_t>(value * 0xFFFF / largest);
+            return 0x04000000 | static_cast<uint32_t>(value * 0xFFFF / Largest());
         }
         if (Bits() == 16) {
             const auto wide = [&](int place) {
@@ -78,16 +79,13 @@ struct Model {
             return nearest(Palette.data(), counts[Bits()] ? counts[Bits()] : Record.ColorsUsed) & all;
         }
         if (IsGray()) {
-            const int high = Record.HighBit < 0 ? Bits() - 1 : Record.HighBit,
-                      low = std::max(Record.LowBit, 0);
             if (HasLevels())
                 return nearest(Record.LevelLUT,
                                Bits() == 16 ? std::min(Record.LevelLUTLength, 65535u) : Record.LevelLUTLength)
-                           << low &
+                           << Low() &
                        all;
             const uint64_t gray = isGrayValue ? colour & 0xFFFF : (2 * red + 5 * green + blue + 4) / 8 * 257;
-            const uint64_t largest = (uint64_t{1} << (high - low + 1)) - 1;
-            return (gray * largest + 0xFFFE) / 0xFFFF << low & all; // rounded up
+            return (gray * Largest() + 0xFFFE) / 0xFFFF << Low() & all; // rounded up
         }
         const uint64_t low = Record.Order == 1 ? blue : red, high = Record.Order == 1 ? red : blue;
         if (Bits() == 16) return low / 8 | uint64_t{green} / 8 << 5 | high / 8 << 10;
@@ -243,25 +241,22 @@ TEST(PixelData, MovesTheBytesOfThePixel) {
         Bitmap bitmap(19, 2, bits);
         Bytes data;
         Allocate(bitmap, {"user", MemoryUser}, data);
-        const Bytes before = Fill(bitmap, 8);
+        const Bytes before = Fill(bitmap, 8), other(10, 0x5A);
         for (int32_t column = 0; column < 19; ++column) {
-            const auto first = static_cast<size_t>(column * bits / 8);
+            SCOPED_TRACE(std::to_string(bits) + " bits, column " + std::to_string(column));
             const auto bytes = static_cast<uint32_t>((column * bits + bits - 1) / 8 + 1 - column * bits / 8);
-            Bytes pixel(10, 0xEE), expected(10, 0xEE);
-            std::copy_n(&before[bitmap.BytesPerLine + first], bytes, expected.begin());
-            EXPECT_EQ(Z_GetPixelData(&bitmap, pixel.data(), 1, column, bytes - 1), code::InvalidArgument);
-            EXPECT_EQ(Z_GetPixelData(&bitmap, nullptr, 1, column, 10), code::InvalidArgument);
+            const auto first = static_cast<ptrdiff_t>(bitmap.BytesPerLine) + column * bits / 8;
+            Bytes pixel(10, 0xEE), expected = pixel, changed = before;
+            std::copy_n(before.begin() + first, bytes, expected.begin());
+            std::fill_n(changed.begin() + first, bytes, uint8_t{0x5A});
+            for (const auto& [place, size] : {std::pair{pixel.data(), bytes - 1}, {nullptr, 10u}}) {
+                EXPECT_EQ(Z_GetPixelData(&bitmap, place, 1, column, size), code::InvalidArgument);
+                EXPECT_EQ(Z_PutPixelData(&bitmap, place, 1, column, size), code::InvalidArgument);
+            }
             EXPECT_EQ(Z_GetPixelData(&bitmap, pixel.data(), 1, column, bytes), 1);
-            EXPECT_EQ(pixel, expected) << bits << " bits, column " << column;
-
-            const Bytes other(10, 0x5A);
-            EXPECT_EQ(Z_PutPixelData(&bitmap, other.data(), 1, column, bytes - 1), code::InvalidArgument);
-            EXPECT_EQ(Z_PutPixelData(&bitmap, nullptr, 1, column, 10), code::InvalidArgument);
-            EXPECT_EQ(data, before);
+            EXPECT_EQ(pixel, expected);
             EXPECT_EQ(Z_PutPixelData(&bitmap, other.data(), 1, column, 10), 1);
-            Bytes changed = before;
-            std::fill_n(&changed[bitmap.BytesPerLine + first], bytes, uint8_t{0x5A});
-            EXPECT_EQ(data, changed) << bits << " bits, column " << column;
+            EXPECT_EQ(data, changed);
             data = before;
         }
         ASSERT_EQ(Z_SetBitmapDataPointer(&bitmap, nullptr, 0), 1);
