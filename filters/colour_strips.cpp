@@ -5,10 +5,9 @@
 //   the QOI stream of the groups, the bytes left over, a checksum of all bytes before it (8 bytes)
 //
 // The decoder of QOI stays inside its buffers whatever it is given; the checksum tells corrupt data apart.
+#include "filters/checksum.h"
 #include "filters/strip.h"
 
-#include <array>
-#include <bit>
 #include <climits>
 #include <cstring>
 
@@ -49,26 +48,6 @@ struct Area {
 void* Provide(const void* description, int bytes) {
     const auto* area = static_cast<const Area*>(description);
     return bytes > 0 && static_cast<uint64_t>(bytes) <= area->Room ? area->Memory : nullptr;
-}
-
-// Four lanes of words, each step of which can be undone: whatever is changed in one word changes the sum.
-uint64_t Checksum(const uint8_t* data, size_t bytes) {
-    constexpr uint64_t factor = 0x9E3779B97F4A7C15;
-    std::array<uint64_t, 4> lanes = {bytes, 1, 2, 3};
-    constexpr size_t block = sizeof lanes;
-    for (size_t place = 0; place < bytes; place += block) {
-        std::array<uint64_t, 4> words = {};
-        if (bytes - place >= block)
-            std::memcpy(&words, data + place, block);
-        else
-            std::memcpy(&words, data + place, bytes - place);
-        for (size_t i = 0; i < lanes.size(); ++i)
-            lanes[i] = std::rotl((lanes[i] ^ words[i]) * factor, 29);
-    }
-    uint64_t sum = 0;
-    for (const uint64_t lane : lanes)
-        sum = std::rotl((sum ^ lane) * factor, 31);
-    return sum;
 }
 
 } // namespace

@@ -215,9 +215,31 @@ void CompressedRowCase(Seeded& seeded, Digest& digest) {
     digest.Add(other.data(), other.size() * sizeof(uint16_t));
 }
 
+// How long a compressed strip is does not count, and so neither does Size.
+void StripsCase(Seeded& seeded, Digest& digest) {
+    BitmapHandle bitmap;
+    const int width = seeded.Between(1, 100), height = seeded.Between(1, 50);
+    const int bits = seeded.Below(2) ? 24 : 1;
+    digest.Add(Z_CreateBitmap(&bitmap, MemorySuperCompressed, width, height, bits, Z_ORDER_BGR, nullptr, 2,
+                              nullptr, 0));
+    FillBitmap(seeded, bitmap, 0);
+    for (int i = 0; i < 25; ++i) {
+        const int operation = seeded.Below(8);
+        if (operation < 6)
+            MoveRows(seeded, digest, bitmap);
+        else if (operation == 6)
+            PutSegments(seeded, digest, bitmap);
+        else
+            digest.Add(Z_ChangeBitmapHeight(&bitmap, seeded.Between(1, 50)));
+    }
+    AddPixels(digest, bitmap);
+    digest.Add(Z_FreeBitmap(&bitmap));
+}
+
 constexpr Family Families[] = {
     {"record", 2000, RecordCase},
     {"storage", 400, StorageCase},
+    {"strips", 300, StripsCase},
     {"compressed-row", 500, CompressedRowCase},
 };
 
