@@ -16,7 +16,8 @@ class Checked {
     explicit Checked(Input& input) : input_(input) {
         const int32_t width = 1 + input.Below(input.Byte() < 240 ? 40 : 3000);
         const int32_t height = 1 + input.Below(maximumHeight);
-        Z_InitBitmap(&bitmap_, width, height, input.Byte() < 80 ? 1 : input.Depth());
+        const uint8_t depth = input.Byte(); // mostly one that can be compressed
+        Z_InitBitmap(&bitmap_, width, height, depth < 80 ? 1 : depth < 120 ? 24 : input.Depth());
         if (input.Flip()) bitmap_.Order = Z_ORDER_GRAY;
         Z_SetMemoryThresholds(0, 0, TileSize(), input.Below(9) - 1, input.Below(4), 28);
         constexpr int32_t types[] = {MemoryConventional,
@@ -26,7 +27,9 @@ class Checked {
                                      MemoryDisk,
                                      MemoryNoTiled,
                                      MemoryCompressed | MemoryConventional,
-                                     MemoryCompressed | MemoryConventional};
+                                     MemoryCompressed | MemoryConventional,
+                                     MemorySuperCompressed | MemoryConventional,
+                                     MemorySuperCompressed | MemoryConventional};
         const int32_t type = types[input.Byte() % std::size(types)];
         FUZZ_EXPECT(Z_AllocateBitmap(&bitmap_, type) == 1);
         model_.assign(static_cast<size_t>(height) * RowBytes(), 0);
@@ -173,7 +176,8 @@ class Checked {
     // Whatever is asked for, and whether it is granted or not, no pixel is lost; the usual wishes are
     // granted.
     void Rebuild() {
-        constexpr int32_t types[] = {MemoryConventional, MemoryDisk, MemoryNoTiled, 2, 4, 5, 8, 9, 129, 512};
+        constexpr int32_t types[] = {
+            MemoryConventional, MemoryDisk, MemoryNoTiled, 2, 4, 5, 8, 9, 129, 512, 1024};
         const size_t choice = input_.Byte() % (std::size(types) + 1);
         const bool usual = choice < 3;
         const int32_t type = choice < std::size(types) ? types[choice] : input_.Hostile();
@@ -350,15 +354,21 @@ class Checked {
     }
 
     void Compress() {
-        const bool isCompressed = (bitmap_.Flags & Z_FLAG_COMPRESSED) != 0;
-        if (isCompressed && input_.Flip()) {
+        constexpr uint32_t runs = Z_FLAG_COMPRESSED, strips = Z_FLAG_SUPER_COMPRESSED;
+        const uint32_t before = bitmap_.Flags & (runs | strips);
+        if (before == runs && input_.Flip()) {
             const int32_t result = input_.Flip() ? Z_TrimBitmapHeap(&bitmap_)
                                                  : Z_GrowBitmapHeap(&bitmap_, input_.Word() % 300000);
             FUZZ_EXPECT(result == 0 || result == 1);
             return;
         }
-        FUZZ_EXPECT(Z_ToggleBitmapCompression(&bitmap_) == (IsEmpty() ? Z_ERROR_DIMENSIONS : 1));
-        FUZZ_EXPECT(((bitmap_.Flags & Z_FLAG_COMPRESSED) != 0) == (isCompressed == IsEmpty()));
+        const bool toggles = input_.Flip();
+        const int32_t method = !toggles ? input_.Below(3) : before == 0 ? COMP_RLE : COMP_NONE;
+        const uint32_t wanted = method == COMP_RLE ? runs : method == COMP_SUPER ? strips : 0;
+        FUZZ_EXPECT(
+            (toggles ? Z_ToggleBitmapCompression(&bitmap_) : Z_ChangeBitmapCompression(&bitmap_, method)) ==
+            (IsEmpty() && wanted != before ? Z_ERROR_DIMENSIONS : 1));
+        FUZZ_EXPECT((bitmap_.Flags & (runs | strips)) == (IsEmpty() ? before : wanted));
     }
 
     void Compare() {
