@@ -3,6 +3,7 @@
 
 #include "failure.h"
 
+#include "zkr13n/copy.h"
 #include "zkr13n/rows.h"
 #include "zkr13n/storage.h"
 
@@ -39,6 +40,14 @@ class TileThresholds {
 
 } // namespace
 
+bool CanLiveIn(StorageClass kind, int bits) {
+    switch (kind) {
+    case StorageClass::Runs: return bits == 1;
+    case StorageClass::Strips: return bits == 1 || bits == 24;
+    default: return true;
+    }
+}
+
 Bitmap::Bitmap(const std::string& name, const PixelFormat& format, int width, int height,
                const Storage& storage)
     : name_(name), format_(format) {
@@ -47,12 +56,19 @@ Bitmap::Bitmap(const std::string& name, const PixelFormat& format, int width, in
                              format_.PaletteOrNull(), ViewTopLeft, data, dataSize),
               name_);
     };
+    if (!CanLiveIn(storage.kind, format_.bits)) {
+        const bool runs = storage.kind == StorageClass::Runs;
+        throw Failure(name_, runs ? "only 1 bit per pixel can be kept as runs"
+                                  : "only 1 and 24 bits per pixel can be kept as compressed strips");
+    }
     // The size of the data must be known before there is any.
     BitmapHandle plan;
     Check(Z_InitBitmap(&plan, width, height, format_.StoredBits()), name_);
     switch (storage.kind) {
     case StorageClass::Conventional: create(MemoryConventional, nullptr, 0); break;
     case StorageClass::Disk: create(MemoryDisk, nullptr, 0); break;
+    case StorageClass::Runs: create(MemoryCompressed, nullptr, 0); break;
+    case StorageClass::Strips: create(MemorySuperCompressed, nullptr, 0); break;
     case StorageClass::Tiled: {
         const TileThresholds thresholds(plan.Size, storage);
         create(MemoryTiled, nullptr, 0);
@@ -78,6 +94,12 @@ Bitmap& Bitmap::operator=(Bitmap&& other) noexcept {
     return *this;
 }
 
+Bitmap Bitmap::Copy() {
+    Bitmap copy(name_, format_);
+    Check(Z_CopyBitmap(&copy.handle_, &handle_), name_);
+    return copy;
+}
+
 Bitmap::~Bitmap() {
     Z_FreeBitmap(&handle_);
 }
@@ -97,6 +119,8 @@ std::string StorageOf(Bitmap& bitmap) {
           bitmap.Name());
     switch (type) {
     case MemoryDisk: return "disk";
+    case MemoryCompressed: return "runs";
+    case MemorySuperCompressed: return "strips";
     case MemoryTiled: {
         std::string text = "tiled:";
         const auto add = [&](int32_t number, const char* what, bool plural = false) {

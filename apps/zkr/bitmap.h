@@ -10,7 +10,10 @@
 
 namespace zkr::app {
 
-enum class StorageClass { Conventional, User, Tiled, Disk };
+enum class StorageClass { Conventional, User, Tiled, Disk, Runs, Strips };
+
+// Whether bitmaps of a depth can live in a class: runs hold 1 bit per pixel, compressed strips 1 and 24.
+bool CanLiveIn(StorageClass kind, int bits);
 
 // Where a bitmap shall live. A tiled one is cut into about `tiles` tiles, of which at most `memoryBudget` are
 // in memory at one time and `views` of these are windows on file tiles; the rest stay tiles in memory for
@@ -27,6 +30,8 @@ class Bitmap {
     // `name` is the file or step that messages name. Throws Failure with the library's message.
     Bitmap(const std::string& name, const PixelFormat& format, int width, int height, const Storage& storage);
     Bitmap(Bitmap&& other) noexcept;
+    // A copy with data of its own, in the same class where that is compressed or disk, else in memory.
+    Bitmap Copy();
     Bitmap& operator=(Bitmap&& other) noexcept;
     ~Bitmap();
 
@@ -43,6 +48,8 @@ class Bitmap {
     void PutRow(int row, const void* buffer);
 
   private:
+    Bitmap(const std::string& name, const PixelFormat& format) : name_(name), format_(format) {}
+
     std::string name_;
     PixelFormat format_;
     BitmapHandle handle_ = {};

@@ -28,7 +28,9 @@ const Words<PaletteChoice> PaletteNames = {{"fixed", PaletteChoice::Fixed}, {"gr
 const Words<StorageClass> StorageNames = {{"conventional", StorageClass::Conventional},
                                           {"user", StorageClass::User},
                                           {"tiled", StorageClass::Tiled},
-                                          {"disk", StorageClass::Disk}};
+                                          {"disk", StorageClass::Disk},
+                                          {"rle", StorageClass::Runs},
+                                          {"super", StorageClass::Strips}};
 
 constexpr const char* About = "zkr takes pictures through the ZKR13N raster image kernel.\n";
 
@@ -62,6 +64,40 @@ void AddWord(CLI::App* verb, const std::string& name, Target& target, const Word
         throw CLI::ValidationError("'" + given + "' is not one of " + ListOf(words));
     };
     verb->add_option_function<std::string>(name, set, help)->type_name(ListOf(words));
+}
+
+void AddStorage(CLI::App* verb, StorageClass& target) {
+    AddWord(verb, "--storage", target, StorageNames,
+            "where the bitmaps live on the way (default: conventional);\n"
+            "rle is for 1 bit per pixel, super for 1 and 24");
+}
+
+// The options that all verbs share which change a picture.
+CLI::App* AddEditVerb(CLI::App& app, const std::string& name, const std::string& help, EditOptions& options) {
+    CLI::App* verb = app.add_subcommand(name, help);
+    verb->add_option("IN", options.input, "the picture")->required()->type_name("");
+    verb->add_option("OUT", options.output, "the PNG file to write")->required()->type_name("");
+    AddStorage(verb, options.storage);
+    return verb;
+}
+
+// Options of a rectangle; the size is required where the verb has no use without it.
+void AddArea(CLI::App* verb, Rectangle& area, bool required) {
+    verb->add_option("--left", area.left, "left side of the rectangle, pixels (default: 0)")->type_name("X");
+    verb->add_option("--top", area.top, "its top (default: 0)")->type_name("Y");
+    CLI::Option* width = verb->add_option("--width", area.width, "its width")->type_name("W");
+    CLI::Option* height = verb->add_option("--height", area.height, "its height")->type_name("H");
+    width->required(required)->needs(height)->check(CLI::PositiveNumber);
+    height->required(required)->needs(width)->check(CLI::PositiveNumber);
+}
+
+// "RRGGBB" as a colour value.
+void SetColour(uint32_t& target, const std::string& given) {
+    const bool valid = given.size() == 6 && given.find_first_not_of("0123456789abcdefABCDEF") == given.npos;
+    if (!valid)
+        throw CLI::ValidationError("'" + given + "' is not a colour of six hexadecimal digits, RRGGBB");
+    const auto rgb = static_cast<uint32_t>(std::stoul(given, nullptr, 16));
+    target = rgb >> 16 | (rgb & 0xFF00) | (rgb & 0xFF) << 16;
 }
 
 std::string Version() {
@@ -102,9 +138,29 @@ int Run(int argc, char** argv) {
     AddWord(convertVerb, "--palette", convert.palette, PaletteNames,
             "palette of 1 to 8 bits (default: the picture's own\n"
             "where the depth stays, else fixed)");
-    AddWord(convertVerb, "--storage", convert.storage, StorageNames,
-            "where the bitmaps live on the way\n(default: conventional)");
+    AddStorage(convertVerb, convert.storage);
     convertVerb->callback([&] { RunConvert(convert); });
+
+    CropOptions crop;
+    CLI::App* cropVerb = AddEditVerb(app, "crop", "Cut a rectangle out of a picture", crop);
+    AddArea(cropVerb, crop.area, true);
+    cropVerb->callback([&] { RunCrop(crop); });
+
+    FillOptions fill;
+    Rectangle fillArea;
+    CLI::App* fillVerb =
+        AddEditVerb(app, "fill", "Fill a picture, or a rectangle of it, with a colour", fill);
+    fillVerb
+        ->add_option_function<std::string>(
+            "--color", [&](const std::string& given) { SetColour(fill.colour, given); },
+            "the colour, must be given; a palette's nearest is taken")
+        ->required()
+        ->type_name("RRGGBB");
+    AddArea(fillVerb, fillArea, false);
+    fillVerb->callback([&] {
+        if (fillArea.width > 0) fill.area = fillArea;
+        RunFill(fill);
+    });
 
     TourOptions tour;
     CLI::App* tourVerb = app.add_subcommand("tour", "Take a picture through every storage class and depth");

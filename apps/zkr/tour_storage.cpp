@@ -28,6 +28,8 @@ constexpr StorageCase StorageCases[] = {
     {"tiles of all kinds", {.kind = StorageClass::Tiled, .memoryBudget = 5, .views = 2}},
     {"tiles in files", {.kind = StorageClass::Tiled, .memoryBudget = 0, .views = 0}},
     {"disk", {.kind = StorageClass::Disk}},
+    {"runs", {.kind = StorageClass::Runs}},
+    {"compressed strips", {.kind = StorageClass::Strips}},
 };
 
 Bitmap Copied(Bitmap& source, const Storage& storage) {
@@ -86,14 +88,15 @@ void MoveAbout(Tour& tour, Bitmap& source) {
 std::vector<std::string> ThroughStorageClasses(Tour& tour, Bitmap& source) {
     std::vector<std::string> lines;
     for (const StorageCase& one : StorageCases) {
+        if (!CanLiveIn(one.storage.kind, source.Format().bits)) continue;
         const StatusBar bar(one.name);
         const Stopwatch watch;
         Bitmap copy = Copied(source, one.storage);
         const TourStep step = Compared(one.name, source, copy, watch.Milliseconds());
         tour.Print(step);
         char line[96];
-        std::snprintf(line, sizeof line, "%s: %s after %.1f ms", one.name, step.result.c_str(),
-                      step.milliseconds);
+        std::snprintf(line, sizeof line, "%s: %zu bytes, %s after %.1f ms", one.name, step.bytes,
+                      step.result.c_str(), step.milliseconds);
         lines.emplace_back(line);
     }
     return lines;

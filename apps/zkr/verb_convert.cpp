@@ -57,11 +57,12 @@ void RunConvert(const ConvertOptions& options) {
     const auto reader = OpenPicture(options.input);
     const PixelFormat format = TargetFormat(options, reader->Info().format);
     const Storage storage = {.kind = options.storage};
+    const bool sourceFits = CanLiveIn(options.storage, reader->Info().format.bits);
     if (!options.output.ends_with(".png")) throw Failure(options.output, "the name does not end in .png");
 
     const auto read = [&] {
         const StatusBar bar("reading   ");
-        return ReadPicture(*reader, options.input, storage);
+        return ReadPicture(*reader, options.input, sourceFits ? storage : Storage{});
     };
     const auto convert = [&] {
         Bitmap source = read();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "bitmap.h"
+#include "edit.h"
 
 #include <optional>
 #include <string>
@@ -23,6 +24,21 @@ struct ConvertOptions {
     StorageClass storage = StorageClass::Conventional;
 };
 
+struct EditOptions {
+    std::string input;
+    std::string output;
+    StorageClass storage = StorageClass::Conventional;
+};
+
+struct CropOptions : EditOptions {
+    Rectangle area;
+};
+
+struct FillOptions : EditOptions {
+    uint32_t colour = 0; // 0x00BBGGRR
+    std::optional<Rectangle> area;
+};
+
 struct TourOptions {
     std::string picture = "/usr/share/palapeli/collection/european-honey-bee.jpg";
     std::string page = "/usr/share/jbigkit-testdata/ccitt1.jbg";
@@ -31,6 +47,8 @@ struct TourOptions {
 
 void RunInfo(const InfoOptions& options);
 void RunConvert(const ConvertOptions& options);
+void RunCrop(const CropOptions& options);
+void RunFill(const FillOptions& options);
 void RunTour(const TourOptions& options);
 
 } // namespace zkr::app

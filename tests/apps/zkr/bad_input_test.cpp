@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <tuple>
 
 namespace {
 
@@ -110,6 +111,22 @@ TEST_F(BadInputTest, WishesThatCannotBeMet) {
     wish({"12", "--order", "rgb"}, "always gray");
     wish({"24", "--palette", "fixed"}, "1 to 8");
 
+    for (const auto& [bits, storage, cause] :
+         {std::tuple("24", "rle", "only 1 bit"), {"8", "super", "only 1 and 24 bits"}})
+        Fails({"convert", Path("good.png"), Path("out.png"), "--bits", bits, "--storage", storage},
+              Path("good.png") + ": ", cause);
+
+    const std::vector<std::string> crop = {"crop", Path("good.png"), Path("out.png"), "--height", "1"};
+    const auto crops = [&](std::vector<std::string> words, const std::string& file,
+                           const std::string& cause) {
+        words.insert(words.begin(), crop.begin(), crop.end());
+        Fails(words, file, cause);
+    };
+    crops({"--width", "1", "--left", "64"}, Path("good.png") + ": ", "holds no pixel");
+    crops({"--width", "0"}, "", "--width");
+    crops({}, "", "--width");
+    crops({"--width", "8", "--storage", "rle"}, Path("good.png") + ": ", "only 1 bit");
+    Fails({"fill", Path("good.png"), Path("out.png"), "--color", "red"}, "", "'red' is not a colour");
     for (const auto& [option, word] :
          {std::pair("--order", "grb"), {"--palette", "best"}, {"--storage", "attic"}})
         Fails({"convert", Path("good.png"), Path("out.png"), "--bits", "24", option, word}, "",

@@ -29,7 +29,7 @@ TEST_F(TourTest, TakesAPictureThroughEverything) {
         EXPECT_NE(table.find(part), std::string::npos) << part << " is missing in\n" << table;
     }
     // Colour of 24 bits and more gives every sample back: 24, 32, 48 and 64 bits in both orders.
-    EXPECT_EQ(CountOf(table, "equal"), 10u + 8u + (table.find("skipped") == std::string::npos ? 8u : 0u))
+    EXPECT_EQ(CountOf(table, "equal"), 11u + 8u + (table.find("skipped") == std::string::npos ? 10u : 0u))
         << table;
 
     const struct {
@@ -49,6 +49,8 @@ TEST_F(TourTest, TakesAPictureThroughEverything) {
             << one.file;
     }
     EXPECT_EQ(ReadPng(Path("deep/out/depth-24-bgr.png")), photo);
+    EXPECT_EQ(ReadPng(Path("deep/out/edit-crop.png")).width, 32);
+    EXPECT_NE(ReadPng(Path("deep/out/edit-fill.png")), photo);
     const Picture sheet = ReadPng(Path("deep/out/contact-sheet.png"));
     EXPECT_EQ(sheet.type, PNG_COLOR_TYPE_RGB);
     EXPECT_GT(sheet.width, 7 * 64);
@@ -65,7 +67,7 @@ TEST_F(TourTest, TakesOddPictures) {
 
 TEST_F(TourTest, HelpAndVersion) {
     const std::string help = Succeeds({"--help"});
-    for (const char* word : {"info", "convert", "tour", "Exit status"}) {
+    for (const char* word : {"info", "convert", "crop", "fill", "tour", "Exit status"}) {
         EXPECT_NE(help.find(word), std::string::npos) << word;
     }
     EXPECT_NE(Succeeds({"convert", "--help"}).find("rgb|bgr|gray"), std::string::npos);
