@@ -68,6 +68,7 @@ inline std::vector<Storage> AllStorages() {
             {"user", MemoryUser},
             {"global", GlobalType},
             {"disk", MemoryDisk},
+            {"runs at 1 bit, else conventional", MemoryCompressed | MemoryConventional},
             {"tiles in memory, one row", MemoryTiled, 1, -100, 1},
             {"tiles in memory, five rows", MemoryTiled, 5, -100, 1},
             {"tiles in files, one row, one view", MemoryTiled, 1, 0, 1},
@@ -134,9 +135,14 @@ inline Bytes Rows(BitmapHandle& bitmap) {
     return all;
 }
 
+// Random rows; runs hold no bits behind the last pixel.
 inline Bytes Fill(BitmapHandle& bitmap, uint32_t seed) {
     std::mt19937 random(seed);
-    const Bytes all = RandomBytes(size_t{bitmap.BytesPerLine} * static_cast<size_t>(bitmap.Height), random);
+    Bytes all = RandomBytes(size_t{bitmap.BytesPerLine} * static_cast<size_t>(bitmap.Height), random);
+    const size_t line = size_t{bitmap.BytesPerLine} * 8;
+    for (size_t bit = 0; bit < all.size() * 8 && (bitmap.Flags & flag::Compressed) != 0; ++bit)
+        if (bit % line >= static_cast<size_t>(bitmap.Width))
+            all[bit / 8] &= static_cast<uint8_t>(~(0x80u >> bit % 8));
     for (int32_t row = 0; row < bitmap.Height; ++row)
         Z_PutBitmapRow(&bitmap, all.data() + size_t{bitmap.BytesPerLine} * static_cast<size_t>(row), row,
                        bitmap.BytesPerLine);

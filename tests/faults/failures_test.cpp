@@ -3,6 +3,7 @@
 #include "faults/fault_driver.h"
 
 #include "zkr13n/colour_values.h"
+#include "zkr13n/compressed_rows.h"
 #include "zkr13n/convert.h"
 #include "zkr13n/copy.h"
 #include "zkr13n/fill.h"
@@ -172,6 +173,67 @@ TEST(Failures, OfWorkOnOneBitmap) {
         add("write of a segment", {Seek, Read, Write}, [](Ground& g) {
             const uint32_t segment[] = {2, 5};
             return Z_PutBitmapRowSegments(&g.Subject, g.Row.data(), 5, 0, segment, 2, 0);
+        });
+    }
+    RunAll(scenarios);
+}
+
+// Rows of 65536 pixels by turns take half of the heap's step each, so that it has to grow for the third.
+TEST(Failures, OfRuns) {
+    const auto runs = [](int32_t type, int32_t rows) {
+        return [=](Ground& g) {
+            Z_InitBitmap(&g.Subject, 65536, 6, 1);
+            ASSERT_EQ(Z_AllocateBitmap(&g.Subject, type), 1);
+            Z_CreateBitmapFixedPalette(&g.Subject);
+            g.Row.assign(g.Subject.BytesPerLine, 0x55);
+            for (int32_t row = 0; row < rows; ++row)
+                ASSERT_EQ(Z_PutBitmapRow(&g.Subject, g.Row.data(), row, 8192), 8192);
+            g.UserData.assign(4 + 2 * 65537, 0);
+            Z_CompressRow(reinterpret_cast<uint16_t*>(g.UserData.data()), g.Row.data(), 0, 65536);
+        };
+    };
+    const auto list = [](Ground& g) { return reinterpret_cast<uint16_t*>(g.UserData.data()); };
+    std::vector<Scenario> scenarios;
+    const auto add = [&](const char* name, auto call, Kept kept = Kept::Everything) {
+        scenarios.push_back({name, {Memory}, runs(MemoryCompressed, 1), call, kept});
+    };
+    add("whole row", [](Ground& g) {
+        const ReturnCode count = Z_PutBitmapRow(&g.Subject, g.Row.data(), 1, 8192);
+        return count == 8192 ? code::Success : count;
+    });
+    add("part of a row", [](Ground& g) {
+        const ReturnCode count = Z_PutBitmapRowCol(&g.Subject, g.Row.data(), 3, 800, 8000);
+        return count == 8000 ? code::Success : count;
+    });
+    add("segments", [](Ground& g) {
+        const uint32_t segments[] = {0, 100, 200, 65536};
+        return Z_PutBitmapRowSegments(&g.Subject, g.Row.data(), 3, 0, segments, 4, 0);
+    });
+    add("list", [=](Ground& g) { return Z_PutBitmapRowCompressed(&g.Subject, nullptr, list(g), 2, 1); });
+    add("part of a list",
+        [=](Ground& g) { return Z_PutBitmapRowColCompressed(&g.Subject, nullptr, list(g), 0, 0, 65536); });
+    for (const int32_t height : {7, 5, 0})
+        add(
+            "height", [=](Ground& g) { return Z_ChangeBitmapHeight(&g.Subject, height); },
+            height > 6 ? Kept::Everything : Kept::SomeRows);
+    add("copy", [](Ground& g) {
+        Z_FreeBitmap(&g.Made);
+        return Z_CopyBitmap(&g.Made, &g.Subject);
+    });
+    add("into plain storage", [](Ground& g) { return Z_ChangeBitmapCompression(&g.Subject, COMP_NONE); });
+    add("growth", [](Ground& g) { return Found(Z_GrowBitmapHeap(&g.Subject, 500000) == 1); });
+    for (const int32_t type : {int32_t{MemoryConventional}, int32_t{MemoryDisk}}) {
+        const auto plain = [&](const char* name, std::vector<ReturnCode> failures, auto call) {
+            scenarios.push_back({name, failures, runs(type, 4), call});
+        };
+        plain("into runs", {Memory, Seek, Read},
+              [](Ground& g) { return Z_ToggleBitmapCompression(&g.Subject); });
+        plain("list from a plain bitmap", {Memory, Seek, Read},
+              [=](Ground& g) { return Z_GetBitmapRowCompressed(&g.Subject, nullptr, list(g), 3, 1); });
+        plain("list into a plain bitmap", {Memory, Seek, Write},
+              [=](Ground& g) { return Z_PutBitmapRowCompressed(&g.Subject, nullptr, list(g), 3, 1); });
+        plain("part of a list into a plain bitmap", {Memory, Seek, Read, Write}, [=](Ground& g) {
+            return Z_PutBitmapRowColCompressed(&g.Subject, nullptr, list(g), 3, 0, 65536);
         });
     }
     RunAll(scenarios);
