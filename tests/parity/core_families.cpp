@@ -236,11 +236,42 @@ void StripsCase(Seeded& seeded, Digest& digest) {
     digest.Add(Z_FreeBitmap(&bitmap));
 }
 
+// ---- run-compressed bitmaps
+
+// Wide rows make the heap grow; its size is in the record.
+void RunBitmapCase(Seeded& seeded, Digest& digest) {
+    BitmapHandle bitmap;
+    const int width = seeded.Below(4) ? seeded.Between(1, 300) : seeded.Between(60000, 140000);
+    digest.Add(Z_CreateBitmap(&bitmap, MemoryCompressed, width, seeded.Between(1, 12), 1, 0, nullptr, 2,
+                              nullptr, 0));
+    std::vector<uint16_t> list(static_cast<size_t>(width) + 3);
+    for (int i = 0; i < 15; ++i) {
+        const int operation = seeded.Below(8), row = seeded.Below(bitmap.Height);
+        const int column = seeded.Below(width), part = seeded.Between(1, width - column);
+        if (operation < 3) MoveRows(seeded, digest, bitmap);
+        if (operation == 3) PutSegments(seeded, digest, bitmap);
+        if (operation == 4) digest.Add(Z_TrimBitmapHeap(&bitmap));
+        if (operation == 5)
+            digest.Add(Z_GrowBitmapHeap(&bitmap, static_cast<uint32_t>(seeded.Below(500000))));
+        if (operation == 6) ChangeHeight(seeded, digest, bitmap);
+        if (operation == 7) {
+            digest.Add(Z_GetBitmapRowColCompressed(&bitmap, nullptr, list.data(), row, column, part));
+            digest.Add(Z_PutBitmapRowColCompressed(&bitmap, nullptr, list.data(), 0, width - part, part));
+            digest.Add(list.data(), list.size() * 2);
+        }
+        digest.AddRecord(bitmap);
+    }
+    digest.Add(Z_ToggleBitmapCompression(&bitmap));
+    AddPixels(digest, bitmap);
+    digest.Add(Z_ToggleBitmapCompression(&bitmap));
+    digest.AddRecord(bitmap);
+    digest.Add(Z_FreeBitmap(&bitmap));
+}
+
 constexpr Family Families[] = {
-    {"record", 2000, RecordCase},
-    {"storage", 400, StorageCase},
-    {"strips", 300, StripsCase},
-    {"compressed-row", 500, CompressedRowCase},
+    {"record", 2000, RecordCase},       {"storage", 400, StorageCase},
+    {"strips", 300, StripsCase},        {"compressed-row", 500, CompressedRowCase},
+    {"run-bitmap", 200, RunBitmapCase},
 };
 
 } // namespace
