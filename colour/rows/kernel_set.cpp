@@ -18,6 +18,7 @@ namespace zkr::rows {
     extern const MatchKernels matchKernels;                                                                  \
     extern const CountKernels countKernels;                                                                  \
     extern const DitherKernels ditherKernels;                                                                \
+    extern const SpaceKernels spaceKernels;                                                                  \
     }
 ZKR_FOR_EACH_SET(ZKR_DECLARE_TABLES)
 #undef ZKR_DECLARE_TABLES
@@ -25,7 +26,7 @@ ZKR_FOR_EACH_SET(ZKR_DECLARE_TABLES)
 namespace {
 
 #define ZKR_LIST_TABLES(set)                                                                                 \
-    {#set, set::convertKernels, set::matchKernels, set::countKernels, set::ditherKernels},
+    {#set, set::convertKernels, set::matchKernels, set::countKernels, set::ditherKernels, set::spaceKernels},
 constexpr RowKernels allSets[] = {ZKR_FOR_EACH_SET(ZKR_LIST_TABLES)};
 #undef ZKR_LIST_TABLES
 

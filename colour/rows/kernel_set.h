@@ -13,6 +13,7 @@ struct ConvertKernels; // row_kernel.h
 struct MatchKernels;   // palette_match.h
 struct CountKernels;   // colour_set.h
 struct DitherKernels;  // dither_rows.h
+struct SpaceKernels;   // space_kernels.h
 
 struct RowKernels {
     const char* Name; // as ZKR_CPU names it
@@ -20,6 +21,7 @@ struct RowKernels {
     const MatchKernels& Match;
     const CountKernels& Count;
     const DitherKernels& Dither;
+    const SpaceKernels& Spaces;
 };
 
 // The kernels that this process uses: the best set that the processor has, or the one that the environment
