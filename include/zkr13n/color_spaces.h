@@ -52,22 +52,29 @@ enum {
  *
  * CMYK: the complements of R, G, B less the least of them, and that. Back R = F - C - K, at least 0.
  *
- * HSV (after Smith, 1978, with a hue that is a ratio): V is the greatest channel, S = (V - m) * F / V with m
- * the least. With x the upper of the other two channels in the order G (m is blue), B (m is red), R (m is
- * green) and n = 0, 1, 2 the third of the turn, r = (x - m) / (R + G + B - 3 m): 8 bits   H = ((x - m) *
- * 30720 / (R + G + B - 3 m) + 30720 n + 180) / 360, modulo 256 16 bits  H = 65536 / 3 * (n + r) + 1 / 2,
- * exact and then truncated, modulo 65536 Where all channels are equal H = S = 0. Back with d = H * 360 / 256,
- * u = 1 in 8 and 257 in 16 bits, L = V * (F - S) / F and w = V - L: d <= 60 u    R = V, G = L + w d / (120 u
- * - d), B = L d <= 120 u   R = L + w (120 u - d) / d, G = V, B = L and so on for the thirds from 120 u (G, B,
- * R for R, G, B) and 240 u (B, R, G).
+ * HSV (after Smith, 1978, with a hue that is a ratio): V is the greatest channel, S = (V - m) * F / V with
+ * m the least. x is green where m is blue, else blue where m is red, else red; n = 0, 1, 2 in the same order.
+ *     8 bits   H = ((x - m) * 30720 / (R + G + B - 3 m) + 30720 n + 180) / 360, modulo 256
+ *     16 bits  H = 65536 / 3 * (n + (x - m) / (R + G + B - 3 m)) + 1 / 2, exact and then truncated, modulo
+ *              65536
+ *   Where all channels are equal H = S = 0. Back with d = H * 360 / 256, u = 1 in 8 and 257 in 16 bits,
+ *   L = V * (F - S) / F and w = V - L:
+ *     d <= 60 u    R = V, G = L + w d / (120 u - d), B = L
+ *     d <= 120 u   R = L + w (120 u - d) / d, G = V, B = L
+ *   and likewise over the next 120 u of d for G, B, R in place of R, G, B, and over the rest for B, R, G.
  *
- * HLS (Joblove and Greenberg, 1978): with d = max - min, L = (max + min) / 2, S = d F / (max + min) for L
- * below half, else d F / (2 F - max - min); half is 128, or 32768. H = (G - B) F / (6 d) when red is the
- * greatest, else (B - R) F / (6 d) + F / 3 when green is, else (R - G) F / (6 d) + 2 F / 3; F is added to one
- * below 0. Back with M = (F + S) L / F for L below half, else L - L S / F + S, m = 2 L - M, and B = f(H - F /
- * 3), G = f(H), R = f(H + F / 3), where f takes h - F for an h above F and h + F for one below 0: h < sixth:
- * (M - m) * 6 h / F + m;   h < half: M;   h > 2 F / 3: m;   else (M - m) * 6 (2 F / 3 - h) / F + m with a
- * sixth of 43, or 10923.
+ * HLS (Joblove and Greenberg, 1978), with d = max - min and a half of 128, or 32768:
+ *     L = (max + min) / 2
+ *     S = d F / (max + min) for L below half, else d F / (2 F - max - min)
+ *     H = (G - B) F / (6 d) where red is max, else (B - R) F / (6 d) + F / 3 where green is max, else
+ *         (R - G) F / (6 d) + 2 F / 3; F is added to an H below 0
+ *   Where all channels are equal H = S = 0. Back with M = (F + S) L / F for L below half, else
+ *   L - L S / F + S, and m = 2 L - M: B = f(H - F / 3), G = f(H), R = f(H + F / 3), where f first takes F
+ *   from an h above F, and adds F to one below 0. A sixth is 43, or 10923.
+ *     h < sixth    (M - m) * 6 h / F + m
+ *     h < half     M
+ *     h > 2 F / 3  m
+ *     else         (M - m) * 6 (2 F / 3 - h) / F + m
  *
  * CMY: the complements of red, green and blue.
  *

@@ -19,12 +19,14 @@ enum {
  * Gives a bitmap a level table and the window that the table is made for. Pixels are not touched.
  *
  * bitmap      in, changed: LevelLowBit and LevelHighBit become the window. With Z_LEVEL_APPLY so do LowBit
- * and HighBit, and where that changes them MinVal becomes 0 and MaxVal the largest value of the window (at
- * most 0x7FFFFFFF); Z_FLAG_LEVEL_LUT_ACTIVE is set. With Z_LEVEL_KEEP it is cleared. lowBit      in, bits:
- * lowest bit of the window; below 0 for bit 0 highBit     in, bits: highest bit of the window; below 0 for
- * BitsPerPixel - 1 levelTable  in, may be null: the colours by value, copied into a table of the bitmap's
- * own, unless it is that table. The bitmap's old table is freed. length      in: entries of the table; 0
- * leaves the bitmap without a table mode        in: Z_LEVEL_...
+ *             and HighBit, and where that changes them MinVal becomes 0 and MaxVal the largest value of the
+ *             window (at most 0x7FFFFFFF); Z_FLAG_LEVEL_LUT_ACTIVE is set. With Z_LEVEL_KEEP it is cleared.
+ * lowBit      in, bits: lowest bit of the window; below 0 for bit 0
+ * highBit     in, bits: highest bit of the window; below 0 for BitsPerPixel - 1
+ * levelTable  in, may be null: the colours by value, copied into a table of the bitmap's own, unless it is
+ *             that table. The bitmap's old table is freed.
+ * length      in: entries of the table; 0 leaves the bitmap without a table
+ * mode        in: Z_LEVEL_...
  *
  * Returns Z_SUCCESS; Z_ERROR_BITMAP for null; Z_ERROR_EXTENDED_GRAY_LOCKED while extended gray is locked;
  * Z_ERROR_ARGUMENT for a low bit above the high bit, a length without a table, and another mode, with the
