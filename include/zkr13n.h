@@ -6,6 +6,7 @@
 #define ZKR13N_H
 
 #include "zkr13n/allocation.h"
+#include "zkr13n/alpha.h"
 #include "zkr13n/bitmap.h"
 #include "zkr13n/codes.h"
 #include "zkr13n/color_resolution.h"

@@ -51,7 +51,7 @@ Z_API ReturnCode Z_CALL Z_WindowLevel(BitmapHandle* bitmap, int32_t lowBit, int3
  * maximum       in, gray value: the largest
  * inside        in: not 0 gives black, a ramp from the first colour to the second over a to b, and white; 0
  *               gives the first colour, a ramp from black to white over a + 1 to b - 1 where there is room
- * for one, and the second colour
+ *               for one, and the second colour
  *
  * With a solid colour the entry before its end is the last one written: entries 0 to a - 2 are black, or 0 to
  * a - 1 the first colour, and the last entry of the table stays as it was unless the ramp reaches it. Steps
