@@ -69,8 +69,9 @@ struct Table {
 
 constinit Table table;
 
-// When the library is unloaded with every handle closed, nothing of the table stays behind.
-__attribute__((destructor)) void ReleaseTable() {
+// When the library is unloaded with every handle closed, nothing of the table stays behind. It runs after the
+// destructors of static objects, which close handles of theirs.
+__attribute__((destructor(101))) void ReleaseTable() {
     const std::scoped_lock lock(table.mutex);
     if (table.live != 0) return;
     for (auto& chunk : table.chunks)
