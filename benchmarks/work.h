@@ -73,12 +73,26 @@ enum WorkNumber {
     Clear24,
     CopyRect24,
     ShiftPage,
-    OddDepths, // and what follows: 1000 + depth * 2 + direction
+    OddDepths,      // and what follows: 1000 + depth * 2 + direction
+    Dithers = 1900, // and what follows: the number of a DitherWork
     FreshMemory = 2000,
     PageToRuns = 2100,
     RunsToPage,
     FlipRuns,
     MirrorRuns
+};
+
+// Works of dithering, of the photograph in 24 bits.
+enum DitherWork {
+    BitonalFloydSteinberg = Dithers,
+    PaletteFloydSteinberg,
+    PaletteStucki,
+    PaletteBurkes,
+    PaletteSierra,
+    PaletteStevensonArce,
+    PaletteJarvis,
+    BitonalOrdered,
+    FixedOrdered
 };
 
 } // namespace bench

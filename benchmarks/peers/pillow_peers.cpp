@@ -1,6 +1,6 @@
-// Pillow matching the photograph against the 256 given colours (not exact). It runs in a Python process of
-// its own, which reads the picture once and answers each line with one more pass; what the pipe costs is
-// microseconds.
+// Pillow matching the photograph against the 256 given colours (not exact), with and without diffusion, and
+// diffusing it to black and white. It runs in a Python process of its own, which reads the picture once and
+// answers each line with one more pass of the kind that the line names; what the pipe costs is microseconds.
 #include "../pictures.h"
 #include "../work.h"
 
@@ -24,8 +24,13 @@ source = sys.stdin.buffer
 palette = Image.new('P', (1, 1))
 palette.putpalette(source.read(768))
 picture = Image.frombytes('RGB', (width, height), source.read(width * height * 3), 'raw', 'BGR')
-while source.readline():
-    picture.quantize(palette=palette, dither=Image.Dither.NONE)
+passes = {
+    b'match': lambda: picture.quantize(palette=palette, dither=Image.Dither.NONE),
+    b'diffuse': lambda: picture.quantize(palette=palette, dither=Image.Dither.FLOYDSTEINBERG),
+    b'bitonal': lambda: picture.convert('1'),
+}
+while line := source.readline():
+    passes[line.strip()]()
     sys.stdout.write('done\n')
     sys.stdout.flush()
 )";
@@ -57,9 +62,9 @@ class Python {
         std::fwrite(Photograph().data(), 1, Photograph().size(), out_);
     }
 
-    void Pass() {
+    void Pass(const char* kind) {
         char answer[16];
-        std::fputs("again\n", out_);
+        std::fprintf(out_, "%s\n", kind);
         std::fflush(out_);
         if (!std::fgets(answer, sizeof answer, in_)) {
             std::fputs("bench: Pillow ended early\n", stderr);
@@ -72,14 +77,22 @@ class Python {
     std::FILE* in_ = nullptr;
 };
 
+void AddPillow(int number, const char* name, double ratioToReach, const char* kind) {
+    AddPeer(number, {name, ratioToReach,
+                     [=] {
+                         static Python python;
+                         python.Pass(kind);
+                     },
+                     1, true});
+}
+
 const Adds adds([] {
     if (std::system("/usr/bin/python3 -c 'import PIL' 2>/dev/null") != 0) return;
-    AddPeer(From24ToPalette, {"Pillow, not exact", 0.4,
-                              [] {
-                                  static Python python;
-                                  python.Pass();
-                              },
-                              1, true});
+    AddPillow(From24ToPalette, "Pillow, not exact", 0.4, "match");
+    AddPillow(BitonalFloydSteinberg, "Pillow, one channel", 1, "bitonal");
+    AddPillow(PaletteFloydSteinberg, "Pillow", 2, "diffuse");
+    for (int number = PaletteStucki; number <= PaletteJarvis; ++number)
+        AddPillow(number, "Pillow's Floyd-Steinberg", 1, "diffuse");
 });
 
 } // namespace

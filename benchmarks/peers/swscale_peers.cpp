@@ -1,4 +1,4 @@
-// libswscale: indexed pictures and bitonal pages to colour.
+// libswscale: indexed pictures and bitonal pages to colour, and ordered dithering.
 #include "../pictures.h"
 #include "../work.h"
 
@@ -8,6 +8,7 @@ extern "C" {
 }
 
 #include <cstring>
+#include <map>
 #include <vector>
 
 namespace bench {
@@ -28,6 +29,18 @@ SwsContext* Context(int width, int height, AVPixelFormat from, AVPixelFormat to)
     return sws_getContext(width, height, from, width, height, to, SWS_POINT, nullptr, nullptr, nullptr);
 }
 
+void AddOrdered(int number, AVPixelFormat to, int targetLine) {
+    AddPeer(number, {"libswscale", 4, [=] {
+                         static std::vector<uint8_t> target(PhotographPixels);
+                         static std::map<AVPixelFormat, SwsContext*> contexts;
+                         SwsContext*& context = contexts[to];
+                         if (context == nullptr)
+                             context = Context(PhotographWidth, PhotographHeight, AV_PIX_FMT_BGR24, to);
+                         Scale(context, PhotographBitmap(24, Z_ORDER_BGR), nullptr, target.data(),
+                               targetLine);
+                     }});
+}
+
 const Adds adds([] {
     AddPeer(FromPaletteTo32,
             {"libswscale", 1.2, [] {
@@ -44,6 +57,8 @@ const Adds adds([] {
                             static std::vector<uint8_t> target(PagePixels * 3);
                             Scale(context, PageBitmap(), nullptr, target.data(), PageWidth * 3);
                         }});
+    AddOrdered(BitonalOrdered, AV_PIX_FMT_MONOBLACK, PhotographWidth / 8);
+    AddOrdered(FixedOrdered, AV_PIX_FMT_RGB8, PhotographWidth);
 });
 
 } // namespace
