@@ -3,6 +3,7 @@
 
 #include "colour/rows/error_lanes.h"
 
+#include <bit>
 #include <utility>
 
 namespace zkr::rows {
@@ -69,8 +70,8 @@ void IndexRow(const uint8_t* __restrict quads, uint8_t* __restrict indices, size
 }
 
 // Choosers: as rules, but they give what diffusion needs to know of the chosen colour. Next gives the next
-// pixel with its error: source has its channels, waiting the errors so far, undivided, and own what this
-// pixel would add if the chosen colour were black.
+// pixel with its error: source has its channels, early and late add up to its undivided error as it would be
+// if the chosen colour were black. Early is there a little before late.
 
 template <class Rule> struct Chooser {
     Rule rule;
@@ -85,8 +86,8 @@ template <class Rule> struct Chooser {
 
         uint8_t Index() const { return static_cast<uint8_t>(index); }
         ErrorLanes Colour() const { return Channels(LoadQuad(of.colours + index)); }
-        template <int32_t divisor> ErrorLanes Next(ErrorLanes source, SumLanes waiting, SumLanes own) const {
-            return AddQuotient<divisor>(source, waiting + own, LoadCell(of.weighted[index]));
+        template <int32_t divisor> ErrorLanes Next(ErrorLanes source, SumLanes early, SumLanes late) const {
+            return AddQuotient<divisor>(source, early + late, LoadCell(of.weighted[index]));
         }
     };
     Choice operator()(const ClampedChannels& colour) const { return {*this, rule(colour.Quad)}; }
@@ -107,10 +108,10 @@ struct TwoLevelsChooser {
 
         uint8_t Index() const { return static_cast<uint8_t>(isUpper[0] & 1); }
         ErrorLanes Colour() const { return isUpper ? of.colours[1] : of.colours[0]; }
-        template <int32_t divisor> ErrorLanes Next(ErrorLanes source, SumLanes waiting, SumLanes own) const {
-            const ErrorLanes ifUpper = Divide<divisor>(waiting + of.weighted[1] + own);
-            const ErrorLanes ifLower = Divide<divisor>(waiting + of.weighted[0] + own);
-            return source + (isUpper ? ifUpper : ifLower);
+        template <int32_t divisor> ErrorLanes Next(ErrorLanes source, SumLanes early, SumLanes late) const {
+            const ErrorLanes ifUpper = source + Divide<divisor>(Sum(early + of.weighted[1], late));
+            const ErrorLanes ifLower = source + Divide<divisor>(Sum(early + of.weighted[0], late));
+            return isUpper ? ifUpper : ifLower;
         }
     };
     Choice operator()(const ClampedChannels& colour) const {
@@ -119,9 +120,6 @@ struct TwoLevelsChooser {
     }
 };
 
-template <int32_t weight> inline void Add(int32_t (&cell)[4], SumLanes error) {
-    if constexpr (weight != 0) StoreCell(cell, LoadCell(cell) + Times<weight>(error));
-}
 template <int32_t weight> inline SumLanes Plus(SumLanes sum, SumLanes error) {
     if constexpr (weight == 0)
         return sum;
@@ -129,26 +127,61 @@ template <int32_t weight> inline SumLanes Plus(SumLanes sum, SumLanes error) {
         return sum + Times<weight>(error);
 }
 
-// Spreads the error of one pixel over the rows below. The last cell that a row's taps reach is taken over
-// from the row below it, so that all rows have moved up by one at the end of the line.
-template <size_t method> struct Spreader {
+constexpr int32_t NearPowerOfTwo(int32_t weight) {
+    return weight == 0 ? 0 : static_cast<int32_t>(std::bit_floor(static_cast<uint32_t>(weight + 1)));
+}
+
+using Cells = int32_t (*)[4];
+
+// The cells of one row below that the taps of a pixel reach, kept out of memory until the last of them has
+// been met. Cells enter with what the row below them holds, so that all rows have moved up by one when the
+// line ends.
+template <size_t method, int32_t row, class = std::make_integer_sequence<int32_t, 2 * taps[method].Margin>>
+class Window;
+template <size_t method, int32_t row, int32_t... cell>
+class Window<method, row, std::integer_sequence<int32_t, cell...>> {
+    static constexpr const Taps& t = taps[method];
+    static constexpr int32_t last = 2 * t.Margin;
+
+  public:
+    explicit Window(Cells at) : sums_{LoadCell(at[cell - t.Margin])...} {}
+    void Step(Cells at, SumLanes entering, SumLanes error) {
+        sums_[last] = Plus<t.Weight(row, t.Margin)>(entering, error);
+        StoreCell(at[-t.Margin], Plus<t.Weight(row, -t.Margin)>(sums_[0], error));
+        ((sums_[cell] = sums_[cell + 1]), ...);
+        ((sums_[cell] = Plus<InnerWeight(cell)>(sums_[cell], error)), ...);
+    }
+    void Store(Cells at) const { (StoreCell(at[cell - t.Margin], sums_[cell]), ...); }
+
+  private:
+    // Of a cell that has moved on by one; that of the last cell is counted when it enters.
+    static constexpr int32_t InnerWeight(int32_t place) {
+        return place + 1 < last ? t.Weight(row, place + 1 - t.Margin) : 0;
+    }
+
+    SumLanes sums_[last + 1];
+};
+
+template <size_t method, class Rows = std::make_integer_sequence<int32_t, taps[method].Rows>> class Windows;
+template <size_t method, int32_t... row>
+class Windows<method, std::integer_sequence<int32_t, row...>> : Window<method, row + 1>... {
     static constexpr const Taps& t = taps[method];
 
-    template <int32_t row, int32_t... column>
-    static void SpreadRow(int32_t (*const (&rows)[mostErrorRows])[4], SumLanes error,
-                          std::integer_sequence<int32_t, column...>) {
-        SumLanes last{};
-        if constexpr (row < t.Rows) last = LoadCell(rows[row][t.Margin]);
-        StoreCell(rows[row - 1][t.Margin], Plus<t.Weight(row, t.Margin)>(last, error));
-        (Add<t.Weight(row, column - t.Margin)>(rows[row - 1][column - t.Margin], error), ...);
+  public:
+    explicit Windows(const Cells (&rows)[mostErrorRows]) : Window<method, row + 1>(rows[row])... {}
+    void Step(const Cells (&rows)[mostErrorRows], ptrdiff_t pixel, SumLanes error) {
+        (Window<method, row + 1>::Step(rows[row] + pixel, Entering<row + 1>(rows, pixel), error), ...);
     }
-    template <int32_t... row>
-    static void Spread(int32_t (*const (&rows)[mostErrorRows])[4], SumLanes error,
-                       std::integer_sequence<int32_t, row...>) {
-        (SpreadRow<row + 1>(rows, error, std::make_integer_sequence<int32_t, 2 * t.Margin>()), ...);
+    void Store(const Cells (&rows)[mostErrorRows], ptrdiff_t pixel) const {
+        (Window<method, row + 1>::Store(rows[row] + pixel), ...);
     }
-    static void Spread(int32_t (*const (&rows)[mostErrorRows])[4], SumLanes error) {
-        Spread(rows, error, std::make_integer_sequence<int32_t, t.Rows>());
+
+  private:
+    template <int32_t below> static SumLanes Entering(const Cells (&rows)[mostErrorRows], ptrdiff_t pixel) {
+        if constexpr (below < t.Rows)
+            return LoadCell(rows[below][pixel + t.Margin]);
+        else
+            return SumLanes{};
     }
 };
 
@@ -156,31 +189,36 @@ template <size_t method, class Choose>
 void Diffuse(const uint8_t* quads, uint8_t* indices, size_t pixels, const IndexParameters& parameters,
              ErrorState& state) {
     constexpr const Taps& t = taps[method];
+    constexpr int32_t nearPower =
+        NearPowerOfTwo(t.Weight(0, 1)); // the only shift on the way to the next pixel
     const Choose choose(parameters);
     SumLanes first = LoadCell(state.Sums[0]);
     SumLanes second = LoadCell(state.Sums[1]);
-    int32_t(*rows[mostErrorRows])[4] = {state.Rows[0], state.Rows[1], state.Rows[2]};
+    const Cells rows[mostErrorRows] = {state.Rows[0], state.Rows[1], state.Rows[2]};
+    Windows<method> windows(rows);
     ErrorLanes pixel = Channels(LoadQuad(quads)) + LoadLanes<ErrorLanes>(state.Error);
-    for (size_t i = 0; i < pixels; ++i) {
+    const auto count = static_cast<ptrdiff_t>(pixels);
+    for (ptrdiff_t i = 0; i < count; ++i) {
         const ClampedChannels colour = Clamp(pixel);
         const auto choice = choose(colour);
-        const SumLanes farthest = LoadCell(rows[0][t.Margin]);
-        const auto own = Plus<t.Weight(0, 1)>(SumLanes{}, reinterpret_cast<SumLanes>(colour.Lanes));
+        const SumLanes farthest = LoadCell(rows[0][i + t.Margin]);
+        const auto channels = reinterpret_cast<SumLanes>(colour.Lanes);
+        const SumLanes waiting = t.Margin == 1 ? farthest : first;
         pixel = choice.template Next<t.Divisor>(Channels(LoadQuad(quads + (i + 1) * 4)),
-                                                t.Margin == 1 ? farthest : first, own);
+                                                Plus<t.Weight(0, 1) - nearPower>(waiting, channels),
+                                                Plus<nearPower>(SumLanes{}, channels));
         indices[i] = choice.Index();
         const auto missed = reinterpret_cast<SumLanes>(colour.Lanes - choice.Colour());
         first = Plus<t.Weight(0, 2)>(t.Margin == 2 ? farthest : second, missed);
         second = farthest;
-        Spreader<method>::Spread(rows, missed);
-        for (int32_t row = 0; row < t.Rows; ++row)
-            ++rows[row];
+        windows.Step(rows, i, missed);
     }
+    windows.Store(rows, count);
     std::memcpy(state.Error, &pixel, sizeof pixel);
     StoreCell(state.Sums[0], first);
     StoreCell(state.Sums[1], second);
     for (int32_t row = 0; row < t.Rows; ++row)
-        state.Rows[row] = rows[row];
+        state.Rows[row] += pixels;
 }
 
 void Shift(uint8_t* bytes, size_t count, const uint8_t* up, const uint8_t* down) {

@@ -137,6 +137,12 @@ template <int32_t divisor> inline ErrorLanes Divide(SumLanes sums) {
 #endif
 }
 
+// A sum that the compiler may not take apart to add its terms in another order.
+inline SumLanes Sum(SumLanes early, SumLanes late) {
+    return reinterpret_cast<SumLanes>(reinterpret_cast<ErrorLanes>(early) +
+                                      reinterpret_cast<ErrorLanes>(late));
+}
+
 // source + (early + late) / divisor, in few steps from late on. Dividing by a power of two rounds down, which
 // is put right for negative sums by adding the divisor less one beforehand.
 template <int32_t divisor> inline ErrorLanes AddQuotient(ErrorLanes source, SumLanes early, SumLanes late) {
@@ -144,19 +150,19 @@ template <int32_t divisor> inline ErrorLanes AddQuotient(ErrorLanes source, SumL
     if constexpr (divisor != 1 << shift) {
         return source + Divide<divisor>(early + late);
     } else {
-        // Unsigned here and signed there, so that the compiler does not make one sum out of the other.
-        const auto addend = reinterpret_cast<ErrorLanes>(late);
-        const ErrorLanes down = ((source << shift) + reinterpret_cast<ErrorLanes>(early) + addend) >> shift;
-        const SumLanes raised = reinterpret_cast<SumLanes>(source << shift) + early + (divisor - 1) + late;
-        const ErrorLanes up = reinterpret_cast<ErrorLanes>(raised) >> shift;
-        return -reinterpret_cast<ErrorLanes>(early) > addend ? up : down;
+        const SumLanes base = reinterpret_cast<SumLanes>(source << shift) + early;
+        const auto down = reinterpret_cast<ErrorLanes>(Sum(base, late)) >> shift;
+        const auto up = reinterpret_cast<ErrorLanes>(Sum(base + (divisor - 1), late)) >> shift;
+        return -reinterpret_cast<ErrorLanes>(early) > reinterpret_cast<ErrorLanes>(late) ? up : down;
     }
 }
 
 // By shifts and additions: wide products cost more.
 template <int32_t weight> inline SumLanes Times(SumLanes lanes) {
-    static_assert(weight >= 1);
-    if constexpr (weight == 1)
+    static_assert(weight != 0);
+    if constexpr (weight < 0)
+        return -Times<-weight>(lanes);
+    else if constexpr (weight == 1)
         return lanes;
     else if constexpr (weight % 2 == 0)
         return Times<weight / 2>(lanes) << 1;

@@ -6,6 +6,7 @@
 #include "zkr13n/compressed_rows.h"
 #include "zkr13n/convert.h"
 #include "zkr13n/copy.h"
+#include "zkr13n/dither.h"
 #include "zkr13n/fill.h"
 #include "zkr13n/frame.h"
 #include "zkr13n/gray.h"
@@ -347,6 +348,29 @@ TEST(Failures, OfPalettes) {
                              Z_FreeGrayParams(&g.Made); // nobody else does so for a record without storage
                              return result;
                          }});
+    RunAll(scenarios);
+}
+
+// With and without a match table of the run's own, for each number of error rows.
+TEST(Failures, OfDithering) {
+    static const RGBQUAD colours[256] = {{1, 2, 3, 0}, {200, 100, 50, 4}};
+    std::vector<Scenario> scenarios;
+    for (const int32_t method : {DitherOrdered, DitherBurkes, DitherStucki, DitherStevensonArce}) {
+        for (const RGBQUAD* palette : {static_cast<const RGBQUAD*>(nullptr), colours}) {
+            const auto prepare = [=](Ground& g) {
+                In(Plain)(g);
+                g.Subject.DitheringMethod = method;
+            };
+            const auto call = [=](Ground& g) {
+                const ReturnCode result = Z_StartDithering(&g.Subject, palette, 200);
+                if (result != code::Success) return result;
+                uint8_t indices[8];
+                EXPECT_EQ(Z_DitherLine(&g.Subject, g.Row.data(), indices), 1);
+                return Z_StopDithering(&g.Subject);
+            };
+            scenarios.push_back({"method " + std::to_string(method), {Memory}, prepare, call});
+        }
+    }
     RunAll(scenarios);
 }
 

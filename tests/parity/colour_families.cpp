@@ -2,6 +2,7 @@
 #include "parity/digest.h"
 
 #include "zkr13n/convert.h"
+#include "zkr13n/dither.h"
 #include "zkr13n/palettes.h"
 
 #include <array>
@@ -154,8 +155,30 @@ void BitmapPaletteCase(Seeded& seeded, Digest& digest) {
     digest.AddRecord(bitmap);
 }
 
+// A run of rows of noise on a ramp, through a palette of any kind.
+void DitherCase(Seeded& seeded, Digest& digest) {
+    const Palette from = RandomPalette(seeded), to = RandomPalette(seeded);
+    const int bits = Pick(seeded, Depths), width = seeded.Between(1, 200), targetBits = seeded.Between(1, 8);
+    const auto colors = static_cast<uint32_t>(seeded.Between(1, 256));
+    BitmapHandle bitmap;
+    digest.Add(Z_CreateBitmap(&bitmap, 1, width, 1, bits, seeded.Below(3), from.data(), 1, nullptr, 0));
+    bitmap.DitheringMethod = seeded.Below(9);
+    digest.Add(
+        Z_StartDitheringExt(&bitmap, seeded.Below(2) ? to.data() : nullptr, colors, targetBits, nullptr));
+    std::vector<uint8_t> source(200 * 8), target(200);
+    for (int y = 0; y < 10; ++y) {
+        for (size_t i = 0; i < source.size(); ++i)
+            source[i] = static_cast<uint8_t>(i / 3 + static_cast<size_t>(seeded.Below(64)));
+        digest.Add(Z_DitherLine(&bitmap, source.data(), target.data()));
+        digest.Add(target.data(), target.size());
+    }
+    digest.Add(Z_StopDithering(&bitmap));
+    Z_FreeBitmap(&bitmap);
+}
+
 constexpr Family Families[] = {
     {"convert", 6000, ConvertCase},
+    {"dither", 2000, DitherCase},
     {"palette-object", 500, PaletteObjectCase},
     {"bitmap-palette", 500, BitmapPaletteCase},
 };
