@@ -93,24 +93,23 @@ template <class Rule> struct Chooser {
     Choice operator()(const ClampedChannels& colour) const { return {*this, rule(colour.Quad)}; }
 };
 
-// Both colours are followed up while it is being decided which it will be.
+// Both colours, of which the lower is black, are followed up while it is being decided which it will be.
 struct TwoLevelsChooser {
-    ErrorLanes colours[2];
-    SumLanes weighted[2];
+    ErrorLanes upper;
+    SumLanes weighted;
 
     explicit TwoLevelsChooser(const IndexParameters& p)
-        : colours{Channels(LoadQuad(p.Colours)), Channels(LoadQuad(p.Colours + 1))},
-          weighted{LoadCell(p.Weighted[0]), LoadCell(p.Weighted[1])} {}
+        : upper(Channels(LoadQuad(p.Colours + 1))), weighted(LoadCell(p.Weighted[1])) {}
 
     struct Choice {
         const TwoLevelsChooser& of;
         ErrorLanes isUpper;
 
         uint8_t Index() const { return static_cast<uint8_t>(isUpper[0] & 1); }
-        ErrorLanes Colour() const { return isUpper ? of.colours[1] : of.colours[0]; }
+        ErrorLanes Colour() const { return isUpper & of.upper; }
         template <int32_t divisor> ErrorLanes Next(ErrorLanes source, SumLanes early, SumLanes late) const {
-            const ErrorLanes ifUpper = source + Divide<divisor>(Sum(early + of.weighted[1], late));
-            const ErrorLanes ifLower = source + Divide<divisor>(Sum(early + of.weighted[0], late));
+            const ErrorLanes ifUpper = source + Divide<divisor>(Sum(early + of.weighted, late));
+            const ErrorLanes ifLower = source + Divide<divisor>(Sum(early, late));
             return isUpper ? ifUpper : ifLower;
         }
     };

@@ -4,6 +4,7 @@
 
 #include "colour/rows/dither_rows.h"
 
+#include <bit>
 #include <cstring>
 
 #if defined(__SSE2__)
@@ -157,19 +158,20 @@ template <int32_t divisor> inline ErrorLanes AddQuotient(ErrorLanes source, SumL
     }
 }
 
-// By shifts and additions: wide products cost more.
+// Of lanes from -255 to 255.
 template <int32_t weight> inline SumLanes Times(SumLanes lanes) {
-    static_assert(weight != 0);
-    if constexpr (weight < 0)
-        return -Times<-weight>(lanes);
-    else if constexpr (weight == 1)
-        return lanes;
-    else if constexpr (weight % 2 == 0)
-        return Times<weight / 2>(lanes) << 1;
-    else if constexpr (weight % 4 == 3 && weight > 3)
-        return Times<weight + 1>(lanes) - lanes;
-    else
-        return Times<weight - 1>(lanes) + lanes;
+    constexpr auto magnitude = static_cast<uint32_t>(weight < 0 ? -weight : weight);
+    if constexpr (std::has_single_bit(magnitude)) {
+        const SumLanes product = lanes << std::countr_zero(magnitude);
+        return weight < 0 ? -product : product;
+    } else {
+#if defined(__SSE2__)
+        return reinterpret_cast<SumLanes>(
+            _mm_madd_epi16(reinterpret_cast<__m128i>(lanes), _mm_set1_epi32(weight & 0xFFFF)));
+#else
+        return lanes * static_cast<uint32_t>(weight);
+#endif
+    }
 }
 
 } // namespace
