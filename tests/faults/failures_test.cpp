@@ -2,6 +2,7 @@
 // calls failing in turn.
 #include "faults/fault_driver.h"
 
+#include "zkr13n/color_resolution.h"
 #include "zkr13n/colour_values.h"
 #include "zkr13n/compressed_rows.h"
 #include "zkr13n/convert.h"
@@ -372,6 +373,52 @@ TEST(Failures, OfDithering) {
         }
     }
     RunAll(scenarios);
+}
+
+// Through the quantiser, and a dithering run of three rows of errors.
+TEST(Failures, OfColourResolution) {
+    constexpr uint32_t diffused = 0x050000;
+    const auto disk = [](Ground& g) {
+        Z_InitBitmap(&g.Subject, 40, 8, 24);
+        ASSERT_EQ(Z_AllocateBitmap(&g.Subject, MemoryDisk), 1);
+        Fill(g.Subject, PixelSeed);
+    };
+    const auto listed = [](Ground& g) {
+        Z_CreateBitmapList(&g.List);
+        for (const int32_t bits : {24, 8, 24}) {
+            BitmapHandle item;
+            Z_CreateBitmap(&item, MemoryConventional, 40, 4, bits, 1, nullptr, 2, nullptr, 0);
+            Fill(item, PixelSeed);
+            Z_InsertBitmapListItem(g.List, 9, &item);
+        }
+    };
+    const auto resolve = [](BitmapHandle& source, BitmapHandle* target, int32_t bits, uint32_t flags) {
+        return Z_ColorResBitmap(&source, target, bits, flags, nullptr, nullptr, 0, nullptr, 0);
+    };
+    const std::vector<ReturnCode> failures = {Memory, Write, Seek, Read};
+    RunAll(
+        {{"to another", failures, disk, [=](Ground& g) { return resolve(g.Subject, &g.Made, 4, diffused); }},
+         {"to a stream",
+          {Memory, Seek, Read},
+          disk,
+          [=](Ground& g) { return resolve(g.Subject, nullptr, 8, 0x400); }},
+         {"converted", failures, disk, [=](Ground& g) { return resolve(g.Subject, &g.Made, 48, 0); }},
+         {"in place", failures, disk, [=](Ground& g) { return resolve(g.Subject, &g.Subject, 8, diffused); }},
+         {"palette of a list",
+          {Memory},
+          listed,
+          [](Ground& g) {
+              RGBQUAD palette[16];
+              uint32_t count = 16, *table = nullptr;
+              int32_t quantised;
+              Z_Free(std::exchange(g.Buffer, nullptr));
+              const ReturnCode result = Z_CreateBitmapListOptPal(g.List, palette, &count, &table, &quantised);
+              g.Buffer = table;
+              return result;
+          }},
+         {"list", {Memory}, listed, [](Ground& g) {
+              return Z_ColorResBitmapList(g.List, 4, diffused, nullptr, nullptr, 0);
+          }}});
 }
 
 TEST(Failures, OfBlocks) {
