@@ -66,20 +66,34 @@ class TableReporter : public benchmark::BenchmarkReporter {
         return found == times_.end() ? 0 : *std::min_element(found->second.begin(), found->second.end());
     }
 
+    // A name, and how good the result is where that is known.
+    static std::string Named(const std::string& name, const Quality& decibels) {
+        if (!decibels) return name;
+        char text[16];
+        std::snprintf(text, sizeof text, ", %.1f dB", decibels());
+        return name + text;
+    }
+
     void PrintEntry(int number, const Entry& entry, double copySecondsPerByte) {
         const double ours = Best(NameOf(number, Ours));
         if (ours == 0) return;
-        std::printf("%-28s %9.3f %9.0f %7.2f", entry.Ours.Name.c_str(), ours * 1e3,
-                    static_cast<double>(entry.Ours.Pixels) / ours / 1e6,
+        std::printf("%-28s %9.3f %9.0f %7.2f", Named(entry.Ours.Name, entry.Ours.Decibels).c_str(),
+                    ours * 1e3, static_cast<double>(entry.Ours.Pixels) / ours / 1e6,
                     copySecondsPerByte * static_cast<double>(entry.Ours.Bytes) / ours);
         bool first = true;
         for (const Peer& peer : entry.Peers) {
+            if (!peer.Run) {
+                std::printf("%*s   %s\n", first ? 0 : 56, "", Named(peer.Name, peer.Decibels).c_str());
+                first = false;
+                continue;
+            }
             const double time = Best(NameOf(number, peer.Name)) / peer.Share;
             if (time == 0) continue;
             const bool missed = time / ours < peer.RatioToReach;
             missed_ += missed;
-            std::printf("%*s   %-24s %9.3f %7.2f %7.2f%s\n", first ? 0 : 56, "", peer.Name.c_str(),
-                        time * 1e3, time / ours, peer.RatioToReach, missed ? "  below" : "");
+            std::printf("%*s   %-24s %9.3f %7.2f %7.2f%s\n", first ? 0 : 56, "",
+                        Named(peer.Name, peer.Decibels).c_str(), time * 1e3, time / ours, peer.RatioToReach,
+                        missed ? "  below" : "");
             first = false;
         }
         if (first) std::printf("\n");
@@ -108,6 +122,7 @@ void RegisterAll() {
     for (const auto& [number, entry] : Entries()) {
         Register(NameOf(number, Ours), entry.Ours.Run);
         for (const Peer& peer : entry.Peers) {
+            if (!peer.Run) continue;
             benchmark::internal::Benchmark* registered = Register(NameOf(number, peer.Name), peer.Run);
             if (peer.Elsewhere) registered->UseRealTime();
         }

@@ -115,6 +115,20 @@ const std::vector<uint8_t>& Photograph() {
     return pixels;
 }
 
+double DecibelsOf(const uint8_t* indices, size_t rowBytes, const RGBQUAD* palette) {
+    const uint8_t* pixel = Photograph().data();
+    double squares = 0;
+    for (int32_t y = 0; y < PhotographHeight; ++y, indices += rowBytes)
+        for (int32_t x = 0; x < PhotographWidth; ++x, pixel += 3) {
+            const RGBQUAD& entry = palette[indices[x]];
+            const int32_t differences[] = {pixel[0] - entry.rgbBlue, pixel[1] - entry.rgbGreen,
+                                           pixel[2] - entry.rgbRed};
+            for (const int32_t difference : differences)
+                squares += difference * difference;
+        }
+    return 10 * std::log10(255.0 * 255.0 * 3 * static_cast<double>(PhotographPixels) / squares);
+}
+
 const std::vector<RGBQUAD>& Palette256() {
     static const std::vector<RGBQUAD> palette = [] {
         std::vector<RGBQUAD> made(256);

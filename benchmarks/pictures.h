@@ -24,6 +24,9 @@ inline constexpr size_t PagePixels = size_t{PageWidth} * PageHeight;
 // width).
 const std::vector<uint8_t>& Photograph();
 
+// How near an indexed picture comes to the photograph: peak signal to noise of all channels, in decibels.
+double DecibelsOf(const uint8_t* indices, size_t rowBytes, const RGBQUAD* palette);
+
 // A palette of 256 colours in no order, as a quantiser would leave it: colours of the photograph.
 const std::vector<RGBQUAD>& Palette256();
 

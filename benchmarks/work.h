@@ -11,13 +11,15 @@
 namespace bench {
 
 using Body = std::function<void()>;
+using Quality = std::function<double()>; // of a result, in decibels against the photograph
 
 struct Peer {
     std::string Name;
-    double RatioToReach; // peer's time / ours
-    Body Run;
+    double RatioToReach;    // peer's time / ours
+    Body Run;               // none where only the quality counts
     double Share = 1;       // the part of the work that Run does; its time is divided by this
     bool Elsewhere = false; // runs in another process, so that only the clock on the wall knows its time
+    Quality Decibels = {};
 };
 
 struct Work {
@@ -25,6 +27,7 @@ struct Work {
     size_t Pixels;
     size_t Bytes; // read and written, for the ratio to memcpy
     Body Run;
+    Quality Decibels = {};
 };
 
 // Works are reported in the order of their numbers.
@@ -92,7 +95,10 @@ enum DitherWork {
     PaletteStevensonArce,
     PaletteJarvis,
     BitonalOrdered,
-    FixedOrdered
+    FixedOrdered,
+    Optimised, // with a palette of the photograph's own
+    OptimisedDiffused,
+    OptimisedPalette // which is all that is made
 };
 
 } // namespace bench

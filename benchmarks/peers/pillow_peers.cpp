@@ -1,6 +1,7 @@
-// Pillow matching the photograph against the 256 given colours (not exact), with and without diffusion, and
-// diffusing it to black and white. It runs in a Python process of its own, which reads the picture once and
-// answers each line with one more pass of the kind that the line names; what the pipe costs is microseconds.
+// Pillow finding colours for the photograph, matching it against the 256 given ones (not exact), with
+// and without diffusion, and diffusing it to black and white. It runs in a Python process of its own, which
+// reads the picture once and answers each line with one more pass of the kind that the line names; what the
+// pipe costs is microseconds.
 #include "../pictures.h"
 #include "../work.h"
 
@@ -18,20 +19,28 @@ namespace {
 
 constexpr const char* Program = R"(
 import sys
-from PIL import Image
+from math import log10
+from PIL import Image, ImageChops, ImageStat
 width, height = int(sys.argv[1]), int(sys.argv[2])
 source = sys.stdin.buffer
 palette = Image.new('P', (1, 1))
 palette.putpalette(source.read(768))
 picture = Image.frombytes('RGB', (width, height), source.read(width * height * 3), 'raw', 'BGR')
+def decibels(made):
+    squares = ImageStat.Stat(ImageChops.difference(picture, made.convert('RGB'))).sum2
+    return 10 * log10(255 * 255 * 3 * width * height / sum(squares))
+octree = lambda: picture.quantize(256, method=Image.Quantize.FASTOCTREE, dither=Image.Dither.NONE)
 passes = {
+    b'octree': octree,
+    b'octree?': lambda: decibels(octree()),
+    b'median': lambda: decibels(picture.quantize(256, method=Image.Quantize.MEDIANCUT, dither=Image.Dither.NONE)),
     b'match': lambda: picture.quantize(palette=palette, dither=Image.Dither.NONE),
     b'diffuse': lambda: picture.quantize(palette=palette, dither=Image.Dither.FLOYDSTEINBERG),
     b'bitonal': lambda: picture.convert('1'),
 }
 while line := source.readline():
-    passes[line.strip()]()
-    sys.stdout.write('done\n')
+    made = passes[line.strip()]()
+    sys.stdout.write(str(made if isinstance(made, float) else 0) + '\n')
     sys.stdout.flush()
 )";
 
@@ -62,14 +71,15 @@ class Python {
         std::fwrite(Photograph().data(), 1, Photograph().size(), out_);
     }
 
-    void Pass(const char* kind) {
-        char answer[16];
-        std::fprintf(out_, "%s\n", kind);
+    double Pass(const std::string& kind) {
+        char answer[32];
+        std::fprintf(out_, "%s\n", kind.c_str());
         std::fflush(out_);
         if (!std::fgets(answer, sizeof answer, in_)) {
             std::fputs("bench: Pillow ended early\n", stderr);
             std::exit(1);
         }
+        return std::atof(answer);
     }
 
   private:
@@ -77,13 +87,14 @@ class Python {
     std::FILE* in_ = nullptr;
 };
 
-void AddPillow(int number, const char* name, double ratioToReach, const char* kind) {
-    AddPeer(number, {name, ratioToReach,
-                     [=] {
-                         static Python python;
-                         python.Pass(kind);
-                     },
-                     1, true});
+Python& Pillow() {
+    static Python python;
+    return python;
+}
+
+void AddPillow(int number, const char* name, double ratioToReach, const std::string& kind,
+               const Quality& quality = {}) {
+    AddPeer(number, {name, ratioToReach, [=] { Pillow().Pass(kind); }, 1, true, quality});
 }
 
 const Adds adds([] {
@@ -91,6 +102,9 @@ const Adds adds([] {
     AddPillow(From24ToPalette, "Pillow, not exact", 0.4, "match");
     AddPillow(BitonalFloydSteinberg, "Pillow, one channel", 1, "bitonal");
     AddPillow(PaletteFloydSteinberg, "Pillow", 2, "diffuse");
+    AddPillow(Optimised, "Pillow octree", 1.7, "octree", [] { return Pillow().Pass("octree?"); });
+    AddPeer(Optimised,
+            {"Pillow median cut, untimed", 0, {}, 1, true, [] { return Pillow().Pass("median"); }});
     for (int number = PaletteStucki; number <= PaletteJarvis; ++number)
         AddPillow(number, "Pillow's Floyd-Steinberg", 1, "diffuse");
 });
