@@ -4,6 +4,7 @@
 #include "failure.h"
 
 #include "zkr13n/copy.h"
+#include "zkr13n/palettes.h"
 #include "zkr13n/rows.h"
 #include "zkr13n/storage.h"
 
@@ -82,6 +83,10 @@ Bitmap::Bitmap(const std::string& name, const PixelFormat& format, int width, in
     }
 }
 
+Bitmap::Bitmap(const std::string& name, const BitmapHandle& made) : name_(name), handle_(made) {
+    ReadForm();
+}
+
 Bitmap::Bitmap(Bitmap&& other) noexcept
     : name_(std::move(other.name_)), format_(std::move(other.format_)),
       handle_(std::exchange(other.handle_, BitmapHandle{})), userData_(std::move(other.userData_)) {}
@@ -95,9 +100,18 @@ Bitmap& Bitmap::operator=(Bitmap&& other) noexcept {
 }
 
 Bitmap Bitmap::Copy() {
-    Bitmap copy(name_, format_);
-    Check(Z_CopyBitmap(&copy.handle_, &handle_), name_);
+    BitmapHandle made = {};
+    Check(Z_CopyBitmap(&made, &handle_), name_);
+    Bitmap copy(name_, made);
+    copy.format_ = format_;
     return copy;
+}
+
+void Bitmap::ReadForm() {
+    format_ = {.bits = handle_.BitsPerPixel, .order = handle_.Order};
+    if (!format_.IsIndexed()) return;
+    format_.palette.resize(size_t{1} << format_.bits);
+    Z_GetBitmapPaletteEntries(&handle_, 0, handle_.ColorsUsed, format_.palette.data());
 }
 
 Bitmap::~Bitmap() {

@@ -30,6 +30,8 @@ class Bitmap {
     // `name` is the file or step that messages name. Throws Failure with the library's message.
     Bitmap(const std::string& name, const PixelFormat& format, int width, int height, const Storage& storage);
     Bitmap(Bitmap&& other) noexcept;
+    // Takes over what the library has made.
+    Bitmap(const std::string& name, const BitmapHandle& made);
     // A copy with data of its own, in the same class where that is compressed or disk, else in memory.
     Bitmap Copy();
     Bitmap& operator=(Bitmap&& other) noexcept;
@@ -42,14 +44,16 @@ class Bitmap {
     size_t Bytes() const { return handle_.Size; }
     uint32_t RowBytes() const { return handle_.BytesPerLine; }
     BitmapHandle* Handle() { return &handle_; }
+    // Learns the format anew from the record, after the library has changed the bitmap.
+    void ReadForm();
+    // Says that the fourth channel is alpha.
+    void MarkAlpha() { format_.alpha = format_.bits == 32 || format_.bits == 64; }
 
     // Whole rows: buffers hold RowBytes().
     void GetRow(int row, void* buffer);
     void PutRow(int row, const void* buffer);
 
   private:
-    Bitmap(const std::string& name, const PixelFormat& format) : name_(name), format_(format) {}
-
     std::string name_;
     PixelFormat format_;
     BitmapHandle handle_ = {};

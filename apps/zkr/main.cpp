@@ -4,6 +4,8 @@
 #include "progress.h"
 #include "verbs.h"
 
+#include "zkr13n/color_spaces.h"
+#include "zkr13n/dither.h"
 #include "zkr13n/frame.h"
 
 #include <CLI/CLI.hpp>
@@ -31,6 +33,15 @@ const Words<StorageClass> StorageNames = {{"conventional", StorageClass::Convent
                                           {"disk", StorageClass::Disk},
                                           {"rle", StorageClass::Runs},
                                           {"super", StorageClass::Strips}};
+
+const Words<int> MethodNames = {{"none", DitherNone},          {"floyd-steinberg", DitherFloydSteinberg},
+                                {"stucki", DitherStucki},      {"burkes", DitherBurkes},
+                                {"sierra", DitherSierra},      {"stevenson-arce", DitherStevensonArce},
+                                {"jarvis", DitherJarvis},      {"ordered", DitherOrdered},
+                                {"clustered", DitherClustered}};
+const Words<int> SpaceNames = {{"rgb", Z_SPACE_RGB}, {"luma", Z_SPACE_LUMA}, {"cmyk", Z_SPACE_CMYK},
+                               {"hsv", Z_SPACE_HSV}, {"hls", Z_SPACE_HLS},   {"yiq", Z_SPACE_YIQ},
+                               {"cmy", Z_SPACE_CMY}};
 
 constexpr const char* About = "zkr takes pictures through the ZKR13N raster image kernel.\n";
 
@@ -161,6 +172,52 @@ int Run(int argc, char** argv) {
         if (fillArea.width > 0) fill.area = fillArea;
         RunFill(fill);
     });
+
+    ColorsOptions colors;
+    CLI::App* colorsVerb = AddEditVerb(app, "colors", "Reduce a picture to a palette of few colours", colors);
+    colorsVerb->add_option("--bits", colors.bits, "bits per pixel, 1 to 8 (default: 8)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 8));
+    AddWord(colorsVerb, "--dither", colors.method, MethodNames,
+            "the dithering method (default: floyd-steinberg)");
+    colorsVerb
+        ->add_option(
+            "--palette", colors.palette,
+            "optimized (the default) is made for the picture;\ncube is for 8 bits; a file gives its own")
+        ->type_name("optimized|fixed|cube|FILE");
+    colorsVerb->callback([&] { RunColors(colors); });
+
+    GrayOptions gray;
+    CLI::App* grayVerb = AddEditVerb(app, "gray", "Make a picture gray", gray);
+    grayVerb->add_option("--bits", gray.bits, "bits per pixel: 8 (the default), 12 or 16")
+        ->type_name("N")
+        ->check(CLI::IsMember({8, 12, 16}));
+    grayVerb->callback([&] { RunGray(gray); });
+
+    WindowOptions window;
+    CLI::App* windowVerb = AddEditVerb(app, "window", "Show the gray values between two limits", window);
+    windowVerb->add_option("--low", window.low, "the value that becomes black, must be given")
+        ->required()
+        ->type_name("V");
+    windowVerb
+        ->add_option("--high", window.high,
+                     "the value that becomes white, must be given;\n4095 is the largest of 12 bits, 65535 of "
+                     "all others")
+        ->required()
+        ->type_name("V");
+    windowVerb->callback([&] { RunWindow(window); });
+
+    SpaceOptions space;
+    CLI::App* spaceVerb =
+        AddEditVerb(app, "space", "Show the channels of a colour space side by side, in gray", space);
+    AddWord(spaceVerb, "--to", space.space, SpaceNames, "the colour space (default: rgb)");
+    spaceVerb->callback([&] { RunSpace(space); });
+
+    AlphaOptions alpha;
+    CLI::App* alphaVerb = AddEditVerb(app, "alpha", "Show the alpha of a picture, or give it one", alpha);
+    alphaVerb->add_option("--set", alpha.mask, "the picture whose gray becomes the alpha of OUT")
+        ->type_name("FILE");
+    alphaVerb->callback([&] { RunAlpha(alpha); });
 
     TourOptions tour;
     CLI::App* tourVerb = app.add_subcommand("tour", "Take a picture through every storage class and depth");

@@ -52,6 +52,7 @@ std::vector<std::string> ThroughStorageClasses(Tour& tour, Bitmap& source);
 void StorageStation(Tour& tour);
 void DepthStation(Tour& tour);
 void BitonalStation(Tour& tour);
+void ColourStation(Tour& tour);
 void EditStation(Tour& tour);
 void SheetStation(Tour& tour);
 

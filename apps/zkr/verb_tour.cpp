@@ -24,6 +24,7 @@ constexpr Station Stations[] = {
     {"Storage classes: every row written, read back and compared", StorageStation},
     {"Depths: the photograph in each depth, and back in 24 bits", DepthStation},
     {"Bitonal: a scanned page in each storage class, in gray and in colour", BitonalStation},
+    {"Colours: fewer of them, by every dithering method, and windows on gray", ColourStation},
     {"Edits: a part cut out, an area filled", EditStation},
     {"Contact sheet", SheetStation},
 };

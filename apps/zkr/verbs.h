@@ -39,6 +39,29 @@ struct FillOptions : EditOptions {
     std::optional<Rectangle> area;
 };
 
+struct ColorsOptions : EditOptions {
+    int bits = 8;
+    int method = 1;                    // Dither...
+    std::string palette = "optimized"; // or "fixed", "cube", the name of a picture file
+};
+
+struct GrayOptions : EditOptions {
+    int bits = 8;
+};
+
+struct WindowOptions : EditOptions {
+    int low = 0;
+    int high = 0;
+};
+
+struct SpaceOptions : EditOptions {
+    int space = 0; // Z_SPACE_...
+};
+
+struct AlphaOptions : EditOptions {
+    std::string mask; // the file of the picture that becomes alpha; none to show what there is
+};
+
 struct TourOptions {
     std::string picture = "/usr/share/palapeli/collection/european-honey-bee.jpg";
     std::string page = "/usr/share/jbigkit-testdata/ccitt1.jbg";
@@ -49,6 +72,11 @@ void RunInfo(const InfoOptions& options);
 void RunConvert(const ConvertOptions& options);
 void RunCrop(const CropOptions& options);
 void RunFill(const FillOptions& options);
+void RunColors(const ColorsOptions& options);
+void RunGray(const GrayOptions& options);
+void RunWindow(const WindowOptions& options);
+void RunSpace(const SpaceOptions& options);
+void RunAlpha(const AlphaOptions& options);
 void RunTour(const TourOptions& options);
 
 } // namespace zkr::app

@@ -126,6 +126,17 @@ TEST_F(BadInputTest, WishesThatCannotBeMet) {
     crops({"--width", "0"}, "", "--width");
     crops({}, "", "--width");
     crops({"--width", "8", "--storage", "rle"}, Path("good.png") + ": ", "only 1 bit");
+    const auto fails = [this](const std::string& verb, std::vector<std::string> words,
+                              const std::string& file, const std::string& cause) {
+        words.insert(words.begin(), {verb, Path("good.png"), Path("out.png")});
+        Fails(words, file, cause);
+    };
+    fails("colors", {"--bits", "4", "--palette", "cube"}, Path("good.png") + ": ", "8 bits");
+    fails("colors", {"--palette", Path("good.png")}, Path("good.png") + ": ", "no palette");
+    fails("colors", {"--bits", "9"}, "", "--bits");
+    fails("gray", {"--bits", "10"}, "", "--bits");
+    fails("window", {"--low", "9", "--high", "8"}, Path("good.png") + ": ", "0 to 65535");
+    fails("alpha", {"--set", Path("missing.png")}, Path("missing.png") + ": ", "No such file");
     Fails({"fill", Path("good.png"), Path("out.png"), "--color", "red"}, "", "'red' is not a colour");
     for (const auto& [option, word] :
          {std::pair("--order", "grb"), {"--palette", "best"}, {"--storage", "attic"}})

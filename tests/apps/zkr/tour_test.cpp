@@ -50,6 +50,8 @@ TEST_F(TourTest, TakesAPictureThroughEverything) {
     }
     EXPECT_EQ(ReadPng(Path("deep/out/depth-24-bgr.png")), photo);
     EXPECT_EQ(ReadPng(Path("deep/out/edit-crop.png")).width, 32);
+    EXPECT_EQ(ReadPng(Path("deep/out/colours-16-jarvis.png")).palette.size(), 16u);
+    EXPECT_EQ(ReadPng(Path("deep/out/window-16384-49151.png")).type, PNG_COLOR_TYPE_GRAY);
     EXPECT_NE(ReadPng(Path("deep/out/edit-fill.png")), photo);
     const Picture sheet = ReadPng(Path("deep/out/contact-sheet.png"));
     EXPECT_EQ(sheet.type, PNG_COLOR_TYPE_RGB);
@@ -67,7 +69,8 @@ TEST_F(TourTest, TakesOddPictures) {
 
 TEST_F(TourTest, HelpAndVersion) {
     const std::string help = Succeeds({"--help"});
-    for (const char* word : {"info", "convert", "crop", "fill", "tour", "Exit status"}) {
+    for (const char* word : {"info", "convert", "colors", "gray", "window", "space", "alpha", "crop", "fill",
+                             "tour", "Exit status"}) {
         EXPECT_NE(help.find(word), std::string::npos) << word;
     }
     EXPECT_NE(Succeeds({"convert", "--help"}).find("rgb|bgr|gray"), std::string::npos);
