@@ -82,7 +82,12 @@ enum WorkNumber {
     PageToRuns = 2100,
     RunsToPage,
     FlipRuns,
-    MirrorRuns
+    MirrorRuns,
+    ColourCount = 2300,
+    GrayScale24,
+    RgbToHsv,
+    HsvToRgb,
+    RgbToLuma
 };
 
 // Works of dithering, of the photograph in 24 bits.

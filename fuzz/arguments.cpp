@@ -46,7 +46,7 @@ class Host {
     Host& operator=(const Host&) = delete;
 
     void Step() {
-        switch (in_.Byte() % 9) {
+        switch (in_.Byte() % 10) {
         case 0: Life(); break;
         case 1: Duplicates(); break;
         case 2: Storage(); break;
@@ -55,6 +55,7 @@ class Host {
         case 5: BitmapPalettes(); break;
         case 6: Colours(); break;
         case 7: Pixels(); break;
+        case 8: Gray(); break;
         default: Frame(); break;
         }
         for (BitmapHandle& record : records_)
@@ -355,6 +356,42 @@ class Host {
                                         nullptr) == Z_ERROR_ARGUMENT);
             FUZZ_EXPECT(Z_MirrorLine(colour_, in_.Hostile(), 0) == 1);
         }
+    }
+
+    void Gray() {
+        BitmapHandle* bitmap = Any();
+        BitmapHandle* other = Any();
+        RGBQUAD colours[64] = {};
+        uint8_t pixels[8 * 8] = {};
+        auto count = static_cast<uint32_t>(in_.Below(65));
+        switch (in_.Byte() % 8) {
+        case 0: Z_GrayScaleBitmap(bitmap, in_.Flip() ? 8 + 4 * in_.Below(3) : in_.Hostile()); break;
+        case 1: Z_GetBitmapColorCountExt(bitmap, &count, in_.Flip() ? colours : nullptr); break;
+        case 2:
+            if (bitmap != nullptr) bitmap->Flags |= Z_FLAG_SIGNED;
+            Z_ClearNegativePixels(bitmap);
+            break;
+        case 3:
+            // A record without storage has nobody who frees its table.
+            bitmap = Allocated();
+            Z_WindowLevel(bitmap, in_.Hostile(), in_.Hostile(), colours, count % 64, in_.Byte() % 3);
+            break;
+        case 4:
+            Z_WindowLevelFillLUT(colours, count % 64, in_.Word(), in_.Word(), in_.Hostile(), in_.Hostile(),
+                                 in_.Hostile(), in_.Hostile(), in_.Hostile(), in_.Hostile(), in_.Byte() % 2);
+            FUZZ_EXPECT(Z_IsGrayScalePalette(colours + count % 64, 0) <= GRAY_NOTORDERED);
+            break;
+        case 5: Z_ConvertColorSpace(pixels, pixels, in_.Below(9), in_.Near(0x80), in_.Near(0x80)); break;
+        case 6: {
+            BitmapHandle alpha = {};
+            if (Z_GetBitmapAlpha(bitmap, &alpha) == 1) Z_FreeBitmap(&alpha);
+            break;
+        }
+        default:
+            if (other != nullptr && in_.Flip()) other->ViewPerspective = in_.Near(9);
+            Z_SetBitmapAlpha(bitmap, other);
+        }
+        Z_IsGrayScaleBitmap(bitmap);
     }
 
     void Frame() {

@@ -25,6 +25,11 @@ void Narrow(BitmapHandle* source, int valuesPerPixel) {
     Touch(Target().data());
 }
 
+void Gray() {
+    libyuv::RGB24ToJ400(Data(PhotographBitmap(24, 1)), Width * 3, Target().data(), Width, Width, Height);
+    Touch(Target().data());
+}
+
 const Adds adds([] {
     AddPeer(From32To24, {"libyuv", 0.8, [] {
                              libyuv::ARGBToRGB24(Data(PhotographBitmap(32, 1)), Width * 4, Target().data(),
@@ -36,11 +41,8 @@ const Adds adds([] {
                                                  Width * 4, Width, Height);
                              Touch(Target().data());
                          }});
-    AddPeer(From24ToGray, {"libyuv", 0.9, [] {
-                               libyuv::RGB24ToJ400(Data(PhotographBitmap(24, 1)), Width * 3, Target().data(),
-                                                   Width, Width, Height);
-                               Touch(Target().data());
-                           }});
+    AddPeer(From24ToGray, {"libyuv", 0.9, Gray});
+    AddPeer(GrayScale24, {"libyuv, the conversion alone", 0.5, Gray});
     AddPeer(FromGray16To8, {"libyuv", 0.8, [] { Narrow(PhotographBitmap(16, 2), 1); }});
     AddPeer(From48To24, {"libyuv", 0.9, [] { Narrow(PhotographBitmap(48, 1), 3); }});
 });

@@ -30,7 +30,22 @@ void AddColour(int number, double ratio, int32_t fromBits, int32_t fromOrder, in
                      }});
 }
 
+// From the photograph, or from what a conversion of it gives.
+void AddSpace(int number, double ratio, int conversion, int before = -1) {
+    AddPeer(number, {"OpenCV", ratio, [=] {
+                         static cv::Mat between, target;
+                         cv::setNumThreads(1);
+                         const cv::Mat photograph = View(PhotographBitmap(24, 1), CV_8UC3);
+                         if (before >= 0 && between.empty()) cv::cvtColor(photograph, between, before);
+                         cv::cvtColor(before >= 0 ? between : photograph, target, conversion);
+                         Touch(target.data);
+                     }});
+}
+
 const Adds adds([] {
+    AddSpace(RgbToHsv, 1, cv::COLOR_BGR2HSV_FULL);
+    AddSpace(HsvToRgb, 1, cv::COLOR_HSV2BGR_FULL, cv::COLOR_BGR2HSV_FULL);
+    AddSpace(RgbToLuma, 0.7, cv::COLOR_BGR2YCrCb);
     AddColour(Swap24, 0.8, 24, 1, CV_8UC3, cv::COLOR_BGR2RGB);
     AddColour(From24To32, 0.8, 24, 1, CV_8UC3, cv::COLOR_BGR2BGRA);
     AddColour(From32To24, 0.8, 32, 1, CV_8UC4, cv::COLOR_BGRA2BGR);

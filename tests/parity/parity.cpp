@@ -7,6 +7,7 @@
 //   parity --only FAMILY N    that case alone, with everything that went into its digest
 #include "parity/digest.h"
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -37,10 +38,15 @@ std::string Line(const char* name, int number, uint64_t digest) {
     return line;
 }
 
+auto AllFamilies() {
+    return std::array{CoreFamilies(), PixelFamilies(), ColourFamilies(), GrayFamilies(),
+                      ResolutionFamilies()};
+}
+
 // The digest of every case; those of the families are printed.
 std::vector<std::string> Run() {
     std::vector<std::string> lines;
-    for (const auto& families : {CoreFamilies(), PixelFamilies(), ColourFamilies(), ResolutionFamilies()}) {
+    for (const auto& families : AllFamilies()) {
         for (const Family& family : families) {
             Digest total;
             for (int number = 0; number < family.cases; ++number) {
@@ -79,7 +85,7 @@ int Check(const std::vector<std::string>& lines, const char* name) {
 }
 
 int Trace(const char* name, int number) {
-    for (const auto& families : {CoreFamilies(), PixelFamilies(), ColourFamilies(), ResolutionFamilies()})
+    for (const auto& families : AllFamilies())
         for (const Family& family : families)
             if (std::strcmp(family.name, name) == 0) {
                 std::puts(Line(name, number, CaseDigest(family, number, stdout)).c_str());
