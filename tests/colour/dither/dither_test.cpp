@@ -1,7 +1,6 @@
 // Dithering: random runs against the plain rules, and what these do not show.
 #include "colour/dither/reference_dither.h"
 
-#include "support/pixel_bits.h"
 #include "support/seeded.h"
 
 #include "zkr13n/palettes.h"
@@ -29,10 +28,7 @@ std::vector<RGBQUAD> TargetPalette(Seeded& seeded, uint32_t colors, int bits) {
     switch (seeded.Below(6)) {
     case 0: return {};
     case 1: palette = ReferenceFixedPalette(bits); break;
-    case 2:
-        for (uint32_t i = 0; i < colors; ++i)
-            palette[i] = i < 216 ? EntryOf(i / 36 * 51, i / 6 % 6 * 51, i % 6 * 51) : EntryOf(0, 0, 0);
-        break;
+    case 2: palette = Cube216(); break;
     case 3:
         for (RGBQUAD& entry : palette)
             entry.rgbReserved = static_cast<uint8_t>(seeded.Below(5));
@@ -82,9 +78,13 @@ class DitherRun {
         }
         bitmap_.LevelLUT = request.Levels.empty() ? nullptr : request.Levels.data();
         bitmap_.LevelLUTLength = static_cast<uint32_t>(request.Levels.size());
-        EXPECT_EQ(1, Z_StartDitheringExt(&bitmap_, request.Palette.empty() ? nullptr : request.Palette.data(),
-                                         request.Colors, request.TargetBits,
-                                         request.MatchTable.empty() ? nullptr : request.MatchTable.data()));
+        const RGBQUAD* palette = request.Palette.empty() ? nullptr : request.Palette.data();
+        uint32_t* table = request.MatchTable.empty() ? nullptr : request.MatchTable.data();
+        if (table == nullptr && request.TargetBits == BitsFor(request.Colors)) {
+            EXPECT_EQ(1, Z_StartDithering(&bitmap_, palette, request.Colors));
+        } else {
+            EXPECT_EQ(1, Z_StartDitheringExt(&bitmap_, palette, request.Colors, request.TargetBits, table));
+        }
     }
     ~DitherRun() {
         EXPECT_EQ(1, Z_StopDithering(&bitmap_));
@@ -135,28 +135,6 @@ TEST(Dither, EqualsThePlainRules) {
     }
 }
 
-// Each threshold meets every gray.
-TEST(Dither, ComparesWithEachThreshold) {
-    for (const int method : {DitherOrdered, DitherClustered}) {
-        DitherRequest request;
-        Z_InitBitmap(&request.Bitmap, 8 * 256, 8, 24);
-        request.Bitmap.DitheringMethod = method;
-        std::vector<uint8_t> source;
-        for (size_t i = 0; i < 8 * 256 * 3; ++i)
-            source.push_back(static_cast<uint8_t>(i / 24));
-        ReferenceDither reference(request);
-        DitherRun run(request);
-        for (int y = 0; y < 9; ++y) {
-            std::vector<uint8_t> target(256);
-            run.Line(source.data(), target.data(), 8 * 256);
-            const std::vector<unsigned> indices = reference.Line(source.data(), 8 * 256);
-            for (int x = 0; x < 8 * 256; ++x)
-                ASSERT_EQ(indices[static_cast<size_t>(x)], ReadPixel(target.data(), 1, x))
-                    << method << y << x;
-        }
-    }
-}
-
 // One row of 24-bit pixels, blue first, to bytes.
 std::vector<uint8_t> OneRow(int method, const std::vector<RGBQUAD>& palette, uint32_t colors,
                             std::vector<uint8_t> source) {
@@ -186,32 +164,11 @@ TEST(Dither, WorksOutByHand) {
     EXPECT_EQ((Indices{1, 0}), OneRow(DitherFloydSteinberg, {}, 2, {128, 128, 128, 182, 182, 182}));
     // Red of the 16 colours is bright or not there; levels of the cube are cut.
     EXPECT_EQ((Indices{0, 9, 15}), OneRow(DitherNone, {}, 16, {0, 0, 127, 0, 0, 128, 255, 255, 255}));
-    std::vector<RGBQUAD> cube(256);
-    for (uint32_t i = 0; i < 216; ++i)
-        cube[i] = EntryOf(i / 36 * 51, i / 6 % 6 * 51, i % 6 * 51);
-    EXPECT_EQ((Indices{5, 4, 180}), OneRow(DitherNone, cube, 256, {255, 0, 0, 254, 0, 0, 50, 50, 255}));
+    EXPECT_EQ((Indices{5, 4, 180}), OneRow(DitherNone, Cube216(), 256, {255, 0, 0, 254, 0, 0, 50, 50, 255}));
     // A marked entry is not chosen though it is the colour itself; where all are marked there is but index 0.
     EXPECT_EQ((Indices{1}), OneRow(DitherNone, {EntryOf(9, 9, 9, 1), EntryOf(200, 200, 200)}, 2, {9, 9, 9}));
     EXPECT_EQ((Indices{0}),
               OneRow(DitherNone, {EntryOf(9, 9, 9, 1), EntryOf(200, 200, 200, 2)}, 2, {200, 200, 200}));
-}
-
-TEST(Dither, ChoosesTheBitsOfATarget) {
-    struct {
-        uint32_t colors;
-        int bits;
-    } const cases[] = {{1, 1}, {2, 1}, {3, 2}, {5, 3}, {9, 4}, {32, 5}, {33, 6}, {128, 7}, {129, 8}};
-    for (const auto& [colors, bits] : cases) {
-        BitmapHandle bitmap;
-        Z_InitBitmap(&bitmap, 1, 1, 24);
-        bitmap.DitheringMethod = DitherNone;
-        ASSERT_EQ(1, Z_StartDithering(&bitmap, nullptr, colors));
-        uint8_t target = 0;
-        EXPECT_EQ(1, Z_DitherLine(&bitmap, "\xFF\xFF\xFF", &target));
-        EXPECT_EQ((1u << bits) - 1, static_cast<unsigned>(target >> (8 - bits))) << colors;
-        EXPECT_EQ(0, target & ((1 << (8 - bits)) - 1)) << colors;
-        EXPECT_EQ(1, Z_StopDithering(&bitmap));
-    }
 }
 
 TEST(Dither, RefusesAndEnds) {
