@@ -242,13 +242,15 @@ Z_API ReturnCode Z_CALL Z_FreeDuplicateBitmap(BitmapHandle* bitmap, uint32_t fla
  * Returns Z_SUCCESS, also where nothing changes; Z_ERROR_BITMAP for a bitmap that is null or not
  * allocated; Z_ERROR_ARGUMENT for one that is locked or a user bitmap; Z_ERROR_DIMENSIONS for a negative
  * height; Z_ERROR_MEMORY when the storage cannot be resized, with the bitmap as it was, or in tiles that
- * were to become fewer with the last tile as long as it was; Z_ERROR_DISK_SPACE when the file of a new tile
+ * were to become fewer with the last tile as long as it was, or in runs that were to become fewer with the
+ * rows gone that were to go; Z_ERROR_DISK_SPACE when the file of a new tile
  * cannot be made, with the tiles before it added: Height tells how many rows there are.
  */
 Z_API ReturnCode Z_CALL Z_ChangeBitmapHeight(BitmapHandle* bitmap, int32_t height);
 
 /*
- * Works Size out anew: BytesPerLine * Height, and for the compressed classes what their rows take.
+ * Works Size out anew: BytesPerLine * Height; for compressed strips the bytes that they take; for runs the
+ * sum of their lists' lengths, in words of 16 bits and not in bytes, until the next row is written.
  *
  * bitmap    in, changed: an allocated bitmap
  *

@@ -34,7 +34,8 @@ Z_API ReturnCode Z_CALL Z_CopyBitmap(BitmapHandle* destination, BitmapHandle* so
  *
  * Returns Z_SUCCESS, also where both are the same record; Z_ERROR_BITMAP for a bitmap that is null or not
  * allocated; Z_ERROR_MEMORY when there is no memory for a row; or what the copy status callback returned to
- * stop the copy, the rows before that being copied. A row that cannot be read or written is not reported.
+ * stop the copy, the rows before that being copied. A row that cannot be read or written is not reported,
+ * but for Z_ERROR_MEMORY between two run-compressed bitmaps of one width, which ends the copy.
  */
 Z_API ReturnCode Z_CALL Z_CopyBitmapData(BitmapHandle* destination, BitmapHandle* source);
 

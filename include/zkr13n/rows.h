@@ -15,12 +15,14 @@ Z_BEGIN_DECLS
  * buffer    out: room for the bytes
  * row       in: 0 to Height - 1
  * bytes     in: bytes to copy, at most 0x7FFFFFFF. More than BytesPerLine goes on into the next rows; in
- *           tiles and strips a count that runs past the last row stops there, and elsewhere it must not.
+ *           tiles, strips and runs a count that runs past the last row stops there, and elsewhere it must
+ *           not.
  *
  * Returns the count of bytes; in tiles always the count asked for, also when a tile's file fails and bytes of
  * the buffer stay as they were; in compressed strips the bytes before the first strip that cannot be
  * restored, or that cannot be reached because the strip last written cannot be compressed and stays in
- * memory: fewer than asked for, or 0. Z_ERROR_BITMAP for data in memory that has no address (a user bitmap
+ * memory: fewer than asked for, or 0. Rows of runs give 0 for the bits behind their last pixel.
+ * Z_ERROR_BITMAP for data in memory that has no address (a user bitmap
  * without data, a global bitmap that is not locked); Z_ERROR_SEEK and Z_ERROR_READ when the file of a disk
  * bitmap fails, after which the buffer may be partly filled; Z_ERROR_MEMORY for a record without any storage
  * class. None of the arguments is checked.
@@ -36,8 +38,8 @@ Z_API ReturnCode Z_CALL Z_GetBitmapRow(BitmapHandle* bitmap, void* buffer, int32
  * bytes     in: bytes to copy, at most 0x7FFFFFFF, going on into the next rows as in Z_GetBitmapRow
  *
  * Returns the count of bytes or a code as Z_GetBitmapRow does, with Z_ERROR_WRITE when the file of a disk
- * bitmap cannot be written; rows before the failing one are written then. None of the arguments is
- * checked.
+ * bitmap cannot be written, and Z_ERROR_MEMORY when there is no memory for a row of runs, which is as it was
+ * then; rows before the failing one are written. None of the arguments is checked.
  */
 Z_API ReturnCode Z_CALL Z_PutBitmapRow(BitmapHandle* bitmap, const void* buffer, int32_t row, uint32_t bytes);
 
@@ -51,7 +53,8 @@ Z_API ReturnCode Z_CALL Z_PutBitmapRow(BitmapHandle* bitmap, const void* buffer,
  *           bits of other pixels in that byte come along.
  * bytes     in: bytes to copy, as in Z_GetBitmapRow
  *
- * Returns what Z_GetBitmapRow returns. None of the arguments is checked.
+ * Returns what Z_GetBitmapRow returns, and Z_ERROR_ARGUMENT for a column of a run-compressed bitmap whose byte
+ * begins at or behind Width. None of the arguments is checked otherwise.
  */
 Z_API ReturnCode Z_CALL Z_GetBitmapRowCol(BitmapHandle* bitmap, void* buffer, int32_t row, int32_t column,
                                           uint32_t bytes);
@@ -66,7 +69,7 @@ Z_API ReturnCode Z_CALL Z_GetBitmapRowCol(BitmapHandle* bitmap, void* buffer, in
  *           and whole bytes are overwritten: Z_PutBitmapRowSegments writes to the pixel.
  * bytes     in: bytes to copy, as in Z_PutBitmapRow
  *
- * Returns what Z_PutBitmapRow returns. None of the arguments is checked.
+ * Returns what Z_PutBitmapRow returns, and Z_ERROR_ARGUMENT as Z_GetBitmapRowCol does.
  */
 Z_API ReturnCode Z_CALL Z_PutBitmapRowCol(BitmapHandle* bitmap, const void* buffer, int32_t row,
                                           int32_t column, uint32_t bytes);
@@ -89,7 +92,9 @@ Z_API ReturnCode Z_CALL Z_PutBitmapRowCol(BitmapHandle* bitmap, const void* buff
  * Returns Z_SUCCESS; Z_ERROR_BITMAP for data in memory that has no address; Z_ERROR_SEEK, Z_ERROR_READ and
  * Z_ERROR_WRITE when the file of a disk bitmap or of a tile fails, the last two also when a strip cannot be
  * reached, with the segments before the failure written; Z_ERROR_MEMORY for a record without any storage
- * class. The pointers and row are not checked.
+ * class, and when there is no memory for a row of runs, which is as it was then where the segments stand from
+ * left to right; Z_ERROR_ARGUMENT for a row outside a run-compressed bitmap. The pointers and row are not
+ * checked otherwise.
  */
 Z_API ReturnCode Z_CALL Z_PutBitmapRowSegments(BitmapHandle* bitmap, const void* buffer, int32_t row,
                                                int32_t columnOffset, const uint32_t* segments,
