@@ -115,10 +115,10 @@ TEST_F(TileViews, GiveWayUntilOneCanBeMade) {
     }
     uint8_t row[4] = {};
     {
-        const Fault all(fault::View | fault::FileRead, 1, true);
+        const Fault all(fault::View | fault::FileWrite, 1, true);
         const uint32_t segments[] = {1, 3};
-        EXPECT_EQ(Z_PutBitmapRowSegments(&bitmap, row, 7, 0, segments, 2, 0), code::ReadFailed);
-        EXPECT_EQ(Z_GetBitmapRow(&bitmap, row, 7, 4), 4) << "the row functions do not report it";
+        EXPECT_EQ(Z_PutBitmapRowSegments(&bitmap, row, 7, 0, segments, 2, 0), code::WriteFailed);
+        EXPECT_EQ(Z_PutBitmapRow(&bitmap, row, 7, 4), 4) << "the row functions do not report it";
     }
     Z_GetBitmapRow(&bitmap, row, 7, 4);
     EXPECT_EQ(0, std::memcmp(row, "\1\2\3\4", 4)) << "what was written to the file is seen in the view";
