@@ -30,14 +30,14 @@ enum {
     COLORRES_ORDER_BGR = 0x004,         /* above 8 bits: blue, green, red */
     COLORRES_SYSTEM_COLORS = 0x008,     /* keep the display's static colours at both ends of the palette */
     COLORRES_USER_PALETTE = 0x010,      /* the caller's palette as it is */
-    COLORRES_USE_MATCH_TABLE = 0x020, /* with the caller's palette: the thread's match table, if it has one */
-    COLORRES_CUBE_PALETTE = 0x040,    /* six levels of red, green and blue each: 36 r + 6 g + b */
-    COLORRES_ORDER_GRAY = 0x080,      /* above 8 bits: gray, of 12 or 16 bits */
-    COLORRES_HANDLE_AS_USER = 0x100,  /* with a palette object: stands for COLORRES_USER_PALETTE, and clears
-                                         the two orders */
-    COLORRES_NO_MATCH_TABLE = 0x200,  /* search for the nearest colour instead of mapping each colour of the
-                                         picture to the entry that was made for it */
-    COLORRES_FEW_PEELS = 0x400        /* let colours that dominate take all entries but one, see below */
+    COLORRES_USE_MATCH_TABLE = 0x020,   /* with the caller's palette: the thread's match table */
+    COLORRES_CUBE_PALETTE = 0x040,      /* six levels of red, green and blue each: 36 r + 6 g + b */
+    COLORRES_ORDER_GRAY = 0x080,        /* above 8 bits: gray, of 12 or 16 bits */
+    COLORRES_HANDLE_AS_USER = 0x100,    /* with a palette object: stands for COLORRES_USER_PALETTE, and clears
+                                           the two orders */
+    COLORRES_NO_MATCH_TABLE = 0x200,    /* search for the nearest colour instead of mapping each colour of the
+                                           picture to the entry that was made for it */
+    COLORRES_FEW_PEELS = 0x400          /* let colours that dominate take all entries but one, see below */
 };
 
 /*
@@ -60,19 +60,26 @@ typedef ReturnCode(Z_CALL* ColorResCallback)(BitmapHandle* target, void* row, in
  * source           in: an allocated bitmap. It stays as it is, unless it is the target too.
  * target           out, may be null: whatever the record held is overwritten without being freed. The source
  *                  itself, which is replaced once all is done. Null makes no bitmap, only rows for the
- * callback. bitsPerPixel     in: 1 to 8, 12, 16, 24, 32, 48 or 64; 12 goes with COLORRES_ORDER_GRAY alone,
- * and that flag with 12 and 16 alone flags            in: COLORRES_... palette          in, changed, may be
- * null: colors entries. With COLORRES_USER_PALETTE the target's; for a palette made for the picture the
- * entries to keep. There an entry is free when its fourth byte has bit 1 set and bit 0 clear, and gets what
- * was found. paletteHandle    in, may be null: a palette object in place of palette. Its entries with the
- * flags 1 and 4 are kept like those without; those with 2 stand for a static colour of the display, by their
- * place in its palette, and are free where it has none there. Entries that it does not have are free. colors
- * in: entries of the target's palette, up to 8 bits; 0 and more than there can be mean 2^bitsPerPixel. Fixed
- * palettes are always whole. callback         in, may be null userData         in, for the callback
+ *                  callback.
+ * bitsPerPixel     in: 1 to 8, 12, 16, 24, 32, 48 or 64; 12 goes with COLORRES_ORDER_GRAY alone, and that
+ *                  flag with 12 and 16 alone
+ * flags            in: COLORRES_...
+ * palette          in, changed, may be null: colors entries. With COLORRES_USER_PALETTE the target's; for a
+ *                  palette made for the picture the entries to keep. There an entry is free when its fourth
+ *                  byte has bit 1 set and bit 0 clear, and gets what was found.
+ * paletteHandle    in, may be null: a palette object in place of palette. Its entries with the flags 1 and 4
+ *                  are kept like those without; those with 2 stand for a static colour of the display, by
+ *                  their place in its palette, and are free where it has none there. Entries that it does
+ *                  not have are free.
+ * colors           in: entries of the target's palette, up to 8 bits; 0 and more than there can be mean
+ *                  2^bitsPerPixel. Fixed palettes are always whole.
+ * callback         in, may be null
+ * userData         in, for the callback
  *
  * Up to 8 bits pixels are dithered (Z_DitherLine), except where the palette was made for the picture, has all
  * of its colours, was free in one piece, and is then shorter by what was not needed: those pixels, and all
  * pixels above 8 bits, are converted (Z_ConvertBufferExt), gray ones through window and active level table.
+ * The palette is cut at its end, whatever stands there: entries to be kept belong in front of the free ones.
  *
  * Finding a palette. Where the source has as many palette entries as are free, or fewer, it is the source's;
  * where it has as many distinct colours or fewer, these, sorted by red, green and blue. Otherwise the
@@ -94,8 +101,8 @@ typedef ReturnCode(Z_CALL* ColorResCallback)(BitmapHandle* target, void* row, in
  * work. On failure the source is as it was, a target of its own has no storage, and entries of palette may be
  * written.
  *
- * Beside source and target at most 400 KB of working memory and two rows are used, and while colours are
- * counted 2 MB.
+ * Beside source and target, finding a palette takes at most 300 KB, before which counting the colours takes
+ * 2 MB for a while; the pixels take two rows, and what dithering or conversion needs for itself.
  */
 Z_API ReturnCode Z_CALL Z_ColorResBitmap(BitmapHandle* source, BitmapHandle* target, int32_t bitsPerPixel,
                                          uint32_t flags, RGBQUAD* palette, HPALETTE paletteHandle,
@@ -104,13 +111,15 @@ Z_API ReturnCode Z_CALL Z_ColorResBitmap(BitmapHandle* source, BitmapHandle* tar
 /*
  * Changes depth and colours of all items of a list, up to 8 bits to one palette for all.
  *
- * list                 in, changed: items of any depths
- * bitsPerPixel         in: as for Z_ColorResBitmap
- * flags                in: as for Z_ColorResBitmap. Where the palette is to be made (0, 2, 8 and A) it is
- * made for all items together; COLORRES_FEW_PEELS plays no part there. With COLORRES_NO_MATCH_TABLE each item
- * gets one of its own. palette              in, changed, may be null: colors entries, as for
- * Z_ColorResBitmap. The palette that is made for all is written here. paletteHandle        in, may be null
- * colors               in: as for Z_ColorResBitmap
+ * list             in, changed: items of any depths
+ * bitsPerPixel     in: as for Z_ColorResBitmap
+ * flags            in: as for Z_ColorResBitmap. Where the palette is to be made (0, 2, 8 and A) it is made
+ *                  for all items together; COLORRES_FEW_PEELS plays no part there. With
+ *                  COLORRES_NO_MATCH_TABLE each item gets one of its own.
+ * palette          in, changed, may be null: colors entries, as for Z_ColorResBitmap. The palette that is
+ *                  made for all is written here.
+ * paletteHandle    in, may be null
+ * colors           in: as for Z_ColorResBitmap
  *
  * Items with the same palette share what has been looked up. No dithering is spared: all items go through it.
  *
@@ -130,9 +139,10 @@ Z_API ReturnCode Z_CALL Z_ColorResBitmapList(BitmapList list, int32_t bitsPerPix
  * list          in: items of any depths; their row caches are changed
  * palette       out: colors entries
  * colors        in: the entries to find, 1 to 256; out: how many there are. Fewer only where the items have
- * no more colours. matchTable    out, may be null: a match table that leads each colour of the pictures to
- * its entry and has no entry for others; null where nothing was quantised. Release it with
- * Z_FreeUserMatchTable. quantised     out: 1 when the items have more colours than the palette, else 0
+ *               no more colours.
+ * matchTable    out, may be null: a match table that leads each colour of the pictures to its entry and has
+ *               no entry for others; null where nothing was quantised. Release it with Z_FreeUserMatchTable.
+ * quantised     out: 1 when the items have more colours than the palette, else 0
  *
  * Returns Z_SUCCESS; Z_ERROR_ARGUMENT for a bad list, a null palette, colors or quantised, and a number of
  * colours outside 1 to 256; Z_ERROR_BITMAP for an empty list or an item without storage; Z_ERROR_MEMORY; the
