@@ -18,9 +18,9 @@ namespace zkr {
 
 namespace {
 
-// What pixels are counted by: bytes with an index, words with a gray value or a colour, colours of four
-// bytes.
-enum class Unit { Index, Gray, Colour16, Colour32 };
+// What pixels are counted by: bytes with an index, words with a gray value or a colour, colours of three and of
+// four bytes.
+enum class Unit { Index, Gray, Colour16, Colour24, Colour32 };
 
 // A palette in which equal entries are folded to the first of them. Entries that are missing are black.
 struct FoldedPalette {
@@ -49,11 +49,15 @@ class Tally {
 
     uint32_t count() const { return static_cast<uint32_t>(count_); }
 
+    bool WantsColours() const { return palette_ != nullptr; }
+
+    // Without a palette: so many colours at once, which are never more than there can be.
+    bool Add(uint32_t colours) { return (count_ += colours) >= stop_; }
+
     // Whether the answer is known with this colour.
-    bool Add(RGBQUAD colour) {
+    bool Add(const RGBQUAD& colour) {
         if (palette_ != nullptr && count_ < room_) {
-            colour.rgbReserved = 0;
-            palette_[count_] = colour;
+            palette_[count_] = {colour.rgbBlue, colour.rgbGreen, colour.rgbRed, 0};
         }
         return ++count_ >= stop_;
     }
@@ -73,8 +77,8 @@ class ColourScan {
         : bits_(static_cast<size_t>(bitmap.BitsPerPixel)), isRgb_(bitmap.Order == Z_ORDER_RGB),
           window_(window), palette_(palette), tally_(tally) {
         PlanStages(bitmap, levels);
-        set_.emplace(SetWords());
-        if (*set_) std::memset(set_->data(), 0, SetWords() * sizeof(uint32_t));
+        set_.emplace(SetBytes());
+        if (*set_) std::memset(set_->data(), 0, SetBytes());
     }
 
     explicit operator bool() const { return static_cast<bool>(*set_); }
@@ -110,19 +114,22 @@ class ColourScan {
                            {.Table = levels, .Mask = window_.Mask, .Shift = window_.Shift});
             return;
         }
-        const rows::Source source = bits_ == 24   ? rows::Source::Colour24
-                                    : bits_ == 32 ? rows::Source::Colour32
+        if (bits_ == 24) {
+            unit_ = Unit::Colour24;
+            return;
+        }
+        const rows::Source source = bits_ == 32   ? rows::Source::Colour32
                                     : bits_ == 48 ? rows::Source::Deep48
                                                   : rows::Source::Deep64;
         toColour32(source, {.SourceIsRgb = isRgb_});
     }
 
-    size_t SetWords() const {
+    size_t SetBytes() const {
         switch (unit_) {
-        case Unit::Index: return 256 / 32;
-        case Unit::Gray: return (size_t{window_.Mask} + 32) / 32;
-        case Unit::Colour16: return 0x8000 / 32;
-        default: return rows::colourSetWords;
+        case Unit::Index: return 256 / 8;
+        case Unit::Gray: return (size_t{window_.Mask} + 8) / 8;
+        case Unit::Colour16: return 0x8000 / 8;
+        default: return rows::colourSetBytes;
         }
     }
 
@@ -151,32 +158,41 @@ class ColourScan {
         return false;
     }
 
-    bool CountColours(const uint8_t* quads, size_t first, size_t end) {
-        const auto skipKnown = rows::Kernels().Count.SkipKnown;
-        constexpr size_t group = rows::colourGroupPixels;
-        while (first < end) {
-            first += skipKnown(quads + first * 4, end - first, set_->data());
-            for (const size_t groupEnd = std::min(first + group, end); first < groupEnd; ++first) {
-                uint32_t quad;
-                RGBQUAD colour;
-                std::memcpy(&quad, quads + first * 4, sizeof quad);
-                std::memcpy(&colour, quads + first * 4, sizeof colour);
-                if (IsNew(rows::ColourSetBit(quad)) && tally_.Add(colour)) return true;
-            }
+    bool CountColours(const uint8_t* units, size_t first, size_t end) {
+        const bool packed = unit_ == Unit::Colour24;
+        const size_t bytes = packed ? 3 : 4;
+        const rows::CountKernels& kernels = rows::Kernels().Count;
+        const uint8_t* pixels = units + first * bytes;
+        if (!tally_.WantsColours())
+            return tally_.Add(
+                (packed ? kernels.AddAll24 : kernels.AddAll32)(pixels, end - first, set_->data()));
+        uint16_t places[Stages::piecePixels];
+        const size_t found =
+            (packed ? kernels.FindNew24 : kernels.FindNew32)(pixels, end - first, set_->data(), places);
+        for (size_t i = 0; i < found; ++i) {
+            const uint8_t* pixel = pixels + places[i] * bytes;
+            const auto key = static_cast<uint32_t>(pixel[0] | pixel[1] << 8 | pixel[2] << 16);
+            if (IsNew(key) && tally_.Add(ColourOf(key))) return true;
         }
         return false;
     }
 
     bool IsNew(uint32_t key) {
-        uint32_t& word = (*set_)[key >> 5];
-        const uint32_t bit = 1u << (key & 31);
-        if ((word & bit) != 0) return false;
-        word |= bit;
+        uint8_t& byte = (*set_)[key >> 3];
+        const uint32_t bit = 1u << (key & 7);
+        if ((byte & bit) != 0) return false;
+        byte = static_cast<uint8_t>(byte | bit);
         return true;
     }
 
     RGBQUAD ColourOf(uint32_t key) const {
         if (unit_ == Unit::Index) return palette_.Entries[key];
+        if (unit_ >= Unit::Colour24) {
+            const ColourValue colour(key);
+            const bool redFirst = unit_ == Unit::Colour24 && isRgb_;
+            return {redFirst ? colour.Blue() : colour.Red(), colour.Green(),
+                    redFirst ? colour.Red() : colour.Blue(), 0};
+        }
         const auto level = static_cast<uint8_t>(key);
         if (unit_ == Unit::Gray) return {level, level, level, 0};
         const auto widened = [key](uint32_t shift) {
@@ -193,7 +209,7 @@ class ColourScan {
     Tally& tally_;
     Unit unit_ = Unit::Index;
     Stages stages_;
-    std::optional<ScratchBuffer<uint32_t>> set_;
+    std::optional<ScratchBuffer<uint8_t>> set_;
 };
 
 // The count with which the answer is known. Nothing but the number of its pixels bounds the colours of a

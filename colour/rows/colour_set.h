@@ -1,5 +1,4 @@
-// The set of all colours as one bit for each, in an order that keeps colours that are alike within a cache
-// line: the lower three bits of the channels choose the bit, the upper five the line of 512.
+// The set of all colours of 24 bits as one bit for each.
 #pragma once
 
 #include <cstddef>
@@ -7,20 +6,18 @@
 
 namespace zkr::rows {
 
-inline constexpr size_t colourSetWords = size_t{1} << 19;
-inline constexpr size_t colourGroupPixels = 16;
-
-// The place of the bit of a colour of four bytes: blue, green and red from the lowest, the highest ignored.
-static constexpr uint32_t ColourSetBit(uint32_t quad) {
-    const uint32_t line = (quad >> 3 & 0x1F) | (quad >> 6 & 0x3E0) | (quad >> 9 & 0x7C00);
-    const uint32_t inside = (quad & 7) | (quad >> 5 & 0x38) | (quad >> 10 & 0x1C0);
-    return line << 9 | inside;
-}
+inline constexpr size_t colourSetBytes = size_t{1} << 21;
 
 struct CountKernels {
-    // How many pixels at the start of the span are known to be in the set; stops in front of the first group
-    // of pixels with one that is not, and so that less than a group is left.
-    size_t (*SkipKnown)(const uint8_t* quads, size_t pixels, const uint32_t* set);
+    // Which of the pixels, at most 65535, have colours that are not in the set, and how many these are. A
+    // colour is the first three bytes of a pixel, its place in the set the number that they make, the first
+    // lowest. A colour that is met again comes again. There is room for as many places as there are pixels.
+    size_t (*FindNew24)(const uint8_t* pixels, size_t count, const uint8_t* set, uint16_t* places);
+    size_t (*FindNew32)(const uint8_t* pixels, size_t count, const uint8_t* set, uint16_t* places);
+
+    // Puts the colours of all pixels into the set. Returns how many of them are new.
+    uint32_t (*AddAll24)(const uint8_t* pixels, size_t count, uint8_t* set);
+    uint32_t (*AddAll32)(const uint8_t* pixels, size_t count, uint8_t* set);
 };
 
 } // namespace zkr::rows
