@@ -109,8 +109,7 @@ void ExpandRuns(const uint16_t* runs, uint32_t words, uint64_t skip, uint8_t* de
 bool IsRow(const uint16_t* runs, uint32_t words, int32_t width);
 
 // The length of a row's list mirrored left to right. Runs keep their colours: an empty first run goes, and
-// one comes where the row ends in 1 bits (or has no
-// run at all).
+// one comes where the row ends in 1 bits (or has no run at all).
 inline uint32_t MirroredWords(const uint16_t* runs, uint32_t words) {
     const bool dropsFirst = words != 0 && runs[0] == 0;
     return words - dropsFirst + (words % 2 == 0);

@@ -33,8 +33,9 @@ Z_API void Z_CALL Z_CompressRow(uint16_t* destination, const void* source, int32
  * Makes compressed rows of rows of packed bits. No argument is checked.
  *
  * destination    out: the rows, at most 4 + 2 * (bits + 1) bytes each
- * source         in: rows of packed bits, each on from a multiple of 4 bytes: (bits + 31) / 32 * 4 from row
- * to row bits           in, pixels: the width of the rows rows           in: 0 or less does nothing
+ * source         in: rows of packed bits, (bits + 31) / 32 * 4 bytes from row to row
+ * bits           in, pixels: the width of the rows
+ * rows           in: 0 or less does nothing
  */
 Z_API void Z_CALL Z_CompressRows(uint16_t* destination, const void* source, int32_t bits, int32_t rows);
 
@@ -55,7 +56,9 @@ Z_API void Z_CALL Z_ExpandRow(const uint16_t* source, void* destination, int32_t
  *
  * source         in: the rows; null for rows of 0 bits alone
  * destination    out: (bits + 31) / 32 * 4 bytes from row to row, of which the first (bits + 7) / 8 of each
- * row are written bits           in, pixels: the width of the rows rows           in: 0 or less does nothing
+ *                row are written
+ * bits           in, pixels: the width of the rows
+ * rows           in: 0 or less does nothing
  */
 Z_API void Z_CALL Z_ExpandRows(const uint16_t* source, void* destination, int32_t bits, int32_t rows);
 
@@ -66,7 +69,8 @@ Z_API void Z_CALL Z_ExpandRows(const uint16_t* source, void* destination, int32_
  * source         in: the rows
  * destination    out: as many rows. One that ends in a 1 bit and starts with a 0 bit takes 2 bytes more than
  *                before; one that starts with a 1 bit and ends in a 0 bit takes 2 less. It must not overlap
- * the source. rows           in: 0 or less does nothing
+ *                the source.
+ * rows           in: 0 or less does nothing
  *
  * Returns Z_SUCCESS, or Z_ERROR_ARGUMENT for a null pointer.
  */

@@ -53,13 +53,16 @@ Z_API ReturnCode Z_CALL Z_StartDithering(BitmapHandle* bitmap, const RGBQUAD* pa
  *
  * bitmap          in, changed: DitherData becomes the run. Depth, DitheringMethod, Width, the palette up to 8
  *                 bits and the gray window are taken as they are now and stay so for the run. A bitmap of 12
- * bits is gray whatever its order. A run that was under way is forgotten, not freed: stop it first. palette
- * in, may be null: the target's colours. Null stands for the fixed palette of the smallest number of bits
- * that has so many colours. colors          in: 1 to 256 targetBits      in, bits of a target pixel: 1 to 8;
- * with any other value rows are not written. An index that is wider is cut to its lowest bits. userMatchTable
- * in, may be null: a table of the palette by Z_CreateUserMatchTable, or 32768 cells which are 0 where the run
- * is to look up and store. A cell counts from 1 the entries that may be chosen. It stays the caller's, and
- * lives until the run has stopped.
+ *                 bits is gray whatever its order. A run that was under way is forgotten, not freed: stop it
+ *                 first.
+ * palette         in, may be null: the target's colours. Null stands for the fixed palette of the smallest
+ *                 number of bits that has so many colours.
+ * colors          in: 1 to 256
+ * targetBits      in, bits of a target pixel: 1 to 8; with any other value rows are not written. An index
+ *                 that is wider is cut to its lowest bits.
+ * userMatchTable  in, may be null: a table of the palette by Z_CreateUserMatchTable, or 32768 cells which are
+ *                 0 where the run is to look up and store. A cell counts from 1 the entries that may be
+ *                 chosen. It stays the caller's, and lives until the run has stopped.
  *
  * With a match table, and for any palette that is not one of those below, a pixel gets the entry nearest to
  * its colour with the three lower bits of each channel left out; colours of the palette get the first entry

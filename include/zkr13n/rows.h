@@ -22,10 +22,9 @@ Z_BEGIN_DECLS
  * the buffer stay as they were; in compressed strips the bytes before the first strip that cannot be
  * restored, or that cannot be reached because the strip last written cannot be compressed and stays in
  * memory: fewer than asked for, or 0. Rows of runs give 0 for the bits behind their last pixel.
- * Z_ERROR_BITMAP for data in memory that has no address (a user bitmap
- * without data, a global bitmap that is not locked); Z_ERROR_SEEK and Z_ERROR_READ when the file of a disk
- * bitmap fails, after which the buffer may be partly filled; Z_ERROR_MEMORY for a record without any storage
- * class. None of the arguments is checked.
+ * Z_ERROR_BITMAP for data in memory that has no address (a user bitmap without data, a global bitmap that is
+ * not locked); Z_ERROR_SEEK and Z_ERROR_READ when the file of a disk bitmap fails, after which the buffer may
+ * be partly filled; Z_ERROR_MEMORY for a record without any storage class. None of the arguments is checked.
  */
 Z_API ReturnCode Z_CALL Z_GetBitmapRow(BitmapHandle* bitmap, void* buffer, int32_t row, uint32_t bytes);
 
