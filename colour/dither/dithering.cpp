@@ -1,9 +1,9 @@
 // Beginning and end of a dithering run.
 #include "zkr13n/dither.h"
 
+#include "colour/colour_value.h"
 #include "colour/dither/dither_state.h"
 #include "colour/fixed_palettes.h"
-#include "core/flags.h"
 #include "core/return_codes.h"
 #include "zkr13n/allocation.h"
 #include "zkr13n/gray.h"
@@ -126,16 +126,15 @@ void NewRun::FillMatchTable() {
     const uint32_t entries = excluded ? state_->TargetColors : state_->MatchColors;
     for (uint32_t i = 0; i < entries; ++i) {
         const RGBQUAD& entry = palette[i];
-        uint32_t& cell =
-            state_
-                ->MatchTable[(entry.rgbRed & 0xF8) << 7 | (entry.rgbGreen & 0xF8) << 2 | entry.rgbBlue >> 3];
+        const int key = (entry.rgbRed & 0xF8) << 7 | (entry.rgbGreen & 0xF8) << 2 | entry.rgbBlue >> 3;
+        uint32_t& cell = state_->MatchTable[key];
         if (cell == 0) cell = i + 1;
     }
 }
 
 void NewRun::SetGrayWindow(const BitmapHandle& bitmap) {
     constexpr int32_t farthest = 64;
-    const bool lookup = bitmap.LevelLUT != nullptr && HasFlag(bitmap, flag::LevelLUTActive);
+    const bool lookup = HasActiveLevelTable(bitmap);
     uint32_t mask = 0;
     Z_GetGrayParams(bitmap.BitsPerPixel, lookup ? bitmap.BitsPerPixel : 8,
                     std::clamp(bitmap.LowBit, -1, farthest), std::clamp(bitmap.HighBit, -1, farthest),
@@ -157,7 +156,7 @@ ReturnCode NewRun::Make(const BitmapHandle& bitmap, const TargetRequest& target)
     if (state_->Method != DitherNone && !IsOrdered(state_->Method) && !MakeErrorRows(bitmap.Width))
         return code::OutOfMemory;
     if (state_->MatchTable != nullptr) FillMatchTable();
-    if (bitmap.Order == Z_ORDER_GRAY || bitmap.BitsPerPixel == 12) SetGrayWindow(bitmap);
+    if (IsGray(bitmap)) SetGrayWindow(bitmap);
     PrepareIndex(*state_);
     return code::Success;
 }

@@ -1,9 +1,9 @@
 // Puts a reader together from the kernels of row conversion.
 #include "colour/dither/row_reader.h"
 
+#include "colour/colour_value.h"
 #include "colour/dither/dither_state.h"
 #include "colour/rows/kernel_set.h"
-#include "core/flags.h"
 
 #include <algorithm>
 #include <array>
@@ -51,7 +51,7 @@ RowReader::RowReader(const DitherState& state, const BitmapHandle& bitmap)
 void RowReader::AddGray(const DitherState& state, const BitmapHandle& bitmap) {
     mask_ = static_cast<uint32_t>(state.GrayMask);
     shift_ = static_cast<uint32_t>(std::clamp(state.GrayShift, 0, 31));
-    if (bitmap.LevelLUT != nullptr && HasFlag(bitmap, flag::LevelLUTActive)) {
+    if (HasActiveLevelTable(bitmap)) {
         levels_ = bitmap.LevelLUT;
         levelCount_ = bitmap.LevelLUTLength;
         return;

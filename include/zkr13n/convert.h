@@ -11,23 +11,25 @@
  *   8         an index
  *   0         a gray level
  *   12        gray; of two pixels in three bytes the first is the low 12 bits of the little-endian word at
- * byte 0, the second the high 12 bits of the little-endian word at byte 1 16        colour: words of three
- * fields of five bits, the first of the order in bits 0 to 4, and alpha in bit 15; in the order gray one gray
- * word 24, 32    bytes of red, green, blue (order RGB) or blue, green, red (order BGR); 32 bits with alpha
- * behind 48, 64    the same in little-endian words
+ *             byte 0, the second the high 12 bits of the little-endian word at byte 1
+ *   16        colour: words of three fields of five bits, the first of the order in bits 0 to 4, and alpha in
+ *             bit 15; in the order gray one gray word
+ *   24, 32    bytes of red, green, blue (order RGB) or blue, green, red (order BGR); 32 bits with alpha
+ *             behind
+ *   48, 64    the same in little-endian words
  *
  * How pixels change:
  *
  *   - The gray of a colour is (2 red + 5 green + blue + 4) >> 3.
  *   - Channels widen from 5 bits by (c << 3) | (c >> 2) and from 8 to 16 by c * 257, and narrow by dropping
- * bits.
+ *     bits.
  *   - A gray g of eight bits becomes n bits by g >> (8 - n), or ((g << n) - g) / 255 for n above 8.
  *   - Indices of a target are those that Z_FindPaletteIndex gives over 2^bits entries of its palette. Between
  *     palettes each index goes to the entry nearest to its colour; where the target palette begins with the
- * very entries of the source palette (all four bytes), the indices stay.
+ *     very entries of the source palette (all four bytes), the indices stay.
  *   - New alpha is 0. Alpha of 32 and 64 bits passes between these two; bit 15 of 16-bit colour becomes full
- * or no alpha, and is set from 32 bits where alpha is 128 or more; 64 bits do not set it. From gray of 12 and
- * 16 bits the alpha of the target stays as it was in the buffer.
+ *     or no alpha, and is set from 32 bits where alpha is 128 or more; 64 bits do not set it. From gray of 12
+ *     and 16 bits the alpha of the target stays as it was in the buffer.
  *
  * Gray of 12 and 16 bits may use a part of its bits, its window: low and high bit, as Z_GetGrayParams takes
  * them. The value of a source window is read from it; for a target window it is cut to the window's bits and
@@ -60,8 +62,9 @@ enum {
  * sourceOrder     in: Z_ORDER_RGB, Z_ORDER_BGR or, for 12 and 16 bits, Z_ORDER_GRAY; up to 8 bits any
  * targetOrder     in: likewise
  * sourcePalette   in: up to 8 bits 2^sourceBits entries, null for the fixed palette of the depth; for gray of
- * 12 and 16 bits the table of its levels, with an entry for every value that can be read, null for none; else
- * unused targetPalette   in: up to 8 bits 2^targetBits entries, null for the fixed palette; else unused
+ *                 12 and 16 bits the table of its levels, with an entry for every value that can be read,
+ *                 null for none; else unused
+ * targetPalette   in: up to 8 bits 2^targetBits entries, null for the fixed palette; else unused
  *
  * Z_SUCCESS, or Z_ERROR_ARGUMENT for a null row, a width below 1, a depth that does not exist, an order that
  * a depth cannot have, and 12 bits in another order than gray. The buffer is then as it was.
@@ -76,7 +79,7 @@ Z_API ReturnCode Z_CALL Z_ConvertBuffer(void* row, int32_t width, int32_t source
  * row ... targetPalette   as for Z_ConvertBuffer
  * flags                   in: Z_CONVERT_...; the two gray flags follow from the orders, whatever is given
  * lowBit, highBit         in: the window, with at least one bit; -1 for the lowest or highest bit of the
- * pixel. A window that is the whole pixel counts as none
+ *                         pixel. A window that is the whole pixel counts as none
  *
  * Z_SUCCESS, or Z_ERROR_ARGUMENT for the causes told at Z_ConvertBuffer, for windows on both sides, and for a
  * window on a side that is not gray. The buffer is then as it was.

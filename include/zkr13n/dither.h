@@ -86,9 +86,10 @@ Z_API ReturnCode Z_CALL Z_StartDitheringExt(BitmapHandle* bitmap, const RGBQUAD*
  *
  * bitmap     in: with a run. Width may have become smaller, for this row or for good; with a method that
  *            diffuses a width beyond that at the start counts as that. Order, LevelLUT and its flag are
- * looked at for each row; levels beyond LevelLUTLength are black. sourceRow  in: Width pixels in the bitmap's
- * format targetRow  out: Width indices of the run's target bits, packed from the uppermost bit of the first
- * byte on. Bits of the last byte that belong to no pixel stay as they were. The two rows must not overlap.
+ *            looked at for each row; levels beyond LevelLUTLength are black, and no levels are no table.
+ * sourceRow  in: Width pixels in the bitmap's format
+ * targetRow  out: Width indices of the run's target bits, packed from the uppermost bit of the first byte on.
+ *            Bits of the last byte that belong to no pixel stay as they were. The two rows must not overlap.
  *
  * What a channel misses of its colour is kept as a sum of error times weight, and divided, truncating towards
  * zero, when the pixel comes that it is for; channels with their errors are cut to 0 to 255. Thresholds are

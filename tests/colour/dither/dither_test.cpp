@@ -76,7 +76,7 @@ class DitherRun {
             bitmap_.ColorsUsed = static_cast<uint32_t>(request.SourcePalette.size());
             bitmap_.Flags |= Z_FLAG_PALETTE_IS_BLOCK;
         }
-        bitmap_.LevelLUT = request.Levels.empty() ? nullptr : request.Levels.data();
+        bitmap_.LevelLUT = request.Levels.empty() ? &unread_ : request.Levels.data();
         bitmap_.LevelLUTLength = static_cast<uint32_t>(request.Levels.size());
         const RGBQUAD* palette = request.Palette.empty() ? nullptr : request.Palette.data();
         uint32_t* table = request.MatchTable.empty() ? nullptr : request.MatchTable.data();
@@ -97,6 +97,7 @@ class DitherRun {
 
   private:
     BitmapHandle bitmap_;
+    RGBQUAD unread_ = {1, 2, 3, 0}; // a level table without entries is none
 };
 
 // Rows of the exact length, so that a sanitizer sees every step beyond them, smooth or rough, and now and
