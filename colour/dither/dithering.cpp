@@ -168,7 +168,6 @@ ReturnCode NewRun::Make(const BitmapHandle& bitmap, const TargetRequest& target)
 using namespace zkr;
 
 ReturnCode Z_CALL Z_StartDithering(BitmapHandle* bitmap, const RGBQUAD* palette, uint32_t colors) {
-    if (bitmap == nullptr) return code::InvalidBitmap;
     if (colors == 0 || colors > 256) return code::InvalidArgument;
     return Z_StartDitheringExt(bitmap, palette, colors, BitsOfColors(colors), nullptr);
 }

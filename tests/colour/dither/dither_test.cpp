@@ -207,6 +207,7 @@ TEST(Dither, RefusesAndEnds) {
     EXPECT_EQ(1, Z_StopDithering(&bitmap));
     EXPECT_EQ(-2, Z_StopDithering(nullptr));
     EXPECT_EQ(-2, Z_StartDithering(nullptr, nullptr, 2));
+    EXPECT_EQ(-13, Z_StartDithering(nullptr, nullptr, 257));
     EXPECT_EQ(-2, Z_StartDitheringExt(nullptr, nullptr, 2, 1, nullptr));
 }
 
