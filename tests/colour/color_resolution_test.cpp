@@ -10,7 +10,10 @@
 #include "zkr13n/dither.h"
 #include "zkr13n/locks.h"
 #include "zkr13n/palettes.h"
-#include "zkr13n/surface.h"
+
+#ifndef _WIN32
+#include "support/screen.h"
+#endif
 
 #include <array>
 #include <set>
@@ -312,37 +315,21 @@ TEST(ColorResolution, PassesOnWhatIsNotColour) {
 
 #ifndef _WIN32
 
-// On a screen of 256 colours, sixteen of them its own: 0x800000 and up by their places.
+// On a screen of 256 colours, sixteen of them its own.
 TEST(ColorResolution, KnowsTheColoursOfAPaletteDisplay) {
-    uint8_t pixels[4] = {};
-    Palette screen;
-    for (uint32_t i = 0; i < 256; ++i)
-        screen[i] = Entry(0x800000 + i);
-    SurfaceDescription description{};
-    description.StructSize = sizeof description;
-    description.Width = description.Height = 1;
-    description.BitsPerPixel = 8;
-    description.Pitch = 4;
-    description.Bits = pixels;
-    description.Colors = screen.data();
-    description.ColorCount = 256;
-    description.StaticColors = 16;
-    HDC context = nullptr;
-    ASSERT_EQ(Z_CreateSurface(&description, &context), Z_SUCCESS);
-    Z_SetScreenSurface(context);
-
+    const Screen screen(8, 16);
     ColourPicture picture(Bgr24, 50, 50, 3);
     Bitmap target, fromObject, asUser;
     ASSERT_EQ(Resolve(picture, &target, 7, COLORRES_SYSTEM_COLORS), 1);
     EXPECT_EQ(target.ColorsUsed, 128u);
-    EXPECT_EQ(Rgb(PaletteOf(target)[7]), 0x800007u);
-    EXPECT_EQ(Rgb(PaletteOf(target)[120]), 0x8000F8u);
-    EXPECT_NE(PaletteOf(target)[8].rgbRed, 0x80) << "the darkest of the picture";
+    EXPECT_EQ(Rgb(PaletteOf(target)[7]), 0x07F807u);
+    EXPECT_EQ(Rgb(PaletteOf(target)[120]), 0xF80707u);
+    EXPECT_NE(Rgb(PaletteOf(target)[8]), 0x08F707u) << "the darkest of the picture";
 
     // Explicit entries hold a place in their red and green bytes; the fifth and seventh name no static colour.
     const RGBQUAD entries[] = {Entry(0x111111),    Entry(0x222222, 1), Entry(0x333333, 4), Entry(0x020000, 2),
                                Entry(0x090000, 2), Entry(0xFA0000, 2), Entry(0x020100, 2)};
-    constexpr uint32_t kept[] = {0x111111, 0x222222, 0x333333, 0x800002, 0, 0x8000FA};
+    constexpr uint32_t kept[] = {0x111111, 0x222222, 0x333333, 0x02FD07, 0, 0xFA0507};
     HPALETTE handle = Z_CreatePalette(entries, 7);
     ASSERT_EQ(Z_ColorResBitmap(&picture, &fromObject, 4, 0, nullptr, handle, 10, nullptr, 0), 1);
     EXPECT_EQ(fromObject.ColorsUsed, 10u);
@@ -354,7 +341,6 @@ TEST(ColorResolution, KnowsTheColoursOfAPaletteDisplay) {
     EXPECT_EQ(asUser.ColorsUsed, 16u);
     EXPECT_EQ(PaletteOf(asUser)[15].rgbReserved, 2) << "entries that the object does not have";
     platform::DeleteObject(handle);
-    Z_DeleteSurface(context);
 }
 
 #endif

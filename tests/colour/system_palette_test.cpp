@@ -6,8 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #ifndef _WIN32
-#include "zkr13n/surface.h"
+#include "support/screen.h"
 #endif
 
 namespace zkr::test {
@@ -31,39 +33,13 @@ TEST(SystemPalette, IsThereOnAPaletteDisplayAlone) {
 
 #else
 
-struct Screen {
-    Screen(int bits, int staticColours) {
-        for (unsigned i = 0; i < 256; ++i)
-            Colours[i] = EntryOf(i, 255 - i, 7);
-        SurfaceDescription description{};
-        description.StructSize = sizeof description;
-        description.Width = description.Height = 1;
-        description.BitsPerPixel = bits;
-        description.Pitch = 4;
-        description.Bits = Pixels;
-        description.Colors = bits <= 8 ? Colours : nullptr;
-        description.ColorCount = bits <= 8 ? 256 : 0;
-        description.StaticColors = staticColours;
-        EXPECT_EQ(Z_CreateSurface(&description, &Context), Z_SUCCESS);
-        Z_SetScreenSurface(Context);
-    }
-    ~Screen() { Z_DeleteSurface(Context); }
-    HDC Context = nullptr;
-    uint8_t Pixels[4] = {};
-    RGBQUAD Colours[256];
-};
-
 TEST(SystemPalette, IsCopiedFromAPaletteDisplay) {
     const Screen screen(8, 20);
     const HPALETTE palette = Z_CreateSystemPalette();
     ASSERT_EQ(Z_GetPaletteSize(palette), 256u);
     RGBQUAD entries[256];
     Z_GetPaletteEntries(palette, 0, 256, entries);
-    for (unsigned i = 0; i < 256; ++i) {
-        ASSERT_EQ(entries[i].rgbRed, i);
-        ASSERT_EQ(entries[i].rgbGreen, 255 - i);
-        ASSERT_EQ(entries[i].rgbBlue, 7);
-    }
+    EXPECT_EQ(std::memcmp(entries, screen.Colours, sizeof entries), 0);
     platform::DeleteObject(palette);
 }
 

@@ -40,21 +40,6 @@ class Files : public ::testing::Test {
     const fs::path folder_ = fs::temp_directory_path() / "zkr13n files test";
 };
 
-TEST_F(Files, ReadWhatWasWritten) {
-    const intptr_t file = Z_OsCreat(Path("a").c_str(), 0);
-    ASSERT_NE(file, -1);
-    EXPECT_EQ(Z_OsWrite(file, "0123456789", 10, 99), 10);
-    EXPECT_EQ(Z_OsSeek(file, 4, Start, 99), 4);
-    char buffer[16] = {};
-    EXPECT_EQ(Z_OsRead(file, buffer, 3, 99), 3);
-    EXPECT_STREQ(buffer, "456");
-    EXPECT_EQ(Z_OsRead(file, buffer, 16, 99), 3) << "a short read at the end";
-    EXPECT_EQ(Z_OsRead(file, buffer, 16, 99), 0);
-    EXPECT_EQ(Z_OsClose(file, 99), 0);
-    EXPECT_EQ(Z_OsClose(file, 99), -1);
-    EXPECT_EQ(Z_OsRead(file, buffer, 1, 0), -1);
-}
-
 TEST_F(Files, SeekFromThreeOrigins) {
     const intptr_t file = Z_OsOpen(MakeFile("a", "0123456789").c_str(), Z_OPEN_READ_WRITE, 0, 0);
     const struct {
@@ -74,14 +59,17 @@ TEST_F(Files, AWriteOfNothingSetsTheEnd) {
     const intptr_t file = Z_OsOpen(path.c_str(), Z_OPEN_READ_WRITE, 0, 0);
     Z_OsSeek(file, 4, Start, 0);
     EXPECT_EQ(Z_OsWrite(file, nullptr, 0, 0), 0);
-    EXPECT_EQ(Z_OsSeek(file, 0, End, 0), 4);
+    char buffer[16];
+    EXPECT_EQ(Z_OsSeek(file, 1, Start, 0), 1);
+    EXPECT_EQ(Z_OsRead(file, buffer, 16, 0), 3) << "a short read at the end";
+    EXPECT_EQ(std::memcmp(buffer, "123", 3), 0);
     EXPECT_EQ(zkr::SetFileLength(file, 100), 0);
     EXPECT_EQ(Z_OsSeek(file, 0, Here, 0), 100);
-    EXPECT_EQ(Z_OsSeek(file, 0, End, 0), 100);
     EXPECT_EQ(zkr::SetFileLength(file, 3), 0);
     EXPECT_EQ(zkr::SetFileLength(file, SIZE_MAX), -1);
-    Z_OsClose(file, 0);
+    EXPECT_EQ(Z_OsClose(file, 0), 0);
     EXPECT_EQ(fs::file_size(path), 3u);
+    EXPECT_EQ(Z_OsClose(file, 0), -1);
     EXPECT_EQ(zkr::SetFileLength(-1, 3), -1);
 }
 
@@ -169,6 +157,9 @@ TEST_F(Files, TemporaryFilesGoWhenTheyAreClosed) {
 
     const intptr_t file = Z_OsCreat(name, Z_CREATE_DELETE_ON_CLOSE);
     ASSERT_NE(file, -1);
+#ifndef _WIN32
+    EXPECT_TRUE(fs::is_empty(folder_)) << "nameless at once, so that a crash leaves none";
+#endif
     EXPECT_EQ(Z_OsWrite(file, "x", 1, 0), 1);
     Z_OsClose(file, 0);
     EXPECT_TRUE(fs::is_empty(folder_));

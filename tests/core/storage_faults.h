@@ -8,7 +8,6 @@
 #include <filesystem>
 
 #ifndef _WIN32
-#include <csignal>
 #include <sys/resource.h>
 #endif
 
@@ -45,23 +44,18 @@ class Fault {
 };
 
 #ifndef _WIN32
-// No file can grow beyond a limit while this lives.
+// No file can grow beyond a limit while this lives; to write past it would be a signal by default.
 class FileSizeLimit {
   public:
     explicit FileSizeLimit(uint64_t bytes) {
-        handler_ = std::signal(SIGXFSZ, SIG_IGN);
         getrlimit(RLIMIT_FSIZE, &before_);
         const rlimit limit = {bytes, before_.rlim_max};
         setrlimit(RLIMIT_FSIZE, &limit);
     }
-    ~FileSizeLimit() {
-        setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
+    ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &before_); }
 
   private:
     rlimit before_;
-    void (*handler_)(int);
 };
 #endif
 
