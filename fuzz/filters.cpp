@@ -70,21 +70,9 @@ Exact Spoilt(const Exact& data, Input& input) {
 
 // Gives a strip from nowhere the head and the sum that the module looks for.
 void Forge(const Exact& data, size_t plain) {
-    const auto groups = static_cast<uint32_t>(plain / 3);
-    const uint8_t head[14] = {'q',
-                              'o',
-                              'i',
-                              'f',
-                              static_cast<uint8_t>(groups >> 24),
-                              static_cast<uint8_t>(groups >> 16),
-                              static_cast<uint8_t>(groups >> 8),
-                              static_cast<uint8_t>(groups),
-                              0,
-                              0,
-                              0,
-                              1,
-                              3,
-                              0};
+    uint8_t head[] = {'q', 'o', 'i', 'f', 0, 0, 0, 0, 0, 0, 0, 1, 3, 0};
+    for (size_t i = 0; i < 4; ++i)
+        head[7 - i] = static_cast<uint8_t>(plain / 3 >> 8 * i);
     std::copy_n(head, sizeof head, data.Get());
     const size_t summed = data.Count - sizeof(uint64_t);
     const uint64_t sum = zkr::filters::Checksum(data.Get(), summed);

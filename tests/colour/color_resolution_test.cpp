@@ -280,7 +280,7 @@ TEST(ColorResolution, LeavesTheSourceWholeWhenStopped) {
                 RowLog log{stop <= 6 ? 0 : stop - 6};
                 const StatusLog status(stop <= 6 ? stop : 0);
                 EXPECT_EQ(log.Resolve(picture, &target, bits, flags), stop <= 6 ? -29 : -77);
-                EXPECT_EQ(status.Percents.back(), 20 * (static_cast<int>(stop <= 6 ? stop : stop - 6) - 1));
+                EXPECT_EQ(status.Seen.back(), 20 * (static_cast<int>(stop <= 6 ? stop : stop - 6) - 1));
                 EXPECT_EQ(Rows(picture), rows);
                 picture.CurrentRow = before.CurrentRow, picture.CurrentRowOffset = before.CurrentRowOffset;
                 EXPECT_EQ(std::memcmp(static_cast<BitmapHandle*>(&picture), &before, sizeof before), 0);

@@ -133,17 +133,5 @@ TEST(FillRow, LeavesWhatItCannotFill) {
     EXPECT_EQ(std::vector<uint8_t>(std::begin(row), std::end(row)), before);
 }
 
-TEST(FillRow, StandsWindowsOutsideThePixel) {
-    for (const int bits : {12, 16}) {
-        for (const auto& [low, high] : {std::pair{9, 3}, {0, 100}, {40, 60}, {2000000000, 2147483647}}) {
-            Canvas canvas(bits, gray, low, high);
-            uint8_t row[12];
-            for (const uint32_t colour : {0x01000FFFu, 0x02000FFFu, 0x0400FFFFu, 0x00FFFFFFu}) {
-                EXPECT_EQ(FillRowWithColor(canvas.Record, colour, row, 3), Z_SUCCESS);
-            }
-        }
-    }
-}
-
 } // namespace
 } // namespace zkr::test

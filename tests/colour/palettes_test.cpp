@@ -275,15 +275,6 @@ TEST_P(BothForms, ChangeForm) {
     EXPECT_EQ(Z_SetPaletteType(&bare, 1), Z_ERROR_BITMAP);
 }
 
-TEST_P(BothForms, FindTheNearestEntry) {
-    const Bitmap bitmap(8, GetParam(),
-                        {EntryOf(0, 0, 0), EntryOf(250, 0, 0), EntryOf(0, 0, 250), EntryOf(0, 0, 250)});
-    const Bitmap bare(8, GetParam());
-    EXPECT_EQ(Z_GetNearestPaletteIndex(&bitmap, 0x000000FA), 1u); // red is the lowest byte
-    EXPECT_EQ(Z_GetNearestPaletteIndex(&bitmap, 0x00F00000), 2u);
-    EXPECT_EQ(Z_GetNearestPaletteIndex(&bare, 0x00F00000), 0u);
-}
-
 // Where the old palette has gone before the new one cannot be made, none is left, and nobody is told.
 TEST_P(BothForms, LoseThePaletteThatCannotBeReplaced) {
     const Entries entries = Sample(5);

@@ -2,11 +2,11 @@
 // the tests of operations on whole bitmaps.
 #pragma once
 
+#include "core/reports.h"
 #include "core/test_bitmaps.h"
 #include "support/pixel_bits.h"
 #include "support/seeded.h"
 #include "zkr13n/allocation.h"
-#include "zkr13n/frame.h"
 
 #include <vector>
 
@@ -55,26 +55,10 @@ struct ColourPicture : Bitmap {
     }
 };
 
-// The thread's status callback while it lives; stops the work at its n-th report.
-class StatusLog {
-  public:
-    explicit StatusLog(size_t stopAt = 0, ReturnCode with = -29) : stopAt_(stopAt), with_(with) {
-        Z_SetStatusCallBack(Hear, reinterpret_cast<intptr_t>(this));
-    }
-    ~StatusLog() { Z_SetStatusCallBack(nullptr, 0); }
-    StatusLog(const StatusLog&) = delete;
-    StatusLog& operator=(const StatusLog&) = delete;
-
-    std::vector<int32_t> Percents;
-
-  private:
-    static ReturnCode Z_CALL Hear(int32_t percent, intptr_t self) {
-        auto& log = *reinterpret_cast<StatusLog*>(self);
-        log.Percents.push_back(percent);
-        return log.Percents.size() == log.stopAt_ ? log.with_ : 1;
-    }
-    size_t stopAt_;
-    ReturnCode with_;
+// Hears the status callback; stops the work at its n-th report, at none for 0.
+struct StatusLog : Reports {
+    explicit StatusLog(size_t stopAt = 0, ReturnCode with = Stopped)
+        : Reports(Z_SetStatusCallBack, stopAt - 1, with) {}
 };
 
 } // namespace zkr::test

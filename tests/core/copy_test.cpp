@@ -1,9 +1,7 @@
 // Copies between all storage classes, their reports and their refusals.
-#include "core/replacement.h"
 #include "core/reports.h"
 #include "core/test_bitmaps.h"
 #include "zkr13n/copy.h"
-#include "zkr13n/locks.h"
 
 namespace zkr::test {
 namespace {
@@ -74,7 +72,7 @@ TEST(CopyData, ReportsToTheCopyCallback) {
 
 TEST(Copy, BadBitmaps) {
     Colour bitmap(4, 4);
-    BitmapHandle none{}, compressed{};
+    BitmapHandle none{};
     for (const auto& [to, from] : {std::pair<BitmapHandle*, BitmapHandle*>{&bitmap, nullptr},
                                    {nullptr, &bitmap},
                                    {&bitmap, &none},
@@ -86,48 +84,6 @@ TEST(Copy, BadBitmaps) {
     EXPECT_EQ(Z_CopyBitmap(&none, nullptr), code::InvalidArgument);
     EXPECT_EQ(Z_CopyBitmap(&none, &none), code::InvalidArgument);
     EXPECT_EQ(Z_CopyBitmap(&bitmap, &bitmap), 1);
-
-    compressed.Flags = Z_FLAG_ALLOCATED | Z_FLAG_MEMORY | Z_FLAG_COMPRESSED;
-    Z_SetSupportLocks(1u << Z_SUPPORT_DOCUMENT);
-    EXPECT_EQ(Z_CopyBitmap(&none, &compressed), Z_ERROR_DOCUMENT_LOCKED);
-    Z_SetSupportLocks(0);
-}
-
-TEST(Copy, IsWholeAndOwnsWhatItHolds) {
-    Bitmap source, copy;
-    std::memset(static_cast<BitmapHandle*>(&copy), 0xCC, sizeof(BitmapHandle));
-    const RGBQUAD palette[4] = {{1, 2, 3, 0}, {4, 5, 6, 0}, {7, 8, 9, 0}, {10, 11, 12, 0}};
-    ASSERT_EQ(Z_CreateBitmap(&source, MemoryDisk, 9, 5, 2, Z_ORDER_RGB, palette, 4, nullptr, 0), 1);
-    source.XResolution = 300;
-    source.PlaybackDelay = 40;
-    const Bytes expected = Fill(source, 2);
-    ASSERT_EQ(Z_CopyBitmap(&copy, &source), 1);
-    EXPECT_NE(copy.Palette, source.Palette);
-    EXPECT_NE(copy.Palette, nullptr);
-    EXPECT_NE(copy.PaintLUT, source.PaintLUT);
-    EXPECT_EQ(Z_FreeBitmap(&source), 1);
-    EXPECT_EQ(copy.Flags & flag::Disk, flag::Disk);
-    EXPECT_EQ(copy.XResolution, 300);
-    EXPECT_EQ(copy.PlaybackDelay, 40);
-    EXPECT_EQ(copy.ViewPerspective, 4);
-    EXPECT_EQ(Rows(copy), expected);
-}
-
-TEST(Replacement, IsCommittedOrReleased) {
-    Colour bitmap(6, 4);
-    const Bytes before = Fill(bitmap, 1);
-    const auto replace = [&](bool commit) {
-        BitmapReplacement replacement(&bitmap);
-        ASSERT_EQ(Z_DupBitmapNewDim(&replacement.record(), &bitmap, 12, 2, 24, Z_DUP_DATA), 1);
-        if (commit) replacement.Commit();
-    };
-    replace(false);
-    EXPECT_EQ(bitmap.Width, 6);
-    EXPECT_EQ(Rows(bitmap), before);
-    replace(true);
-    EXPECT_EQ(bitmap.Width, 12);
-    EXPECT_EQ(bitmap.Height, 2);
-    EXPECT_EQ(Rows(bitmap), Bytes(2 * 36));
 }
 
 } // namespace

@@ -176,12 +176,10 @@ void DitherCase(Seeded& seeded, Digest& digest) {
     Z_FreeBitmap(&bitmap);
 }
 
-constexpr Family Families[] = {
-    {"convert", 6000, ConvertCase},
-    {"dither", 2000, DitherCase},
-    {"palette-object", 500, PaletteObjectCase},
-    {"bitmap-palette", 500, BitmapPaletteCase},
-};
+constexpr Family Families[] = {{"convert", 6000, ConvertCase},
+                               {"dither", 2000, DitherCase},
+                               {"palette-object", 500, PaletteObjectCase},
+                               {"bitmap-palette", 500, BitmapPaletteCase}};
 
 } // namespace
 

@@ -1,48 +1,18 @@
 // Parity cases of colour resolution: bitmaps and lists with given, fixed and optimised palettes.
-#include "parity/digest.h"
+#include "parity/subject.h"
 
-#include "support/pixel_bits.h"
 #include "zkr13n/color_resolution.h"
 #include "zkr13n/palettes.h"
-#include "zkr13n/rows.h"
-#include "zkr13n/storage.h"
-
-#include <vector>
 
 namespace zkr::test {
 namespace {
-
-// Random pixels out of few or many values.
-BitmapHandle MakePicture(Seeded& seeded) {
-    RGBQUAD palette[256];
-    FillRandom(seeded, palette, sizeof palette);
-    const int bits = Pick(seeded, Depths), width = seeded.Between(1, 90), height = seeded.Between(1, 12);
-    const int order = bits == 12 ? 2 : seeded.Below(bits == 16 ? 3 : 2);
-    BitmapHandle bitmap;
-    Z_CreateBitmap(&bitmap, MemoryConventional, width, height, bits, order, palette, 2, nullptr, 0);
-    std::vector<uint64_t> values(static_cast<size_t>(seeded.Between(1, seeded.Below(2) ? 300 : 2000)));
-    FillRandom(seeded, values.data(), values.size() * sizeof(uint64_t));
-    std::vector<uint8_t> row(bitmap.BytesPerLine);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x)
-            WritePixel(row.data(), bits, x, values[static_cast<size_t>(seeded.Below(int(values.size())))]);
-        Z_PutBitmapRow(&bitmap, row.data(), y, bitmap.BytesPerLine);
-    }
-    bitmap.LowBit = seeded.Below(bits);
-    bitmap.HighBit = seeded.Between(bitmap.LowBit, bits - 1);
-    return bitmap;
-}
 
 void AddPicture(Digest& digest, BitmapHandle& bitmap) {
     RGBQUAD entries[256] = {};
     digest.AddRecord(bitmap);
     digest.Add(Z_GetBitmapPaletteEntries(&bitmap, 0, 256, entries));
     digest.Add(entries, sizeof entries);
-    std::vector<uint8_t> row(bitmap.BytesPerLine);
-    for (int y = 0; y < bitmap.Height && (bitmap.Flags & Z_FLAG_ALLOCATED); ++y) {
-        digest.Add(Z_GetBitmapRow(&bitmap, row.data(), y, bitmap.BytesPerLine));
-        digest.Add(row.data(), row.size());
-    }
+    AddPixels(digest, bitmap);
 }
 
 // A bitmap into a target or in place, or a list.
@@ -51,8 +21,9 @@ void ColourResolutionCase(Seeded& seeded, Digest& digest) {
     Z_CreateBitmapList(&list);
     const int kind = seeded.Below(3), items = kind == 0 ? seeded.Below(4) : 1;
     for (int i = 0; i < items; ++i) {
-        const BitmapHandle item = MakePicture(seeded);
+        Subject item(seeded);
         Z_InsertBitmapListItem(list, 9, &item);
+        static_cast<BitmapHandle&>(item) = {};
     }
     RGBQUAD palette[256];
     FillRandom(seeded, palette, sizeof palette);

@@ -1,6 +1,5 @@
 // zkr convert and zkr info on good pictures: what is lossless comes back to the sample, and what is not
 // follows the rules of the conversions, worked out here by hand.
-#include "colour/reference_palettes.h"
 #include "picture_files.h"
 #include "run_program.h"
 
@@ -98,21 +97,6 @@ TEST_F(ConvertTest, FitsOtherDepthsIntoPng) {
     // What was written as 12 bits is read as 12 bits.
     EXPECT_EQ(ConvertedFile("out.png", {"--bits", "12"}), twelve);
     EXPECT_NE(Succeeds({"info", Path("out.png")}).find("12 gray"), std::string::npos);
-}
-
-TEST_F(ConvertTest, FindsEveryColourOfTheFixedPalettes) {
-    for (const int bits : {3, 5, 6, 7, 8}) {
-        const std::vector<RGBQUAD> palette = zkr::test::ReferenceFixedPalette(bits);
-        Picture source = {1 << bits, 1, 8, PNG_COLOR_TYPE_RGB, {}};
-        Picture expected = {1 << bits, 1, 8, PNG_COLOR_TYPE_PALETTE, {}};
-        for (const RGBQUAD& entry : palette) {
-            source.samples.insert(source.samples.end(), {entry.rgbRed, entry.rgbGreen, entry.rgbBlue});
-            expected.samples.push_back(static_cast<uint16_t>(expected.palette.size()));
-            expected.palette.push_back({entry.rgbRed, entry.rgbGreen, entry.rgbBlue});
-        }
-        EXPECT_EQ(Converted(source, {"--bits", std::to_string(bits)}), expected) << bits;
-        EXPECT_EQ(ConvertedFile("out.png", {"--bits", "24"}), source) << bits;
-    }
 }
 
 TEST_F(ConvertTest, ReadsTheRarerFormsOfPng) {

@@ -136,42 +136,6 @@ TEST(Dither, EqualsThePlainRules) {
     }
 }
 
-// One row of 24-bit pixels, blue first, to bytes.
-std::vector<uint8_t> OneRow(int method, const std::vector<RGBQUAD>& palette, uint32_t colors,
-                            std::vector<uint8_t> source) {
-    DitherRequest request;
-    const auto width = static_cast<int>(source.size() / 3);
-    Z_InitBitmap(&request.Bitmap, width, 1, 24);
-    request.Bitmap.DitheringMethod = method;
-    request.Palette = palette;
-    request.Colors = colors;
-    request.TargetBits = 8;
-    std::vector<uint8_t> target(source.size() / 3);
-    DitherRun(request).Line(source.data(), target.data(), width);
-    return target;
-}
-
-using Indices = std::vector<uint8_t>;
-
-TEST(Dither, WorksOutByHand) {
-    // 121 - 0 leaves 121, of which 7 / 16 are 52: 75 + 52 = 127 is still black, 76 + 52 is white. With white
-    // 128 - 255 leaves -127, of which 7 / 16 are -55 and not -56: 183 - 55 = 128.
-    for (const auto& [second, index] : {std::pair{75, 0}, {76, 1}}) {
-        const auto gray = static_cast<uint8_t>(second);
-        EXPECT_EQ((Indices{0, static_cast<uint8_t>(index)}),
-                  OneRow(DitherFloydSteinberg, {}, 2, {121, 121, 121, gray, gray, gray}));
-    }
-    EXPECT_EQ((Indices{1, 1}), OneRow(DitherFloydSteinberg, {}, 2, {128, 128, 128, 183, 183, 183}));
-    EXPECT_EQ((Indices{1, 0}), OneRow(DitherFloydSteinberg, {}, 2, {128, 128, 128, 182, 182, 182}));
-    // Red of the 16 colours is bright or not there; levels of the cube are cut.
-    EXPECT_EQ((Indices{0, 9, 15}), OneRow(DitherNone, {}, 16, {0, 0, 127, 0, 0, 128, 255, 255, 255}));
-    EXPECT_EQ((Indices{5, 4, 180}), OneRow(DitherNone, Cube216(), 256, {255, 0, 0, 254, 0, 0, 50, 50, 255}));
-    // A marked entry is not chosen though it is the colour itself; where all are marked there is but index 0.
-    EXPECT_EQ((Indices{1}), OneRow(DitherNone, {EntryOf(9, 9, 9, 1), EntryOf(200, 200, 200)}, 2, {9, 9, 9}));
-    EXPECT_EQ((Indices{0}),
-              OneRow(DitherNone, {EntryOf(9, 9, 9, 1), EntryOf(200, 200, 200, 2)}, 2, {200, 200, 200}));
-}
-
 TEST(Dither, RefusesAndEnds) {
     struct {
         int depth;

@@ -136,7 +136,7 @@ TEST(ColourCount, StaysInsideTheRegion) {
         uint32_t count = 0;
         EXPECT_EQ(Z_GetBitmapColorCountExt(&picture, &count, nullptr), 1);
         if (form.Bits == 24) {
-            EXPECT_EQ(log.Percents, (std::vector<int32_t>{0, 25, 50, 75, 100}));
+            EXPECT_EQ(log.Seen, (std::vector<int32_t>{0, 25, 50, 75, 100}));
         }
         dispatch.GetBitmapRgnBounds = [](BitmapHandle*, const RegionXform*, RECT*) {
             return ReturnCode{-77};
@@ -158,7 +158,7 @@ TEST(ColourCount, EndsEarlyAndStopsWhenTold) {
     {
         StatusLog log;
         EXPECT_EQ(Z_GetBitmapColorCountExt(&picture, &count, palette), 1);
-        EXPECT_EQ(log.Percents, (std::vector<int32_t>{0, 100}))
+        EXPECT_EQ(log.Seen, (std::vector<int32_t>{0, 100}))
             << "the fourth colour ends it in the first row";
         EXPECT_EQ(count, 4u);
     }
@@ -167,7 +167,7 @@ TEST(ColourCount, EndsEarlyAndStopsWhenTold) {
         count = 77;
         EXPECT_EQ(Z_GetBitmapColorCountExt(&picture, &count, nullptr), 0);
         EXPECT_EQ(count, 77u);
-        EXPECT_EQ(log.Percents.size(), stop);
+        EXPECT_EQ(log.Seen.size(), stop);
     }
     Bitmap empty;
     EXPECT_EQ(Z_GetBitmapColorCountExt(nullptr, &count, nullptr), code::InvalidBitmap);

@@ -102,7 +102,7 @@ TEST(GrayScale, CarriesTheRestOfTheRecordOver) {
         bitmap.Region = &bitmap;
         StatusLog log;
         ASSERT_EQ(Z_GrayScaleBitmap(&bitmap, 12), 1);
-        EXPECT_EQ(log.Percents, (std::vector<int32_t>{0, 20, 40, 60, 80, 100}));
+        EXPECT_EQ(log.Seen, (std::vector<int32_t>{0, 20, 40, 60, 80, 100}));
         EXPECT_EQ(bitmap.Flags, flag::Allocated | flag::RegionUnclipped | flag::PlaybackTransparency |
                                     (type == MemoryDisk ? flag::Disk : flag::Memory));
         EXPECT_EQ(std::tuple(bitmap.ViewPerspective, bitmap.XResolution, bitmap.YResolution),
@@ -120,7 +120,7 @@ TEST(GrayScale, LeavesAloneWhatIsInForm) {
     const BitmapHandle before = picture;
     StatusLog log(1, -29);
     EXPECT_EQ(Z_GrayScaleBitmap(&picture, 16), 1) << "what the callback says does not count";
-    EXPECT_EQ(log.Percents, (std::vector<int32_t>{0, 100}));
+    EXPECT_EQ(log.Seen, (std::vector<int32_t>{0, 100}));
     EXPECT_EQ(std::memcmp(&picture, &before, sizeof before), 0);
 }
 

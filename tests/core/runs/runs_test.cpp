@@ -107,23 +107,6 @@ TEST(CompressedRow, IsBlankOrRefusedWhereThereIsNone) {
     EXPECT_EQ(Z_ERROR_ARGUMENT, Z_FlipCompressedBuffer(words, nullptr, 1));
 }
 
-TEST(RunList, IsMirroredWordByWordAlsoInPlace) {
-    const struct {
-        List From, To;
-    } cases[] = {{{0, 100}, {0, 100}},        {{100}, {100}},      {{}, {0}},
-                 {{3, 4}, {0, 4, 3}},         {{0, 3, 4}, {4, 3}}, {{65535, 0, 4465}, {4465, 0, 65535}},
-                 {{0, 1, 2, 3}, {0, 3, 2, 1}}};
-    for (const auto& [from, to] : cases) {
-        const auto words = static_cast<uint32_t>(from.size());
-        EXPECT_EQ(to.size(), runs::MirroredWords(from.data(), words));
-        List list = from;
-        list.resize(from.size() + 1);
-        runs::MirrorRuns(list.data(), words, list.data());
-        list.resize(to.size());
-        EXPECT_EQ(list, to);
-    }
-}
-
 TEST(RunList, PutTogetherFromPiecesIsTheListOfTheWhole) {
     ForEachRow([](Seeded& seeded, const Pixels& pixels) {
         const List whole = PlainList(pixels);
@@ -157,19 +140,6 @@ TEST(RunList, PutTogetherFromPiecesIsTheListOfTheWhole) {
         ASSERT_EQ(writer.Words(), whole.size());
         ASSERT_EQ(made, whole);
     });
-}
-
-TEST(RunList, IsARowWhereItsLengthsAddUpInNoMoreWordsThanPixels) {
-    const struct {
-        List Words;
-        int32_t Width;
-        bool Good;
-    } cases[] = {{{100}, 100, true},          {{0, 100}, 100, true},           {{40, 59}, 100, false},
-                 {{0, 1, 1, 1}, 3, true},     {{0, 1, 1, 1, 0}, 3, false},     {{}, 0, true},
-                 {{65535, 1}, 65536, true},   {{65535, 65535, 2}, -1, false},  {{1, 65535}, 0, false},
-                 {{0, 0, 0, 100}, 100, true}, {{65535, 65535}, 131069, false}, {{}, 1, false}};
-    for (const auto& [words, width, good] : cases)
-        EXPECT_EQ(good, runs::IsRow(words.data(), static_cast<uint32_t>(words.size()), width)) << width;
 }
 
 } // namespace
