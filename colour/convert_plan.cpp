@@ -10,7 +10,6 @@
 #include "zkr13n/palettes.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 namespace zkr {
@@ -23,13 +22,6 @@ using rows::StretchGray;
 using rows::Target;
 
 namespace {
-
-constexpr auto identityMap = [] {
-    std::array<uint8_t, 128> map{};
-    for (uint8_t i = 0; i < 128; ++i)
-        map[i] = i;
-    return map;
-}();
 
 bool IsDepth(int32_t bits) {
     return (bits >= 0 && bits <= 8) || bits == 12 || bits == 16 || bits == 24 || bits == 32 || bits == 48 ||
@@ -229,7 +221,7 @@ void ConvertPlan::PlanIndices() {
     if (bits == 0) return AddTarget(Source::Gray8, parameters);
     if (bits == 1 && (request_.TargetBits == 24 || request_.TargetBits == 32))
         return AddTarget(Source::Bits1, parameters);
-    if (bits < 8) Add(kernels_.Unpack[bits], {.Table = identityMap.data()});
+    if (bits < 8) Add(kernels_.Unpack[bits], {.Table = rows::IdentityMap.data()});
     AddTarget(Source::Index8, parameters);
 }
 
@@ -247,7 +239,7 @@ void ConvertPlan::PlanIndexMap() {
     const PaletteMap& map =
         PaletteMapFor(source, entries, target, 1 << PixelBits(request_.TargetBits), spareMap_);
     if (bits >= 1 && bits <= 7) {
-        Add(kernels_.Unpack[bits], {.Table = map.IsIdentity ? identityMap.data() : map.Index});
+        Add(kernels_.Unpack[bits], {.Table = map.IsIdentity ? rows::IdentityMap.data() : map.Index});
     } else if (!map.IsIdentity) {
         Add(kernels_.MapBytes, {.Table = map.Index});
     }

@@ -6,7 +6,6 @@
 #include "colour/rows/kernel_set.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 namespace zkr {
@@ -14,17 +13,6 @@ namespace zkr {
 using rows::RowParameters;
 using rows::Source;
 using rows::Target;
-
-namespace {
-
-constexpr auto identityMap = [] {
-    std::array<uint8_t, 128> map{};
-    for (uint8_t i = 0; i < 128; ++i)
-        map[i] = i;
-    return map;
-}();
-
-} // namespace
 
 RowReader::RowReader(const DitherState& state, const BitmapHandle& bitmap)
     : bits_(static_cast<size_t>(state.SourceBits)) {
@@ -43,7 +31,7 @@ RowReader::RowReader(const DitherState& state, const BitmapHandle& bitmap)
     case 48: Add(Source::Deep48, Target::Colour32, colour); break;
     case 64: Add(Source::Deep64, Target::Colour32, colour); break;
     default:
-        if (bits_ < 8) Add(rows::Kernels().Convert.Unpack[bits_], {.Table = identityMap.data()});
+        if (bits_ < 8) Add(rows::Kernels().Convert.Unpack[bits_], {.Table = rows::IdentityMap.data()});
         Add(Source::Index8, Target::Colour32, {.Table = state.SourcePalette, .Mask = (1u << bits_) - 1});
     }
 }

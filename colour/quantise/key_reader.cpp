@@ -4,21 +4,12 @@
 #include "colour/rows/kernel_set.h"
 #include "zkr13n/palettes.h"
 
-#include <array>
-
 namespace zkr {
 
 using rows::Source;
 using rows::Target;
 
 namespace {
-
-constexpr auto identityMap = [] {
-    std::array<uint8_t, 128> map{};
-    for (uint8_t i = 0; i < map.size(); ++i)
-        map[i] = i;
-    return map;
-}();
 
 // Without a level table, the upper eight bits of the window.
 GrayWindow WindowOf(const BitmapHandle& bitmap) {
@@ -47,7 +38,7 @@ KeyReader::KeyReader(const BitmapHandle& bitmap)
 }
 
 void KeyReader::PlanIndices() {
-    if (bits_ < 8) stages_.Append(rows::Kernels().Convert.Unpack[bits_], {.Table = identityMap.data()});
+    if (bits_ < 8) stages_.Append(rows::Kernels().Convert.Unpack[bits_], {.Table = rows::IdentityMap.data()});
     Append(Source::Index8, Target::Colour16, {.Table = palette_, .Mask = (1u << bits_) - 1});
 }
 

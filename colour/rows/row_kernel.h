@@ -5,6 +5,7 @@
 // byte behind the last pixel stay as they were.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -44,6 +45,14 @@ struct RowParameters {
     bool SourceIsRgb = false; // red lies in the low position; else blue
     bool TargetIsRgb = false;
 };
+
+// The map that leaves indices of up to 7 bits as they are.
+static constexpr std::array<uint8_t, 128> IdentityMap = [] {
+    std::array<uint8_t, 128> map{};
+    for (uint8_t i = 0; i < map.size(); ++i)
+        map[i] = i;
+    return map;
+}();
 
 using RowKernel = void (*)(const uint8_t* source, uint8_t* target, size_t pixels,
                            const RowParameters& parameters);
