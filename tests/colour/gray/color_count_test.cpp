@@ -158,8 +158,7 @@ TEST(ColourCount, EndsEarlyAndStopsWhenTold) {
     {
         StatusLog log;
         EXPECT_EQ(Z_GetBitmapColorCountExt(&picture, &count, palette), 1);
-        EXPECT_EQ(log.Seen, (std::vector<int32_t>{0, 100}))
-            << "the fourth colour ends it in the first row";
+        EXPECT_EQ(log.Seen, (std::vector<int32_t>{0, 100})) << "the fourth colour ends it in the first row";
         EXPECT_EQ(count, 4u);
     }
     for (size_t stop = 1; stop <= 5; ++stop) {
