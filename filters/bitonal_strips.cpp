@@ -7,11 +7,6 @@
 
 #include <zlib.h>
 
-extern "C" {
-Z_API FilterLoadBuffer fltLoadBuffer;
-Z_API FilterSaveBuffer fltSaveBuffer;
-}
-
 namespace zkr::filters {
 
 namespace {

@@ -27,11 +27,6 @@ void* Provide(const void* description, int bytes);
 #define QOI_IMPLEMENTATION
 #include <qoi.h>
 
-extern "C" {
-Z_API FilterLoadBuffer fltLoadBuffer;
-Z_API FilterSaveBuffer fltSaveBuffer;
-}
-
 namespace zkr::filters {
 
 namespace {

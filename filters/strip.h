@@ -1,10 +1,15 @@
-// What both modules know of a strip: rows of a multiple of 4 bytes, padding included, one behind the other.
-// The padding is kept like the pixels.
+// What both modules share: the two entries that each of them defines, and what they know of a strip. Rows take
+// a multiple of 4 bytes, padding included, one behind the other; the padding is kept like the pixels.
 #pragma once
 
 #include "zkr13n/filter.h"
 
 #include <cstdint>
+
+extern "C" {
+Z_API FilterLoadBuffer fltLoadBuffer;
+Z_API FilterSaveBuffer fltSaveBuffer;
+}
 
 namespace zkr::filters {
 
