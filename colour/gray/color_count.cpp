@@ -51,8 +51,7 @@ class Tally {
 
     bool WantsColours() const { return palette_ != nullptr; }
 
-    // Without a palette: so many colours at once, which are never more than there can be.
-    bool Add(uint32_t colours) { return (count_ += colours) >= stop_; }
+    void Add(uint32_t colours) { count_ += colours; }
 
     // Whether the answer is known with this colour.
     bool Add(const RGBQUAD& colour) {
@@ -77,8 +76,8 @@ class ColourScan {
         : bits_(static_cast<size_t>(bitmap.BitsPerPixel)), isRgb_(bitmap.Order == Z_ORDER_RGB),
           window_(window), palette_(palette), tally_(tally) {
         PlanStages(bitmap, levels);
-        set_.emplace(SetBytes());
-        if (*set_) std::memset(set_->data(), 0, SetBytes());
+        set_.emplace(SetWords());
+        if (*set_) std::memset(set_->data(), 0, SetWords() * sizeof(uint32_t));
     }
 
     explicit operator bool() const { return static_cast<bool>(*set_); }
@@ -91,6 +90,11 @@ class ColourScan {
             if (CountUnits(stages_.Run(row + piece / 8 * bits_, pixels), skipped, pixels)) return true;
         }
         return false;
+    }
+
+    // Tells the tally what was only put into the set.
+    void Finish() {
+        if (CountsAtEnd()) tally_.Add(rows::Kernels().Count.CountSet(set_->data(), SetWords()));
     }
 
   private:
@@ -124,14 +128,16 @@ class ColourScan {
         toColour32(source, {.SourceIsRgb = isRgb_});
     }
 
-    size_t SetBytes() const {
+    size_t SetWords() const {
         switch (unit_) {
-        case Unit::Index: return 256 / 8;
-        case Unit::Gray: return (size_t{window_.Mask} + 8) / 8;
-        case Unit::Colour16: return 0x8000 / 8;
-        default: return rows::colourSetBytes;
+        case Unit::Index: return 256 / 32;
+        case Unit::Gray: return (size_t{window_.Mask} + 32) / 32;
+        case Unit::Colour16: return 0x8000 / 32;
+        default: return rows::colourSetWords;
         }
     }
+
+    bool CountsAtEnd() const { return unit_ >= Unit::Colour24 && !tally_.WantsColours(); }
 
     bool CountUnits(const uint8_t* units, size_t first, size_t end) {
         switch (unit_) {
@@ -163,9 +169,10 @@ class ColourScan {
         const size_t bytes = packed ? 3 : 4;
         const rows::CountKernels& kernels = rows::Kernels().Count;
         const uint8_t* pixels = units + first * bytes;
-        if (!tally_.WantsColours())
-            return tally_.Add(
-                (packed ? kernels.AddAll24 : kernels.AddAll32)(pixels, end - first, set_->data()));
+        if (CountsAtEnd()) {
+            (packed ? kernels.AddAll24 : kernels.AddAll32)(pixels, end - first, set_->data());
+            return HasAllColours();
+        }
         uint16_t places[Stages::piecePixels];
         const size_t found =
             (packed ? kernels.FindNew24 : kernels.FindNew32)(pixels, end - first, set_->data(), places);
@@ -177,11 +184,17 @@ class ColourScan {
         return false;
     }
 
+    bool HasAllColours() {
+        while (firstOpenWord_ < rows::colourSetWords && (*set_)[firstOpenWord_] == ~0u)
+            ++firstOpenWord_;
+        return firstOpenWord_ == rows::colourSetWords;
+    }
+
     bool IsNew(uint32_t key) {
-        uint8_t& byte = (*set_)[key >> 3];
-        const uint32_t bit = 1u << (key & 7);
-        if ((byte & bit) != 0) return false;
-        byte = static_cast<uint8_t>(byte | bit);
+        uint32_t& word = (*set_)[key >> 5];
+        const uint32_t bit = 1u << (key & 31);
+        if ((word & bit) != 0) return false;
+        word |= bit;
         return true;
     }
 
@@ -209,18 +222,18 @@ class ColourScan {
     Tally& tally_;
     Unit unit_ = Unit::Index;
     Stages stages_;
-    std::optional<ScratchBuffer<uint8_t>> set_;
+    std::optional<ScratchBuffer<uint32_t>> set_;
+    size_t firstOpenWord_ = 0; // words before it are full
 };
 
 // The count with which the answer is known. Nothing but the number of its pixels bounds the colours of a
-// 16-bit colour bitmap.
+// 16-bit colour bitmap, and colours of 24 bits that are counted at the end.
 uint64_t StopCount(const BitmapHandle& bitmap, const FoldedPalette& palette, bool withPalette,
                    uint32_t room) {
     const uint64_t beyond = uint64_t{room} + 1;
     if (bitmap.BitsPerPixel <= 8) return withPalette && room < palette.Distinct ? beyond : palette.Distinct;
     if (withPalette) return beyond;
     if (bitmap.BitsPerPixel == 12) return 1u << 12;
-    if (bitmap.BitsPerPixel >= 24) return 1u << 24;
     return HasGrayWords(bitmap) ? 1u << 16 : ~uint64_t{0};
 }
 
@@ -268,6 +281,8 @@ ReturnCode Z_CALL Z_GetBitmapColorCountExt(BitmapHandle* bitmap, uint32_t* color
     ColourScan scan(*bitmap, window, levels.Entries(), folded, tally);
     if (!scan) return code::OutOfMemory;
     const ReturnCode status = WalkRegion(*bitmap, scan);
-    if (status == code::Success) *colors = tally.count();
-    return status;
+    if (status != code::Success) return status;
+    scan.Finish();
+    *colors = tally.count();
+    return code::Success;
 }

@@ -1,13 +1,14 @@
 // Looks pixels up in a set of colours.
 #include "colour/rows/colour_set.h"
 
+#include <bit>
 #include <cstring>
 
 namespace zkr::rows {
 namespace {
 
-uint32_t IsMissing(const uint8_t* set, uint32_t colour) {
-    return ~static_cast<uint32_t>(set[colour >> 3]) >> (colour & 7) & 1;
+uint32_t IsMissing(const uint32_t* set, uint32_t colour) {
+    return ~set[colour >> 5] >> (colour & 31) & 1;
 }
 
 template <size_t bytes> uint32_t LoadColour(const uint8_t* pixel) {
@@ -19,7 +20,7 @@ template <size_t bytes> uint32_t LoadColour(const uint8_t* pixel) {
 // Groups of four, of which most are known in whole. Nothing is stored into the set, so that no look-up waits
 // for another. A pixel is loaded with four bytes as long as another one follows.
 template <size_t pixelBytes>
-size_t FindNew(const uint8_t* pixels, size_t count, const uint8_t* set, uint16_t* places) {
+size_t FindNew(const uint8_t* pixels, size_t count, const uint32_t* set, uint16_t* places) {
     constexpr size_t group = 4;
     size_t found = 0, i = 0;
     for (; i + group < count; i += group) {
@@ -42,30 +43,20 @@ size_t FindNew(const uint8_t* pixels, size_t count, const uint8_t* set, uint16_t
     return found;
 }
 
-uint32_t AddColour(uint8_t* set, uint32_t colour) {
-    const uint32_t missing = IsMissing(set, colour);
-    set[colour >> 3] = static_cast<uint8_t>(set[colour >> 3] | 1u << (colour & 7));
-    return missing;
+// Nothing is asked, so that nothing can be guessed wrong: what is in the set is counted when all are in it.
+template <size_t pixelBytes> void AddAll(const uint8_t* pixels, size_t count, uint32_t* set) {
+    const auto add = [set](uint32_t colour) { set[colour >> 5] |= 1u << (colour & 31); };
+    size_t i = 0;
+    for (; i + 1 < count; ++i)
+        add(LoadColour<4>(pixels + i * pixelBytes));
+    if (i < count) add(LoadColour<3>(pixels + i * pixelBytes));
 }
 
-template <size_t pixelBytes> uint32_t AddAll(const uint8_t* pixels, size_t count, uint8_t* set) {
-    constexpr size_t group = 4;
-    uint32_t added = 0;
-    size_t i = 0;
-    for (; i + group < count; i += group) {
-        uint32_t colours[group];
-        uint32_t any = 0;
-        for (size_t j = 0; j < group; ++j) {
-            colours[j] = LoadColour<4>(pixels + (i + j) * pixelBytes);
-            any |= IsMissing(set, colours[j]);
-        }
-        if (any == 0) continue;
-        for (size_t j = 0; j < group; ++j)
-            added += AddColour(set, colours[j]);
-    }
-    for (; i < count; ++i)
-        added += AddColour(set, LoadColour<3>(pixels + i * pixelBytes));
-    return added;
+uint32_t CountSet(const uint32_t* set, size_t words) {
+    uint32_t count = 0;
+    for (size_t i = 0; i < words; ++i)
+        count += static_cast<uint32_t>(std::popcount(set[i]));
+    return count;
 }
 
 } // namespace
@@ -73,7 +64,7 @@ template <size_t pixelBytes> uint32_t AddAll(const uint8_t* pixels, size_t count
 namespace ZKR_KERNEL_SET {
 
 extern const CountKernels countKernels;
-const CountKernels countKernels = {FindNew<3>, FindNew<4>, AddAll<3>, AddAll<4>};
+const CountKernels countKernels = {FindNew<3>, FindNew<4>, AddAll<3>, AddAll<4>, CountSet};
 
 } // namespace ZKR_KERNEL_SET
 } // namespace zkr::rows

@@ -161,6 +161,23 @@ TEST(ColourCount, EndsEarlyAndStopsWhenTold) {
         EXPECT_EQ(log.Seen, (std::vector<int32_t>{0, 100})) << "the fourth colour ends it in the first row";
         EXPECT_EQ(count, 4u);
     }
+    {
+        constexpr uint32_t side = 4096; // all colours of 24 bits, and then black
+        Bitmap all;
+        ASSERT_EQ(Z_CreateBitmap(&all, MemoryConventional, side, side + 100, 24, 1, nullptr, 2, nullptr, 0),
+                  1);
+        std::vector<uint8_t> row(all.BytesPerLine);
+        for (uint32_t colour = 0; colour < side * side; ++colour) {
+            std::memcpy(&row[colour % side * 3], &colour, 3);
+            if (colour % side == side - 1)
+                Z_PutBitmapRow(&all, row.data(), int32_t(colour / side), all.BytesPerLine);
+        }
+        StatusLog log;
+        EXPECT_EQ(Z_GetBitmapColorCountExt(&all, &count, nullptr), 1);
+        EXPECT_EQ(count, 1u << 24);
+        EXPECT_EQ(log.Seen[log.Seen.size() - 2], int32_t((side - 1) * 100 / (side + 100)))
+            << "one hundred rows unread";
+    }
     for (size_t stop = 1; stop <= 5; ++stop) {
         StatusLog log(stop, 0);
         count = 77;
