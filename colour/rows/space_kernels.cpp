@@ -4,6 +4,9 @@
 
 #include "colour/rows/colour_spaces.h"
 #include "colour/rows/row_kernel.h"
+#if defined(__AVX2__)
+#include "colour/rows/spaces_avx2.h"
+#endif
 
 #include <cstring>
 
@@ -105,6 +108,9 @@ constexpr SpaceKernels MakeKernels() {
     SpaceKernels kernels = {};
     PlaceClass<uint8_t, 255>(kernels, 0);
     PlaceClass<uint16_t, 65535>(kernels, 1);
+#if defined(__AVX2__)
+    kernels.FromRgb[0][static_cast<size_t>(Space::LumaDifferences)] = RgbToLuma;
+#endif
     return kernels;
 }
 
