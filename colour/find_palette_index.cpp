@@ -58,10 +58,12 @@ using namespace zkr;
 
 int32_t Z_CALL Z_FindPaletteIndex(const RGBQUAD* palette, int32_t entries, int32_t red, int32_t green,
                                   int32_t blue) {
+    if (palette == nullptr) return -1;
     return rows::Kernels().Match.Find(palette, entries, red & 255, green & 255, blue & 255);
 }
 
 uint32_t* Z_CALL Z_CreateUserMatchTable(const RGBQUAD* palette, int32_t entries) {
+    if (palette == nullptr && entries > 0) return nullptr;
     uint32_t* table = static_cast<uint32_t*>(Z_Malloc(matchTableCells * sizeof(uint32_t)));
     if (table == nullptr) return nullptr;
     if (entries >= 1 && entries <= 256) {

@@ -12,6 +12,8 @@ using namespace zkr::platform;
 namespace {
 
 constexpr uint32_t maximumEntries = 256;
+// Some systems take the first entry as a word and drop the bits above.
+constexpr uint32_t mostStart = 0xFFFF;
 
 // As LOGPALETTE, with room for a whole palette.
 struct WholeLogPalette {
@@ -51,7 +53,7 @@ uint32_t Z_CALL Z_GetPaletteSize(HPALETTE palette) {
 }
 
 uint32_t Z_CALL Z_GetPaletteEntries(HPALETTE palette, uint32_t start, uint32_t count, RGBQUAD* destination) {
-    if (palette == nullptr || destination == nullptr) return 0;
+    if (palette == nullptr || destination == nullptr || start > mostStart) return 0;
     uint32_t done = 0;
     while (done < count) {
         PALETTEENTRY some[maximumEntries];
@@ -65,7 +67,7 @@ uint32_t Z_CALL Z_GetPaletteEntries(HPALETTE palette, uint32_t start, uint32_t c
 }
 
 uint32_t Z_CALL Z_SetPaletteEntries(HPALETTE palette, uint32_t start, uint32_t count, const RGBQUAD* source) {
-    if (palette == nullptr || source == nullptr) return 0;
+    if (palette == nullptr || source == nullptr || start > mostStart) return 0;
     uint32_t done = 0;
     while (done < count) {
         PALETTEENTRY some[maximumEntries];

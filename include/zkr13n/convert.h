@@ -33,7 +33,25 @@
  *
  * Gray of 12 and 16 bits may use a part of its bits, its window: low and high bit, as Z_GetGrayParams takes
  * them. The value of a source window is read from it; for a target window it is cut to the window's bits and
- * shifted there. Without a window on either side the upper bits are read, as many as the target can use.
+ * shifted there. Without a window on either side the upper bits are read, as many as the target can use; with
+ * a table of levels all bits are, as the index into it. Without a table the value is stretched to the whole
+ * range of depths 0, 48 and 64 and of a gray ramp for indices, but stands as it is in 24 and 32 bits and in
+ * 16-bit colour.
+ *
+ * Some pairs have rules of their own:
+ *
+ *   - 16-bit colour to gray of 12 and 16 bits, and 16-bit gray through a table to 16-bit gray, without a
+ *     window: the gray fills the upper eight bits, and those below are zero. Through a table at most the upper
+ *     eight bits of a target window are used.
+ *   - 16-bit gray through a table to 12 bits without a window: the weights of green and blue are exchanged.
+ *   - Gray of 12 and 16 bits to depths 0 to 8 with a target window: the value, or the index into the table, is
+ *     read from these bits of the source.
+ *   - 16-bit gray through a table to depths 0 to 8 in the order gray, without a window: the index is as many
+ *     low bits as the target has.
+ *   - 12-bit gray to gray of 12 and 16 bits: a table plays no part.
+ *   - Gray of 12 and 16 bits with a source window to gray of 12 and 16 bits: the value is stretched to the
+ *     whole range, but stands as it is from 12 bits to 12 bits.
+ *   - 48 and 64 bits to a target window without a high bit: the window ends at bit 15, also of 12 bits.
  *
  * Signs are not interpreted.
  */

@@ -32,7 +32,7 @@ Z_BEGIN_DECLS
  * white to the last if that is white, else to the first if that is; the rest of the palette is searched
  * only then. The fourth byte plays no part.
  *
- * -1 when there are no entries.
+ * -1 when there are no entries, and for a null palette.
  *
  * Exhaustive nearest-neighbour search, several entries at a time.
  */
@@ -293,11 +293,11 @@ Z_API HPALETTE Z_CALL Z_CreateSystemPalette(void);
  * is not tied to a bitmap or thread, and dithering takes it in place of one of its own.
  *
  * palette  in: entries RGBQUADs
- * entries  in: 1 to 256
+ * entries  in: their number; with none every cell holds 0
  *
  * 32768 cells; that of a colour stands at (red >> 3) << 10 | (green >> 3) << 5 | blue >> 3 and holds 1 +
  * what Z_FindPaletteIndex gives for the darkest colour of the cell. Released by Z_FreeUserMatchTable.
- * Null where memory is short.
+ * Null where memory is short, and for a null palette of 1 and more entries.
  *
  * All cells at once: blocks of 512 cells, each searched among the entries alone that can be nearest
  * somewhere in the block, after the locally sorted search of Paul S. Heckbert (1982).

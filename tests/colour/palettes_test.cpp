@@ -96,7 +96,10 @@ TEST(PaletteObjects, GiveAndTakeRanges) {
     const uint32_t untouched = Words(got)[0];
     EXPECT_EQ(Z_GetPaletteEntries(palette, 3, 600, got.data()), 2u);
     EXPECT_EQ(Words(got.data(), 3), (std::vector{Words(entries)[3], Words(entries)[4], untouched}));
-    EXPECT_EQ(Z_GetPaletteEntries(palette, 5, 1, got.data()), 0u);
+    for (const uint32_t behind : {5u, 0x10000u, 0xFFFFFFFFu}) {
+        EXPECT_EQ(Z_GetPaletteEntries(palette, behind, 1, got.data()), 0u);
+        EXPECT_EQ(Z_SetPaletteEntries(palette, behind, 1, got.data()), 0u);
+    }
     EXPECT_EQ(Z_GetPaletteEntries(nullptr, 0, 1, got.data()), 0u);
 
     const Entries change = {EntryOf(9, 8, 7, 1), EntryOf(6, 5, 4)};
@@ -311,6 +314,8 @@ TEST(UserMatchTable, HoldsTheNearestEntryOfEachCellsDarkestColour) {
         EXPECT_EQ(Z_FreeUserMatchTable(table), Z_SUCCESS);
     }
     EXPECT_EQ(Z_FreeUserMatchTable(nullptr), Z_SUCCESS);
+    EXPECT_EQ(Z_CreateUserMatchTable(nullptr, 2), nullptr);
+    EXPECT_EQ(Z_FindPaletteIndex(nullptr, 2, 0, 0, 0), -1);
 }
 
 } // namespace
