@@ -129,9 +129,9 @@ struct ReadIndex8 {
             Store(entries + i * 4, _mm256_shuffle_epi8(Masked(Load(palette + i * 4), 0xFFFFFF), order));
     }
     // The second entry of a pair comes with what follows it in memory: that spares an instruction.
-    __m128i Two(uint32_t indices) const {
-        return _mm_unpacklo_epi32(LoadEighth(entries + (indices & 0xFF) * size_t{4}),
-                                  LoadHalf(entries + (indices >> 8 & 0xFF) * size_t{4}));
+    __m128i Two(size_t indices) const {
+        return _mm_unpacklo_epi32(LoadEighth(entries + (indices & 0xFF) * 4),
+                                  LoadHalf(entries + (indices >> 8 & 0xFF) * 4));
     }
     __m128i Four(const uint8_t* source) const {
         uint32_t indices;
