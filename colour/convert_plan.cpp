@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 
 namespace zkr {
 
@@ -57,8 +58,8 @@ int32_t ValueBitsFor(const ConvertRequest& request) {
     return bits >= 48 ? 16 : 8;
 }
 
-GrayWindow WindowFrom12(const ConvertRequest& request) {
-    const int32_t maximum = request.SourcePalette == nullptr ? ValueBitsFor(request) : 12;
+GrayWindow WindowFrom12(const ConvertRequest& request, bool lookup) {
+    const int32_t maximum = lookup ? 12 : ValueBitsFor(request);
     if (request.Has(Z_CONVERT_SOURCE_WINDOW))
         return MakeGrayWindow(12, maximum, request.LowBit, request.HighBit);
     if (request.Has(Z_CONVERT_TARGET_WINDOW))
@@ -157,6 +158,7 @@ bool CheckConversion(ConvertRequest& request) {
 
 ConvertPlan::ConvertPlan(const ConvertRequest& request)
     : request_(request), kernels_(rows::Kernels().Convert) {
+    std::construct_at(&stages_[0]);
     if (request.SourceBits <= 8) {
         PlanIndices();
     } else if (request.SourceBits <= 16 && request.Has(Z_CONVERT_SOURCE_GRAY)) {
@@ -166,12 +168,18 @@ ConvertPlan::ConvertPlan(const ConvertRequest& request)
     }
 }
 
-void ConvertPlan::Add(rows::RowKernel kernel, const RowParameters& parameters) {
-    stages_[stageCount_++] = {kernel, parameters};
+void ConvertPlan::Add(rows::RowKernel kernel) {
+    stages_[stageCount_++].Kernel = kernel;
+    std::construct_at(&stages_[stageCount_]);
 }
 
-void ConvertPlan::Add(Source source, Target target, const RowParameters& parameters) {
-    Add(kernels_.Convert[static_cast<size_t>(source)][static_cast<size_t>(target)], parameters);
+void ConvertPlan::Add(rows::RowKernel kernel, const void* table) {
+    Next().Table = table;
+    Add(kernel);
+}
+
+void ConvertPlan::Add(Source source, Target target) {
+    Add(kernels_.Convert[static_cast<size_t>(source)][static_cast<size_t>(target)]);
 }
 
 bool ConvertPlan::TargetIsGrayWords() const {
@@ -185,30 +193,31 @@ const RGBQUAD* ConvertPlan::TargetPalette() const {
 
 // The last stages of a conversion that goes through colours or scaled gray values. Alpha is left as it was
 // where the source is gray words.
-void ConvertPlan::AddTarget(Source source, RowParameters parameters) {
+void ConvertPlan::AddTarget(Source source) {
     if (TargetIsIndexed()) {
-        Add(source, Target::Colour32, parameters);
+        Add(source, Target::Colour32);
         AddMatch();
         return;
     }
     const bool opaque = source == Source::GrayValue || source == Source::GrayLookup;
-    parameters.TargetIsRgb = request_.TargetOrder == Z_ORDER_RGB;
-    Add(source, TargetOf(request_, opaque), parameters);
-    if (request_.TargetBits == 12) Add(kernels_.Pack12, {});
+    Next().TargetIsRgb = request_.TargetOrder == Z_ORDER_RGB;
+    Add(source, TargetOf(request_, opaque));
+    if (request_.TargetBits == 12) Add(kernels_.Pack12);
 }
 
 void ConvertPlan::AddMatch() {
     const int32_t entries = 1 << request_.TargetBits;
     if (PaletteSearch* search = PaletteSearchFor(TargetPalette(), entries)) {
-        Add(MatchBySearch, {.Table = search});
+        Add(MatchBySearch, search);
     } else {
-        Add(MatchByScan, {.Table = TargetPalette(), .Mask = static_cast<uint32_t>(entries)});
+        Next().Mask = static_cast<uint32_t>(entries);
+        Add(MatchByScan, TargetPalette());
     }
     AddPack();
 }
 
 void ConvertPlan::AddPack() {
-    if (request_.TargetBits >= 1 && request_.TargetBits <= 7) Add(kernels_.Pack[request_.TargetBits], {});
+    if (request_.TargetBits >= 1 && request_.TargetBits <= 7) Add(kernels_.Pack[request_.TargetBits]);
 }
 
 void ConvertPlan::PlanIndices() {
@@ -216,13 +225,13 @@ void ConvertPlan::PlanIndices() {
     if (request_.TargetBits <= 8) return PlanIndexMap();
     const RGBQUAD* palette =
         request_.SourcePalette != nullptr ? request_.SourcePalette : Z_IntGetFixedPalette(bits);
-    RowParameters parameters{.Table = palette, .Mask = (1u << PixelBits(bits)) - 1};
+    const bool single = bits == 1 && (request_.TargetBits == 24 || request_.TargetBits == 32);
+    if (bits >= 1 && bits <= 7 && !single) Add(kernels_.Unpack[bits], rows::IdentityMap.data());
+    RowParameters& parameters = Next();
+    parameters.Table = palette;
+    parameters.Mask = (1u << PixelBits(bits)) - 1;
     if (TargetIsGrayWords()) parameters.Scale = ScaleToGrayWords(request_);
-    if (bits == 0) return AddTarget(Source::Gray8, parameters);
-    if (bits == 1 && (request_.TargetBits == 24 || request_.TargetBits == 32))
-        return AddTarget(Source::Bits1, parameters);
-    if (bits < 8) Add(kernels_.Unpack[bits], {.Table = rows::IdentityMap.data()});
-    AddTarget(Source::Index8, parameters);
+    AddTarget(bits == 0 ? Source::Gray8 : single ? Source::Bits1 : Source::Index8);
 }
 
 // Bytes and packed indices among each other: one map serves the whole row.
@@ -239,9 +248,9 @@ void ConvertPlan::PlanIndexMap() {
     const PaletteMap& map =
         PaletteMapFor(source, entries, target, 1 << PixelBits(request_.TargetBits), spareMap_);
     if (bits >= 1 && bits <= 7) {
-        Add(kernels_.Unpack[bits], {.Table = map.IsIdentity ? rows::IdentityMap.data() : map.Index});
+        Add(kernels_.Unpack[bits], map.IsIdentity ? rows::IdentityMap.data() : map.Index);
     } else if (!map.IsIdentity) {
-        Add(kernels_.MapBytes, {.Table = map.Index});
+        Add(kernels_.MapBytes, map.Index);
     }
     AddPack();
 }
@@ -250,74 +259,77 @@ void ConvertPlan::PlanIndexMap() {
 void ConvertPlan::PlanGray() {
     const bool is12 = request_.SourceBits == 12;
     const bool toWords = TargetIsGrayWords();
-    if (is12 && toWords) request_.SourcePalette = nullptr;
-    const GrayWindow window = is12 ? WindowFrom12(request_) : WindowFrom16(request_);
-    if (request_.SourceBits == request_.TargetBits && toWords && request_.SourcePalette == nullptr &&
+    const RGBQUAD* lookup = is12 && toWords ? nullptr : request_.SourcePalette;
+    const GrayWindow window = is12 ? WindowFrom12(request_, lookup != nullptr) : WindowFrom16(request_);
+    if (request_.SourceBits == request_.TargetBits && toWords && lookup == nullptr &&
         !request_.Has(Z_CONVERT_SOURCE_WINDOW | Z_CONVERT_TARGET_WINDOW))
         return;
-    if (is12) Add(kernels_.Unpack12, {});
-    RowParameters parameters{.Table = request_.SourcePalette, .Mask = window.Mask, .Shift = window.Shift};
+    if (is12) Add(kernels_.Unpack12);
+    RowParameters& parameters = Next();
+    parameters.Table = lookup;
+    parameters.Mask = window.Mask;
+    parameters.Shift = window.Shift;
     if (toWords) {
         is12 ? Plan12ToGray(window) : Plan16ToGray(window);
-    } else if (request_.SourcePalette != nullptr) {
-        AddTarget(Source::GrayLookup, parameters);
+    } else if (lookup != nullptr) {
+        AddTarget(Source::GrayLookup);
     } else {
         parameters.Scale = StretchGray(request_.TargetBits >= 48 ? 0xFFFF : 0xFF, window.Mask);
-        TargetIsIndexed() ? PlanGrayToMap(parameters) : AddTarget(Source::GrayValue, parameters);
+        TargetIsIndexed() ? PlanGrayToMap() : AddTarget(Source::GrayValue);
     }
 }
 
 void ConvertPlan::Plan12ToGray(const GrayWindow& window) {
     if (request_.Has(Z_CONVERT_TARGET_WINDOW)) {
-        AddTarget(Source::GrayValue, {.Mask = 0xFFF, .Scale = UpperBitsOf(12, window)});
-    } else {
-        const GrayScale scale = request_.TargetBits == 12 ? GrayScale{} : StretchGray(0xFFFF, window.Mask);
-        AddTarget(Source::GrayValue, {.Mask = window.Mask, .Shift = window.Shift, .Scale = scale});
+        Next() = {.Mask = 0xFFF, .Scale = UpperBitsOf(12, window)};
+    } else if (request_.TargetBits != 12) {
+        Next().Scale = StretchGray(0xFFFF, window.Mask);
     }
+    AddTarget(Source::GrayValue);
 }
 
 void ConvertPlan::Plan16ToGray(const GrayWindow& window) {
     const bool to12 = request_.TargetBits == 12;
     const RGBQUAD* lookup = request_.SourcePalette;
     const Source source = lookup != nullptr ? Source::GrayLookup : Source::GrayValue;
+    RowParameters& parameters = Next();
     if (request_.Has(Z_CONVERT_SOURCE_WINDOW)) {
         const uint32_t limit = to12 ? 0xFFF : 0xFFFF;
-        const GrayScale scale =
-            lookup != nullptr ? MakeGrayScale(limit, 0xFF) : StretchGray(limit, window.Mask);
-        return AddTarget(source,
-                         {.Table = lookup, .Mask = window.Mask, .Shift = window.Shift, .Scale = scale});
+        parameters.Scale = lookup != nullptr ? MakeGrayScale(limit, 0xFF) : StretchGray(limit, window.Mask);
+        return AddTarget(source);
     }
     // Without a window on the source the whole word is the value, and the index into a lookup table.
-    RowParameters parameters{.Table = lookup, .Mask = 0xFFFF};
+    parameters.Mask = 0xFFFF;
+    parameters.Shift = 0;
     const bool given = request_.Has(Z_CONVERT_TARGET_WINDOW);
     if (lookup == nullptr) {
         parameters.Scale = given ? UpperBitsOf(16, window) : MakeGrayScale(1, 16);
-        AddTarget(source, parameters);
+        AddTarget(source);
     } else if (to12 && !given) {
         // The one place where green and blue exchange their weights.
         parameters.Scale = MakeGrayScale(273, 17);
-        Add(source, Target::SwappedGray, parameters);
-        Add(kernels_.Pack12, {});
+        Add(source, Target::SwappedGray);
+        Add(kernels_.Pack12);
     } else {
         parameters.Scale = to12 ? EightBitsTo(window) : MakeGrayScale(window.Mask, 0xFF, window.Shift);
-        AddTarget(source, parameters);
+        AddTarget(source);
     }
 }
 
 // Gray values without a lookup table to indices: the values become gray levels, and one map serves the row.
-void ConvertPlan::PlanGrayToMap(const RowParameters& parameters) {
+void ConvertPlan::PlanGrayToMap() {
     const PaletteMap& map = PaletteMapFor(nullptr, 256, TargetPalette(), 1 << request_.TargetBits, spareMap_);
-    Add(Source::GrayValue, Target::Gray8, parameters);
-    Add(kernels_.MapBytes, {.Table = map.Index});
+    Add(Source::GrayValue, Target::Gray8);
+    Add(kernels_.MapBytes, map.Index);
     AddPack();
 }
 
 void ConvertPlan::PlanColour() {
     const int32_t bits = request_.SourceBits;
     if (bits == request_.TargetBits && request_.SourceOrder == request_.TargetOrder) return;
-    RowParameters parameters{.SourceIsRgb = request_.SourceOrder == Z_ORDER_RGB};
-    if (TargetIsGrayWords()) parameters.Scale = ScaleToGrayWords(request_);
-    AddTarget(ColourSource(bits), parameters);
+    Next().SourceIsRgb = request_.SourceOrder == Z_ORDER_RGB;
+    if (TargetIsGrayWords()) Next().Scale = ScaleToGrayWords(request_);
+    AddTarget(ColourSource(bits));
 }
 
 } // namespace zkr

@@ -43,7 +43,7 @@ struct GrayWindow;
 // stages a pixel takes at most four bytes.
 class ConvertPlan {
   public:
-    // The request has passed CheckConversion.
+    // The request has passed CheckConversion and stands as long as the plan.
     explicit ConvertPlan(const ConvertRequest& request);
     ConvertPlan(const ConvertPlan&) = delete;
     ConvertPlan& operator=(const ConvertPlan&) = delete;
@@ -59,22 +59,30 @@ class ConvertPlan {
     void PlanGray();
     void Plan12ToGray(const GrayWindow& window);
     void Plan16ToGray(const GrayWindow& window);
-    void PlanGrayToMap(const rows::RowParameters& parameters);
+    void PlanGrayToMap();
     void PlanColour();
 
-    void Add(rows::RowKernel kernel, const rows::RowParameters& parameters);
-    void Add(rows::Source source, rows::Target target, const rows::RowParameters& parameters);
-    void AddTarget(rows::Source source, rows::RowParameters parameters);
+    // The parameters of the stage that is added next, which are filled where they stand: a copy would wait
+    // for each field to reach memory.
+    rows::RowParameters& Next() { return stages_[stageCount_].Parameters; }
+    void Add(rows::RowKernel kernel);
+    void Add(rows::RowKernel kernel, const void* table);
+    void Add(rows::Source source, rows::Target target);
+    void AddTarget(rows::Source source);
     void AddMatch();
     void AddPack();
     bool TargetIsIndexed() const { return request_.TargetBits >= 1 && request_.TargetBits <= 8; }
     bool TargetIsGrayWords() const;
     const RGBQUAD* TargetPalette() const;
 
-    ConvertRequest request_;
+    const ConvertRequest& request_;
     const rows::ConvertKernels& kernels_;
     int32_t stageCount_ = 0;
-    ConvertStage stages_[maximumStages];
+    // Begun one after the other, with one that stands ready behind the last: clearing all takes longer than
+    // making most plans.
+    union {
+        ConvertStage stages_[maximumStages + 1];
+    };
     PaletteMap spareMap_;
 };
 
