@@ -1,19 +1,22 @@
-// Whole pictures dithered: rows out of a conventional bitmap, indices into another.
+// Whole pictures dithered: rows out of a conventional bitmap, indices into a new one.
 #include "pictures.h"
 #include "work.h"
 
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace bench {
 
 namespace {
 
-void DitherAll(int32_t method, const RGBQUAD* palette, uint32_t colors, int32_t targetBits) {
+// Row by row, which is as callers do it who have no bitmap for the indices.
+void DitherLines() {
     static std::vector<uint8_t> target(size_t{PhotographWidth});
     BitmapHandle source = *PhotographBitmap(24, Z_ORDER_BGR);
-    source.DitheringMethod = method;
-    Z_StartDitheringExt(&source, palette, colors, targetBits, nullptr);
+    source.DitheringMethod = DitherFloydSteinberg;
+    Z_StartDithering(&source, Palette256().data(), 256);
     std::vector<uint8_t> row(source.BytesPerLine);
     for (int32_t y = 0; y < source.Height; ++y) {
         Z_GetBitmapRow(&source, row.data(), y, source.BytesPerLine);
@@ -23,23 +26,38 @@ void DitherAll(int32_t method, const RGBQUAD* palette, uint32_t colors, int32_t 
     Touch(target.data());
 }
 
-void Add(int number, const std::string& name, int32_t method, const RGBQUAD* palette, uint32_t colors,
-         int32_t targetBits) {
-    AddWork(number, {name, PhotographPixels, PhotographPixels * static_cast<size_t>(24 + targetBits) / 8,
-                     [=] { DitherAll(method, palette, colors, targetBits); }});
+enum class Target { Bitonal, Given, Fixed };
+
+void DitherBitmap(int32_t method, Target kind) {
+    static std::vector<RGBQUAD> given = Palette256();
+    const bool isGiven = kind == Target::Given;
+    const uint32_t choice = isGiven ? COLORRES_USER_PALETTE : COLORRES_FIXED_PALETTE;
+    BitmapHandle target;
+    Z_ColorResBitmap(PhotographBitmap(24, Z_ORDER_BGR), &target, kind == Target::Bitonal ? 1 : 8,
+                     choice | static_cast<uint32_t>(method) << 16, isGiven ? given.data() : nullptr, nullptr,
+                     0, nullptr, 0);
+    Touch(target.Addr);
+    Z_FreeBitmap(&target);
+}
+
+void Add(int number, const std::string& name, size_t targetBits, std::function<void()> run) {
+    AddWork(number, {name, PhotographPixels, PhotographPixels * (24 + targetBits) / 8, std::move(run)});
+}
+void Add(int number, const std::string& name, int32_t method, Target kind) {
+    Add(number, name, kind == Target::Bitonal ? 1 : 8, [=] { DitherBitmap(method, kind); });
 }
 
 const Adds adds([] {
-    const RGBQUAD* given = Palette256().data();
-    Add(BitonalFloydSteinberg, "24 to 1, Floyd-Steinberg", DitherFloydSteinberg, nullptr, 2, 1);
-    Add(PaletteFloydSteinberg, "24 to 256, Floyd-Steinberg", DitherFloydSteinberg, given, 256, 8);
-    Add(PaletteStucki, "24 to 256, Stucki", DitherStucki, given, 256, 8);
-    Add(PaletteBurkes, "24 to 256, Burkes", DitherBurkes, given, 256, 8);
-    Add(PaletteSierra, "24 to 256, Sierra", DitherSierra, given, 256, 8);
-    Add(PaletteStevensonArce, "24 to 256, Stevenson-Arce", DitherStevensonArce, given, 256, 8);
-    Add(PaletteJarvis, "24 to 256, Jarvis", DitherJarvis, given, 256, 8);
-    Add(BitonalOrdered, "24 to 1, ordered", DitherOrdered, nullptr, 2, 1);
-    Add(FixedOrdered, "24 to 256 fixed, ordered", DitherOrdered, nullptr, 256, 8);
+    Add(BitonalFloydSteinberg, "24 to 1, Floyd-Steinberg", DitherFloydSteinberg, Target::Bitonal);
+    Add(PaletteFloydSteinberg, "24 to 256, Floyd-Steinberg", DitherFloydSteinberg, Target::Given);
+    Add(LinesFloydSteinberg, "the same by Z_DitherLine", 8, DitherLines);
+    Add(PaletteStucki, "24 to 256, Stucki", DitherStucki, Target::Given);
+    Add(PaletteBurkes, "24 to 256, Burkes", DitherBurkes, Target::Given);
+    Add(PaletteSierra, "24 to 256, Sierra", DitherSierra, Target::Given);
+    Add(PaletteStevensonArce, "24 to 256, Stevenson-Arce", DitherStevensonArce, Target::Given);
+    Add(PaletteJarvis, "24 to 256, Jarvis", DitherJarvis, Target::Given);
+    Add(BitonalOrdered, "24 to 1, ordered", DitherOrdered, Target::Bitonal);
+    Add(FixedOrdered, "24 to 256 fixed, ordered", DitherOrdered, Target::Fixed);
 });
 
 } // namespace

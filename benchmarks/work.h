@@ -94,6 +94,7 @@ enum WorkNumber {
 enum DitherWork {
     BitonalFloydSteinberg = Dithers,
     PaletteFloydSteinberg,
+    LinesFloydSteinberg,
     PaletteStucki,
     PaletteBurkes,
     PaletteSierra,

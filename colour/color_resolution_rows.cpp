@@ -1,12 +1,15 @@
 // Walks over the source and makes the target's rows by dithering or conversion.
 #include "colour/color_resolution_rows.h"
 
+#include "colour/dither/dither_state.h"
 #include "colour/gray_window.h"
 #include "colour/level_table.h"
 #include "core/exact_rows.h"
+#include "core/flags.h"
 #include "core/row_walk.h"
+#include "core/scratch.h"
+#include "core/sizes.h"
 #include "zkr13n/convert.h"
-#include "zkr13n/dither.h"
 #include "zkr13n/palettes.h"
 
 #include <algorithm>
@@ -16,19 +19,35 @@ namespace zkr {
 
 namespace {
 
-// Calls make(y) for each row of the source, which leaves the target's row in `row`, and hands that on.
+// Calls make(first, count) for so many rows of the source at once, which leaves the target's in `rows`, and
+// hands these on one by one.
 template <typename Make>
-ReturnCode PassRows(BitmapHandle& source, BitmapHandle& form, BitmapHandle* stored, uint8_t* row,
-                    const RowReceiver& receiver, Make make) {
+ReturnCode PassRows(BitmapHandle& source, BitmapHandle& form, BitmapHandle* stored, uint8_t* rows,
+                    int32_t atOnce, const RowReceiver& receiver, Make make) {
     const BitmapLock lock(&form);
-    return WalkRows(&source, source.Height, StatusReceiver::Status(), [&](int32_t y) {
-        ReturnCode result = make(y);
-        if (result == code::Success && receiver.Callback != nullptr)
-            result = receiver.Callback(&form, row, 1, receiver.UserData);
-        if (result == code::Success && stored != nullptr)
-            result = WriteExactly(*stored, row, y, 0, stored->BytesPerLine);
+    const int32_t groups = source.Height / atOnce + (source.Height % atOnce != 0 ? 1 : 0);
+    return WalkRows(&source, groups, StatusReceiver::Status(), [&](int32_t group) {
+        const int32_t first = group * atOnce;
+        const int32_t count = std::min(atOnce, source.Height - first);
+        ReturnCode result = make(first, count);
+        uint8_t* row = rows;
+        for (int32_t y = first; y < first + count && result == code::Success; ++y) {
+            if (receiver.Callback != nullptr) result = receiver.Callback(&form, row, 1, receiver.UserData);
+            if (result == code::Success && stored != nullptr)
+                result = WriteExactly(*stored, row, y, 0, stored->BytesPerLine);
+            row += form.BytesPerLine;
+        }
         return result;
     });
+}
+
+// Rows are taken together only where nobody can tell: callbacks come between rows, and files, or other storage
+// that can fail, see them read and written in turn.
+int32_t RowsAtOnce(const BitmapHandle& source, const BitmapHandle& form, const RowReceiver& receiver) {
+    const bool isWatched = receiver.Callback != nullptr || StatusReceiver::Status().Callback != nullptr;
+    if (isWatched || !LiesInMemory(source)) return 1;
+    const auto together = static_cast<int32_t>(RowsTogether(*static_cast<DitherState*>(source.DitherData)));
+    return FitsSize(RowsBytes(source, together)) && FitsSize(RowsBytes(form, together)) ? together : 1;
 }
 
 // Bits and bytes of a row behind its last pixel, where pixels of a wider form have been.
@@ -45,13 +64,22 @@ void ClearTail(const BitmapHandle& form, uint8_t* row) {
 
 ReturnCode DitherRows(BitmapHandle& source, BitmapHandle& form, BitmapHandle* stored,
                       const RowReceiver& receiver) {
-    ScratchRow from(source);
-    ScratchRow row(form);
-    if (!from || !row) return code::OutOfMemory;
-    std::memset(row.data(), 0, form.BytesPerLine);
-    return PassRows(source, form, stored, row.data(), receiver, [&](int32_t y) {
-        const ReturnCode result = ReadExactly(source, from.data(), y, 0, source.BytesPerLine);
-        return result == code::Success ? Z_DitherLine(&source, from.data(), row.data()) : result;
+    auto& state = *static_cast<DitherState*>(source.DitherData);
+    const int32_t atOnce = RowsAtOnce(source, form, receiver);
+    const auto targetBytes = static_cast<size_t>(RowsBytes(form, atOnce));
+    ScratchBuffer<uint8_t> from(static_cast<size_t>(RowsBytes(source, atOnce)));
+    ScratchBuffer<uint8_t> rows(targetBytes);
+    if (!from || !rows) return code::OutOfMemory;
+    std::memset(rows.data(), 0, targetBytes);
+    return PassRows(source, form, stored, rows.data(), atOnce, receiver, [&](int32_t first, int32_t count) {
+        uint8_t* row = from.data();
+        for (int32_t y = first; y < first + count; ++y, row += source.BytesPerLine) {
+            const ReturnCode result = ReadExactly(source, row, y, 0, source.BytesPerLine);
+            if (result != code::Success) return result;
+        }
+        DitherRowsTogether(state, source, from.data(), rows.data(), form.BytesPerLine,
+                           static_cast<size_t>(count));
+        return code::Success;
     });
 }
 
@@ -69,7 +97,7 @@ ReturnCode ConvertRows(BitmapHandle& source, BitmapHandle& form, BitmapHandle* s
     RGBQUAD entries[256] = {};
     if (source.BitsPerPixel <= 8) Z_GetBitmapPaletteEntries(&source, 0, 256, entries);
     const uint32_t flags = isGray ? Z_CONVERT_SOURCE_WINDOW : 0;
-    return PassRows(source, form, stored, row.data(), receiver, [&](int32_t y) {
+    return PassRows(source, form, stored, row.data(), 1, receiver, [&](int32_t y, int32_t) {
         ReturnCode result = ReadExactly(source, row.data(), y, 0, source.BytesPerLine);
         if (result != code::Success) return result;
         result = Z_ConvertBufferExt(row.data(), source.Width, source.BitsPerPixel, form.BitsPerPixel,

@@ -35,5 +35,10 @@ inline bool HasFlag(const BitmapHandle& bitmap, uint32_t flags) {
 inline bool IsAllocated(const BitmapHandle* bitmap) {
     return bitmap != nullptr && HasFlag(*bitmap, flag::Allocated);
 }
+// Whether rows lie in one piece of memory, so that reaching them cannot fail.
+inline bool LiesInMemory(const BitmapHandle& bitmap) {
+    constexpr uint32_t classes = flag::Compressed | flag::Tiled | flag::SuperCompressed | flag::Memory;
+    return (bitmap.Flags & classes) == flag::Memory;
+}
 
 } // namespace zkr

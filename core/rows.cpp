@@ -12,11 +12,6 @@ namespace zkr {
 
 namespace {
 
-bool IsPlainMemory(const BitmapHandle& bitmap) {
-    constexpr uint32_t classes = flag::Compressed | flag::Tiled | flag::SuperCompressed | flag::Memory;
-    return (bitmap.Flags & classes) == flag::Memory;
-}
-
 // The row cache follows every access to storage that lies in one piece, of a record without any class too.
 ReturnCode NoStorage(BitmapHandle& bitmap, int32_t row) {
     storage::LocateRow(bitmap, row);
@@ -72,20 +67,20 @@ ReturnCode WriteExactly(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row
 using namespace zkr;
 
 ReturnCode Z_CALL Z_GetBitmapRow(BitmapHandle* bitmap, void* buffer, int32_t row, uint32_t bytes) {
-    if (IsPlainMemory(*bitmap)) [[likely]]
+    if (LiesInMemory(*bitmap)) [[likely]]
         return storage::ReadMemory(*bitmap, static_cast<uint8_t*>(buffer), row, 0, bytes);
     return ReadElsewhere(*bitmap, buffer, row, 0, bytes);
 }
 
 ReturnCode Z_CALL Z_PutBitmapRow(BitmapHandle* bitmap, const void* buffer, int32_t row, uint32_t bytes) {
-    if (IsPlainMemory(*bitmap)) [[likely]]
+    if (LiesInMemory(*bitmap)) [[likely]]
         return storage::WriteMemory(*bitmap, static_cast<const uint8_t*>(buffer), row, 0, bytes);
     return WriteElsewhere(*bitmap, buffer, row, 0, bytes);
 }
 
 ReturnCode Z_CALL Z_GetBitmapRowCol(BitmapHandle* bitmap, void* buffer, int32_t row, int32_t column,
                                     uint32_t bytes) {
-    if (IsPlainMemory(*bitmap)) [[likely]]
+    if (LiesInMemory(*bitmap)) [[likely]]
         return storage::ReadMemory(*bitmap, static_cast<uint8_t*>(buffer), row,
                                    ColumnOffset(bitmap->BitsPerPixel, column), bytes);
     return ReadElsewhere(*bitmap, buffer, row, column, bytes);
@@ -93,7 +88,7 @@ ReturnCode Z_CALL Z_GetBitmapRowCol(BitmapHandle* bitmap, void* buffer, int32_t 
 
 ReturnCode Z_CALL Z_PutBitmapRowCol(BitmapHandle* bitmap, const void* buffer, int32_t row, int32_t column,
                                     uint32_t bytes) {
-    if (IsPlainMemory(*bitmap)) [[likely]]
+    if (LiesInMemory(*bitmap)) [[likely]]
         return storage::WriteMemory(*bitmap, static_cast<const uint8_t*>(buffer), row,
                                     ColumnOffset(bitmap->BitsPerPixel, column), bytes);
     return WriteElsewhere(*bitmap, buffer, row, column, bytes);

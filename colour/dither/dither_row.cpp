@@ -1,4 +1,4 @@
-// One row of a dithering run: piece by piece through reader, method and packer.
+// Rows of a dithering run: piece by piece through reader, method and packer.
 #include "colour/dither/dither_state.h"
 
 #include "colour/dither/row_reader.h"
@@ -11,7 +11,10 @@
 
 namespace zkr {
 
+using rows::DitheredRow;
+using rows::ditherPiece;
 using rows::IndexRule;
+using rows::rowLag;
 
 namespace {
 
@@ -131,6 +134,13 @@ rows::ErrorState StartLine(const DitherState& state) {
     return line;
 }
 
+// A row that has become wider ends where the error rows end.
+size_t WidthOf(const DitherState& state, const BitmapHandle& bitmap) {
+    const int32_t widest =
+        state.ErrorRowCount > 0 ? state.ErrorRowLength - 2 * rows::taps[state.Method].Margin : bitmap.Width;
+    return static_cast<size_t>(std::clamp(bitmap.Width, 0, std::max(widest, 0)));
+}
+
 // Packs indices, of which the target's bits are kept; other pixels of the last byte stay as they are.
 void PackIndices(const DitherState& state, uint8_t* indices, size_t pixels, uint8_t* row, size_t first) {
     const int32_t bits = state.TargetBits;
@@ -176,31 +186,71 @@ void PrepareIndex(DitherState& state) {
 void DitherRow(DitherState& state, const BitmapHandle& bitmap, const uint8_t* source, uint8_t* target) {
     const bool diffuses = state.ErrorRowCount > 0;
     const bool ordered = IsOrdered(state.Method);
-    // A row that has become wider ends where the error rows end.
-    const int32_t widest =
-        diffuses ? state.ErrorRowLength - 2 * rows::taps[state.Method].Margin : bitmap.Width;
-    const auto width = static_cast<size_t>(std::clamp(bitmap.Width, 0, std::max(widest, 0)));
+    const size_t width = WidthOf(state, bitmap);
     const rows::DitherKernels& kernels = rows::Kernels().Dither;
     const auto rule = static_cast<size_t>(state.Rule);
 
     RowReader reader(state, bitmap);
     const OrderedLine thresholds(state);
-    rows::ErrorState errors = diffuses ? StartLine(state) : rows::ErrorState{};
+    DitheredRow row;
+    if (diffuses) row.Errors = StartLine(state);
     if (ordered) ++state.LineCounter;
-    uint8_t quads[ditherPiece * 4 + 4];
-    uint8_t indices[ditherPiece];
     for (size_t first = 0; first < width; first += ditherPiece) {
         const size_t pixels = std::min(ditherPiece, width - first);
-        reader.Read(source, first, pixels, quads);
+        reader.Read(source, first, pixels, row.Quads);
         if (diffuses) {
-            std::memset(quads + pixels * 4, 0, 4);
-            kernels.Diffuse[state.Method][rule](quads, indices, pixels, state.Index, errors);
+            std::memset(row.Quads + pixels * 4, 0, 4);
+            kernels.Diffuse[state.Method][rule](&row, pixels, state.Index);
         } else if (ordered) {
-            thresholds.Run(state, quads, indices, pixels);
+            thresholds.Run(state, row.Quads, row.Indices, pixels);
         } else {
-            kernels.Index[rule](quads, indices, pixels, state.Index);
+            kernels.Index[rule](row.Quads, row.Indices, pixels, state.Index);
         }
-        PackIndices(state, indices, pixels, target, first);
+        PackIndices(state, row.Indices, pixels, target, first);
+    }
+}
+
+size_t RowsTogether(const DitherState& state) {
+    constexpr int32_t narrow = 128; // beginning and end of rows, which are not shared, cost more than is won
+    const bool gains = state.ErrorRowCount > 0 && state.ErrorRowLength >= narrow;
+    return gains ? rows::Kernels().Dither.RowsTogether[state.Method] : 1;
+}
+
+void DitherRowsTogether(DitherState& state, const BitmapHandle& bitmap, const uint8_t* sources,
+                        uint8_t* targets, size_t targetBytes, size_t count) {
+    if (count == 1 || count != RowsTogether(state)) {
+        for (size_t row = 0; row < count; ++row)
+            DitherRow(state, bitmap, sources + row * bitmap.BytesPerLine, targets + row * targetBytes);
+        return;
+    }
+    const size_t width = WidthOf(state, bitmap);
+    const size_t lowestLag = (count - 1) * rowLag;
+    const rows::DitherKernels& kernels = rows::Kernels().Dither;
+    const auto rule = static_cast<size_t>(state.Rule);
+
+    RowReader reader(state, bitmap);
+    DitheredRow work[rows::mostRowsTogether];
+    size_t step = 0;
+    for (size_t at = 0; at < width + lowestLag; at += step) {
+        // Where the lowest row has not begun or the uppermost is at its end they go one by one.
+        const size_t shared = at >= lowestLag && at < width ? (width - at) / rowLag * rowLag : 0;
+        step = shared > 0 ? std::min(shared, ditherPiece) : rowLag;
+        const auto forEachRow = [&](auto visit) {
+            for (size_t row = 0; row < count; ++row) {
+                const size_t first = at - row * rowLag; // wraps for a row that has not begun
+                if (first < width) visit(row, first, std::min(step, width - first));
+            }
+        };
+        forEachRow([&](size_t row, size_t first, size_t pixels) {
+            if (first == 0) work[row].Errors = StartLine(state);
+            reader.Read(sources + row * bitmap.BytesPerLine, first, pixels, work[row].Quads);
+            std::memset(work[row].Quads + pixels * 4, 0, 4);
+            if (shared == 0) kernels.Diffuse[state.Method][rule](&work[row], pixels, state.Index);
+        });
+        if (shared > 0) kernels.DiffuseTogether[state.Method][rule](work, step, state.Index);
+        forEachRow([&](size_t row, size_t first, size_t pixels) {
+            PackIndices(state, work[row].Indices, pixels, targets + row * targetBytes, first);
+        });
     }
 }
 

@@ -66,4 +66,10 @@ void PrepareIndex(DitherState& state);
 // Dithers one row of pixels of the bitmap's format into packed indices.
 void DitherRow(DitherState& state, const BitmapHandle& bitmap, const uint8_t* source, uint8_t* target);
 
+// How many rows are best dithered together, 1 to rows::mostRowsTogether, and the same for so many rows, or fewer,
+// that follow each other. Nothing is left otherwise than by one after the other.
+size_t RowsTogether(const DitherState& state);
+void DitherRowsTogether(DitherState& state, const BitmapHandle& bitmap, const uint8_t* sources,
+                        uint8_t* targets, size_t targetBytes, size_t count);
+
 } // namespace zkr

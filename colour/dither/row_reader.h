@@ -1,6 +1,7 @@
 // Rows of any depth as pixels of four bytes: blue, green, red and one without meaning.
 #pragma once
 
+#include "colour/rows/dither_rows.h"
 #include "colour/rows/row_kernel.h"
 #include "zkr13n/bitmap.h"
 
@@ -11,15 +12,12 @@ namespace zkr {
 
 struct DitherState;
 
-// The pixels that are in work at a time; a multiple of 8, so that every piece of a row begins on a byte.
-inline constexpr size_t ditherPiece = 512;
-
 // The order and the level table are those that the bitmap has when the reader is made.
 class RowReader {
   public:
     RowReader(const DitherState& state, const BitmapHandle& bitmap);
 
-    // Reads the pixels from one that is a multiple of 8 on; at most ditherPiece.
+    // Reads the pixels from one that is a multiple of 8 on; at most a piece.
     void Read(const uint8_t* row, size_t first, size_t pixels, uint8_t* quads);
 
   private:
@@ -40,7 +38,7 @@ class RowReader {
     uint32_t levelCount_ = 0;
     uint32_t mask_ = 0;
     uint32_t shift_ = 0;
-    uint8_t between_[2][ditherPiece * 2]; // words at most
+    uint8_t between_[2][rows::ditherPiece * 2]; // words at most
 };
 
 } // namespace zkr

@@ -73,7 +73,7 @@ void IndexRow(const uint8_t* __restrict quads, uint8_t* __restrict indices, size
 // pixel with its error: source has its channels, early and late add up to its undivided error as it would be
 // if the chosen colour were black. Early is there a little before late.
 
-template <class Rule> struct Chooser {
+template <class Rule, size_t rows> struct Chooser {
     Rule rule;
     const RGBQUAD* colours;
     const int32_t (*weighted)[4];
@@ -82,44 +82,57 @@ template <class Rule> struct Chooser {
 
     struct Choice {
         const Chooser& of;
-        uint32_t index;
+        uint32_t indices[rows];
 
-        uint8_t Index() const { return static_cast<uint8_t>(index); }
-        ErrorLanes Colour() const { return Channels(LoadQuad(of.colours + index)); }
-        template <int32_t divisor> ErrorLanes Next(ErrorLanes source, SumLanes early, SumLanes late) const {
-            return AddQuotient<divisor>(source, early + late, LoadCell(of.weighted[index]));
+        uint8_t Index(size_t row) const { return static_cast<uint8_t>(indices[row]); }
+        ErrorLanes<rows> Colour() const {
+            return SideBySide<rows>(
+                [&](size_t row) { return Channels(LoadQuad(of.colours + indices[row])); });
+        }
+        template <int32_t divisor>
+        ErrorLanes<rows> Next(ErrorLanes<rows> source, SumLanes<rows> early, SumLanes<rows> late) const {
+            const SumLanes<rows> chosen =
+                SideBySide<rows>([&](size_t row) { return LoadCell(of.weighted[indices[row]]); });
+            return AddQuotient<divisor>(source, early + late, chosen);
         }
     };
-    Choice operator()(const ClampedChannels& colour) const { return {*this, rule(colour.Quad)}; }
+    Choice operator()(const ClampedChannels<rows>& colour) const {
+        Choice choice{*this, {}};
+        for (size_t row = 0; row < rows; ++row)
+            choice.indices[row] = rule(colour.Quad(row));
+        return choice;
+    }
 };
 
 // Both colours, of which the lower is black, are followed up while it is being decided which it will be.
-struct TwoLevelsChooser {
-    ErrorLanes upper;
-    SumLanes weighted;
+template <size_t rows> struct TwoLevelsChooser {
+    ErrorLanes<rows> upper;
+    SumLanes<rows> weighted;
 
     explicit TwoLevelsChooser(const IndexParameters& p)
-        : upper(Channels(LoadQuad(p.Colours + 1))), weighted(LoadCell(p.Weighted[1])) {}
+        : upper(SideBySide<rows>([&](size_t) { return Channels(LoadQuad(p.Colours + 1)); })),
+          weighted(SideBySide<rows>([&](size_t) { return LoadCell(p.Weighted[1]); })) {}
 
     struct Choice {
         const TwoLevelsChooser& of;
-        ErrorLanes isUpper;
+        ErrorLanes<rows> isUpper;
 
-        uint8_t Index() const { return static_cast<uint8_t>(isUpper[0] & 1); }
-        ErrorLanes Colour() const { return isUpper & of.upper; }
-        template <int32_t divisor> ErrorLanes Next(ErrorLanes source, SumLanes early, SumLanes late) const {
-            const ErrorLanes ifUpper = source + Divide<divisor>(Sum(early + of.weighted, late));
-            const ErrorLanes ifLower = source + Divide<divisor>(Sum(early, late));
+        uint8_t Index(size_t row) const { return static_cast<uint8_t>(isUpper[row * 4] & 1); }
+        ErrorLanes<rows> Colour() const { return isUpper & of.upper; }
+        template <int32_t divisor>
+        ErrorLanes<rows> Next(ErrorLanes<rows> source, SumLanes<rows> early, SumLanes<rows> late) const {
+            const ErrorLanes<rows> ifUpper = source + Divide<divisor>(Sum(early + of.weighted, late));
+            const ErrorLanes<rows> ifLower = source + Divide<divisor>(Sum(early, late));
             return isUpper ? ifUpper : ifLower;
         }
     };
-    Choice operator()(const ClampedChannels& colour) const {
+    Choice operator()(const ClampedChannels<rows>& colour) const {
         constexpr int32_t belowUpper = 128 * 8 - 4 - 1; // the gray is (sum + 4) / 8
         return {*this, WeighedSum(colour) > belowUpper};
     }
 };
 
-template <int32_t weight> inline SumLanes Plus(SumLanes sum, SumLanes error) {
+template <int32_t weight, class V> inline V Plus(V sum, V error) {
     if constexpr (weight == 0)
         return sum;
     else
@@ -132,25 +145,41 @@ constexpr int32_t NearPowerOfTwo(int32_t weight) {
 
 using Cells = int32_t (*)[4];
 
+// How far a row so many rows below is behind.
+constexpr ptrdiff_t Behind(size_t rows) {
+    return static_cast<ptrdiff_t>(rows * rowLag);
+}
+
+// The cells of rows in the same lanes, by that of the first one.
+template <size_t rows> inline SumLanes<rows> LoadCells(Cells at) {
+    return SideBySide<rows>([&](size_t row) { return LoadCell(at[-Behind(row)]); });
+}
+template <size_t rows> inline void StoreCells(Cells at, SumLanes<rows> cells) {
+    for (size_t row = 0; row < rows; ++row)
+        StoreCell(at[-Behind(row)], LanesOfRow(cells, row));
+}
+
 // The cells of one row below that the taps of a pixel reach, kept out of memory until the last of them has
 // been met. Cells enter with what the row below them holds, so that all rows have moved up by one when the
 // line ends.
-template <size_t method, int32_t row, class = std::make_integer_sequence<int32_t, 2 * taps[method].Margin>>
+template <size_t method, size_t rows, int32_t row,
+          class = std::make_integer_sequence<int32_t, 2 * taps[method].Margin>>
 class Window;
-template <size_t method, int32_t row, int32_t... cell>
-class Window<method, row, std::integer_sequence<int32_t, cell...>> {
+template <size_t method, size_t rows, int32_t row, int32_t... cell>
+class Window<method, rows, row, std::integer_sequence<int32_t, cell...>> {
     static constexpr const Taps& t = taps[method];
     static constexpr int32_t last = 2 * t.Margin;
+    using Sums = SumLanes<rows>;
 
   public:
-    explicit Window(Cells at) : sums_{LoadCell(at[cell - t.Margin])...} {}
-    void Step(Cells at, SumLanes entering, SumLanes error) {
+    explicit Window(Cells at) : sums_{LoadCells<rows>(at + cell - t.Margin)...} {}
+    void Step(Cells at, Sums entering, Sums error) {
         sums_[last] = Plus<t.Weight(row, t.Margin)>(entering, error);
-        StoreCell(at[-t.Margin], Plus<t.Weight(row, -t.Margin)>(sums_[0], error));
+        StoreCells<rows>(at - t.Margin, Plus<t.Weight(row, -t.Margin)>(sums_[0], error));
         ((sums_[cell] = sums_[cell + 1]), ...);
         ((sums_[cell] = Plus<InnerWeight(cell)>(sums_[cell], error)), ...);
     }
-    void Store(Cells at) const { (StoreCell(at[cell - t.Margin], sums_[cell]), ...); }
+    void Store(Cells at) const { (StoreCells<rows>(at + cell - t.Margin, sums_[cell]), ...); }
 
   private:
     // Of a cell that has moved on by one; that of the last cell is counted when it enters.
@@ -158,66 +187,114 @@ class Window<method, row, std::integer_sequence<int32_t, cell...>> {
         return place + 1 < last ? t.Weight(row, place + 1 - t.Margin) : 0;
     }
 
-    SumLanes sums_[last + 1];
+    Sums sums_[last + 1];
 };
 
-template <size_t method, class Rows = std::make_integer_sequence<int32_t, taps[method].Rows>> class Windows;
-template <size_t method, int32_t... row>
-class Windows<method, std::integer_sequence<int32_t, row...>> : Window<method, row + 1>... {
+template <size_t method, size_t rows, class Rows = std::make_integer_sequence<int32_t, taps[method].Rows>>
+class Windows;
+template <size_t method, size_t rows, int32_t... row>
+class Windows<method, rows, std::integer_sequence<int32_t, row...>> : Window<method, rows, row + 1>... {
     static constexpr const Taps& t = taps[method];
+    using Sums = SumLanes<rows>;
 
   public:
-    explicit Windows(const Cells (&rows)[mostErrorRows]) : Window<method, row + 1>(rows[row])... {}
-    void Step(const Cells (&rows)[mostErrorRows], ptrdiff_t pixel, SumLanes error) {
-        (Window<method, row + 1>::Step(rows[row] + pixel, Entering<row + 1>(rows, pixel), error), ...);
+    Windows(const Cells (&below)[mostErrorRows], ptrdiff_t pixel)
+        : Window<method, rows, row + 1>(below[row] + pixel)... {}
+    void Step(const Cells (&below)[mostErrorRows], ptrdiff_t pixel, Sums error) {
+        (Window<method, rows, row + 1>::Step(below[row] + pixel, Entering<row + 1>(below, pixel), error),
+         ...);
     }
-    void Store(const Cells (&rows)[mostErrorRows], ptrdiff_t pixel) const {
-        (Window<method, row + 1>::Store(rows[row] + pixel), ...);
+    void Store(const Cells (&below)[mostErrorRows], ptrdiff_t pixel) const {
+        (Window<method, rows, row + 1>::Store(below[row] + pixel), ...);
     }
 
   private:
-    template <int32_t below> static SumLanes Entering(const Cells (&rows)[mostErrorRows], ptrdiff_t pixel) {
-        if constexpr (below < t.Rows)
-            return LoadCell(rows[below][pixel + t.Margin]);
+    template <int32_t from> static Sums Entering(const Cells (&below)[mostErrorRows], ptrdiff_t pixel) {
+        if constexpr (from < t.Rows)
+            return LoadCells<rows>(below[from] + pixel + t.Margin);
         else
-            return SumLanes{};
+            return Sums{};
     }
 };
 
-template <size_t method, class Choose>
-void Diffuse(const uint8_t* quads, uint8_t* indices, size_t pixels, const IndexParameters& parameters,
-             ErrorState& state) {
-    constexpr const Taps& t = taps[method];
-    constexpr int32_t nearPower =
+// Rows that follow each other, in the same lanes. A strand and the next one differ only in the place of their
+// rows, so that the steps of two can be done in turn: while one waits for its colours the other goes on.
+// Places are those of the first row's pixel.
+template <size_t method, size_t rows, class Choose> class Strand {
+    static constexpr const Taps& t = taps[method];
+    static constexpr int32_t nearPower =
         NearPowerOfTwo(t.Weight(0, 1)); // the only shift on the way to the next pixel
-    const Choose choose(parameters);
-    SumLanes first = LoadCell(state.Sums[0]);
-    SumLanes second = LoadCell(state.Sums[1]);
-    const Cells rows[mostErrorRows] = {state.Rows[0], state.Rows[1], state.Rows[2]};
-    Windows<method> windows(rows);
-    ErrorLanes pixel = Channels(LoadQuad(quads)) + LoadLanes<ErrorLanes>(state.Error);
-    const auto count = static_cast<ptrdiff_t>(pixels);
-    for (ptrdiff_t i = 0; i < count; ++i) {
-        const ClampedChannels colour = Clamp(pixel);
+    using Sums = SumLanes<rows>;
+    using Errors = ErrorLanes<rows>;
+
+  public:
+    Strand(const DitheredRow* work, const Cells (&below)[mostErrorRows], ptrdiff_t place)
+        : pixel_(Source(work, 0) + SideBySide<rows>([&](size_t row) {
+                     return LoadLanes<ErrorLanes<1>>(work[row].Errors.Error);
+                 })),
+          first_(SideBySide<rows>([&](size_t row) { return LoadCell(work[row].Errors.Sums[0]); })),
+          second_(SideBySide<rows>([&](size_t row) { return LoadCell(work[row].Errors.Sums[1]); })),
+          windows_(below, place) {}
+
+    void Step(const Choose& choose, DitheredRow* work, size_t pixel, const Cells (&below)[mostErrorRows],
+              ptrdiff_t place) {
+        const ClampedChannels<rows> colour = Clamp(pixel_);
         const auto choice = choose(colour);
-        const SumLanes farthest = LoadCell(rows[0][i + t.Margin]);
-        const auto channels = reinterpret_cast<SumLanes>(colour.Lanes);
-        const SumLanes waiting = t.Margin == 1 ? farthest : first;
-        pixel = choice.template Next<t.Divisor>(Channels(LoadQuad(quads + (i + 1) * 4)),
-                                                Plus<t.Weight(0, 1) - nearPower>(waiting, channels),
-                                                Plus<nearPower>(SumLanes{}, channels));
-        indices[i] = choice.Index();
-        const auto missed = reinterpret_cast<SumLanes>(colour.Lanes - choice.Colour());
-        first = Plus<t.Weight(0, 2)>(t.Margin == 2 ? farthest : second, missed);
-        second = farthest;
-        windows.Step(rows, i, missed);
+        const Sums farthest = LoadCells<rows>(below[0] + place + t.Margin);
+        const Sums channels = AsSums(colour.Lanes);
+        const Sums waiting = t.Margin == 1 ? farthest : first_;
+        pixel_ = choice.template Next<t.Divisor>(Source(work, pixel + 1),
+                                                 Plus<t.Weight(0, 1) - nearPower>(waiting, channels),
+                                                 Plus<nearPower>(Sums{}, channels));
+        for (size_t row = 0; row < rows; ++row)
+            work[row].Indices[pixel] = choice.Index(row);
+        const Sums missed = AsSums(colour.Lanes - choice.Colour());
+        first_ = Plus<t.Weight(0, 2)>(t.Margin == 2 ? farthest : second_, missed);
+        second_ = farthest;
+        windows_.Step(below, place, missed);
     }
-    windows.Store(rows, count);
-    std::memcpy(state.Error, &pixel, sizeof pixel);
-    StoreCell(state.Sums[0], first);
-    StoreCell(state.Sums[1], second);
-    for (int32_t row = 0; row < t.Rows; ++row)
-        state.Rows[row] += pixels;
+
+    void Store(DitheredRow* work, const Cells (&below)[mostErrorRows], ptrdiff_t place) const {
+        windows_.Store(below, place);
+        for (size_t row = 0; row < rows; ++row) {
+            StoreCell(work[row].Errors.Error, LanesOfRow(pixel_, row));
+            StoreCell(work[row].Errors.Sums[0], LanesOfRow(first_, row));
+            StoreCell(work[row].Errors.Sums[1], LanesOfRow(second_, row));
+        }
+    }
+
+  private:
+    static Errors Source(const DitheredRow* work, size_t pixel) {
+        return SideBySide<rows>([&](size_t row) { return Channels(LoadQuad(work[row].Quads + pixel * 4)); });
+    }
+
+    Errors pixel_;
+    Sums first_;
+    Sums second_;
+    Windows<method, rows> windows_;
+};
+
+template <size_t method, size_t rows, class Choose, size_t... strand>
+[[gnu::flatten]] void DiffuseStrands(std::index_sequence<strand...>, DitheredRow* work, size_t pixels,
+                                     const IndexParameters& parameters) {
+    const Choose choose(parameters);
+    const auto& first = work->Errors.Rows;
+    const Cells below[mostErrorRows] = {first[0], first[1], first[2]};
+    Strand<method, rows, Choose> strands[] = {{work + strand * rows, below, -Behind(strand * rows)}...};
+    for (size_t i = 0; i < pixels; ++i) {
+        const auto place = static_cast<ptrdiff_t>(i);
+        (strands[strand].Step(choose, work + strand * rows, i, below, place - Behind(strand * rows)), ...);
+    }
+    const auto end = static_cast<ptrdiff_t>(pixels);
+    (strands[strand].Store(work + strand * rows, below, end - Behind(strand * rows)), ...);
+    for (size_t row = 0; row < sizeof...(strand) * rows; ++row)
+        for (int32_t level = 0; level < taps[method].Rows; ++level)
+            work[row].Errors.Rows[level] += pixels;
+}
+
+template <size_t method, size_t rows, size_t strands, class Choose>
+void Diffuse(DitheredRow* work, size_t pixels, const IndexParameters& parameters) {
+    DiffuseStrands<method, rows, Choose>(std::make_index_sequence<strands>{}, work, pixels, parameters);
 }
 
 void Shift(uint8_t* bytes, size_t count, const uint8_t* up, const uint8_t* down) {
@@ -240,13 +317,29 @@ void Compare(uint8_t* bytes, size_t count, const uint8_t* thresholds, uint8_t ma
     }
 }
 
-template <size_t method> constexpr void PlaceDiffusion(DitherKernels& kernels) {
-    DiffuseKernel* row = kernels.Diffuse[method];
-    row[static_cast<size_t>(IndexRule::TwoLevels)] = Diffuse<method, TwoLevelsChooser>;
-    row[static_cast<size_t>(IndexRule::FourLevels)] = Diffuse<method, Chooser<GrayRule<6>>>;
-    row[static_cast<size_t>(IndexRule::Slices)] = Diffuse<method, Chooser<SliceRule>>;
-    row[static_cast<size_t>(IndexRule::Cube)] = Diffuse<method, Chooser<CubeRule>>;
-    row[static_cast<size_t>(IndexRule::Table)] = Diffuse<method, Chooser<TableRule>>;
+template <size_t method, size_t rows, size_t strands>
+constexpr void PlaceDiffusion(DiffuseKernel (&kernels)[indexRules]) {
+    const auto place = [&](IndexRule rule, DiffuseKernel kernel) {
+        kernels[static_cast<size_t>(rule)] = kernel;
+    };
+    place(IndexRule::TwoLevels, Diffuse<method, rows, strands, TwoLevelsChooser<rows>>);
+    place(IndexRule::FourLevels, Diffuse<method, rows, strands, Chooser<GrayRule<6>, rows>>);
+    place(IndexRule::Slices, Diffuse<method, rows, strands, Chooser<SliceRule, rows>>);
+    place(IndexRule::Cube, Diffuse<method, rows, strands, Chooser<CubeRule, rows>>);
+    place(IndexRule::Table, Diffuse<method, rows, strands, Chooser<TableRule, rows>>);
+}
+
+// Rows go together where lanes have room for several; in two strands, unless one alone has more sums to keep
+// than there are registers.
+template <size_t method> constexpr void PlaceDiffusions(DitherKernels& kernels) {
+    constexpr size_t strands = taps[method].Margin < 3 ? 2 : 1;
+    static_assert(rowsInLanes * strands <= mostRowsTogether);
+    PlaceDiffusion<method, 1, 1>(kernels.Diffuse[method]);
+    kernels.RowsTogether[method] = 1;
+    if constexpr (rowsInLanes > 1) {
+        kernels.RowsTogether[method] = rowsInLanes * strands;
+        PlaceDiffusion<method, rowsInLanes, strands>(kernels.DiffuseTogether[method]);
+    }
 }
 
 template <size_t... method> constexpr DitherKernels MakeKernels(std::index_sequence<method...>) {
@@ -256,7 +349,7 @@ template <size_t... method> constexpr DitherKernels MakeKernels(std::index_seque
     kernels.Index[static_cast<size_t>(IndexRule::Slices)] = IndexRow<SliceRule>;
     kernels.Index[static_cast<size_t>(IndexRule::Cube)] = IndexRow<CubeRule>;
     kernels.Index[static_cast<size_t>(IndexRule::Table)] = IndexRow<TableRule>;
-    (PlaceDiffusion<method + 1>(kernels), ...);
+    (PlaceDiffusions<method + 1>(kernels), ...);
     kernels.Shift = Shift;
     kernels.Compare = Compare;
     return kernels;

@@ -86,10 +86,27 @@ struct ErrorState {
     int32_t (*Rows[mostErrorRows])[4]; // the cell of the next pixel in the rows below, uppermost first
 };
 
+// The pixels of a row that are in work at a time; a multiple of 8, so that every piece of a row begins on a
+// byte.
+inline constexpr size_t ditherPiece = 512;
+
+// A row under way, with its piece.
+struct DitheredRow {
+    ErrorState Errors;
+    uint8_t Quads[(ditherPiece + 1) * 4];
+    uint8_t Indices[ditherPiece];
+};
+
+// Rows of a picture may be under way together, each so many pixels behind the row above it that their taps do
+// not meet: what a row leaves in the cells is there when the next one comes. Again a multiple of 8.
+inline constexpr size_t rowLag = 8;
+static_assert(rowLag > 2 * farthestTap);
+inline constexpr size_t mostRowsTogether = 4;
+
 using IndexKernel = void (*)(const uint8_t* quads, uint8_t* indices, size_t pixels, const IndexParameters&);
-// Behind the last pixel there is one more, which is 0.
-using DiffuseKernel = void (*)(const uint8_t* quads, uint8_t* indices, size_t pixels, const IndexParameters&,
-                               ErrorState&);
+// For one row, or for rows that follow each other at the lag. Behind the last pixel there is one more, which is
+// 0.
+using DiffuseKernel = void (*)(DitheredRow* rows, size_t pixels, const IndexParameters&);
 
 // Thresholds come as patterns of 32 bytes that repeat along the row.
 inline constexpr size_t patternBytes = 32;
@@ -97,6 +114,10 @@ inline constexpr size_t patternBytes = 32;
 struct DitherKernels {
     IndexKernel Index[indexRules];
     DiffuseKernel Diffuse[diffusionMethods][indexRules]; // null for method 0
+
+    // The same for rows together; 1 where they are to go one by one, and there is no kernel.
+    size_t RowsTogether[diffusionMethods];
+    DiffuseKernel DiffuseTogether[diffusionMethods][indexRules];
 
     // Adds up and subtracts down, one of which is 0 in each place; bytes stay within 0 to 255.
     void (*Shift)(uint8_t* bytes, size_t count, const uint8_t* up, const uint8_t* down);

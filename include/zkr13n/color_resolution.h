@@ -102,7 +102,8 @@ typedef ReturnCode(Z_CALL* ColorResCallback)(BitmapHandle* target, void* row, in
  * written.
  *
  * Beside source and target, finding a palette takes at most 300 KB, before which counting the colours takes
- * 2 MB for a while; the pixels take two rows, and what dithering or conversion needs for itself.
+ * 2 MB for a while; the pixels take two rows (up to eight while errors are diffused and there is neither
+ * callback), and what dithering or conversion needs for itself.
  */
 Z_API ReturnCode Z_CALL Z_ColorResBitmap(BitmapHandle* source, BitmapHandle* target, int32_t bitsPerPixel,
                                          uint32_t flags, RGBQUAD* palette, HPALETTE paletteHandle,

@@ -62,7 +62,19 @@ template <typename RowOf> void ExpectPixels(BitmapHandle& got, RowOf rowOf) {
     }
 }
 
-// Palettes that are there before: pixels are those of a dithering run, from every form.
+// Pixels are those of a dithering run.
+void ExpectDithered(BitmapHandle& target, ColourPicture& picture, const RGBQUAD* palette, uint32_t flags) {
+    picture.DitheringMethod = static_cast<int32_t>(flags >> 16);
+    ASSERT_EQ(Z_StartDitheringExt(&picture, palette, target.ColorsUsed, target.BitsPerPixel, nullptr), 1);
+    ExpectPixels(target, [&](int32_t y) {
+        Bytes row(target.BytesPerLine);
+        Z_DitherLine(&picture, picture.Row(y), row.data());
+        return row;
+    });
+    Z_StopDithering(&picture);
+}
+
+// Palettes that are there before, from every form.
 TEST(ColorResolution, DithersToPalettesThatAreGiven) {
     Palette own = PaletteOf(ColourPicture({8, 0}, 1, 1, 99));
     const RGBQUAD* const cube = CubePalette216.data();
@@ -91,17 +103,38 @@ TEST(ColorResolution, DithersToPalettesThatAreGiven) {
                       1);
             EXPECT_EQ(target.ColorsUsed, choice.ExpectedColors);
             EXPECT_TRUE(SameEntries(PaletteOf(target).data(), choice.Expected, choice.ExpectedColors));
-            picture.DitheringMethod = static_cast<int32_t>(choice.Flags >> 16);
-            ASSERT_EQ(
-                Z_StartDitheringExt(&picture, choice.Expected, choice.ExpectedColors, choice.Bits, nullptr),
-                1);
-            ExpectPixels(target, [&](int32_t y) {
-                Bytes row(64);
-                Z_DitherLine(&picture, picture.Row(y), row.data());
-                return row;
-            });
-            Z_StopDithering(&picture);
+            ExpectDithered(target, picture, choice.Expected, choice.Flags);
         }
+}
+
+// Rows may be taken together, which must not show.
+TEST(ColorResolution, DithersBitmapsOfAllSizes) {
+    Palette own = PaletteOf(ColourPicture({8, 0}, 1, 1, 99));
+    const struct {
+        int32_t Bits;
+        uint32_t Flags;
+        const RGBQUAD* Expected;
+    } choices[] = {{1, 1, FixedPalette(1).data()}, {2, 1, FixedPalette(2).data()},
+                   {5, 1, FixedPalette(5).data()}, {8, 0x40, CubePalette216.data()},
+                   {3, 0x10, own.data()},          {8, 0x10, own.data()}};
+    uint64_t turn = 0;
+    for (const int32_t width : {1, 2, 3, 5, 7, 9, 40, 128, 129, 131, 135, 136, 511, 520, 1100})
+        for (const int32_t height : {1, 2, 3, 4, 5, 8, 11})
+            for (const auto& choice : choices)
+                for (uint32_t method = DitherFloydSteinberg; method <= DitherJarvis; ++method) {
+                    const PixelForm form = AllForms[turn++ % std::size(AllForms)];
+                    SCOPED_TRACE(form.Name() + std::to_string(width) + " x " + std::to_string(height) +
+                                 " to " + std::to_string(choice.Bits) + " bits, method " +
+                                 std::to_string(method));
+                    ColourPicture picture(form, width, height, turn);
+                    Bitmap target;
+                    const uint32_t flags = choice.Flags | method << 16;
+                    ASSERT_EQ(Resolve(picture, &target, choice.Bits, flags,
+                                      choice.Expected == own.data() ? own.data() : nullptr),
+                              1);
+                    ExpectDithered(target, picture, choice.Expected, flags);
+                    if (HasFatalFailure()) return;
+                }
 }
 
 TEST(ColorResolution, ConvertsAboveEightBits) {
