@@ -84,6 +84,9 @@ struct Exact {
     const std::unique_ptr<uint8_t[]> Bytes;
 };
 
+// For a test that sees the inside of the library: looks the bitmap through after each step of the attack on rows.
+inline void (*AfterStep)(BitmapHandle& bitmap) = nullptr;
+
 } // namespace fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);

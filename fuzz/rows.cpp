@@ -14,10 +14,17 @@ constexpr int32_t maximumHeight = 40;
 class Checked {
   public:
     explicit Checked(Input& input) : input_(input) {
-        const int32_t width = 1 + input.Below(input.Byte() < 240 ? 40 : 3000);
+        // The widest rows do not fit one run.
+        const uint8_t kind = input.Byte();
+        const int32_t width = kind < 240   ? 1 + input.Below(40)
+                              : kind < 250 ? 1 + input.Below(3000)
+                                           : 65530 + 2 * input.Below(40000);
         const int32_t height = 1 + input.Below(maximumHeight);
         const uint8_t depth = input.Byte(); // mostly one that can be compressed
-        Z_InitBitmap(&bitmap_, width, height, depth < 80 ? 1 : depth < 120 ? 24 : input.Depth());
+        Z_InitBitmap(&bitmap_, width, height,
+                     depth < 80 || kind >= 250 ? 1
+                     : depth < 120             ? 24
+                                               : input.Depth());
         if (input.Flip()) bitmap_.Order = Z_ORDER_GRAY;
         Z_SetMemoryThresholds(0, 0, TileSize(), input.Below(9) - 1, input.Below(4), 28);
         constexpr int32_t types[] = {MemoryConventional,
@@ -66,6 +73,7 @@ class Checked {
         if ((bitmap_.Flags & Z_FLAG_COMPRESSED) != 0)
             for (int32_t row = 0; row < bitmap_.Height; ++row)
                 ForgetPadding(row);
+        if (AfterStep != nullptr) AfterStep(bitmap_);
     }
 
   private:
@@ -135,14 +143,16 @@ class Checked {
         const int32_t row = input_.Below(bitmap_.Height);
         const auto bits = static_cast<size_t>(bitmap_.BitsPerPixel);
         const auto width = static_cast<uint32_t>(bitmap_.Width);
-        uint32_t columns[4] = {};
+        std::vector<uint32_t> columns(2 * static_cast<size_t>(input_.Below(6)));
         for (uint32_t& column : columns)
             column = static_cast<uint32_t>(input_.Below(bitmap_.Width + 1));
-        const Exact pixels((*std::max_element(columns, columns + 4) * bits + 7) / 8, input_);
+        const auto last = std::max_element(columns.begin(), columns.end());
+        const Exact pixels(last == columns.end() ? 0 : (*last * bits + 7) / 8, input_);
         const int32_t offset = input_.Flip() ? 0 : input_.Near(bitmap_.Width, -bitmap_.Width);
         const bool keepsAlpha = input_.Flip();
-        FUZZ_EXPECT(Z_PutBitmapRowSegments(&bitmap_, pixels.Get(), row, offset, columns, 4, keepsAlpha) == 1);
-        for (int pair = 0; pair < 4; pair += 2) {
+        FUZZ_EXPECT(Z_PutBitmapRowSegments(&bitmap_, pixels.Get(), row, offset, columns.data(),
+                                           static_cast<uint32_t>(columns.size()), keepsAlpha) == 1);
+        for (size_t pair = 0; pair < columns.size(); pair += 2) {
             for (size_t bit = columns[pair] * bits; bit < columns[pair + 1] * bits; ++bit) {
                 const int64_t to = static_cast<int64_t>(bit) + int64_t{offset} * static_cast<int64_t>(bits);
                 if (to < 0 || to >= static_cast<int64_t>(width * bits)) continue;
@@ -189,7 +199,8 @@ class Checked {
             Z_SetBitmapMemoryInfo(&bitmap_, type, tileSize, tileCount, conventional, most, mapped, flags);
         // Nothing can be made for a bitmap without rows.
         if (usual) FUZZ_EXPECT(result == 1 || (IsEmpty() && result == Z_ERROR_DIMENSIONS));
-        if (bitmap_.Size != model_.size()) FUZZ_EXPECT(Z_UpdateBitmapSize(&bitmap_) == 1);
+        const bool isPlain = (bitmap_.Flags & Z_FLAG_COMPRESSED) == 0;
+        if (isPlain && bitmap_.Size != model_.size()) FUZZ_EXPECT(Z_UpdateBitmapSize(&bitmap_) == 1);
     }
 
     void Copy() {
@@ -309,6 +320,10 @@ class Checked {
             list = Adopt(list, int64_t{i} * bitmap_.Width);
             ForgetPadding(i);
         }
+        if (!good || (bitmap_.Flags & Z_FLAG_COMPRESSED) == 0) return;
+        const Exact kept(source.Count); // runs are stored as they stand
+        FUZZ_EXPECT(Z_GetBitmapRowCompressed(&bitmap_, nullptr, Words(kept), row, rows) == 1);
+        FUZZ_EXPECT(std::equal(kept.Get(), kept.Get() + kept.Count, source.Get()));
     }
 
     // Pixels from a place on that are there, and those asked for beyond.

@@ -1,6 +1,6 @@
 // Single pixels against a plain model of what a pixel means at each depth, over random orders, palettes,
 // windows, level tables and colours; then places that the model does not know.
-#include "colour/reference_palettes.h"
+#include "colour/pixel_model.h"
 #include "core/test_bitmaps.h"
 #include "core/test_regions.h"
 #include "platform/faults.h"
@@ -17,47 +17,17 @@ namespace {
 
 constexpr int Depths[] = {1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 24, 32, 48, 64};
 
-struct Model {
-    const BitmapHandle& Record;
-    std::array<RGBQUAD, 256> Palette{}; // black where the bitmap's own ends
+uint32_t Plain(Colour c) {
+    return c.red | c.green << 8 | c.blue << 16;
+}
 
-    int Bits() const { return Record.BitsPerPixel; }
-    bool IsGray() const { return Bits() == 12 || (Bits() == 16 && Record.Order == 2); }
-    int Low() const { return std::max(Record.LowBit, 0); }
-    uint64_t Largest() const {
-        return (uint64_t{1} << ((Record.HighBit < 0 ? Bits() - 1 : Record.HighBit) - Low() + 1)) - 1;
-    }
-    bool HasLevels() const {
-        return Record.LevelLUT != nullptr && (Record.Flags & Z_FLAG_LEVEL_LUT_ACTIVE) != 0;
-    }
-    static uint32_t Plain(unsigned red, unsigned green, unsigned blue) {
-        return red | green << 8 | blue << 16;
-    }
-    static uint32_t Plain(const RGBQUAD& entry) { return Plain(entry.rgbRed, entry.rgbGreen, entry.rgbBlue); }
-    // Channel i counted from the low end; blue is the lowest where the order is 1.
-    uint32_t InOrder(uint64_t low, uint64_t middle, uint64_t high) const {
-        const auto a = static_cast<unsigned>(low), b = static_cast<unsigned>(middle),
-                   c = static_cast<unsigned>(high);
-        return Record.Order == 1 ? Plain(c, b, a) : Plain(a, b, c);
-    }
+struct Model : PixelModel {
+    using PixelModel::PixelModel;
 
     uint32_t ColourOf(uint64_t pixel) const {
-        if (Bits() <= 8) return Plain(Palette[static_cast<size_t>(pixel)]);
-        if (IsGray()) {
-            const uint64_t value = pixel >> Low() & Largest();
-            if (HasLevels()) return value < Record.LevelLUTLength ? Plain(Record.LevelLUT[value]) : 0;
-            return 0x04000000 | static_cast<uint32_t>(value * 0xFFFF / Largest());
-        }
-        if (Bits() == 16) {
-            const auto wide = [&](int place) {
-                const uint64_t c = pixel >> place & 31;
-                return c * 8 + c / 4;
-            };
-            return InOrder(wide(0), wide(5), wide(10));
-        }
-        const int step = Bits() <= 32 ? 8 : 16;
-        const auto channel = [&](int i) { return pixel >> (i * step + step - 8) & 0xFF; };
-        return InOrder(channel(0), channel(1), channel(2));
+        if (!IsGray() || HasLevels()) return Plain(Colour8(pixel));
+        const auto [value, largest] = GrayValue(pixel);
+        return 0x04000000 | static_cast<uint32_t>(value * 0xFFFF / largest);
     }
 
     uint64_t PixelOf(uint32_t colour, uint64_t before) const {
@@ -76,7 +46,7 @@ struct Model {
         };
         if (Bits() <= 8) {
             const uint32_t counts[] = {0, 2, 0, 0, 16, 0, 0, 0, 256};
-            return nearest(Palette.data(), counts[Bits()] ? counts[Bits()] : Record.ColorsUsed) & all;
+            return nearest(Palette, counts[Bits()] ? counts[Bits()] : Record.ColorsUsed) & all;
         }
         if (IsGray()) {
             if (HasLevels())
@@ -85,7 +55,7 @@ struct Model {
                            << Low() &
                        all;
             const uint64_t gray = isGrayValue ? colour & 0xFFFF : (2 * red + 5 * green + blue + 4) / 8 * 257;
-            return (gray * Largest() + 0xFFFE) / 0xFFFF << Low() & all; // rounded up
+            return (gray * GrayValue(0).Largest + 0xFFFE) / 0xFFFF << Low() & all; // rounded up
         }
         const uint64_t low = Record.Order == 1 ? blue : red, high = Record.Order == 1 ? red : blue;
         if (Bits() == 16) return low / 8 | uint64_t{green} / 8 << 5 | high / 8 << 10;
@@ -113,7 +83,6 @@ struct Subject : Bitmap {
         if (seeded.Below(2) != 0) Flags |= Z_FLAG_PALETTE_IS_BLOCK;
         const auto count = static_cast<uint32_t>(seeded.Between(1, 256));
         EXPECT_EQ(Z_CreateBitmapPalette(this, entries.data(), count), 1);
-        std::copy_n(entries.begin(), count, Colours.Palette.begin());
     }
 
     void GiveWindow(Seeded& seeded) {
@@ -128,13 +97,13 @@ struct Subject : Bitmap {
     }
 
     Bytes Data;
-    Model Colours{*this};
 };
 
 TEST(Pixels, AreWhatTheModelSays) {
     Seeded seeded(20261121);
     for (int turn = 0; turn < 6000 && !HasFailure(); ++turn) {
         Subject subject(seeded);
+        const Model model(subject);
         const int bits = subject.BitsPerPixel;
         SCOPED_TRACE("turn " + std::to_string(turn) + ", " + std::to_string(bits) + " bits, order " +
                      std::to_string(subject.Order));
@@ -142,12 +111,12 @@ TEST(Pixels, AreWhatTheModelSays) {
             const int row = seeded.Below(subject.Height), column = seeded.Below(subject.Width);
             const auto rowStart = static_cast<size_t>(row) * subject.BytesPerLine;
             const uint64_t before = ReadPixel(&subject.Data[rowStart], bits, column);
-            EXPECT_EQ(Z_GetPixelColor(&subject, row, column), subject.Colours.ColourOf(before)) << before;
+            EXPECT_EQ(Z_GetPixelColor(&subject, row, column), model.ColourOf(before)) << before;
 
             constexpr uint32_t forms[] = {0, 0, 1, 2, 4, 5, 6, 0x80, 0xFF};
             const uint32_t colour = forms[seeded.Below(9)] << 24 | (seeded.Next() & 0xFFFFFF);
             Bytes expected = subject.Data;
-            WritePixel(&expected[rowStart], bits, column, subject.Colours.PixelOf(colour, before));
+            WritePixel(&expected[rowStart], bits, column, model.PixelOf(colour, before));
             EXPECT_EQ(Z_PutPixelColor(&subject, row, column, colour), 1);
             EXPECT_EQ(subject.Data, expected) << std::hex << colour << ", column " << std::dec << column;
         }
@@ -197,8 +166,7 @@ TEST(Pixels, WorkInEveryStorageWithoutAllocating) {
             Z_ReleaseBitmap(&bitmap);
             if (block) bitmap.Flags |= Z_FLAG_PALETTE_IS_BLOCK;
             ASSERT_EQ(Z_CreateBitmapFixedPalette(&bitmap), 1);
-            const RGBQUAD& entry = Z_IntGetFixedPalette(5)[21];
-            const uint32_t colour = Model::Plain(entry);
+            const uint32_t colour = Plain(ColourOf(Z_IntGetFixedPalette(5)[21]));
             platform::fault::Arm(platform::fault::Heap | platform::fault::Global | platform::fault::Palette,
                                  0);
             EXPECT_EQ(Z_PutPixelColor(&bitmap, 7, 44, colour), 1);

@@ -1,5 +1,6 @@
 // Run-compressed bitmaps: what the heap takes to the byte, the lists that go in and out, and what is refused.
 #include "core/run_heap.h"
+#include "support/pixel_bits.h"
 #include "zkr13n/compressed_rows.h"
 #include "zkr13n/copy.h"
 #include "zkr13n/locks.h"
@@ -199,6 +200,23 @@ TEST(Mirrored, IsAListThatSpendsWordsOnEmptyRuns) {
     Words list(5);
     ASSERT_EQ(Z_GetBitmapRowCompressed(&bitmap, nullptr, list.data(), 0, 1), 1);
     EXPECT_EQ(list, ListOf({0, 2, 1}));
+}
+
+TEST(Mirrored, IsTheRowBackwards) {
+    for (const int32_t width : {1, 7, 64, 300, 65536, 140000}) {
+        Runs bitmap(width, 2);
+        for (uint32_t seed = 0; seed < 10; ++seed) {
+            Bytes rows = Fill(bitmap, seed);
+            for (int32_t left = 0, right = width - 1; left < right; ++left, --right) {
+                const uint64_t pixel = ReadPixel(rows.data(), 1, left);
+                WritePixel(rows.data(), 1, left, ReadPixel(rows.data(), 1, right));
+                WritePixel(rows.data(), 1, right, pixel);
+            }
+            ASSERT_TRUE(storage::MirrorRow(bitmap, 0));
+            EXPECT_EQ(Rows(bitmap), rows) << width << ", " << seed;
+            ExpectConsistent(bitmap);
+        }
+    }
 }
 
 TEST(RunRows, StayWithinTheBitmap) {

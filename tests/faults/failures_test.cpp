@@ -1,5 +1,6 @@
 // Every function that allocates or touches a file, a mapping or an object of the platform, with each of these
 // calls failing in turn.
+#include "core/run_heap.h"
 #include "faults/fault_driver.h"
 
 #include "zkr13n/color_resolution.h"
@@ -197,8 +198,13 @@ TEST(Failures, OfRuns) {
     const auto list = [](Ground& g) { return reinterpret_cast<uint16_t*>(g.UserData.data()); };
     std::vector<Scenario> scenarios;
     const auto add = [&](const char* name, auto call, Kept kept = Kept::Everything) {
-        scenarios.push_back({name, {Memory}, runs(MemoryCompressed, 1), call, kept});
+        scenarios.push_back(
+            {name, {Memory}, runs(MemoryCompressed, 1), call, kept, [](Ground& g, ReturnCode) {
+                 if (HasFlag(g.Subject, flag::Compressed)) ExpectConsistent(g.Subject);
+             }});
     };
+    add(
+        "mirrored row", [](Ground& g) { return Found(storage::MirrorRow(g.Subject, 0)); }, Kept::Nothing);
     add("whole row", [](Ground& g) {
         const ReturnCode count = Z_PutBitmapRow(&g.Subject, g.Row.data(), 1, 8192);
         return count == 8192 ? code::Success : count;

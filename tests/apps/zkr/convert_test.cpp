@@ -47,16 +47,14 @@ TEST_F(ConvertTest, KeepsEveryKindOfPngInEveryStorageClass) {
         int depth, type;
         const char* bits;
         const char* order;
-    } kinds[] = {
-        {1, PNG_COLOR_TYPE_PALETTE, "1", ""},        {2, PNG_COLOR_TYPE_PALETTE, "2", ""},
-        {4, PNG_COLOR_TYPE_PALETTE, "4", ""},        {8, PNG_COLOR_TYPE_PALETTE, "8", ""},
-        {1, PNG_COLOR_TYPE_GRAY, "1", ""},           {2, PNG_COLOR_TYPE_GRAY, "2", ""},
-        {4, PNG_COLOR_TYPE_GRAY, "4", ""},           {8, PNG_COLOR_TYPE_GRAY, "0", ""},
-        {16, PNG_COLOR_TYPE_GRAY, "16", "gray"},     {8, PNG_COLOR_TYPE_RGB, "24", "rgb"},
-        {8, PNG_COLOR_TYPE_RGB, "24", "bgr"},        {8, PNG_COLOR_TYPE_RGB_ALPHA, "32", "bgr"},
-        {16, PNG_COLOR_TYPE_RGB, "48", "bgr"},       {16, PNG_COLOR_TYPE_RGB_ALPHA, "64", "rgb"},
-        {16, PNG_COLOR_TYPE_RGB_ALPHA, "64", "bgr"},
-    };
+    } kinds[] = {{1, PNG_COLOR_TYPE_PALETTE, "1", ""},       {2, PNG_COLOR_TYPE_PALETTE, "2", ""},
+                 {4, PNG_COLOR_TYPE_PALETTE, "4", ""},       {8, PNG_COLOR_TYPE_PALETTE, "8", ""},
+                 {1, PNG_COLOR_TYPE_GRAY, "1", ""},          {2, PNG_COLOR_TYPE_GRAY, "2", ""},
+                 {4, PNG_COLOR_TYPE_GRAY, "4", ""},          {8, PNG_COLOR_TYPE_GRAY, "0", ""},
+                 {16, PNG_COLOR_TYPE_GRAY, "16", "gray"},    {8, PNG_COLOR_TYPE_RGB, "24", "rgb"},
+                 {8, PNG_COLOR_TYPE_RGB, "24", "bgr"},       {8, PNG_COLOR_TYPE_RGB_ALPHA, "32", "bgr"},
+                 {16, PNG_COLOR_TYPE_RGB, "48", "bgr"},      {16, PNG_COLOR_TYPE_RGB_ALPHA, "64", "rgb"},
+                 {16, PNG_COLOR_TYPE_RGB_ALPHA, "64", "bgr"}};
     for (const auto& kind : kinds) {
         Picture picture = PictureOf(width, height, kind.depth, kind.type, Scattered);
         if (kind.type == PNG_COLOR_TYPE_PALETTE) picture.palette = SomePalette(kind.depth);
@@ -127,22 +125,20 @@ TEST_F(ConvertTest, ReadsPortableAndJpegPictures) {
         std::string content;
         const char* bits;
         Picture expected;
-    } cases[] = {
-        // Black where a bit is set; the filling bits of a row count for nothing.
-        {"page.pbm",
-         "P4 # bits\n10 1\n\xA0\x7F",
-         "0",
-         {10, 1, 8, PNG_COLOR_TYPE_GRAY, {0, 255, 0, 255, 255, 255, 255, 255, 255, 0}}},
-        {"gray.pgm",
-         "P5\n# largest value 100\n3 1\n100\n" + std::string("\0\x32\x64", 3),
-         "0",
-         {3, 1, 8, PNG_COLOR_TYPE_GRAY, {0, 128, 255}}},
-        {"twelve.pgm", "P5 3 1 4095\n" + std::string("\0\1\x0A\xBC\x0F\xFF", 6), "12", twelve},
-        {"sixteen.pgm",
-         "P5 2 1 65535\n\x12\x34\xFE\xDC",
-         "16",
-         {2, 1, 16, PNG_COLOR_TYPE_GRAY, {0x1234, 0xFEDC}}},
-    };
+    } cases[] = {// Black where a bit is set; the filling bits of a row count for nothing.
+                 {"page.pbm",
+                  "P4 # bits\n10 1\n\xA0\x7F",
+                  "0",
+                  {10, 1, 8, PNG_COLOR_TYPE_GRAY, {0, 255, 0, 255, 255, 255, 255, 255, 255, 0}}},
+                 {"gray.pgm",
+                  "P5\n# largest value 100\n3 1\n100\n" + std::string("\0\x32\x64", 3),
+                  "0",
+                  {3, 1, 8, PNG_COLOR_TYPE_GRAY, {0, 128, 255}}},
+                 {"twelve.pgm", "P5 3 1 4095\n" + std::string("\0\1\x0A\xBC\x0F\xFF", 6), "12", twelve},
+                 {"sixteen.pgm",
+                  "P5 2 1 65535\n\x12\x34\xFE\xDC",
+                  "16",
+                  {2, 1, 16, PNG_COLOR_TYPE_GRAY, {0x1234, 0xFEDC}}}};
     for (const auto& c : cases) {
         WriteText(c.name, c.content);
         EXPECT_EQ(ConvertedFile(c.name, {"--bits", c.bits}), c.expected) << c.name;

@@ -1,8 +1,9 @@
 // Counts of distinct colours against sets of the colours that pixels stand for, kept in the order in which
 // they appear.
 #include "colour/pictures.h"
+#include "colour/pixel_model.h"
 
-#include "core/dispatch.h"
+#include "core/test_regions.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
 
@@ -23,49 +24,25 @@ Segments Whole(const BitmapHandle& bitmap) {
     return all;
 }
 
-// What tells a pixel apart, and its colour in a palette: 0xRRGGBB.
-std::pair<uint64_t, uint32_t> Meaning(ColourPicture& picture, PixelForm form, const RGBQUAD* palette,
-                                      bool wanted, int32_t y, int32_t x) {
-    const uint64_t pixel = picture.Pixel(y, x);
-    const auto entry = [](const RGBQUAD& e) {
-        return uint32_t(e.rgbRed) << 16 | e.rgbGreen << 8 | e.rgbBlue;
-    };
-    if (form.Bits <= 8) return {entry(palette[pixel]), entry(palette[pixel])};
-    if (form.IsGrayWord()) {
-        const bool table = (picture.Flags & flag::LevelLUTActive) && picture.LevelLUTLength > 0;
-        int32_t bits = std::min(picture.HighBit - picture.LowBit + 1, wanted && !table ? 8 : form.Bits);
-        const uint64_t value = pixel >> (picture.HighBit - bits + 1) & ((1u << bits) - 1);
-        const uint32_t colour = !table                           ? uint32_t(value) * 0x010101
-                                : value < picture.LevelLUTLength ? entry(picture.LevelLUT[value])
-                                                                 : 0;
-        return {table ? colour : value, colour};
+// The colour of a pixel, 0xRRGGBB; of gray words whose colours nobody wants, all bits of the value.
+uint32_t Meaning(const PixelModel& model, uint64_t pixel, bool wanted) {
+    if (model.IsGray() && !model.HasLevels()) {
+        const auto value = uint32_t(model.GrayValue(pixel, wanted ? 8 : 16).Value);
+        return wanted ? value * 0x010101 : value;
     }
-    if (form.Bits == 16) {
-        const auto widen = [&](int shift) {
-            const uint32_t c = pixel >> shift & 31;
-            return c << 3 | c >> 2;
-        };
-        const bool rgb = form.Order == Z_ORDER_RGB;
-        return {pixel & 0x7FFF, widen(rgb ? 0 : 10) << 16 | widen(5) << 8 | widen(rgb ? 10 : 0)};
-    }
-    const int step = form.Bits >= 48 ? 16 : 8, up = step - 8;
-    const uint32_t c[3] = {uint32_t(pixel >> up & 255), uint32_t(pixel >> (step + up) & 255),
-                           uint32_t(pixel >> (2 * step + up) & 255)};
-    const uint32_t colour =
-        form.Order == Z_ORDER_RGB ? c[0] << 16 | c[1] << 8 | c[2] : c[2] << 16 | c[1] << 8 | c[0];
-    return {colour, colour};
+    const Colour c = model.Colour8(pixel);
+    return c.red << 16 | c.green << 8 | c.blue;
 }
 
 void ExpectCounts(ColourPicture& picture, PixelForm form, const Segments& segments) {
-    RGBQUAD own[256] = {};
-    Z_GetBitmapPaletteEntries(&picture, 0, 256, own);
+    const PixelModel model(picture);
     for (const int32_t room : {-1, 0, 1, 3, 16, 256, 5000}) {
-        std::set<uint64_t> keys;
+        std::set<uint32_t> met;
         std::vector<uint32_t> colours;
         for (const Segment& s : segments)
             for (int32_t x = s.Begin; x < s.End; ++x)
-                if (const auto [key, colour] = Meaning(picture, form, own, room >= 0, s.Row, x);
-                    keys.insert(key).second)
+                if (const uint32_t colour = Meaning(model, picture.Pixel(s.Row, x), room >= 0);
+                    met.insert(colour).second)
                     colours.push_back(colour);
         SCOPED_TRACE(form.Name() + "room " + std::to_string(room));
         std::vector<RGBQUAD> palette(size_t(room + 2), RGBQUAD{1, 2, 3, 4});
@@ -107,48 +84,30 @@ TEST(ColourCount, GoesThroughWindowsAndTables) {
     }
 }
 
-// Rows 2 to 5, with segments that begin and end inside bytes; row 4 is empty.
 TEST(ColourCount, StaysInsideTheRegion) {
-    static const Segments segments = {{2, 3, 9}, {2, 17, 18}, {3, 0, 40}, {5, 39, 40}};
-    const DispatchTable before = dispatch;
-    dispatch.GetBitmapRgnBounds = [](BitmapHandle*, const RegionXform*, RECT* bounds) {
-        *bounds = {0, 2, 40, 6};
-        return ReturnCode{1};
-    };
-    dispatch.GetBitmapClipSegmentsMax = [](BitmapHandle*, uint32_t* entries) {
-        *entries = 4;
-        return ReturnCode{1};
-    };
-    dispatch.GetBitmapClipSegments = [](BitmapHandle*, int32_t row, uint32_t* columns, uint32_t* entries) {
-        *entries = 0;
-        for (const Segment& s : segments)
-            if (s.Row == row) {
-                columns[(*entries)++] = uint32_t(s.Begin);
-                columns[(*entries)++] = uint32_t(s.End);
-            }
-        return ReturnCode{1};
-    };
+    const RegionSlots slots;
     for (const PixelForm form : AllForms) {
-        ColourPicture picture(form, 40, 9, 3);
-        picture.Region = &picture;
-        ExpectCounts(picture, form, segments);
-        StatusLog log;
-        uint32_t count = 0;
-        EXPECT_EQ(Z_GetBitmapColorCountExt(&picture, &count, nullptr), 1);
-        if (form.Bits == 24) {
-            EXPECT_EQ(log.Seen, (std::vector<int32_t>{0, 25, 50, 75, 100}));
+        for (const RECT bounds : {RECT{0, 2, 40, 6}, {5, 2, 7, 6}}) { // row 4 of the second one is empty
+            ColourPicture picture(form, 40, 9, 3);
+            RegionSlots::Give(picture, {bounds});
+            Segments segments;
+            for (int32_t y = bounds.top; y < bounds.bottom; ++y) {
+                const std::vector<uint32_t> ends = RegionSlots::Of(picture).Segments(y);
+                for (size_t i = 0; i < ends.size(); i += 2)
+                    segments.push_back({y, int32_t(ends[i]), int32_t(ends[i + 1])});
+            }
+            ExpectCounts(picture, form, segments);
+            uint32_t count = 0;
+            const StatusLog log;
+            EXPECT_EQ(Z_GetBitmapColorCountExt(&picture, &count, nullptr), 1);
+            if (form.Bits == 24) {
+                EXPECT_EQ(log.Seen, (std::vector<int32_t>{0, 25, 50, 75, 100}));
+            }
+            RegionSlots::BoundsResult = -77;
+            EXPECT_EQ(Z_GetBitmapColorCountExt(&picture, &count, nullptr), -77);
+            RegionSlots::BoundsResult = 1;
         }
-        dispatch.GetBitmapRgnBounds = [](BitmapHandle*, const RegionXform*, RECT*) {
-            return ReturnCode{-77};
-        };
-        EXPECT_EQ(Z_GetBitmapColorCountExt(&picture, &count, nullptr), -77);
-        dispatch.GetBitmapRgnBounds = [](BitmapHandle*, const RegionXform*, RECT* bounds) {
-            *bounds = {0, 2, 40, 6};
-            return ReturnCode{1};
-        };
-        picture.Region = nullptr;
     }
-    dispatch = before;
 }
 
 TEST(ColourCount, EndsEarlyAndStopsWhenTold) {

@@ -1,5 +1,6 @@
 // Bitmaps brought to gray, pixel by pixel against the formulas.
 #include "colour/pictures.h"
+#include "colour/pixel_model.h"
 
 #include "core/dispatch.h"
 #include "zkr13n/gray.h"
@@ -10,54 +11,24 @@
 namespace zkr::test {
 namespace {
 
-uint64_t Gray(uint64_t red, uint64_t green, uint64_t blue) {
-    return (2 * red + 5 * green + blue + 4) / 8;
-}
-uint64_t GrayOfEntry(const RGBQUAD& entry) {
-    return Gray(entry.rgbRed, entry.rgbGreen, entry.rgbBlue);
-}
-
-uint64_t Widened(uint64_t gray8, int32_t bits) {
-    return bits == 8 ? gray8 : bits == 12 ? (gray8 << 4) + gray8 / 17 : gray8 * 257;
-}
-
-// A gray pixel through its window and the table.
-uint64_t GrayOfGray(const BitmapHandle& bitmap, uint64_t pixel, int32_t bits) {
-    const bool table = (bitmap.Flags & flag::LevelLUTActive) != 0;
-    const int32_t high = bitmap.HighBit < 0 ? bitmap.BitsPerPixel - 1 : bitmap.HighBit;
-    const int32_t low = std::max(bitmap.LowBit, 0);
-    const int32_t n = std::min(high - low + 1, table ? bitmap.BitsPerPixel : bits);
-    const uint64_t mask = (1u << n) - 1, value = pixel >> (high - n + 1) & mask;
-    if (table) {
-        const uint64_t gray = value < bitmap.LevelLUTLength ? GrayOfEntry(bitmap.LevelLUT[value]) : 0;
-        return Widened(gray, bits);
-    }
+uint64_t GrayOfPixel(const PixelModel& model, uint64_t pixel, int32_t bits) {
     const uint64_t limit = (1u << bits) - 1;
-    return mask < limit ? value * limit / mask : value;
-}
-
-uint64_t GrayOfPixel(const BitmapHandle& bitmap, PixelForm form, const RGBQUAD* palette, uint64_t pixel,
-                     int32_t bits) {
-    if (form.Bits <= 8) return Widened(GrayOfEntry(palette[pixel]), bits);
-    if (form.IsGrayWord()) return GrayOfGray(bitmap, pixel, bits);
-    const int step = form.Bits == 16 ? 5 : form.Bits >= 48 ? 16 : 8;
-    uint64_t c[3];
-    for (int i = 0; i < 3; ++i) {
-        c[i] = pixel >> (step * i) & ((1u << step) - 1);
-        if (step == 5) c[i] = c[i] << 3 | c[i] >> 2;
+    if (model.IsGray() && !model.HasLevels()) {
+        const auto [value, largest] = model.GrayValue(pixel, bits);
+        return largest < limit ? value * limit / largest : value;
     }
-    const uint64_t gray = form.Order == Z_ORDER_RGB ? Gray(c[0], c[1], c[2]) : Gray(c[2], c[1], c[0]);
-    return step == 16 ? gray >> (16 - bits) : Widened(gray, bits);
+    const uint64_t gray = GrayOf(model.Channels(pixel));
+    if (model.Bits() >= 48) return gray >> (16 - bits);
+    return bits == 8 ? gray : bits == 12 ? (gray << 4) + gray / 17 : gray * 257;
 }
 
 void ExpectGray(ColourPicture& picture, PixelForm form, int32_t bits) {
     SCOPED_TRACE(form.Name() + "to " + std::to_string(bits) + " bits");
-    RGBQUAD palette[256] = {};
-    Z_GetBitmapPaletteEntries(&picture, 0, 256, palette);
+    const PixelModel model(picture);
     std::vector<uint64_t> expected;
     for (int32_t y = 0; y < picture.Height; ++y)
         for (int32_t x = 0; x < picture.Width; ++x)
-            expected.push_back(GrayOfPixel(picture, form, palette, picture.Pixel(y, x), bits));
+            expected.push_back(GrayOfPixel(model, picture.Pixel(y, x), bits));
     ASSERT_EQ(Z_GrayScaleBitmap(&picture, bits), 1);
     ASSERT_EQ(picture.BitsPerPixel, bits);
     for (size_t i = 0; i < expected.size(); ++i)
