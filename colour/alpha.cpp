@@ -2,8 +2,8 @@
 #include "zkr13n/alpha.h"
 
 #include "colour/viewed_rows.h"
+#include "core/attachments.h"
 #include "core/bitmap_lock.h"
-#include "core/dispatch.h"
 #include "core/flags.h"
 #include "core/row_access.h"
 #include "core/scratch.h"
@@ -64,8 +64,7 @@ ReturnCode MakeAlphaRecord(BitmapHandle& alpha, BitmapHandle& source) {
     if (result != code::Success) return result;
     alpha.Palette = Z_CreateGrayPalette(8); // at 16 bits too
     if (alpha.Palette == nullptr) return code::OutOfMemory;
-    return dispatch.CopyBitmapRegion != nullptr ? dispatch.CopyBitmapRegion(&alpha, &source, 0, 0)
-                                                : code::Success;
+    return CopyRegion(alpha, source, 0, 0);
 }
 
 // Fresh rows are zero, which is the alpha of depths that have none.

@@ -9,6 +9,7 @@
 #include "colour/fixed_palettes.h"
 #include "colour/quantise/optimized_palette.h"
 #include "colour/quantise/palette_slots.h"
+#include "core/attachments.h"
 #include "core/dispatch.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
@@ -123,7 +124,7 @@ class ColorResolution {
         }
         if (dispatch.CopyBitmapRegion == nullptr) return code::Success;
         target_->Flags |= reading_.Flags & flag::RegionUnclipped;
-        return dispatch.CopyBitmapRegion(target_, &reading_, 0, 0);
+        return CopyRegion(*target_, reading_, 0, 0);
     }
 
     ReturnCode ChoosePalette(const RGBQUAD* given) {

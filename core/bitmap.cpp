@@ -73,6 +73,13 @@ void ReleaseRegion(BitmapHandle& bitmap) {
     bitmap.Region = nullptr;
 }
 
+ReturnCode CopyRegion(BitmapHandle& target, BitmapHandle& source, int32_t dx, int32_t dy) {
+    if (dispatch.CopyBitmapRegion == nullptr) return code::Success;
+    const ReturnCode result = dispatch.CopyBitmapRegion(&target, &source, dx, dy);
+    if (result != code::Success) target.Region = nullptr;
+    return result;
+}
+
 } // namespace zkr
 
 using namespace zkr;

@@ -43,7 +43,7 @@ ReturnCode MoveRegion(BitmapHandle& target, BitmapHandle& source, const Rectangl
     const auto negative = [](int32_t offset) {
         return static_cast<int32_t>(0u - static_cast<uint32_t>(offset));
     };
-    return dispatch.CopyBitmapRegion(&target, &source, negative(rectangle.Left), negative(rectangle.Top));
+    return CopyRegion(target, source, negative(rectangle.Left), negative(rectangle.Top));
 }
 
 // The source's pixels are taken from the last column before them that begins with a byte, whatever the depth.
@@ -88,7 +88,6 @@ ReturnCode CopyInto(BitmapHandle& target, BitmapHandle& source, const Rectangle&
                     Replaces replaces) {
     ReturnCode status = MoveRegion(target, source, rectangle);
     if (status != code::Success) {
-        target.Region = nullptr;
         Z_FreeBitmap(&target);
         return status;
     }

@@ -143,7 +143,7 @@ class Checked {
         const int32_t row = input_.Below(bitmap_.Height);
         const auto bits = static_cast<size_t>(bitmap_.BitsPerPixel);
         const auto width = static_cast<uint32_t>(bitmap_.Width);
-        std::vector<uint32_t> columns(2 * static_cast<size_t>(input_.Below(6)));
+        std::vector<uint32_t> columns(static_cast<size_t>(input_.Below(11))); // an odd one is left over
         for (uint32_t& column : columns)
             column = static_cast<uint32_t>(input_.Below(bitmap_.Width + 1));
         const auto last = std::max_element(columns.begin(), columns.end());
@@ -152,7 +152,7 @@ class Checked {
         const bool keepsAlpha = input_.Flip();
         FUZZ_EXPECT(Z_PutBitmapRowSegments(&bitmap_, pixels.Get(), row, offset, columns.data(),
                                            static_cast<uint32_t>(columns.size()), keepsAlpha) == 1);
-        for (size_t pair = 0; pair < columns.size(); pair += 2) {
+        for (size_t pair = 0; pair + 1 < columns.size(); pair += 2) {
             for (size_t bit = columns[pair] * bits; bit < columns[pair + 1] * bits; ++bit) {
                 const int64_t to = static_cast<int64_t>(bit) + int64_t{offset} * static_cast<int64_t>(bits);
                 if (to < 0 || to >= static_cast<int64_t>(width * bits)) continue;

@@ -1,7 +1,7 @@
 // Alpha out of bitmaps and into them.
 #include "colour/pictures.h"
 
-#include "core/dispatch.h"
+#include "core/test_regions.h"
 #include "zkr13n/alpha.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/locks.h"
@@ -20,16 +20,12 @@ uint64_t AlphaOf(PixelForm form, uint64_t pixel, bool deep) {
 }
 
 TEST(GetAlpha, TakesItOutOfEveryDepth) {
-    const DispatchTable before = dispatch;
-    dispatch.CopyBitmapRegion = [](BitmapHandle* to, BitmapHandle* from, int32_t, int32_t) {
-        to->Region = from->Region;
-        return ReturnCode{1};
-    };
+    const RegionSlots slots;
     for (const PixelForm form : AllForms) {
         for (const uint32_t locks : {0u, 1u << Z_SUPPORT_EXTGRAY}) {
             ColourPicture picture(form, 21, 4, 3);
             picture.ViewPerspective = 7, picture.XResolution = 61;
-            picture.Region = &picture;
+            RegionSlots::Give(picture, {{2, 3, 4, 5}});
             Z_SetSupportLocks(locks);
             Bitmap alpha;
             StatusLog log(1);
@@ -41,8 +37,7 @@ TEST(GetAlpha, TakesItOutOfEveryDepth) {
                       deep ? std::tuple(16, 2) : std::tuple(8, 0));
             EXPECT_EQ(std::tuple(alpha.ViewPerspective, alpha.XResolution), std::tuple(7, 61));
             EXPECT_EQ(Z_GetPaletteSize(static_cast<HPALETTE>(alpha.Palette)), 256);
-            EXPECT_EQ(alpha.Region, &picture);
-            alpha.Region = picture.Region = nullptr;
+            EXPECT_EQ(RegionSlots::Of(alpha).Bounds.left, 2);
             const Bytes rows = Rows(alpha);
             for (int32_t y = 0; y < 4; ++y)
                 for (int32_t x = 0; x < 21; ++x)
@@ -51,7 +46,6 @@ TEST(GetAlpha, TakesItOutOfEveryDepth) {
                         << form.Name() << x;
         }
     }
-    dispatch = before;
 }
 
 // What a pixel becomes with a gray of 8 bits (16 for 64-bit pixels).
@@ -153,6 +147,11 @@ TEST(Alpha, RefusesAndFailsCleanly) {
     EXPECT_EQ(Z_SetBitmapAlpha(nullptr, &alpha), code::InvalidArgument);
     EXPECT_EQ(Z_SetBitmapAlpha(&picture, nullptr), code::InvalidArgument);
     EXPECT_EQ(Z_SetBitmapAlpha(&picture, &empty), code::InvalidArgument);
+    const RegionSlots slots;
+    RegionSlots::CopyResult = -66;
+    EXPECT_EQ(Z_GetBitmapAlpha(&picture, &empty), -66);
+    EXPECT_FALSE(IsAllocated(&empty));
+    RegionSlots::CopyResult = 1;
     alpha.ViewPerspective = 6;
     EXPECT_EQ(Z_SetBitmapAlpha(&picture, &alpha), code::InvalidArgument);
     alpha.ViewPerspective = 8;

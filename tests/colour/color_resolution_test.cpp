@@ -2,7 +2,7 @@
 #include "colour/fixed_palettes.h"
 #include "colour/pictures.h"
 #include "colour/quantise/palette_builder.h"
-#include "core/dispatch.h"
+#include "core/test_regions.h"
 #include "core/thread_settings.h"
 #include "platform/graphics.h"
 #include "zkr13n/color_resolution.h"
@@ -322,28 +322,23 @@ TEST(ColorResolution, LeavesTheSourceWholeWhenStopped) {
 }
 
 TEST(ColorResolution, PassesOnWhatIsNotColour) {
+    const RegionSlots slots;
     ColourPicture picture(Bgr24, 4, 4, 3);
     ASSERT_EQ(Z_SetBitmapMemoryInfo(&picture, MemoryDisk, 0, 0, 0, 0, 0, Z_MEMORY_INFO_TYPE), 1);
     picture.ViewPerspective = 4, picture.XResolution = 72, picture.YResolution = 73,
     picture.PlaybackDelay = 40;
     picture.Flags |= flag::RegionUnclipped;
-    static int region;
-    const DispatchTable before = dispatch;
-    dispatch.CopyBitmapRegion = [](BitmapHandle* to, BitmapHandle*, int32_t, int32_t) {
-        to->Region = &region;
-        return ReturnCode{region++ == 0 ? 1 : -66};
-    };
+    RegionSlots::Give(picture, {{1, 1, 3, 3}});
     Bitmap target, refused;
     EXPECT_EQ(Resolve(picture, &target, 8, 1), 1);
     EXPECT_TRUE(HasFlag(target, flag::Disk) && HasFlag(target, flag::RegionUnclipped));
-    EXPECT_EQ(target.Region, &region);
+    EXPECT_EQ(RegionSlots::Alive, 2);
     EXPECT_EQ(
         std::tuple(target.ViewPerspective, target.XResolution, target.YResolution, target.PlaybackDelay),
         std::tuple(4, 72, 73, 40));
+    RegionSlots::CopyResult = -66;
     EXPECT_EQ(Resolve(picture, &refused, 8, 1), -66);
     EXPECT_FALSE(IsAllocated(&refused));
-    dispatch = before;
-    target.Region = refused.Region = nullptr;
 }
 
 #ifndef _WIN32

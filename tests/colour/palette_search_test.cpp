@@ -2,6 +2,8 @@
 // either instruction set, whether cubes are known or not.
 #include "colour/palette_search.h"
 #include "colour/reference_palettes.h"
+#include "colour/rows/kernel_set.h"
+#include "colour/rows/palette_match.h"
 #include "support/random_palettes.h"
 #include "support/seeded.h"
 
@@ -71,6 +73,24 @@ TEST_P(PaletteSearchRows, AgreeWithPlainScan) {
         search->Prepare(palette.Entries.data(), entries, GetParam());
         for (int row = 0; row < 12; ++row) {
             ExpectAsPlainScan(*search, RandomRow(palette, seeded), palette.Entries, seeded);
+        }
+    }
+}
+
+// One colour, in palettes of any length.
+TEST_P(PaletteSearchRows, AgreeForSingleColours) {
+    Seeded seeded(1);
+    for (int round = 0; round < 2000; ++round) {
+        const int entries = round % 16 == 0 ? seeded.Between(257, 1100) : seeded.Between(0, 256);
+        const RandomPalette palette(seeded, entries);
+        for (int i = 0; i < 60; ++i) {
+            const Colour c = palette.Target(seeded);
+            const int red = static_cast<int>(c.red), green = static_cast<int>(c.green),
+                      blue = static_cast<int>(c.blue);
+            ASSERT_EQ(GetParam().Match.Find(palette.Entries.data(), entries, red, green, blue),
+                      ReferenceFindPaletteIndex(palette.Entries.data(), entries, red, green, blue))
+                << entries << " entries in steps of " << palette.Grain << ", colour " << red << ", " << green
+                << ", " << blue;
         }
     }
 }

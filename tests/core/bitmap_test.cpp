@@ -1,6 +1,6 @@
 // The record and its life: initialised, created, shared, duplicated, freed.
-#include "core/dispatch.h"
 #include "core/test_bitmaps.h"
+#include "core/test_regions.h"
 #include "zkr13n/allocation.h"
 #include "zkr13n/dither.h"
 #include "zkr13n/frame.h"
@@ -123,43 +123,22 @@ TEST(Locking, NestsWithoutACount) {
     EXPECT_EQ(bitmap.Flags & flag::Locked, 0u);
 }
 
-// Stands in for the region operations: a region is a number, and copies count up.
+// Of a bitmap in a file that has everything.
 class Duplicates : public testing::Test {
   protected:
-    static inline ReturnCode copyResult;
-    static inline int regions;
-
     void SetUp() override {
-        before_ = dispatch;
-        copyResult = 1, regions = 0;
-        dispatch.CopyBitmapRegion = [](BitmapHandle* destination, BitmapHandle*, int32_t, int32_t) {
-            destination->Region = reinterpret_cast<void*>(intptr_t{0xC0});
-            if (copyResult == 1) ++regions;
-            return copyResult;
-        };
-        dispatch.FreeBitmapRegion = [](BitmapHandle* bitmap) {
-            --regions;
-            bitmap->Region = nullptr;
-            return ReturnCode{1};
-        };
         Z_CreateBitmap(&source, MemoryDisk, 8, 8, 8, 0, nullptr, 4, nullptr, 0);
-        source.Region = Original;
-        ++regions;
+        RegionSlots::Give(source, {{1, 2, 7, 5}});
+        Original = source.Region;
         source.XResolution = 72, source.PlaybackLeft = 9;
         source.Flags |= flag::Signed | flag::RegionUnclipped;
         source.PaintLUT[1] = 99;
     }
-    void TearDown() override {
-        Z_FreeBitmap(&source);
-        EXPECT_EQ(regions, 0);
-        dispatch = before_;
-    }
+    void TearDown() override { Z_FreeBitmap(&source); }
 
-    static inline void* const Original = reinterpret_cast<void*>(intptr_t{0xA0});
+    RegionSlots slots;
+    void* Original;
     BitmapHandle source, copy;
-
-  private:
-    DispatchTable before_;
 };
 
 TEST_F(Duplicates, InheritEverythingButDimensions) {
@@ -171,7 +150,8 @@ TEST_F(Duplicates, InheritEverythingButDimensions) {
         << "colours copied from the source";
     EXPECT_EQ(copy.Flags, flag::Allocated | flag::Disk | flag::Signed | flag::RegionUnclipped);
     EXPECT_NE(copy.Palette, source.Palette);
-    EXPECT_EQ(copy.Region, reinterpret_cast<void*>(intptr_t{0xC0}));
+    EXPECT_EQ(RegionSlots::Of(copy).Bounds.top, 2);
+    EXPECT_NE(copy.Region, Original);
     EXPECT_EQ(source.Region, Original);
     EXPECT_EQ(copy.PaintLUT[1], 99);
     EXPECT_EQ(Z_FreeDuplicateBitmap(&copy, 7), 1);
@@ -185,18 +165,18 @@ TEST_F(Duplicates, ShareWhatTheyDoNotOwn) {
     EXPECT_EQ(copy.Region, Original);
     EXPECT_EQ(Z_FreeDuplicateBitmap(&copy, 0), 1);
     EXPECT_EQ(copy.Palette, nullptr);
-    EXPECT_EQ(regions, 1) << "the shared region is left alone";
+    EXPECT_EQ(RegionSlots::Alive, 1) << "the shared region is left alone";
 
     ASSERT_EQ(Z_DupBitmapNewDim(&copy, &source, 20, 3, 4, 6), 1);
-    EXPECT_EQ(regions, 2);
+    EXPECT_EQ(RegionSlots::Alive, 2);
     EXPECT_EQ(Z_FreeDuplicateBitmap(&copy, 6), 1);
     EXPECT_EQ(copy.Palette, nullptr) << "without storage its own palette and region are freed";
     EXPECT_EQ(copy.Region, nullptr);
-    EXPECT_EQ(regions, 1);
+    EXPECT_EQ(RegionSlots::Alive, 1);
 }
 
 TEST_F(Duplicates, FailWithTheirRegion) {
-    copyResult = code::OutOfMemory;
+    RegionSlots::CopyResult = code::OutOfMemory;
     EXPECT_EQ(Z_DupBitmapNewDim(&copy, &source, 8, 8, 8, 7), code::OutOfMemory);
     EXPECT_EQ(source.Region, Original);
     EXPECT_EQ(copy.Flags & flag::Allocated, 0u);
@@ -237,7 +217,7 @@ TEST_F(Duplicates, OfARecordShareItsStorage) {
     EXPECT_EQ(0, std::memcmp(&copy, &source, sizeof copy));
     EXPECT_EQ(Z_FreeImage(&copy, 0), 1);
     EXPECT_EQ(copy.Palette, nullptr);
-    EXPECT_EQ(regions, 1) << "palette and region live on in the source";
+    EXPECT_EQ(RegionSlots::Alive, 1) << "palette and region live on in the source";
     source.Flags &= ~(flag::Allocated | flag::Disk);
     source.PaintLUT = nullptr;
     EXPECT_EQ(Z_FreeImage(&source, 1), 1);

@@ -1,29 +1,12 @@
 // The percent rule, against the closed form: after k of n rows the percentage is 100 k / n rounded down, told
 // whenever it has changed.
 #include "core/progress.h"
+#include "core/reports.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <vector>
-
+namespace zkr::test {
 namespace {
-
-using namespace zkr;
-
-struct Listener {
-    std::vector<int32_t> Seen;
-    size_t StopAt = SIZE_MAX; // number of the report that stops the work
-    ReturnCode Answer = 0;
-
-    StatusReceiver Receiver() { return {Hear, reinterpret_cast<intptr_t>(this)}; }
-
-    static ReturnCode Z_CALL Hear(int32_t percent, intptr_t userData) {
-        auto& self = *reinterpret_cast<Listener*>(userData);
-        self.Seen.push_back(percent);
-        return self.Seen.size() - 1 == self.StopAt ? self.Answer : code::Success;
-    }
-};
 
 std::vector<int32_t> ExpectedReports(int64_t rows) {
     std::vector<int32_t> expected{0};
@@ -38,27 +21,27 @@ TEST(Progress, TellsEachPercentageOnce) {
     for (int32_t count = 1; count <= 1000; ++count)
         counts.push_back(count);
     for (int32_t count : counts) {
-        Listener listener;
-        Progress progress(listener.Receiver(), count);
+        const Reports reports(Z_SetStatusCallBack);
+        Progress progress(StatusReceiver::Status(), count);
         EXPECT_EQ(progress.Begin(), code::Success);
         for (int32_t row = 0; row < count; ++row)
             ASSERT_EQ(progress.Step(), code::Success);
-        EXPECT_EQ(listener.Seen, ExpectedReports(count)) << count;
+        EXPECT_EQ(reports.Seen, ExpectedReports(count)) << count;
     }
 }
 
 TEST(Progress, CarriesOverTheLargestHeights) {
-    Listener listener;
-    Progress progress(listener.Receiver(), INT32_MAX);
+    const Reports reports(Z_SetStatusCallBack);
+    Progress progress(StatusReceiver::Status(), INT32_MAX);
     for (int32_t row = 0; row < 21474837; ++row) // the first row at which 100 rows make a whole of the height
         progress.Step();
-    EXPECT_EQ(listener.Seen, std::vector<int32_t>{1});
+    EXPECT_EQ(reports.Seen, std::vector<int32_t>{1});
 }
 
 TEST(Progress, AnyOtherResultStops) {
     for (ReturnCode answer : {0, 2, -1, -29}) {
-        Listener listener{.Seen = {}, .StopAt = 3, .Answer = answer};
-        Progress progress(listener.Receiver(), 10);
+        const Reports reports(Z_SetStatusCallBack, 3, answer);
+        Progress progress(StatusReceiver::Status(), 10);
         ReturnCode status = progress.Begin();
         int rows = 0;
         for (; status == code::Success && rows < 10; ++rows)
@@ -68,26 +51,20 @@ TEST(Progress, AnyOtherResultStops) {
     }
 }
 
-class ProgressStageTest : public ::testing::Test {
-  protected:
-    void SetUp() override { Z_SetStatusCallBack(Listener::Hear, listener_.Receiver().UserData); }
-    void TearDown() override { Z_SetStatusCallBack(nullptr, 0); }
-
-    static bool IsSilent() { return Z_GetStatusCallBack(nullptr) == nullptr; }
-
-    Listener listener_;
-};
+bool IsSilent() {
+    return Z_GetStatusCallBack(nullptr) == nullptr;
+}
 
 // Whatever the range and its units: 100 k / 100 of the units are reached at inner percentage k, rounded down,
 // and their share of the range is told, rounded down, whenever it has changed.
-TEST_F(ProgressStageTest, MapsTheInnerRangeIntoTheOuterOne) {
+TEST(ProgressStage, MapsTheInnerRangeIntoTheOuterOne) {
     const struct {
         int32_t Start, End, Total;
     } stages[] = {{0, 100, 100}, {0, 50, 100},   {50, 100, 100}, {30, 37, 100},
                   {10, 90, 7},   {0, 100, 3000}, {99, 100, 1}};
     for (const auto& stage : stages) {
         for (int32_t stride : {1, 7, 50}) {
-            listener_.Seen.clear();
+            const Reports reports(Z_SetStatusCallBack);
             ProgressStage tested;
             ASSERT_EQ(tested.Begin(stage.Start, stage.End, stage.Total), code::Success);
             std::vector<int32_t> expected{stage.Start};
@@ -100,16 +77,14 @@ TEST_F(ProgressStageTest, MapsTheInnerRangeIntoTheOuterOne) {
                 if (percent != expected.back()) expected.push_back(percent);
             }
             EXPECT_FALSE(IsSilent()) << "the outer operation goes on reporting";
-            EXPECT_EQ(listener_.Seen, expected) << stage.Start << " " << stage.End << " " << stage.Total;
+            EXPECT_EQ(reports.Seen, expected) << stage.Start << " " << stage.End << " " << stage.Total;
         }
     }
 }
 
-TEST_F(ProgressStageTest, AnOperationThatIsStoppedGivesTheCallbackBack) {
-    listener_.Answer = 5;
+TEST(ProgressStage, AnOperationThatIsStoppedGivesTheCallbackBack) {
     for (const size_t stop : {size_t{0}, size_t{2}}) {
-        listener_.Seen.clear();
-        listener_.StopAt = stop;
+        const Reports reports(Z_SetStatusCallBack, stop, 5);
         {
             ProgressStage stage;
             ASSERT_EQ(stage.Begin(20, 100), stop == 0 ? 5 : code::Success);
@@ -118,19 +93,19 @@ TEST_F(ProgressStageTest, AnOperationThatIsStoppedGivesTheCallbackBack) {
                 EXPECT_EQ(stage.Report(20), 5);
             }
         }
-        EXPECT_EQ(listener_.Seen.size(), stop + 1);
+        EXPECT_EQ(reports.Seen.size(), stop + 1);
         EXPECT_FALSE(IsSilent());
     }
 }
 
-TEST_F(ProgressStageTest, WithoutACallbackNothingHappens) {
-    Z_SetStatusCallBack(nullptr, 0);
+TEST(ProgressStage, WithoutACallbackNothingHappens) {
     ProgressStage stage;
     ASSERT_EQ(stage.Begin(), code::Success);
-    Z_SetStatusCallBack(Listener::Hear, listener_.Receiver().UserData);
+    const Reports reports(Z_SetStatusCallBack);
     EXPECT_EQ(stage.Report(50), code::Success);
     EXPECT_FALSE(IsSilent());
-    EXPECT_TRUE(listener_.Seen.empty());
+    EXPECT_TRUE(reports.Seen.empty());
 }
 
 } // namespace
+} // namespace zkr::test

@@ -13,6 +13,8 @@ TEST(RowFailures, TellWhyNothingMoved) {
     ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryUser), 1);
     EXPECT_EQ(Z_GetBitmapRow(&bitmap, buffer, 0, 8), code::InvalidBitmap) << "a user bitmap without data";
     EXPECT_EQ(Z_PutBitmapRowCol(&bitmap, buffer, 1, 3, 5), code::InvalidBitmap);
+    const uint32_t segment[] = {0, 3};
+    EXPECT_EQ(Z_PutBitmapRowSegments(&bitmap, buffer, 0, 0, segment, 2, 0), code::InvalidBitmap);
 
     Bitmap global(8, 2, 8);
     Bytes none;

@@ -1,5 +1,5 @@
-// Row segments at the ends of a bitmap and of the window through which a file's rows are merged. All storage
-// classes, depths and offsets have their plain model in the attack on rows.
+// Row segments at the end of the window through which a file's rows are merged. All storage classes, depths,
+// offsets and ends have their plain model in the attack on rows.
 #include "core/test_bitmaps.h"
 #include "support/pixel_bits.h"
 
@@ -26,22 +26,6 @@ TEST(LongSegments, AreWholeOnDisk) {
                 << bits << ", " << column;
         }
     }
-}
-
-TEST(SegmentEnds, StayInsideTheBitmap) {
-    Bitmap bitmap(10, 1, 8);
-    Bytes data(12, 0);
-    ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryUser), 1);
-    ASSERT_EQ(Z_SetBitmapDataPointer(&bitmap, data.data(), 12), 1);
-    const Bytes source = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14};
-    const uint32_t segments[] = {0, 14, 3};
-    EXPECT_EQ(Z_PutBitmapRowSegments(&bitmap, source.data(), 0, -2, segments, 3, 0), 1);
-    EXPECT_EQ(data, (Bytes{3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 0, 0}));
-    const uint32_t backwards[] = {6, 2};
-    EXPECT_EQ(Z_PutBitmapRowSegments(&bitmap, source.data(), 0, 0, backwards, 2, 0), 1);
-    EXPECT_EQ(data, (Bytes{3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 0, 0}));
-    ASSERT_EQ(Z_SetBitmapDataPointer(&bitmap, nullptr, 0), 1);
-    EXPECT_EQ(Z_PutBitmapRowSegments(&bitmap, source.data(), 0, 0, segments, 2, 0), code::InvalidBitmap);
 }
 
 } // namespace

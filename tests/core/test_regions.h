@@ -84,7 +84,7 @@ class RegionSlots {
     }
     // A failing copy leaves something in the field that nobody may follow.
     static ReturnCode Copy(BitmapHandle* destination, BitmapHandle* source, int32_t dx, int32_t dy) {
-        if (CopyResult != code::Success && destination != source) {
+        if (CopyResult != code::Success) {
             destination->Region = reinterpret_cast<void*>(1);
             return CopyResult;
         }
