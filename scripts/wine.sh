@@ -106,6 +106,21 @@ make_prefix() {
   touch "$WINEPREFIX/ready"
 }
 
+# The temporary files of programs lie in memory where there is room for them.
+place_temporary_files() {
+  local folder user
+  folder="/dev/shm/zkr13n-$(id -u)-wine$bits"
+  for user in "$WINEPREFIX"/drive_c/users/*/; do
+    if memory_takes_files && mkdir -p "$folder"; then
+      # Only an empty folder makes way: a program may be at work in it.
+      if rmdir "${user}Temp" 2>/dev/null; then ln -s "$folder" "${user}Temp"; fi
+    elif [ -L "${user}Temp" ]; then
+      rm "${user}Temp"
+      mkdir "${user}Temp"
+    fi
+  done
+}
+
 # A screen for this process, and the prefix that knows it: Wine takes its graphics driver once for a prefix. One
 # process at a time has it.
 take_screen() {
@@ -176,12 +191,14 @@ exec)
   ready || die "$not_ready"
   [ -n "${ZKR_WINE_DISPLAY:-}" ] && run_on_screen "$@"
   unset DISPLAY
+  place_temporary_files
   exec "${in_system[@]}" "$wine" "$@"
   ;;
 session)
   choose_wine
   ready || die "$not_ready"
   unset DISPLAY
+  place_temporary_files
   run_session "$@"
   ;;
 esac

@@ -4,6 +4,7 @@
 //   parity                    a line for each family
 //   parity --out FILE         the same, and the digest of every case into FILE
 //   parity --check FILE       compares with what --out wrote elsewhere
+//   parity --same FILE OTHER  compares what --out wrote here with what it wrote elsewhere
 //   parity --only FAMILY N    that case alone, with everything that went into its digest
 #include "parity/digest.h"
 
@@ -84,6 +85,14 @@ int Check(const std::vector<std::string>& lines, const char* name) {
     return Equal;
 }
 
+std::vector<std::string> Read(const char* name) {
+    std::ifstream file(name);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);)
+        lines.push_back(line);
+    return lines;
+}
+
 int Trace(const char* name, int number) {
     for (const auto& families : AllFamilies())
         for (const Family& family : families)
@@ -104,6 +113,10 @@ int main(int count, char** words) {
     if (count == 1) return Run(), Equal;
     if (count == 3 && option == "--out") return Write(Run(), words[2]);
     if (count == 3 && option == "--check") return Check(Run(), words[2]);
+    if (count == 4 && option == "--same") {
+        const std::vector<std::string> lines = Read(words[2]);
+        return lines.empty() ? Unusable : Check(lines, words[3]);
+    }
     std::fputs("parity: see the head of parity.cpp for its arguments\n", stderr);
     return Unusable;
 }
