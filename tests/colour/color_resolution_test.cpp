@@ -89,7 +89,7 @@ TEST(ColorResolution, DithersToPalettesThatAreGiven) {
                    {8, 0x070041, 0, cube, 256},
                    {8, 0x40, 7, cube, 256},
                    {8, 0x10, 200, own.data(), 200},
-                   {5, 0x030030, 99, own.data(), 32},
+                   {5, 0x030030, 33, own.data(), 32},
                    {2, 0x94, 3, own.data(), 3}};
     for (const PixelForm form : AllForms)
         for (const auto& choice : choices) {
@@ -160,6 +160,7 @@ TEST(ColorResolution, ConvertsAboveEightBits) {
                 Bitmap target;
                 ASSERT_EQ(Resolve(picture, &target, bits, flags), 1);
                 EXPECT_EQ(target.Order, order);
+                EXPECT_EQ(target.MaxVal, order == Z_ORDER_GRAY ? (1 << bits) - 1 : 0);
                 Bytes row(Z_CalcConvertSize(37, form.Bits, 37, bits)); // whose alpha passes from row to row
                 ExpectPixels(target, [&](int32_t y) {
                     std::memcpy(row.data(), picture.Row(y), picture.BytesPerLine);
@@ -307,6 +308,8 @@ TEST(ColorResolution, LeavesTheSourceWholeWhenStopped) {
             for (size_t stop = 1; stop <= 11; ++stop) {
                 ColourPicture picture({16, 1}, 9, 5, 3, 40);
                 picture.DitheringMethod = 3;
+                int ofTheCaller = 0; // a dithering run and a region
+                picture.DitherData = picture.Region = &ofTheCaller;
                 BitmapHandle before = picture, other{};
                 const Bytes rows = Rows(picture);
                 BitmapHandle& target = inPlace ? static_cast<BitmapHandle&>(picture) : other;
