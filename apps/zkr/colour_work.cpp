@@ -62,7 +62,8 @@ void ShowWindow(Bitmap& picture, int low, int high) {
     if (picture.Handle()->Order != Z_ORDER_GRAY) MakeGray(picture, 16);
     const int bits = picture.Handle()->BitsPerPixel, most = (1 << bits) - 1;
     if (low < 0 || high < low || high > most)
-        throw Failure(picture.Name(), "the window does not lie within 0 to " + std::to_string(most));
+        throw Failure(picture.Name(), std::to_string(low) + " to " + std::to_string(high) +
+                                          " is no window within 0 to " + std::to_string(most));
     std::vector<RGBQUAD> table(static_cast<size_t>(most) + 1, RGBQUAD{255, 255, 255, 0});
     std::fill_n(table.begin(), low, RGBQUAD{0, 0, 0, 0});
     const auto entries = static_cast<uint32_t>(table.size());

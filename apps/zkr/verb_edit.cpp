@@ -10,8 +10,8 @@ void RunCrop(const CropOptions& options) {
 
 void RunFill(const FillOptions& options) {
     ChangePicture(options, "filling   ", [&](Bitmap& picture) {
-        if (options.area)
-            Fill(picture, options.colour, *options.area);
+        if (options.area.width > 0)
+            Fill(picture, options.colour, options.area);
         else
             Fill(picture, options.colour);
     });

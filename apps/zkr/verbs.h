@@ -13,21 +13,19 @@ struct InfoOptions {
     std::string picture;
 };
 
-enum class PaletteChoice { Fixed, Gray };
-
-struct ConvertOptions {
-    std::string input;
-    std::string output;
-    int bits = 24;
-    std::optional<int> order; // Z_ORDER_...
-    std::optional<PaletteChoice> palette;
-    StorageClass storage = StorageClass::Conventional;
-};
-
+// What all verbs take that make a picture file from another.
 struct EditOptions {
     std::string input;
     std::string output;
     StorageClass storage = StorageClass::Conventional;
+};
+
+enum class PaletteChoice { Fixed, Gray };
+
+struct ConvertOptions : EditOptions {
+    int bits = 24;
+    std::optional<int> order; // Z_ORDER_...
+    std::optional<PaletteChoice> palette;
 };
 
 struct CropOptions : EditOptions {
@@ -36,7 +34,7 @@ struct CropOptions : EditOptions {
 
 struct FillOptions : EditOptions {
     uint32_t colour = 0; // 0x00BBGGRR
-    std::optional<Rectangle> area;
+    Rectangle area;      // without a width the whole picture
 };
 
 struct ColorsOptions : EditOptions {

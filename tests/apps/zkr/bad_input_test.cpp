@@ -142,7 +142,7 @@ TEST_F(BadInputTest, WishesThatCannotBeMet) {
          {std::pair("--order", "grb"), {"--palette", "best"}, {"--storage", "attic"}})
         Fails({"convert", Path("good.png"), Path("out.png"), "--bits", "24", option, word}, "",
               std::string("'") + word + "' is not one of ");
-    Fails({}, "", "subcommand");
+    Fails({}, "", "a verb is required");
     Fails({"paint", Path("good.png")}, "paint: ", "no verb");
     Fails({"convert", Path("good.png"), Path("out.png")}, "", "--bits");
     Fails({"convert", Path("good.png"), Path("out.png"), "--bits", "many"}, "", "many");
