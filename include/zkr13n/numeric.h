@@ -1,5 +1,5 @@
 /*
- * Numeric services: small whole-number helpers that bitmap work needs.
+ * Numeric services: what bitmap work needs of whole numbers.
  */
 #ifndef ZKR13N_NUMERIC_H
 #define ZKR13N_NUMERIC_H
