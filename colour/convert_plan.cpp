@@ -5,6 +5,7 @@
 #include "colour/kept_palette_map.h"
 #include "colour/palette_search.h"
 #include "colour/rows/kernel_set.h"
+#include "core/sizes.h"
 #include "zkr13n/bitmap.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
@@ -24,9 +25,9 @@ using rows::Target;
 
 namespace {
 
+// A depth of 0 is 8-bit gray without a palette.
 bool IsDepth(int32_t bits) {
-    return (bits >= 0 && bits <= 8) || bits == 12 || bits == 16 || bits == 24 || bits == 32 || bits == 48 ||
-           bits == 64;
+    return bits == 0 || IsSupportedDepth(bits);
 }
 
 bool IsOrderOfDepth(int32_t order, int32_t bits) {

@@ -5,6 +5,7 @@
 #include "colour/dither/dither_state.h"
 #include "colour/fixed_palettes.h"
 #include "core/return_codes.h"
+#include "core/sizes.h"
 #include "zkr13n/allocation.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
@@ -24,11 +25,6 @@ struct TargetRequest {
     int32_t Bits;
     uint32_t* MatchTable;
 };
-
-bool IsSourceDepth(int32_t bits) {
-    return (bits >= 1 && bits <= 8) || bits == 12 || bits == 16 || bits == 24 || bits == 32 || bits == 48 ||
-           bits == 64;
-}
 
 // The bits of the smallest fixed palette that has so many colours.
 int32_t BitsOfColors(uint32_t colors) {
@@ -144,7 +140,7 @@ void NewRun::SetGrayWindow(const BitmapHandle& bitmap) {
 
 ReturnCode NewRun::Make(const BitmapHandle& bitmap, const TargetRequest& target) {
     if (state_ == nullptr) return code::OutOfMemory;
-    if (!IsSourceDepth(bitmap.BitsPerPixel)) return code::InvalidArgument;
+    if (!IsSupportedDepth(bitmap.BitsPerPixel)) return code::InvalidArgument;
     if (target.Colors == 0 || target.Colors > 256) return code::InvalidArgument;
     if (!ChoosePalette(target)) return code::OutOfMemory;
 
