@@ -34,12 +34,12 @@ template <typename Channel, size_t channels> struct Layout {
     static constexpr size_t pixelBytes = channels * sizeof(Channel);
     static constexpr size_t unitWords = isByte ? 1 : 2; // of 32 bits, which all steps count in
 
+    // Where they lie, for a kernel that makes pixels larger begins at the last, and memory is faster forwards.
     static void Load(const uint8_t* source, uint32_t* units, size_t pixels) {
-        if constexpr (channels == 4)
-            std::memcpy(units, source, pixels * pixelBytes);
-        else
+        std::memcpy(units, source, pixels * pixelBytes);
+        if constexpr (channels == 3)
             Reshape(isByte ? Source::Colour24 : Source::Deep48, isByte ? Target::Colour32 : Target::Deep64,
-                    source, units, pixels);
+                    units, units, pixels);
     }
     static void Store(const uint32_t* units, uint8_t* target, size_t pixels) {
         if constexpr (channels == 4)
