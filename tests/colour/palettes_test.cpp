@@ -249,6 +249,12 @@ TEST_P(BothForms, Compare) {
     EXPECT_EQ(compare(bare, entries), 0);
 }
 
+TEST_P(BothForms, FindTheFirstOfEqualEntries) {
+    const Entries entries = {EntryOf(9, 9, 9), EntryOf(200, 0, 0), EntryOf(0, 0, 0), EntryOf(200, 0, 0)};
+    const Bitmap bitmap(8, GetParam(), entries);
+    EXPECT_EQ(Z_GetNearestPaletteIndex(&bitmap, 0x0000C9), 1u);
+}
+
 TEST_P(BothForms, TakeAPaletteObject) {
     const Entries old = Sample(3), entries = Sample(5);
     const Owned palette(Z_CreatePalette(entries.data(), 5)), tooSmall(Z_CreatePalette(entries.data(), 1));

@@ -130,7 +130,7 @@ class Duplicates : public testing::Test {
         Z_CreateBitmap(&source, MemoryDisk, 8, 8, 8, 0, nullptr, 4, nullptr, 0);
         RegionSlots::Give(source, {{1, 2, 7, 5}});
         Original = source.Region;
-        source.XResolution = 72, source.PlaybackLeft = 9;
+        source.XResolution = 72, source.YResolution = 73, source.PlaybackLeft = 9;
         source.Flags |= flag::Signed | flag::RegionUnclipped;
         source.PaintLUT[1] = 99;
     }
@@ -145,8 +145,8 @@ TEST_F(Duplicates, InheritEverythingButDimensions) {
     ASSERT_EQ(Z_DupBitmapNewDim(&copy, &source, 20, 3, 4, 7), 1);
     EXPECT_EQ(InfoOf(copy).Type, MemoryDisk) << "the class of the source";
     EXPECT_EQ(std::tuple(copy.Width, copy.BytesPerLine, copy.ViewPerspective, copy.XResolution,
-                         copy.PlaybackLeft, copy.ColorsUsed),
-              std::tuple(20, 12u, 4, 72, 9, 256u))
+                         copy.YResolution, copy.PlaybackLeft, copy.ColorsUsed),
+              std::tuple(20, 12u, 4, 72, 73, 9, 256u))
         << "colours copied from the source";
     EXPECT_EQ(copy.Flags, flag::Allocated | flag::Disk | flag::Signed | flag::RegionUnclipped);
     EXPECT_NE(copy.Palette, source.Palette);

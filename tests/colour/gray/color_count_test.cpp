@@ -69,6 +69,13 @@ TEST(ColourCount, IsThatOfASetAtEveryDepth) {
     }
 }
 
+TEST(ColourCount, FindsTheLastOfAllValues) {
+    ColourPicture picture({12, 2}, 4096, 1, 1);
+    for (int x = 0; x < 4096; ++x)
+        WritePixel(picture.Row(0), 12, x, uint64_t(x));
+    ExpectCounts(picture, {12, 2}, Whole(picture));
+}
+
 TEST(ColourCount, GoesThroughWindowsAndTables) {
     for (const PixelForm form : {PixelForm{12, 2}, PixelForm{16, 2}}) {
         for (const auto& [low, high] : {std::pair{0, form.Bits - 1}, {2, 9}, {0, 4}, {3, 11}}) {
