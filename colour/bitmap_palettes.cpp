@@ -3,6 +3,7 @@
 #include "core/attachments.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
+#include "core/sizes.h"
 #include "platform/graphics.h"
 #include "zkr13n/allocation.h"
 #include "zkr13n/palettes.h"
@@ -14,8 +15,6 @@ using namespace zkr;
 
 namespace {
 
-constexpr uint32_t maximumEntries = 256;
-
 bool IsBlock(const BitmapHandle& bitmap) {
     return HasFlag(bitmap, flag::PaletteIsBlock);
 }
@@ -25,7 +24,7 @@ HPALETTE Object(const BitmapHandle& bitmap) {
 }
 
 RGBQUAD* CreateBlock(const RGBQUAD* palette, uint32_t entries) {
-    if (palette == nullptr || entries == 0 || entries > maximumEntries) return nullptr;
+    if (palette == nullptr || entries == 0 || entries > MostEntries) return nullptr;
     void* block = Z_OsAlloc(entries * sizeof(RGBQUAD));
     if (block != nullptr) std::memcpy(block, palette, entries * sizeof(RGBQUAD));
     return static_cast<RGBQUAD*>(block);
@@ -98,11 +97,11 @@ ReturnCode Z_CALL Z_PutBitmapColors(BitmapHandle* bitmap, int32_t start, int32_t
                                     const RGBQUAD* source) {
     if (!IsAllocated(bitmap)) return code::InvalidBitmap;
     const bool inRange = start >= 0 && int64_t{start} + count <= int64_t{bitmap->ColorsUsed} &&
-                         bitmap->ColorsUsed <= maximumEntries;
+                         bitmap->ColorsUsed <= MostEntries;
     if (!inRange || bitmap->BitsPerPixel > 8) return code::InvalidArgument;
     if (count > 0 && source == nullptr) return code::InvalidArgument;
 
-    RGBQUAD entries[maximumEntries] = {};
+    RGBQUAD entries[MostEntries] = {};
     Z_GetBitmapPaletteEntries(bitmap, 0, bitmap->ColorsUsed, entries);
     for (int32_t i = 0; i < count; ++i)
         entries[start + i] = source[i];
@@ -121,7 +120,7 @@ ReturnCode Z_CALL Z_CreateBitmapGrayPalette(BitmapHandle* bitmap) {
         bitmap->Palette = palette; // ColorsUsed stays, in this form alone
         return code::Success;
     }
-    RGBQUAD ramp[maximumEntries];
+    RGBQUAD ramp[MostEntries];
     const uint32_t entries = 1u << bits;
     for (uint32_t i = 0; i < entries; ++i)
         ramp[i] = GrayRampEntry(i, entries);
@@ -164,8 +163,8 @@ HPALETTE Z_CALL Z_DupBitmapPalette(const BitmapHandle* bitmap) {
 int32_t Z_CALL Z_CompareBitmapToPalette(const BitmapHandle* bitmap, const RGBQUAD* palette,
                                         uint32_t entries) {
     if (bitmap == nullptr || (palette == nullptr && entries > 0)) return 0;
-    RGBQUAD own[maximumEntries];
-    const uint32_t count = Z_GetBitmapPaletteEntries(bitmap, 0, std::min(entries, maximumEntries), own);
+    RGBQUAD own[MostEntries];
+    const uint32_t count = Z_GetBitmapPaletteEntries(bitmap, 0, std::min(entries, MostEntries), own);
     if (count == 0) return entries == 0 ? 1 : 0;
     const bool equal = std::equal(own, own + count, palette, [](const RGBQUAD& a, const RGBQUAD& b) {
         return a.rgbRed == b.rgbRed && a.rgbGreen == b.rgbGreen && a.rgbBlue == b.rgbBlue;
@@ -176,7 +175,7 @@ int32_t Z_CALL Z_CompareBitmapToPalette(const BitmapHandle* bitmap, const RGBQUA
 ReturnCode Z_CALL Z_SetBitmapPalette(BitmapHandle* bitmap, HPALETTE palette) {
     if (!IsAllocated(bitmap)) return code::InvalidBitmap;
     const uint32_t entries = Z_GetPaletteSize(palette);
-    if (entries < 2 || entries > maximumEntries) return code::InvalidArgument;
+    if (entries < 2 || entries > MostEntries) return code::InvalidArgument;
     const HPALETTE copy = Z_DupPalette(palette); // before the old one goes: it may be the same
     ReleasePalette(*bitmap);
     bitmap->Palette = copy;
@@ -190,9 +189,9 @@ ReturnCode Z_CALL Z_SetPaletteType(BitmapHandle* bitmap, int32_t type) {
     const bool toBlock = type != 0;
     if (bitmap->Palette == nullptr || toBlock == IsBlock(*bitmap)) return code::Success;
 
-    RGBQUAD entries[maximumEntries];
+    RGBQUAD entries[MostEntries];
     const uint32_t count =
-        Z_GetBitmapPaletteEntries(bitmap, 0, std::min(bitmap->ColorsUsed, maximumEntries), entries);
+        Z_GetBitmapPaletteEntries(bitmap, 0, std::min(bitmap->ColorsUsed, MostEntries), entries);
     void* palette = CreateInForm(toBlock, entries, count);
     if (palette == nullptr) return code::OutOfMemory;
     ReleasePalette(*bitmap);

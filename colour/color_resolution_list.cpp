@@ -17,7 +17,7 @@ namespace zkr {
 
 namespace {
 
-constexpr uint32_t choiceMask = 0x3FF;
+constexpr uint32_t ChoiceMask = 0x3FF;
 
 bool IsMade(uint32_t choice) {
     return choice == 0 || choice == COLORRES_OPTIMIZED_PALETTE || choice == COLORRES_SYSTEM_COLORS ||
@@ -38,7 +38,7 @@ class SharedTable {
 
     // An empty table where there is none. False where memory was short.
     bool Set(uint32_t* table) {
-        table_ = table != nullptr ? table : static_cast<uint32_t*>(Z_Calloc(colourKeys, sizeof(uint32_t)));
+        table_ = table != nullptr ? table : static_cast<uint32_t*>(Z_Calloc(ColourKeys, sizeof(uint32_t)));
         if (table_ != nullptr) earlier_ = SwapMatchTable(table_);
         return table_ != nullptr;
     }
@@ -81,7 +81,7 @@ ReturnCode BuildListPalette(BitmapList list, ListRequest& request, RGBQUAD* shar
     if (!table.Set(made)) return code::OutOfMemory;
     std::copy_n(slots.entries(), 256, shared);
     if (request.Palette != nullptr) std::copy_n(shared, request.Colors, request.Palette);
-    request = {request.Bits, (request.Flags & ~choiceMask) | COLORRES_USER_PALETTE | COLORRES_USE_MATCH_TABLE,
+    request = {request.Bits, (request.Flags & ~ChoiceMask) | COLORRES_USER_PALETTE | COLORRES_USE_MATCH_TABLE,
                shared, nullptr, colors};
     return code::Success;
 }
@@ -92,7 +92,7 @@ ReturnCode Prepare(BitmapList list, uint32_t items, ListRequest& request, RGBQUA
     const uint32_t most = 1u << request.Bits;
     if (request.Colors == 0 || request.Colors > most) request.Colors = most;
     request.Flags &= ~uint32_t{COLORRES_ORDER_GRAY};
-    const uint32_t choice = request.Flags & choiceMask;
+    const uint32_t choice = request.Flags & ChoiceMask;
     if (IsMade(choice))
         return items == 0 ? code::InvalidBitmap : BuildListPalette(list, request, shared, table);
     if (choice != COLORRES_USER_PALETTE && choice != COLORRES_HANDLE_AS_USER) return code::Success;

@@ -13,7 +13,7 @@ namespace {
 
 // The pixels that are in work at a time where a conversion takes several stages; a multiple of 8, so that
 // every piece of a row begins on a byte.
-constexpr size_t piecePixels = 512;
+constexpr size_t PiecePixels = 512;
 
 // Walks over a row so that every pixel is read before a target pixel covers it: from the end where pixels
 // grow, else from the start. A single kernel does so by itself.
@@ -25,10 +25,10 @@ class InPlaceWalk {
 
     void Run(size_t width) {
         if (plan_.StageCount() == 1) return RunStages(row_, row_, width);
-        const size_t pieces = (width + piecePixels - 1) / piecePixels;
+        const size_t pieces = (width + PiecePixels - 1) / PiecePixels;
         for (size_t i = 0; i < pieces; ++i) {
-            const size_t begin = (targetBits_ > sourceBits_ ? pieces - 1 - i : i) * piecePixels;
-            RunStages(SourceAt(begin), TargetAt(begin), std::min(piecePixels, width - begin));
+            const size_t begin = (targetBits_ > sourceBits_ ? pieces - 1 - i : i) * PiecePixels;
+            RunStages(SourceAt(begin), TargetAt(begin), std::min(PiecePixels, width - begin));
         }
     }
 
@@ -49,7 +49,7 @@ class InPlaceWalk {
     uint8_t* row_;
     size_t sourceBits_;
     size_t targetBits_;
-    uint8_t between_[2][piecePixels * 4]; // working rows between two stages
+    uint8_t between_[2][PiecePixels * 4]; // working rows between two stages
 };
 
 // The bytes of a row that ends on a multiple of four.

@@ -52,7 +52,7 @@ class ConvertPlan {
     const ConvertStage& Stage(int32_t index) const { return stages_[index]; }
 
   private:
-    static constexpr int32_t maximumStages = 4;
+    static constexpr int32_t MostStages = 4;
 
     void PlanIndices();
     void PlanIndexMap();
@@ -81,7 +81,7 @@ class ConvertPlan {
     // Begun one after the other, with one that stands ready behind the last: clearing all takes longer than
     // making most plans.
     union {
-        ConvertStage stages_[maximumStages + 1];
+        ConvertStage stages_[MostStages + 1];
     };
     PaletteMap spareMap_;
 };

@@ -12,15 +12,15 @@ namespace zkr {
 namespace {
 
 // The match table knows five bits of a channel, and stands for them by the lowest colour that has them.
-constexpr uint32_t matchTableCells = 32768;
-constexpr int32_t channelStep = 8;
+constexpr uint32_t MatchTableCells = 32768;
+constexpr int32_t ChannelStep = 8;
 
 void FillCube(uint32_t* table, const RGBQUAD* palette, int32_t entries, int32_t red, int32_t green,
               int32_t blue) {
     using namespace rows;
     uint8_t winners[cubeColours];
     Kernels().Match.FindForCube(
-        palette, entries, {red * channelStep, green * channelStep, blue * channelStep, channelStep}, winners);
+        palette, entries, {red * ChannelStep, green * ChannelStep, blue * ChannelStep, ChannelStep}, winners);
     const uint8_t* winner = winners;
     for (int32_t r = red; r < red + cubeSide; ++r) {
         for (int32_t g = green; g < green + cubeSide; ++g) {
@@ -41,9 +41,9 @@ void FillByCubes(uint32_t* table, const RGBQUAD* palette, int32_t entries) {
 }
 
 void FillCellByCell(uint32_t* table, const RGBQUAD* palette, int32_t entries) {
-    for (uint32_t cell = 0; cell < matchTableCells; ++cell) {
+    for (uint32_t cell = 0; cell < MatchTableCells; ++cell) {
         const auto channel = [&](uint32_t shift) {
-            return static_cast<int32_t>(cell >> shift & 31) * channelStep;
+            return static_cast<int32_t>(cell >> shift & 31) * ChannelStep;
         };
         const int32_t index = Z_FindPaletteIndex(palette, entries, channel(10), channel(5), channel(0));
         table[cell] = static_cast<uint32_t>(index + 1);
@@ -64,7 +64,7 @@ int32_t Z_CALL Z_FindPaletteIndex(const RGBQUAD* palette, int32_t entries, int32
 
 uint32_t* Z_CALL Z_CreateUserMatchTable(const RGBQUAD* palette, int32_t entries) {
     if (palette == nullptr && entries > 0) return nullptr;
-    uint32_t* table = static_cast<uint32_t*>(Z_Malloc(matchTableCells * sizeof(uint32_t)));
+    uint32_t* table = static_cast<uint32_t*>(Z_Malloc(MatchTableCells * sizeof(uint32_t)));
     if (table == nullptr) return nullptr;
     if (entries >= 1 && entries <= 256) {
         FillByCubes(table, palette, entries);

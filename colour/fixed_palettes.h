@@ -54,7 +54,7 @@ constexpr RGBQUAD Entry(uint32_t bits, uint32_t index) {
 }
 
 // All eight, one after the other: that of n bits begins at 2^n - 2.
-inline constexpr auto all = [] {
+inline constexpr auto All = [] {
     std::array<RGBQUAD, 510> table{};
     for (uint32_t bits = 1; bits <= 8; ++bits) {
         for (uint32_t i = 0; i < 1u << bits; ++i)
@@ -68,7 +68,7 @@ inline constexpr auto all = [] {
 // The 2^bits entries of the palette of 1 to 8 bits.
 constexpr std::span<const RGBQUAD> FixedPalette(int32_t bits) {
     const size_t entries = size_t{1} << bits;
-    return {fixed_palettes::all.data() + entries - 2, entries};
+    return {fixed_palettes::All.data() + entries - 2, entries};
 }
 
 // Entry 36 r + 6 g + b for levels of 0 to 5 of 51 each; the entries from 216 on are black.

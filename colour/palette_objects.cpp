@@ -2,6 +2,7 @@
 // The fourth byte of both means the same and goes along.
 #include "zkr13n/palettes.h"
 
+#include "core/sizes.h"
 #include "platform/graphics.h"
 
 #include <algorithm>
@@ -11,17 +12,16 @@ using namespace zkr::platform;
 
 namespace {
 
-constexpr uint32_t maximumEntries = 256;
 // Some systems take the first entry as a word and drop the bits above.
-constexpr uint32_t mostStart = 0xFFFF;
+constexpr uint32_t MostStart = 0xFFFF;
 
 // As LOGPALETTE, with room for a whole palette.
 struct WholeLogPalette {
     WORD palVersion;
     WORD palNumEntries;
-    PALETTEENTRY palPalEntry[maximumEntries];
+    PALETTEENTRY palPalEntry[MostEntries];
 };
-constexpr WORD logPaletteVersion = 0x300;
+constexpr WORD LogPaletteVersion = 0x300;
 
 void Convert(const RGBQUAD* source, uint32_t count, PALETTEENTRY* destination) {
     std::transform(source, source + count, destination, [](const RGBQUAD& entry) {
@@ -38,9 +38,9 @@ void Convert(const PALETTEENTRY* source, uint32_t count, RGBQUAD* destination) {
 } // namespace
 
 HPALETTE Z_CALL Z_CreatePalette(const RGBQUAD* palette, uint32_t entries) {
-    if (palette == nullptr || entries == 0 || entries > maximumEntries) return nullptr;
+    if (palette == nullptr || entries == 0 || entries > MostEntries) return nullptr;
     WholeLogPalette logPalette;
-    logPalette.palVersion = logPaletteVersion;
+    logPalette.palVersion = LogPaletteVersion;
     logPalette.palNumEntries = static_cast<WORD>(entries);
     Convert(palette, entries, logPalette.palPalEntry);
     return platform::CreatePalette(reinterpret_cast<const LOGPALETTE*>(&logPalette));
@@ -53,11 +53,11 @@ uint32_t Z_CALL Z_GetPaletteSize(HPALETTE palette) {
 }
 
 uint32_t Z_CALL Z_GetPaletteEntries(HPALETTE palette, uint32_t start, uint32_t count, RGBQUAD* destination) {
-    if (palette == nullptr || destination == nullptr || start > mostStart) return 0;
+    if (palette == nullptr || destination == nullptr || start > MostStart) return 0;
     uint32_t done = 0;
     while (done < count) {
-        PALETTEENTRY some[maximumEntries];
-        const uint32_t wanted = std::min(count - done, maximumEntries);
+        PALETTEENTRY some[MostEntries];
+        const uint32_t wanted = std::min(count - done, MostEntries);
         const uint32_t got = std::min(GetPaletteEntries(palette, start + done, wanted, some), wanted);
         Convert(some, got, destination + done);
         done += got;
@@ -67,11 +67,11 @@ uint32_t Z_CALL Z_GetPaletteEntries(HPALETTE palette, uint32_t start, uint32_t c
 }
 
 uint32_t Z_CALL Z_SetPaletteEntries(HPALETTE palette, uint32_t start, uint32_t count, const RGBQUAD* source) {
-    if (palette == nullptr || source == nullptr || start > mostStart) return 0;
+    if (palette == nullptr || source == nullptr || start > MostStart) return 0;
     uint32_t done = 0;
     while (done < count) {
-        PALETTEENTRY some[maximumEntries];
-        const uint32_t wanted = std::min(count - done, maximumEntries);
+        PALETTEENTRY some[MostEntries];
+        const uint32_t wanted = std::min(count - done, MostEntries);
         Convert(source + done, wanted, some);
         const uint32_t set = SetPaletteEntries(palette, start + done, wanted, some);
         done += set;
@@ -81,8 +81,8 @@ uint32_t Z_CALL Z_SetPaletteEntries(HPALETTE palette, uint32_t start, uint32_t c
 }
 
 HPALETTE Z_CALL Z_DupPalette(HPALETTE palette) {
-    RGBQUAD entries[maximumEntries];
+    RGBQUAD entries[MostEntries];
     const uint32_t size = Z_GetPaletteSize(palette);
-    if (size > maximumEntries) return nullptr;
+    if (size > MostEntries) return nullptr;
     return Z_CreatePalette(entries, Z_GetPaletteEntries(palette, 0, size, entries));
 }

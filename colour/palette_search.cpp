@@ -15,10 +15,10 @@ namespace {
 
 // A cube is made when more single searches than these have been asked for in it: they cost less than making
 // it, so that little is lost on colours that never come again.
-constexpr uint16_t unknownCube = rows::lastKnownCube + 1;
-constexpr uint16_t searchesBeforeMaking = 2;
+constexpr uint16_t UnknownCube = rows::lastKnownCube + 1;
+constexpr uint16_t SearchesBeforeMaking = 2;
 
-constexpr int32_t firstRoom = 512; // cubes, 256 KB
+constexpr int32_t FirstRoom = 512; // cubes, 256 KB
 
 } // namespace
 
@@ -31,7 +31,7 @@ void PaletteSearch::Prepare(const RGBQUAD* palette, int32_t entries, const rows:
     entries_ = entries;
     std::memcpy(palette_, palette, static_cast<size_t>(entries) * sizeof(RGBQUAD));
     cubes_ = 0;
-    std::fill(std::begin(blocks_), std::end(blocks_), unknownCube);
+    std::fill(std::begin(blocks_), std::end(blocks_), UnknownCube);
 }
 
 bool PaletteSearch::IsFor(const RGBQUAD* palette, int32_t entries) const {
@@ -40,7 +40,7 @@ bool PaletteSearch::IsFor(const RGBQUAD* palette, int32_t entries) const {
 }
 
 bool PaletteSearch::MakeRoom() {
-    const int32_t room = std::max(firstRoom, room_ * 2);
+    const int32_t room = std::max(FirstRoom, room_ * 2);
     void* winners = Z_Realloc(winners_, static_cast<size_t>(room) * rows::cubeColours);
     if (winners == nullptr) return false;
     winners_ = static_cast<uint8_t*>(winners);
@@ -62,12 +62,12 @@ int32_t PaletteSearch::Match(int32_t red, int32_t green, int32_t blue) {
     const int32_t cube = red >> 3 << 10 | green >> 3 << 5 | blue >> 3;
     uint16_t& block = blocks_[cube];
     if (block > rows::lastKnownCube) {
-        if (block < unknownCube + searchesBeforeMaking) {
+        if (block < UnknownCube + SearchesBeforeMaking) {
             ++block;
             return kernels_->Find(palette_, entries_, red, green, blue);
         }
         if (!MakeCube(cube)) {
-            block = unknownCube; // memory may be there again later
+            block = UnknownCube; // memory may be there again later
             return kernels_->Find(palette_, entries_, red, green, blue);
         }
     }

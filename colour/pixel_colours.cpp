@@ -5,6 +5,7 @@
 #include "core/bitmap_lock.h"
 #include "core/dispatch.h"
 #include "core/return_codes.h"
+#include "core/sizes.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
 #include "zkr13n/pixels.h"
@@ -16,9 +17,6 @@
 namespace zkr {
 
 namespace {
-
-constexpr int32_t MostIndexedBits = 8;
-constexpr uint32_t MostEntries = 256;
 
 bool IsInside(const BitmapHandle& bitmap, int32_t row, int32_t column) {
     return row >= 0 && row < bitmap.Height && column >= 0 && column < bitmap.Width;

@@ -12,7 +12,7 @@ namespace zkr {
 class Stages {
   public:
     // A multiple of 8, so that every piece of a row begins on a byte.
-    static constexpr size_t piecePixels = 512;
+    static constexpr size_t PiecePixels = 512;
 
     Stages() = default;
     Stages(const Stages&) = delete;
@@ -32,7 +32,7 @@ class Stages {
 
     // A whole row; there is at least one stage.
     void RunRow(const uint8_t* source, size_t sourceBits, uint8_t* target, size_t targetBits, size_t pixels) {
-        const size_t piece = count_ == 1 ? pixels : piecePixels;
+        const size_t piece = count_ == 1 ? pixels : PiecePixels;
         for (size_t done = 0; done < pixels; done += piece) {
             const size_t now = std::min(piece, pixels - done);
             const uint8_t* from = source + done / 8 * sourceBits;
@@ -53,10 +53,10 @@ class Stages {
         return target;
     }
 
-    static constexpr size_t maximumStages = 4;
-    Stage stages_[maximumStages] = {};
+    static constexpr size_t MostStages = 4;
+    Stage stages_[MostStages] = {};
     size_t count_ = 0;
-    alignas(8) uint8_t work_[2][piecePixels * 8];
+    alignas(8) uint8_t work_[2][PiecePixels * 8];
 };
 
 } // namespace zkr

@@ -24,7 +24,6 @@ namespace {
 constexpr int32_t StandardResolution = 150;
 constexpr int32_t StandardViewPerspective = 2;
 constexpr int32_t NoGammaChange = 100;
-constexpr int32_t MostIndexedBits = 8;
 
 int32_t ResolutionFrom(int32_t setting) {
     return setting > 0 ? setting : StandardResolution;

@@ -32,7 +32,7 @@ ReturnCode ProgressStage::Report(int32_t innerPercent) {
     const auto units = static_cast<int32_t>(int64_t{innerPercent} * total_ / 100);
     const bool moved = counter_.Advance(std::max(units - units_, 0));
     units_ = std::max(units, units_);
-    const ReturnCode status = moved ? receiver_.Report(counter_.percent()) : code::Success;
+    const ReturnCode status = moved ? receiver_.Report(counter_.Percent()) : code::Success;
     if (innerPercent < 100) Silence();
     return status;
 }

@@ -37,7 +37,7 @@ class PercentCounter {
         : percent_(start), parts_(parts > 0 ? parts : 1), step_((end - start) / parts_),
           remainder_((end - start) % parts_) {}
 
-    int32_t percent() const { return percent_; }
+    int32_t Percent() const { return percent_; }
 
     // Whether the percentage moved.
     bool Advance(int32_t parts) {
@@ -62,7 +62,7 @@ class Progress {
     Progress(StatusReceiver receiver, int32_t rows) : receiver_(receiver), counter_(0, 100, rows) {}
 
     ReturnCode Begin() const { return receiver_.Report(0); }
-    ReturnCode Step() { return counter_.Advance(1) ? receiver_.Report(counter_.percent()) : code::Success; }
+    ReturnCode Step() { return counter_.Advance(1) ? receiver_.Report(counter_.Percent()) : code::Success; }
 
   private:
     StatusReceiver receiver_;

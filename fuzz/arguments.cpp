@@ -10,7 +10,7 @@ using namespace fuzz;
 
 namespace {
 
-constexpr size_t mostBytes = 1 << 16; // of a bitmap that is kept
+constexpr size_t MostBytes = 1 << 16; // of a bitmap that is kept
 
 class Host {
   public:
@@ -59,7 +59,7 @@ class Host {
         default: Frame(); break;
         }
         for (BitmapHandle& record : records_)
-            if (record.Size > mostBytes) Z_FreeBitmap(&record);
+            if (record.Size > MostBytes) Z_FreeBitmap(&record);
     }
 
   private:
@@ -435,7 +435,7 @@ class Host {
     std::array<BitmapHandle, 8> records_{};
     BitmapList list_ = nullptr, stale_ = nullptr;
     HPALETTE palette_, deadPalette_;
-    uint8_t user_[mostBytes] = {};
+    uint8_t user_[MostBytes] = {};
     uint8_t colour_[64] = {};
 };
 

@@ -9,7 +9,7 @@ using namespace fuzz;
 
 namespace {
 
-constexpr int32_t maximumHeight = 40;
+constexpr int32_t MostHeight = 40;
 
 class Checked {
   public:
@@ -19,7 +19,7 @@ class Checked {
         const int32_t width = kind < 240   ? 1 + input.Below(40)
                               : kind < 250 ? 1 + input.Below(3000)
                                            : 65530 + 2 * input.Below(40000);
-        const int32_t height = 1 + input.Below(maximumHeight);
+        const int32_t height = 1 + input.Below(MostHeight);
         const uint8_t depth = input.Byte(); // mostly one that can be compressed
         Z_InitBitmap(&bitmap_, width, height,
                      depth < 80 || kind >= 250 ? 1
@@ -166,7 +166,7 @@ class Checked {
     }
 
     void Height() {
-        const int32_t height = input_.Below(maximumHeight + 1);
+        const int32_t height = input_.Below(MostHeight + 1);
         const ReturnCode result = Z_ChangeBitmapHeight(&bitmap_, height);
         if ((bitmap_.Flags & Z_FLAG_USER_DATA) != 0) {
             FUZZ_EXPECT(result == Z_ERROR_ARGUMENT);

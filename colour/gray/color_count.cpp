@@ -84,8 +84,8 @@ class ColourScan {
 
     // Counts the pixels of a segment; true when the answer is known.
     bool Count(const uint8_t* row, size_t begin, size_t end) {
-        for (size_t piece = begin & ~size_t{7}; piece < end; piece += Stages::piecePixels) {
-            const size_t pixels = std::min(end - piece, Stages::piecePixels);
+        for (size_t piece = begin & ~size_t{7}; piece < end; piece += Stages::PiecePixels) {
+            const size_t pixels = std::min(end - piece, Stages::PiecePixels);
             const size_t skipped = begin > piece ? begin - piece : 0;
             if (CountUnits(stages_.Run(row + piece / 8 * bits_, pixels), skipped, pixels)) return true;
         }
@@ -173,7 +173,7 @@ class ColourScan {
             (packed ? kernels.AddAll24 : kernels.AddAll32)(pixels, end - first, set_->data());
             return HasAllColours();
         }
-        uint16_t places[Stages::piecePixels];
+        uint16_t places[Stages::PiecePixels];
         const size_t found =
             (packed ? kernels.FindNew24 : kernels.FindNew32)(pixels, end - first, set_->data(), places);
         for (size_t i = 0; i < found; ++i) {

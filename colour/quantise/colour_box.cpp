@@ -7,7 +7,7 @@ namespace zkr {
 
 void ColourSums::Add(uint32_t key, uint32_t population) {
     Weight += population;
-    for (int32_t c = 0; c < channels; ++c) {
+    for (int32_t c = 0; c < ChannelCount; ++c) {
         const uint32_t level = ChannelOf(key, c);
         Sum[c] += level * population;
         Squares[c] += level * level * population;
@@ -17,7 +17,7 @@ void ColourSums::Add(uint32_t key, uint32_t population) {
 ColourSums ColourSums::Without(const ColourSums& part) const {
     ColourSums rest = *this;
     rest.Weight -= part.Weight;
-    for (int32_t c = 0; c < channels; ++c) {
+    for (int32_t c = 0; c < ChannelCount; ++c) {
         rest.Sum[c] -= part.Sum[c];
         rest.Squares[c] -= part.Squares[c];
     }
@@ -30,7 +30,7 @@ void ColourBox::SetSums(const ColourSums& sums) {
     Sums = sums;
     Variance = 0;
     if (sums.Weight == 0) return;
-    for (int32_t c = 0; c < channels; ++c) {
+    for (int32_t c = 0; c < ChannelCount; ++c) {
         const uint64_t mean = sums.Sum[c] / sums.Weight;
         const uint64_t spread = sums.Squares[c] + mean * mean * sums.Weight - 2 * mean * sums.Sum[c];
         Mean[c] = static_cast<uint32_t>(mean);
@@ -40,7 +40,7 @@ void ColourBox::SetSums(const ColourSums& sums) {
 }
 
 int32_t ColourBox::WidestChannel() const {
-    return static_cast<int32_t>(std::max_element(ChannelVariance, ChannelVariance + channels) -
+    return static_cast<int32_t>(std::max_element(ChannelVariance, ChannelVariance + ChannelCount) -
                                 ChannelVariance);
 }
 

@@ -12,8 +12,8 @@ namespace zkr {
 // Sums over colours, each as often as it occurs.
 struct ColourSums {
     uint32_t Weight; // pixels; colours that are listed have at least one
-    uint64_t Sum[channels];
-    uint64_t Squares[channels];
+    uint64_t Sum[ChannelCount];
+    uint64_t Squares[ChannelCount];
 
     void Add(uint32_t key, uint32_t population);
     ColourSums Without(const ColourSums& part) const;
@@ -22,8 +22,8 @@ struct ColourSums {
 struct ColourBox {
     uint32_t First; // place in the list
     uint32_t Count; // distinct colours
-    uint32_t Mean[channels];
-    uint32_t ChannelVariance[channels];
+    uint32_t Mean[ChannelCount];
+    uint32_t ChannelVariance[ChannelCount];
     uint32_t Variance; // of all channels
     ColourSums Sums;
 

@@ -8,9 +8,9 @@
 
 namespace zkr {
 
-inline constexpr uint32_t colourKeys = 32768;
+inline constexpr uint32_t ColourKeys = 32768;
 
-inline constexpr int32_t channels = 3; // red, green, blue: ties between them are decided in this order
+inline constexpr int32_t ChannelCount = 3; // red, green, blue: ties between them are decided in this order
 
 constexpr uint32_t ChannelOf(uint32_t key, int32_t channel) {
     return key >> (10 - 5 * channel) & 31;

@@ -10,14 +10,14 @@
 namespace zkr {
 
 Histogram::Histogram()
-    : populations_(static_cast<uint32_t*>(Z_Calloc(colourKeys, sizeof(uint32_t)))), colours_(colourKeys) {}
+    : populations_(static_cast<uint32_t*>(Z_Calloc(ColourKeys, sizeof(uint32_t)))), colours_(ColourKeys) {}
 
 void Histogram::Add(const uint16_t* keys, size_t pixels) {
     for (size_t i = 0; i < pixels; ++i) {
-        const uint32_t key = keys[i] & (colourKeys - 1);
+        const uint32_t key = keys[i] & (ColourKeys - 1);
         uint32_t population = populations_[key];
         // New colours and full ones alike: a population of 0 wraps to the largest number.
-        if (population - 1 >= largestPopulation - 1) [[unlikely]]
+        if (population - 1 >= LargestPopulation - 1) [[unlikely]]
             population = MakeRoom(key);
         populations_[key] = population + 1;
     }
@@ -28,7 +28,7 @@ uint32_t Histogram::MakeRoom(uint32_t key) {
     if (populations_[key] == 0) {
         colours_[colourCount_++] = static_cast<int32_t>(key);
     } else {
-        for (uint32_t i = 0; i < colourKeys; ++i)
+        for (uint32_t i = 0; i < ColourKeys; ++i)
             populations_[i] = (populations_[i] + 1) >> 1;
     }
     return populations_[key];

@@ -13,7 +13,7 @@ namespace zkr {
 
 class Histogram {
   public:
-    static constexpr uint32_t largestPopulation = 32768;
+    static constexpr uint32_t LargestPopulation = 32768;
 
     Histogram();
     ~Histogram() { Z_Free(populations_); }
@@ -36,7 +36,7 @@ class Histogram {
     int32_t* colours() { return colours_.data(); }
     uint32_t colourCount() const { return colourCount_; }
 
-    // Hands over the table of colourKeys cells, of the run-time heap.
+    // Hands over the table of ColourKeys cells, of the run-time heap.
     uint32_t* TakeTable();
 
   private:

@@ -23,8 +23,8 @@ class KeyReader {
 
     // Calls take(keys, pixels) for one piece of the row after the other. Bit 15 of a key has no meaning.
     template <typename Take> void Read(const uint8_t* row, Take take) {
-        for (size_t first = 0; first < width_; first += Stages::piecePixels) {
-            const size_t pixels = std::min(Stages::piecePixels, width_ - first);
+        for (size_t first = 0; first < width_; first += Stages::PiecePixels) {
+            const size_t pixels = std::min(Stages::PiecePixels, width_ - first);
             const uint8_t* keys = stages_.Run(row + first / 8 * bits_, pixels);
             take(reinterpret_cast<const uint16_t*>(keys), pixels);
         }

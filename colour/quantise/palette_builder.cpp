@@ -100,7 +100,7 @@ bool PaletteBuilder::PeelOne() {
     rest.First = box.First + 1;
     rest.Count = box.Count - 1;
     box.Count = 1;
-    for (int32_t c = 0; c < channels; ++c)
+    for (int32_t c = 0; c < ChannelCount; ++c)
         box.Mean[c] = ChannelOf(static_cast<uint32_t>(colours[0]), c);
     return true;
 }

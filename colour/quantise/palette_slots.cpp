@@ -11,7 +11,7 @@ namespace zkr {
 
 namespace {
 
-constexpr RGBQUAD freeEntry = {2, 2, 2, 2};
+constexpr RGBQUAD FreeEntry = {2, 2, 2, 2};
 
 // What the flags of an entry of a palette object can say.
 enum EntryFlags : uint8_t { EntryReserved = 1, EntryExplicit = 2, EntryNoCollapse = 4 };
@@ -36,7 +36,7 @@ class StaticColours {
 } // namespace
 
 PaletteSlots::PaletteSlots(uint32_t colors, bool withSystemColors, const RGBQUAD* palette) : colors_(colors) {
-    std::fill(entries_, entries_ + 256, freeEntry);
+    std::fill(entries_, entries_ + 256, FreeEntry);
     if (withSystemColors) GetStaticColors(entries_, colors);
     uint32_t runs = 0;
     bool inRun = false;
@@ -61,7 +61,7 @@ void PaletteSlots::Fill(const RGBQUAD* colours, uint32_t count, RGBQUAD* copy) {
 
 // Cells count the entries that dithering may choose.
 void PaletteSlots::MoveTable(uint32_t* table) const {
-    for (uint32_t i = 0; i < colourKeys; ++i)
+    for (uint32_t i = 0; i < ColourKeys; ++i)
         if (table[i] != 0) table[i] += matchableBefore_;
 }
 

@@ -219,8 +219,8 @@ TEST(PaletteBuilder, PeelsColoursThatDominateAndHalvesPopulations) {
 // All colours that there are, each as often as it can be: the largest sums.
 TEST(PaletteBuilder, HoldsTheLargestSums) {
     ColourSums sums = {};
-    for (uint32_t key = 0; key < colourKeys; ++key)
-        sums.Add(key, Histogram::largestPopulation);
+    for (uint32_t key = 0; key < ColourKeys; ++key)
+        sums.Add(key, Histogram::LargestPopulation);
     ColourBox box = {};
     box.SetSums(sums);
     for (int c = 0; c < 3; ++c) {
