@@ -304,7 +304,7 @@ TEST(ColorResolution, StreamsTheRowsOfTheTarget) {
 // By the status callback at each of its six calls, and by the callback for rows.
 TEST(ColorResolution, LeavesTheSourceWholeWhenStopped) {
     for (const bool inPlace : {false, true})
-        for (const auto& [bits, flags] : {std::pair{8, 0x010000u}, {24, 0u}})
+        for (const auto& [bits, flags] : {std::pair{8, 0x010000u}, {1, 0x010001u}, {24, 0u}})
             for (size_t stop = 1; stop <= 11; ++stop) {
                 ColourPicture picture({16, 1}, 9, 5, 3, 40);
                 picture.DitheringMethod = 3;
