@@ -176,7 +176,7 @@ TEST_F(Duplicates, ShareWhatTheyDoNotOwn) {
 }
 
 TEST_F(Duplicates, FailWithTheirRegion) {
-    RegionSlots::CopyResult = code::OutOfMemory;
+    RegionSlots::CopyResult = code::OutOfMemory, RegionSlots::FailsInPlace = true;
     EXPECT_EQ(Z_DupBitmapNewDim(&copy, &source, 8, 8, 8, 7), code::OutOfMemory);
     EXPECT_EQ(source.Region, Original);
     EXPECT_EQ(copy.Flags & flag::Allocated, 0u);

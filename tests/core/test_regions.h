@@ -36,9 +36,11 @@ class RegionSlots {
   public:
     inline static int Alive = 0;
     inline static ReturnCode BoundsResult, SegmentsMaxResult, SegmentsResult, CopyResult;
+    inline static bool FailsInPlace; // a copy whose destination is its source, too
 
     RegionSlots() : before_(dispatch) {
         BoundsResult = SegmentsMaxResult = SegmentsResult = CopyResult = code::Success;
+        FailsInPlace = false;
         dispatch.CopyBitmapRegion = Copy;
         dispatch.FreeBitmapRegion = Free;
         dispatch.GetBitmapRgnBounds = [](BitmapHandle* bitmap, const RegionXform*, RECT* bounds) {
@@ -84,7 +86,7 @@ class RegionSlots {
     }
     // A failing copy leaves something in the field that nobody may follow.
     static ReturnCode Copy(BitmapHandle* destination, BitmapHandle* source, int32_t dx, int32_t dy) {
-        if (CopyResult != code::Success) {
+        if (CopyResult != code::Success && (destination != source || FailsInPlace)) {
             destination->Region = reinterpret_cast<void*>(1);
             return CopyResult;
         }

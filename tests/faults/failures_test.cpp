@@ -209,6 +209,13 @@ TEST(Failures, OfRuns) {
         const ReturnCode count = Z_PutBitmapRow(&g.Subject, g.Row.data(), 1, 8192);
         return count == 8192 ? code::Success : count;
     });
+    scenarios.push_back(scenarios.back()); // into the place of a short row, in a heap without room
+    scenarios.back().Prepare = [=](Ground& g) {
+        runs(MemoryCompressed, 1)(g);
+        const Bytes ink(8192, 0xFF);
+        ASSERT_EQ(Z_PutBitmapRow(&g.Subject, ink.data(), 1, 8192), 8192);
+        ASSERT_EQ(Z_TrimBitmapHeap(&g.Subject), 1);
+    };
     add("part of a row", [](Ground& g) {
         const ReturnCode count = Z_PutBitmapRowCol(&g.Subject, g.Row.data(), 3, 800, 8000);
         return count == 8000 ? code::Success : count;
