@@ -18,22 +18,22 @@ constexpr int32_t ChannelStep = 8;
 void FillCube(uint32_t* table, const RGBQUAD* palette, int32_t entries, int32_t red, int32_t green,
               int32_t blue) {
     using namespace rows;
-    uint8_t winners[cubeColours];
+    uint8_t winners[CubeColours];
     Kernels().Match.FindForCube(
         palette, entries, {red * ChannelStep, green * ChannelStep, blue * ChannelStep, ChannelStep}, winners);
     const uint8_t* winner = winners;
-    for (int32_t r = red; r < red + cubeSide; ++r) {
-        for (int32_t g = green; g < green + cubeSide; ++g) {
-            for (int32_t b = blue; b < blue + cubeSide; ++b)
+    for (int32_t r = red; r < red + CubeSide; ++r) {
+        for (int32_t g = green; g < green + CubeSide; ++g) {
+            for (int32_t b = blue; b < blue + CubeSide; ++b)
                 table[r << 10 | g << 5 | b] = *winner++ + 1u;
         }
     }
 }
 
 void FillByCubes(uint32_t* table, const RGBQUAD* palette, int32_t entries) {
-    for (int32_t red = 0; red < 32; red += rows::cubeSide) {
-        for (int32_t green = 0; green < 32; green += rows::cubeSide) {
-            for (int32_t blue = 0; blue < 32; blue += rows::cubeSide) {
+    for (int32_t red = 0; red < 32; red += rows::CubeSide) {
+        for (int32_t green = 0; green < 32; green += rows::CubeSide) {
+            for (int32_t blue = 0; blue < 32; blue += rows::CubeSide) {
                 FillCube(table, palette, entries, red, green, blue);
             }
         }

@@ -38,7 +38,7 @@ class PaletteSearch {
     int32_t room_ = 0;           // cubes that winners_ can hold
     int32_t entries_ = 0;
     RGBQUAD palette_[256];
-    uint16_t blocks_[rows::cubesInSpace]; // place in winners_, or the searches counted up from UnknownCube
+    uint16_t blocks_[rows::CubesInSpace]; // place in winners_, or the searches counted up from UnknownCube
 };
 
 // The calling thread's search, kept for the palette of the last call. Null for more than 256 entries or none,

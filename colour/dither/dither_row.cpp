@@ -12,13 +12,13 @@
 namespace zkr {
 
 using rows::DitheredRow;
-using rows::ditherPiece;
+using rows::DitherPiece;
 using rows::IndexRule;
-using rows::rowLag;
+using rows::RowLag;
 
 namespace {
 
-constexpr uint32_t redShift = 16, greenShift = 8, blueShift = 0;
+constexpr uint32_t RedShift = 16, GreenShift = 8, BlueShift = 0;
 
 // The uppermost bits of a channel, put into an index from a bit on.
 constexpr rows::Slice TopBits(uint32_t channelShift, uint32_t bits, uint32_t place) {
@@ -32,13 +32,13 @@ struct SlicedPalette {
 
 // The palettes of 8 colours and more, by bits. That of 16 is cut like that of 8 with red and blue exchanged,
 // and of its colours only black and the bright ones are met.
-constexpr SlicedPalette slicedPalettes[] = {
-    {{TopBits(redShift, 1, 2), TopBits(greenShift, 1, 1), TopBits(blueShift, 1, 0)}},
-    {{TopBits(redShift, 1, 0), TopBits(greenShift, 1, 1), TopBits(blueShift, 1, 2)}, 8},
-    {{TopBits(redShift, 2, 3), TopBits(greenShift, 2, 1), TopBits(blueShift, 1, 0)}},
-    {{TopBits(redShift, 2, 4), TopBits(greenShift, 2, 2), TopBits(blueShift, 2, 0)}},
-    {{TopBits(redShift, 2, 5), TopBits(greenShift, 3, 2), TopBits(blueShift, 2, 0)}},
-    {{TopBits(redShift, 3, 5), TopBits(greenShift, 3, 2), TopBits(blueShift, 2, 0)}},
+constexpr SlicedPalette SlicedPalettes[] = {
+    {{TopBits(RedShift, 1, 2), TopBits(GreenShift, 1, 1), TopBits(BlueShift, 1, 0)}},
+    {{TopBits(RedShift, 1, 0), TopBits(GreenShift, 1, 1), TopBits(BlueShift, 1, 2)}, 8},
+    {{TopBits(RedShift, 2, 3), TopBits(GreenShift, 2, 1), TopBits(BlueShift, 1, 0)}},
+    {{TopBits(RedShift, 2, 4), TopBits(GreenShift, 2, 2), TopBits(BlueShift, 2, 0)}},
+    {{TopBits(RedShift, 2, 5), TopBits(GreenShift, 3, 2), TopBits(BlueShift, 2, 0)}},
+    {{TopBits(RedShift, 3, 5), TopBits(GreenShift, 3, 2), TopBits(BlueShift, 2, 0)}},
 };
 
 // The index of the entry that a cell of the match table leads to. Cells of a caller's table may hold
@@ -70,13 +70,13 @@ IndexRule RuleOf(const DitherState& state) {
 class OrderedLine {
   public:
     explicit OrderedLine(const DitherState& state) : kernels_(rows::Kernels()) {
-        const ThresholdMatrix& matrix = state.Method == DitherOrdered ? dispersedDots : clusteredDots;
-        const uint8_t(&thresholds)[thresholdSide] = matrix.Rows[state.LineCounter % thresholdSide];
+        const ThresholdMatrix& matrix = state.Method == DitherOrdered ? DispersedDots : ClusteredDots;
+        const uint8_t(&thresholds)[ThresholdSide] = matrix.Rows[state.LineCounter % ThresholdSide];
         comparesGray_ = state.PaletteKind == PaletteFixed1;
         comparesChannels_ = state.PaletteKind == PaletteFixed4;
         const size_t bytesEach = comparesGray_ ? 1 : 4;
-        for (size_t i = 0; i < rows::patternBytes; ++i) {
-            const uint8_t m = thresholds[i / bytesEach % thresholdSide];
+        for (size_t i = 0; i < rows::PatternBytes; ++i) {
+            const uint8_t m = thresholds[i / bytesEach % ThresholdSide];
             const int32_t shift = ThresholdShift(m, FinenessBits(state));
             thresholds_[i] = m;
             up_[i] = static_cast<uint8_t>(std::max(shift, 0));
@@ -110,15 +110,15 @@ class OrderedLine {
     const rows::RowKernels& kernels_;
     bool comparesGray_;
     bool comparesChannels_;
-    uint8_t thresholds_[rows::patternBytes];
-    uint8_t up_[rows::patternBytes];
-    uint8_t down_[rows::patternBytes];
+    uint8_t thresholds_[rows::PatternBytes];
+    uint8_t up_[rows::PatternBytes];
+    uint8_t down_[rows::PatternBytes];
 };
 
 // Begins a line of a diffusing method: takes the sums of the first pixels out of the uppermost row and moves
 // the rows up there.
 rows::ErrorState StartLine(const DitherState& state) {
-    const rows::Taps& taps = rows::taps[state.Method];
+    const rows::Taps& taps = rows::DiffusionTaps[state.Method];
     rows::ErrorState line = {};
     for (int32_t row = 0; row < taps.Rows; ++row)
         line.Rows[row] = reinterpret_cast<int32_t(*)[4]>(state.BlueRows[row]) + taps.Margin;
@@ -136,8 +136,9 @@ rows::ErrorState StartLine(const DitherState& state) {
 
 // A row that has become wider ends where the error rows end.
 size_t WidthOf(const DitherState& state, const BitmapHandle& bitmap) {
-    const int32_t widest =
-        state.ErrorRowCount > 0 ? state.ErrorRowLength - 2 * rows::taps[state.Method].Margin : bitmap.Width;
+    const int32_t widest = state.ErrorRowCount > 0
+                               ? state.ErrorRowLength - 2 * rows::DiffusionTaps[state.Method].Margin
+                               : bitmap.Width;
     return static_cast<size_t>(std::clamp(bitmap.Width, 0, std::max(widest, 0)));
 }
 
@@ -163,18 +164,18 @@ void PrepareIndex(DitherState& state) {
     state.Rule = RuleOf(state);
     rows::IndexParameters& index = state.Index;
     if (state.Rule == IndexRule::Slices) {
-        const SlicedPalette& sliced = slicedPalettes[state.PaletteKind - PaletteFixed3];
+        const SlicedPalette& sliced = SlicedPalettes[state.PaletteKind - PaletteFixed3];
         std::copy(std::begin(sliced.Slices), std::end(sliced.Slices), index.Slices);
         index.NonZero = sliced.NonZero;
     }
-    if (state.Rule == IndexRule::Table) std::memset(state.Known, rows::unknownIndex, sizeof state.Known);
+    if (state.Rule == IndexRule::Table) std::memset(state.Known, rows::UnknownIndex, sizeof state.Known);
     index.Known = state.Known;
     index.Find = FindIndex;
     index.FindContext = &state;
     index.Colours = state.TargetPalette;
     index.Weighted = state.Weighted;
     if (state.ErrorRowCount == 0) return;
-    const int32_t weight = rows::taps[state.Method].Weight(0, 1);
+    const int32_t weight = rows::DiffusionTaps[state.Method].Weight(0, 1);
     for (size_t i = 0; i < std::size(state.Weighted); ++i) {
         const RGBQUAD& colour = state.TargetPalette[i];
         const int32_t channels[4] = {colour.rgbBlue, colour.rgbGreen, colour.rgbRed, colour.rgbReserved};
@@ -195,8 +196,8 @@ void DitherRow(DitherState& state, const BitmapHandle& bitmap, const uint8_t* so
     DitheredRow row;
     if (diffuses) row.Errors = StartLine(state);
     if (ordered) ++state.LineCounter;
-    for (size_t first = 0; first < width; first += ditherPiece) {
-        const size_t pixels = std::min(ditherPiece, width - first);
+    for (size_t first = 0; first < width; first += DitherPiece) {
+        const size_t pixels = std::min(DitherPiece, width - first);
         reader.Read(source, first, pixels, row.Quads);
         if (diffuses) {
             std::memset(row.Quads + pixels * 4, 0, 4);
@@ -224,20 +225,20 @@ void DitherRowsTogether(DitherState& state, const BitmapHandle& bitmap, const ui
         return;
     }
     const size_t width = WidthOf(state, bitmap);
-    const size_t lowestLag = (count - 1) * rowLag;
+    const size_t lowestLag = (count - 1) * RowLag;
     const rows::DitherKernels& kernels = rows::Kernels().Dither;
     const auto rule = static_cast<size_t>(state.Rule);
 
     RowReader reader(state, bitmap);
-    DitheredRow work[rows::mostRowsTogether];
+    DitheredRow work[rows::MostRowsTogether];
     size_t step = 0;
     for (size_t at = 0; at < width + lowestLag; at += step) {
         // Where the lowest row has not begun or the uppermost is at its end they go one by one.
-        const size_t shared = at >= lowestLag && at < width ? (width - at) / rowLag * rowLag : 0;
-        step = shared > 0 ? std::min(shared, ditherPiece) : rowLag;
+        const size_t shared = at >= lowestLag && at < width ? (width - at) / RowLag * RowLag : 0;
+        step = shared > 0 ? std::min(shared, DitherPiece) : RowLag;
         const auto forEachRow = [&](auto visit) {
             for (size_t row = 0; row < count; ++row) {
-                const size_t first = at - row * rowLag; // wraps for a row that has not begun
+                const size_t first = at - row * RowLag; // wraps for a row that has not begun
                 if (first < width) visit(row, first, std::min(step, width - first));
             }
         };

@@ -37,9 +37,9 @@ struct DitherState {
     int32_t ErrorRowCount;
     int32_t ErrorRowLength; // cells, margins included
     // The first cell of each row. The channels lie together: a channel's next cell is four numbers on.
-    int32_t* RedRows[rows::mostErrorRows];
-    int32_t* GreenRows[rows::mostErrorRows];
-    int32_t* BlueRows[rows::mostErrorRows];
+    int32_t* RedRows[rows::MostErrorRows];
+    int32_t* GreenRows[rows::MostErrorRows];
+    int32_t* BlueRows[rows::MostErrorRows];
     RGBQUAD MatchPalette[256]; // entries that may be chosen, with their index in the fourth byte
     uint32_t MatchColors;
     int32_t GrayBits;
@@ -50,7 +50,7 @@ struct DitherState {
     rows::IndexRule Rule;
     rows::IndexParameters Index;
     int32_t Weighted[256][4];
-    uint8_t Known[rows::tableCells];
+    uint8_t Known[rows::TableCells];
 };
 
 inline bool UsesMatchTable(const DitherState& state) {
@@ -66,7 +66,7 @@ void PrepareIndex(DitherState& state);
 // Dithers one row of pixels of the bitmap's format into packed indices.
 void DitherRow(DitherState& state, const BitmapHandle& bitmap, const uint8_t* source, uint8_t* target);
 
-// How many rows are best dithered together, 1 to rows::mostRowsTogether, and the same for so many rows, or fewer,
+// How many rows are best dithered together, 1 to rows::MostRowsTogether, and the same for so many rows, or fewer,
 // that follow each other. Nothing is left otherwise than by one after the other.
 size_t RowsTogether(const DitherState& state);
 void DitherRowsTogether(DitherState& state, const BitmapHandle& bitmap, const uint8_t* sources,

@@ -38,7 +38,7 @@ class RowReader {
     uint32_t levelCount_ = 0;
     uint32_t mask_ = 0;
     uint32_t shift_ = 0;
-    uint8_t between_[2][rows::ditherPiece * 2]; // words at most
+    uint8_t between_[2][rows::DitherPiece * 2]; // words at most
 };
 
 } // namespace zkr

@@ -5,15 +5,15 @@
 
 namespace zkr {
 
-inline constexpr int32_t thresholdSide = 8;
+inline constexpr int32_t ThresholdSide = 8;
 
 struct ThresholdMatrix {
-    uint8_t Rows[thresholdSide][thresholdSide];
+    uint8_t Rows[ThresholdSide][ThresholdSide];
 };
 
 // Dispersed dots. The sixth value of the second row and the largest value are as they are on purpose: this is
 // not quite a permutation of the multiples of four.
-inline constexpr ThresholdMatrix dispersedDots = {{
+inline constexpr ThresholdMatrix DispersedDots = {{
     {0, 128, 32, 160, 8, 136, 40, 168},
     {192, 64, 224, 96, 200, 72, 232, 104},
     {48, 176, 16, 144, 56, 184, 24, 152},
@@ -25,7 +25,7 @@ inline constexpr ThresholdMatrix dispersedDots = {{
 }};
 
 // Dots that grow from clusters.
-inline constexpr ThresholdMatrix clusteredDots = {{
+inline constexpr ThresholdMatrix ClusteredDots = {{
     {112, 40, 72, 104, 144, 176, 208, 136},
     {88, 8, 16, 48, 192, 232, 240, 168},
     {56, 24, 0, 80, 160, 224, 248, 200},

@@ -133,7 +133,7 @@ class ColourScan {
         case Unit::Index: return 256 / 32;
         case Unit::Gray: return (size_t{window_.Mask} + 32) / 32;
         case Unit::Colour16: return 0x8000 / 32;
-        default: return rows::colourSetWords;
+        default: return rows::ColourSetWords;
         }
     }
 
@@ -185,9 +185,9 @@ class ColourScan {
     }
 
     bool HasAllColours() {
-        while (firstOpenWord_ < rows::colourSetWords && (*set_)[firstOpenWord_] == ~0u)
+        while (firstOpenWord_ < rows::ColourSetWords && (*set_)[firstOpenWord_] == ~0u)
             ++firstOpenWord_;
-        return firstOpenWord_ == rows::colourSetWords;
+        return firstOpenWord_ == rows::ColourSetWords;
     }
 
     bool IsNew(uint32_t key) {

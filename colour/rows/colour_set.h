@@ -6,7 +6,7 @@
 
 namespace zkr::rows {
 
-inline constexpr size_t colourSetWords = size_t{1} << 19;
+inline constexpr size_t ColourSetWords = size_t{1} << 19;
 
 struct CountKernels {
     // Which of the pixels, at most 65535, have colours that are not in the set, and how many these are. A

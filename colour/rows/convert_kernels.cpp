@@ -18,7 +18,7 @@ using WriteDeep64 = WriteDeep<4>;
 using WriteOpaque64 = WriteDeep<4, Alpha::Ignored>;
 
 struct KernelRow {
-    RowKernel To[targetForms] = {};
+    RowKernel To[TargetForms] = {};
 
     constexpr RowKernel& operator[](Target target) { return To[static_cast<size_t>(target)]; }
 };
@@ -78,7 +78,7 @@ template <size_t channels> constexpr KernelRow FromDeep() {
 constexpr ConvertKernels MakeKernels() {
     ConvertKernels kernels = {};
     const auto place = [&kernels](Source source, const KernelRow& row) {
-        for (size_t target = 0; target < targetForms; ++target)
+        for (size_t target = 0; target < TargetForms; ++target)
             kernels.Convert[static_cast<size_t>(source)][target] = row.To[target];
     };
     place(Source::Bits1, FromBits1());

@@ -54,7 +54,7 @@ struct TableRule {
     uint32_t operator()(uint32_t quad) const {
         const uint32_t cell = (quad >> 9 & 0x7C00) | (quad >> 6 & 0x03E0) | (quad >> 3 & 0x001F);
         const uint32_t index = known[cell];
-        return __builtin_expect(index == unknownIndex, 0) ? Ask(parameters, cell) : index;
+        return __builtin_expect(index == UnknownIndex, 0) ? Ask(parameters, cell) : index;
     }
     [[gnu::noinline, gnu::cold]] static uint32_t Ask(const IndexParameters& p, uint32_t cell) {
         return p.Known[cell] = p.Find(p.FindContext, cell);
@@ -147,7 +147,7 @@ using Cells = int32_t (*)[4];
 
 // How far a row so many rows below is behind.
 constexpr ptrdiff_t Behind(size_t rows) {
-    return static_cast<ptrdiff_t>(rows * rowLag);
+    return static_cast<ptrdiff_t>(rows * RowLag);
 }
 
 // The cells of rows in the same lanes, by that of the first one.
@@ -163,11 +163,11 @@ template <size_t rows> inline void StoreCells(Cells at, SumLanes<rows> cells) {
 // been met. Cells enter with what the row below them holds, so that all rows have moved up by one when the
 // line ends.
 template <size_t method, size_t rows, int32_t row,
-          class = std::make_integer_sequence<int32_t, 2 * taps[method].Margin>>
+          class = std::make_integer_sequence<int32_t, 2 * DiffusionTaps[method].Margin>>
 class Window;
 template <size_t method, size_t rows, int32_t row, int32_t... cell>
 class Window<method, rows, row, std::integer_sequence<int32_t, cell...>> {
-    static constexpr const Taps& t = taps[method];
+    static constexpr const Taps& t = DiffusionTaps[method];
     static constexpr int32_t last = 2 * t.Margin;
     using Sums = SumLanes<rows>;
 
@@ -190,26 +190,27 @@ class Window<method, rows, row, std::integer_sequence<int32_t, cell...>> {
     Sums sums_[last + 1];
 };
 
-template <size_t method, size_t rows, class Rows = std::make_integer_sequence<int32_t, taps[method].Rows>>
+template <size_t method, size_t rows,
+          class Rows = std::make_integer_sequence<int32_t, DiffusionTaps[method].Rows>>
 class Windows;
 template <size_t method, size_t rows, int32_t... row>
 class Windows<method, rows, std::integer_sequence<int32_t, row...>> : Window<method, rows, row + 1>... {
-    static constexpr const Taps& t = taps[method];
+    static constexpr const Taps& t = DiffusionTaps[method];
     using Sums = SumLanes<rows>;
 
   public:
-    Windows(const Cells (&below)[mostErrorRows], ptrdiff_t pixel)
+    Windows(const Cells (&below)[MostErrorRows], ptrdiff_t pixel)
         : Window<method, rows, row + 1>(below[row] + pixel)... {}
-    void Step(const Cells (&below)[mostErrorRows], ptrdiff_t pixel, Sums error) {
+    void Step(const Cells (&below)[MostErrorRows], ptrdiff_t pixel, Sums error) {
         (Window<method, rows, row + 1>::Step(below[row] + pixel, Entering<row + 1>(below, pixel), error),
          ...);
     }
-    void Store(const Cells (&below)[mostErrorRows], ptrdiff_t pixel) const {
+    void Store(const Cells (&below)[MostErrorRows], ptrdiff_t pixel) const {
         (Window<method, rows, row + 1>::Store(below[row] + pixel), ...);
     }
 
   private:
-    template <int32_t from> static Sums Entering(const Cells (&below)[mostErrorRows], ptrdiff_t pixel) {
+    template <int32_t from> static Sums Entering(const Cells (&below)[MostErrorRows], ptrdiff_t pixel) {
         if constexpr (from < t.Rows)
             return LoadCells<rows>(below[from] + pixel + t.Margin);
         else
@@ -221,14 +222,14 @@ class Windows<method, rows, std::integer_sequence<int32_t, row...>> : Window<met
 // rows, so that the steps of two can be done in turn: while one waits for its colours the other goes on.
 // Places are those of the first row's pixel.
 template <size_t method, size_t rows, class Choose> class Strand {
-    static constexpr const Taps& t = taps[method];
+    static constexpr const Taps& t = DiffusionTaps[method];
     static constexpr int32_t nearPower =
         NearPowerOfTwo(t.Weight(0, 1)); // the only shift on the way to the next pixel
     using Sums = SumLanes<rows>;
     using Errors = ErrorLanes<rows>;
 
   public:
-    Strand(const DitheredRow* work, const Cells (&below)[mostErrorRows], ptrdiff_t place)
+    Strand(const DitheredRow* work, const Cells (&below)[MostErrorRows], ptrdiff_t place)
         : pixel_(Source(work, 0) + SideBySide<rows>([&](size_t row) {
                      return LoadLanes<ErrorLanes<1>>(work[row].Errors.Error);
                  })),
@@ -236,7 +237,7 @@ template <size_t method, size_t rows, class Choose> class Strand {
           second_(SideBySide<rows>([&](size_t row) { return LoadCell(work[row].Errors.Sums[1]); })),
           windows_(below, place) {}
 
-    void Step(const Choose& choose, DitheredRow* work, size_t pixel, const Cells (&below)[mostErrorRows],
+    void Step(const Choose& choose, DitheredRow* work, size_t pixel, const Cells (&below)[MostErrorRows],
               ptrdiff_t place) {
         const ClampedChannels<rows> colour = Clamp(pixel_);
         const auto choice = choose(colour);
@@ -254,7 +255,7 @@ template <size_t method, size_t rows, class Choose> class Strand {
         windows_.Step(below, place, missed);
     }
 
-    void Store(DitheredRow* work, const Cells (&below)[mostErrorRows], ptrdiff_t place) const {
+    void Store(DitheredRow* work, const Cells (&below)[MostErrorRows], ptrdiff_t place) const {
         windows_.Store(below, place);
         for (size_t row = 0; row < rows; ++row) {
             StoreCell(work[row].Errors.Error, LanesOfRow(pixel_, row));
@@ -279,7 +280,7 @@ template <size_t method, size_t rows, class Choose, size_t... strand>
                                      const IndexParameters& parameters) {
     const Choose choose(parameters);
     const auto& first = work->Errors.Rows;
-    const Cells below[mostErrorRows] = {first[0], first[1], first[2]};
+    const Cells below[MostErrorRows] = {first[0], first[1], first[2]};
     Strand<method, rows, Choose> strands[] = {{work + strand * rows, below, -Behind(strand * rows)}...};
     for (size_t i = 0; i < pixels; ++i) {
         const auto place = static_cast<ptrdiff_t>(i);
@@ -288,7 +289,7 @@ template <size_t method, size_t rows, class Choose, size_t... strand>
     const auto end = static_cast<ptrdiff_t>(pixels);
     (strands[strand].Store(work + strand * rows, below, end - Behind(strand * rows)), ...);
     for (size_t row = 0; row < sizeof...(strand) * rows; ++row)
-        for (int32_t level = 0; level < taps[method].Rows; ++level)
+        for (int32_t level = 0; level < DiffusionTaps[method].Rows; ++level)
             work[row].Errors.Rows[level] += pixels;
 }
 
@@ -298,8 +299,8 @@ void Diffuse(DitheredRow* work, size_t pixels, const IndexParameters& parameters
 }
 
 void Shift(uint8_t* bytes, size_t count, const uint8_t* up, const uint8_t* down) {
-    for (; count > 0; bytes += patternBytes) {
-        const size_t step = count < patternBytes ? count : patternBytes;
+    for (; count > 0; bytes += PatternBytes) {
+        const size_t step = count < PatternBytes ? count : PatternBytes;
         for (size_t i = 0; i < step; ++i) {
             const int32_t value = bytes[i] + up[i] - down[i];
             bytes[i] = static_cast<uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
@@ -309,8 +310,8 @@ void Shift(uint8_t* bytes, size_t count, const uint8_t* up, const uint8_t* down)
 }
 
 void Compare(uint8_t* bytes, size_t count, const uint8_t* thresholds, uint8_t mark) {
-    for (; count > 0; bytes += patternBytes) {
-        const size_t step = count < patternBytes ? count : patternBytes;
+    for (; count > 0; bytes += PatternBytes) {
+        const size_t step = count < PatternBytes ? count : PatternBytes;
         for (size_t i = 0; i < step; ++i)
             bytes[i] = bytes[i] > thresholds[i] ? mark : 0;
         count -= step;
@@ -318,7 +319,7 @@ void Compare(uint8_t* bytes, size_t count, const uint8_t* thresholds, uint8_t ma
 }
 
 template <size_t method, size_t rows, size_t strands>
-constexpr void PlaceDiffusion(DiffuseKernel (&kernels)[indexRules]) {
+constexpr void PlaceDiffusion(DiffuseKernel (&kernels)[IndexRules]) {
     const auto place = [&](IndexRule rule, DiffuseKernel kernel) {
         kernels[static_cast<size_t>(rule)] = kernel;
     };
@@ -332,13 +333,13 @@ constexpr void PlaceDiffusion(DiffuseKernel (&kernels)[indexRules]) {
 // Rows go together where lanes have room for several; in two strands, unless one alone has more sums to keep
 // than there are registers.
 template <size_t method> constexpr void PlaceDiffusions(DitherKernels& kernels) {
-    constexpr size_t strands = taps[method].Margin < 3 ? 2 : 1;
-    static_assert(rowsInLanes * strands <= mostRowsTogether);
+    constexpr size_t strands = DiffusionTaps[method].Margin < 3 ? 2 : 1;
+    static_assert(RowsInLanes * strands <= MostRowsTogether);
     PlaceDiffusion<method, 1, 1>(kernels.Diffuse[method]);
     kernels.RowsTogether[method] = 1;
-    if constexpr (rowsInLanes > 1) {
-        kernels.RowsTogether[method] = rowsInLanes * strands;
-        PlaceDiffusion<method, rowsInLanes, strands>(kernels.DiffuseTogether[method]);
+    if constexpr (RowsInLanes > 1) {
+        kernels.RowsTogether[method] = RowsInLanes * strands;
+        PlaceDiffusion<method, RowsInLanes, strands>(kernels.DiffuseTogether[method]);
     }
 }
 
@@ -359,7 +360,7 @@ template <size_t... method> constexpr DitherKernels MakeKernels(std::index_seque
 
 namespace ZKR_KERNEL_SET {
 extern const DitherKernels ditherKernels;
-constexpr DitherKernels ditherKernels = MakeKernels(std::make_index_sequence<diffusionMethods - 1>());
+constexpr DitherKernels ditherKernels = MakeKernels(std::make_index_sequence<DiffusionMethods - 1>());
 } // namespace ZKR_KERNEL_SET
 
 } // namespace zkr::rows

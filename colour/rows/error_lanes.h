@@ -16,9 +16,9 @@ namespace zkr::rows {
 namespace {
 
 #if defined(__AVX2__)
-inline constexpr size_t rowsInLanes = 2; // at most
+inline constexpr size_t RowsInLanes = 2; // at most
 #else
-inline constexpr size_t rowsInLanes = 1;
+inline constexpr size_t RowsInLanes = 1;
 #endif
 
 template <size_t rows> struct LanesOf {
@@ -233,11 +233,11 @@ struct Reciprocal {
         return true;
     }
 };
-constexpr Reciprocal reciprocals[] = {
+constexpr Reciprocal Reciprocals[] = {
     {16, 4, 0, 0}, {32, 5, 0, 0}, {42, 0, 3121, 1}, {48, 0, 10923, 3}, {200, 1, 5243, 3}};
 
 constexpr Reciprocal ReciprocalOf(int32_t divisor) {
-    for (const Reciprocal& reciprocal : reciprocals)
+    for (const Reciprocal& reciprocal : Reciprocals)
         if (reciprocal.Divisor == divisor) return reciprocal;
     return {};
 }

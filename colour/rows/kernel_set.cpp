@@ -27,7 +27,7 @@ namespace {
 
 #define ZKR_LIST_TABLES(set)                                                                                 \
     {#set, set::convertKernels, set::matchKernels, set::countKernels, set::ditherKernels, set::spaceKernels},
-constexpr RowKernels allSets[] = {ZKR_FOR_EACH_SET(ZKR_LIST_TABLES)};
+constexpr RowKernels AllSets[] = {ZKR_FOR_EACH_SET(ZKR_LIST_TABLES)};
 #undef ZKR_LIST_TABLES
 
 size_t CountUsableSets() {
@@ -53,7 +53,7 @@ const RowKernels& Choose() {
 } // namespace
 
 std::span<const RowKernels> UsableKernelSets() {
-    return {allSets, CountUsableSets()};
+    return {AllSets, CountUsableSets()};
 }
 
 const RowKernels& Kernels() {

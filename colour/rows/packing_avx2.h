@@ -39,7 +39,7 @@ template <size_t bits> struct UnpackStep {
     static constexpr Places pairPlaces = MakePlaces([](size_t i) {
         const size_t first = i % 16 / 2 * bits / 8;
         const size_t byte = i % 2 == 0 ? first + 1 : first;
-        return byte < bits ? byte : none;
+        return byte < bits ? byte : None;
     });
     static constexpr Places factorBytes =
         MakePlaces([](size_t i) { return i % 2 == 0 ? 1u << (i % 16 / 2 * bits % 8) : 0u; });
@@ -64,7 +64,7 @@ template <size_t bits> struct UnpackStep {
 template <> struct UnpackStep<1> {
     static constexpr size_t sourceBits = 1;
     static constexpr size_t targetBits = 8;
-    static constexpr size_t reach = unitPixels;
+    static constexpr size_t reach = UnitPixels;
 
     __m256i zero, one;
     static constexpr Places bytePlaces = MakePlaces([](size_t i) { return i / 8; });
@@ -90,7 +90,7 @@ template <size_t bits> struct PackStep {
     static constexpr size_t reach = 64;
 
     static constexpr Places reversed =
-        MakePlaces([](size_t i) { return i % 16 < 2 * bits ? i % 16 / bits * 8 + 7 - i % 16 % bits : none; });
+        MakePlaces([](size_t i) { return i % 16 < 2 * bits ? i % 16 / bits * 8 + 7 - i % 16 % bits : None; });
     __m256i byteFactors = _mm256_set1_epi16(1 << bits | 1 << 8);
     __m256i wordFactors = _mm256_set1_epi32(1 << (2 * bits) | 1 << 16);
     __m256i reverse = Load(reversed);
@@ -113,7 +113,7 @@ template <size_t bits> struct PackStep {
 template <> struct PackStep<1> {
     static constexpr size_t sourceBits = 8;
     static constexpr size_t targetBits = 1;
-    static constexpr size_t reach = unitPixels;
+    static constexpr size_t reach = UnitPixels;
 
     static constexpr Places reversed = MakePlaces([](size_t i) { return i % 16 ^ 7; });
     __m256i reverse = Load(reversed);
@@ -130,7 +130,7 @@ template <> struct PackStep<1> {
 struct Unpack12Step {
     static constexpr size_t sourceBits = 12;
     static constexpr size_t targetBits = 16;
-    static constexpr size_t reach = unitPixels;
+    static constexpr size_t reach = UnitPixels;
 
     // Load24 leaves four bytes before the pixels of the high half.
     static constexpr Places wordPlaces =
@@ -152,10 +152,10 @@ struct Unpack12Step {
 struct Pack12Step {
     static constexpr size_t sourceBits = 16;
     static constexpr size_t targetBits = 12;
-    static constexpr size_t reach = unitPixels;
+    static constexpr size_t reach = UnitPixels;
 
     static constexpr Places bytePlaces =
-        MakePlaces([](size_t i) { return i % 16 < 12 ? i % 16 / 3 * 4 + i % 16 % 3 : none; });
+        MakePlaces([](size_t i) { return i % 16 < 12 ? i % 16 / 3 * 4 + i % 16 % 3 : None; });
     __m256i bytes = Load(bytePlaces);
 
     explicit Pack12Step(const RowParameters&) {}
@@ -174,7 +174,7 @@ struct Pack12Step {
 struct MapStep {
     static constexpr size_t sourceBits = 8;
     static constexpr size_t targetBits = 8;
-    static constexpr size_t reach = unitPixels;
+    static constexpr size_t reach = UnitPixels;
 
     ByteMap<256> map;
 

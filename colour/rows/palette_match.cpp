@@ -16,17 +16,17 @@ namespace {
 
 // The widest vectors that the set has whole; wider ones would be taken apart lane by lane.
 #if defined(__AVX2__)
-constexpr int32_t laneCount = 8;
+constexpr int32_t LaneCount = 8;
 #else
-constexpr int32_t laneCount = 4;
+constexpr int32_t LaneCount = 4;
 #endif
-typedef int32_t Lanes __attribute__((vector_size(laneCount * 4)));
-typedef uint32_t UnsignedLanes __attribute__((vector_size(laneCount * 4)));
-typedef uint8_t ByteLanes __attribute__((vector_size(laneCount)));
-typedef uint8_t ManyBytes __attribute__((vector_size(laneCount * 4)));
-typedef uint16_t HalfLanes __attribute__((vector_size(laneCount * 4)));
+typedef int32_t Lanes __attribute__((vector_size(LaneCount * 4)));
+typedef uint32_t UnsignedLanes __attribute__((vector_size(LaneCount * 4)));
+typedef uint8_t ByteLanes __attribute__((vector_size(LaneCount)));
+typedef uint8_t ManyBytes __attribute__((vector_size(LaneCount * 4)));
+typedef uint16_t HalfLanes __attribute__((vector_size(LaneCount * 4)));
 
-constexpr int32_t noDistance = 0x7FFFFFFF;
+constexpr int32_t NoDistance = 0x7FFFFFFF;
 
 // One bit a lane, lane 0 lowest; the lanes are 0 or -1.
 inline uint32_t LaneBits(Lanes mask) {
@@ -36,14 +36,14 @@ inline uint32_t LaneBits(Lanes mask) {
     return static_cast<uint32_t>(_mm_movemask_ps(reinterpret_cast<__m128>(mask)));
 #else
     uint32_t bits = 0;
-    for (int32_t lane = 0; lane < laneCount; ++lane)
+    for (int32_t lane = 0; lane < LaneCount; ++lane)
         bits |= (mask[lane] != 0 ? 1u : 0u) << lane;
     return bits;
 #endif
 }
 
 inline int32_t LeastLane(Lanes lanes) {
-    int32_t values[laneCount];
+    int32_t values[LaneCount];
     std::memcpy(values, &lanes, sizeof values);
     int32_t least = values[0];
     for (const int32_t value : values)
@@ -66,9 +66,9 @@ struct Target {
     Target(int32_t red, int32_t green, int32_t blue) : Red(red), Green(green), Blue(blue) {}
 
     int32_t DistanceTo(const RGBQUAD& entry) const {
-        return static_cast<int32_t>(squares[static_cast<size_t>(Magnitude(entry.rgbRed - Red))] +
-                                    squares[static_cast<size_t>(Magnitude(entry.rgbGreen - Green))] +
-                                    squares[static_cast<size_t>(Magnitude(entry.rgbBlue - Blue))]);
+        return static_cast<int32_t>(Squares[static_cast<size_t>(Magnitude(entry.rgbRed - Red))] +
+                                    Squares[static_cast<size_t>(Magnitude(entry.rgbGreen - Green))] +
+                                    Squares[static_cast<size_t>(Magnitude(entry.rgbBlue - Blue))]);
     }
     int32_t Class() const { return ColourClass(Red, Green, Blue); }
 
@@ -121,13 +121,13 @@ Nearest FindAmongFew(const RGBQUAD* palette, int32_t first, int32_t end, const T
 }
 
 // Chunks of whole vectors: first the least distance, then, from the distances kept, the entries that have it.
-constexpr int32_t chunkEntries = 256;
+constexpr int32_t ChunkEntries = 256;
 
 Nearest FindInChunk(const RGBQUAD* palette, int32_t first, int32_t end, const Target& target, Nearest best) {
-    Lanes distances[chunkEntries / laneCount];
+    Lanes distances[ChunkEntries / LaneCount];
     Lanes least = Lanes{} + best.Distance;
     Lanes* place = distances;
-    for (int32_t i = first; i < end; i += laneCount) {
+    for (int32_t i = first; i < end; i += LaneCount) {
         const Lanes distance = Distances(palette + i, target);
         if (const uint32_t exact = LaneBits(distance == 0)) return {i + __builtin_ctz(exact), 0};
         least = distance < least ? distance : least;
@@ -136,7 +136,7 @@ Nearest FindInChunk(const RGBQUAD* palette, int32_t first, int32_t end, const Ta
     const int32_t leastDistance = LeastLane(least);
     const int32_t targetClass = target.Class();
     place = distances;
-    for (int32_t i = first; i < end; i += laneCount) {
+    for (int32_t i = first; i < end; i += LaneCount) {
         for (uint32_t nearest = LaneBits(*place++ == leastDistance); nearest != 0; nearest &= nearest - 1) {
             const int32_t index = i + __builtin_ctz(nearest);
             if (leastDistance < best.Distance || ClassOf(palette[index]) == targetClass) {
@@ -170,10 +170,10 @@ int32_t Find(const RGBQUAD* palette, int32_t entries, int32_t red, int32_t green
         return 0;
     if (const int32_t end = FindAtEnds(palette, entries, target); end >= 0) return end;
 
-    Nearest best = {-1, noDistance};
-    const int32_t inVectors = entries - entries % laneCount;
-    for (int32_t first = 0; first < inVectors && best.Distance != 0; first += chunkEntries) {
-        const int32_t end = inVectors - first < chunkEntries ? inVectors : first + chunkEntries;
+    Nearest best = {-1, NoDistance};
+    const int32_t inVectors = entries - entries % LaneCount;
+    for (int32_t first = 0; first < inVectors && best.Distance != 0; first += ChunkEntries) {
+        const int32_t end = inVectors - first < ChunkEntries ? inVectors : first + ChunkEntries;
         best = FindInChunk(palette, first, end, target, best);
     }
     return FindAmongFew(palette, inVectors, entries, target, best).Index;
@@ -184,7 +184,7 @@ struct CubeSpan {
     explicit CubeSpan(const CubeCorner& corner) {
         const int32_t low = corner.Red << 16 | corner.Green << 8 | corner.Blue;
         Low = reinterpret_cast<ManyBytes>(Lanes{} + low);
-        High = reinterpret_cast<ManyBytes>(Lanes{} + (low + corner.Step * (cubeSide - 1) * 0x010101));
+        High = reinterpret_cast<ManyBytes>(Lanes{} + (low + corner.Step * (CubeSide - 1) * 0x010101));
     }
     // The squared distances from entries to the nearest point of the cube and to its farthest.
     Lanes Nearest(Lanes entries) const {
@@ -215,21 +215,21 @@ struct Candidates {
         RGBQUAD padded[256];
         const size_t bytes = static_cast<size_t>(entries) * sizeof(RGBQUAD);
         std::memcpy(padded, palette, bytes);
-        for (int32_t i = entries; i % laneCount != 0; ++i)
+        for (int32_t i = entries; i % LaneCount != 0; ++i)
             padded[i] = palette[entries - 1];
 
         const CubeSpan cube(corner);
-        Lanes nearest[256 / laneCount];
-        Lanes bound = Lanes{} + noDistance;
-        for (int32_t i = 0; i < entries; i += laneCount) {
+        Lanes nearest[256 / LaneCount];
+        Lanes bound = Lanes{} + NoDistance;
+        for (int32_t i = 0; i < entries; i += LaneCount) {
             const Lanes quads = Load(padded + i);
-            nearest[i / laneCount] = cube.Nearest(quads);
+            nearest[i / LaneCount] = cube.Nearest(quads);
             const Lanes farthest = cube.Farthest(quads);
             bound = farthest < bound ? farthest : bound;
         }
         bound = Lanes{} + LeastLane(bound);
-        for (int32_t i = 0; i < entries; i += laneCount) {
-            for (uint32_t close = LaneBits(nearest[i / laneCount] <= bound); close != 0; close &= close - 1) {
+        for (int32_t i = 0; i < entries; i += LaneCount) {
+            for (uint32_t close = LaneBits(nearest[i / LaneCount] <= bound); close != 0; close &= close - 1) {
                 Index[Count++] = static_cast<uint8_t>(i + __builtin_ctz(close));
             }
         }
@@ -245,7 +245,7 @@ struct CandidateTerms {
     CandidateTerms() = default;
     CandidateTerms(const RGBQUAD& entry, int32_t index, const CubeCorner& corner)
         : Index(index), Class(ClassOf(entry)) {
-        for (int32_t i = 0; i < cubeSide; ++i) {
+        for (int32_t i = 0; i < CubeSide; ++i) {
             const int32_t red = corner.Red + i * corner.Step - entry.rgbRed;
             const int32_t green = corner.Green + i * corner.Step - entry.rgbGreen;
             const int32_t blue = corner.Blue + i * corner.Step - entry.rgbBlue;
@@ -254,9 +254,9 @@ struct CandidateTerms {
             Blue[i] = blue * blue;
         }
     }
-    int32_t Blue[cubeSide];
-    int32_t Red[cubeSide];
-    int32_t Green[cubeSide];
+    int32_t Blue[CubeSide];
+    int32_t Red[CubeSide];
+    int32_t Green[CubeSide];
     int32_t Index;
     int32_t Class;
 };
@@ -284,7 +284,7 @@ void KeepFirstExact(const RGBQUAD* palette, const Candidates& candidates, const 
         const int32_t red = entry.rgbRed - corner.Red;
         const int32_t green = entry.rgbGreen - corner.Green;
         const int32_t blue = entry.rgbBlue - corner.Blue;
-        const int32_t span = corner.Step * (cubeSide - 1);
+        const int32_t span = corner.Step * (CubeSide - 1);
         const bool inside =
             red >= 0 && red <= span && green >= 0 && green <= span && blue >= 0 && blue <= span;
         if (!inside || (red | green | blue) % corner.Step != 0) continue;
@@ -295,7 +295,7 @@ void KeepFirstExact(const RGBQUAD* palette, const Candidates& candidates, const 
 // The winners along one line of a cube. The terms are in the order of their entries.
 inline Lanes FindOnLine(const CandidateTerms* terms, int32_t count, int32_t r, int32_t g, int32_t b,
                         Lanes targetClasses) {
-    Lanes least = Lanes{} + noDistance;
+    Lanes least = Lanes{} + NoDistance;
     Lanes index = Lanes{};
     for (const CandidateTerms* term = terms; term != terms + count; ++term) {
         const Lanes distance = Load(term->Blue + b) + term->Green[g] + term->Red[r];
@@ -312,21 +312,21 @@ void FindAmong(const Candidates& candidates, const RGBQUAD* palette, const CubeC
     for (int32_t i = 0; i < candidates.Count; ++i) {
         terms[i] = CandidateTerms(palette[candidates.Index[i]], candidates.Index[i], corner);
     }
-    alignas(Lanes) int32_t wide[cubeColours]; // narrowed all at once
+    alignas(Lanes) int32_t wide[CubeColours]; // narrowed all at once
     int32_t* place = wide;
-    for (int32_t r = 0; r < cubeSide; ++r) {
-        for (int32_t g = 0; g < cubeSide; ++g) {
-            for (int32_t b = 0; b < cubeSide; b += laneCount) {
+    for (int32_t r = 0; r < CubeSide; ++r) {
+        for (int32_t g = 0; g < CubeSide; ++g) {
+            for (int32_t b = 0; b < CubeSide; b += LaneCount) {
                 const Lanes classes =
                     ColourClasses(corner.Red + r * corner.Step, corner.Green + g * corner.Step,
                                   (LaneNumbers() + b) * corner.Step + corner.Blue);
                 const Lanes index = FindOnLine(terms, candidates.Count, r, g, b, classes);
                 std::memcpy(place, &index, sizeof index);
-                place += laneCount;
+                place += LaneCount;
             }
         }
     }
-    for (int32_t i = 0; i < cubeColours; ++i)
+    for (int32_t i = 0; i < CubeColours; ++i)
         winners[i] = static_cast<uint8_t>(wide[i]);
     KeepFirstExact(palette, candidates, corner, winners);
 }
@@ -334,37 +334,37 @@ void FindAmong(const Candidates& candidates, const RGBQUAD* palette, const CubeC
 void FindForCube(const RGBQUAD* palette, int32_t entries, const CubeCorner& corner, uint8_t* winners) {
     const Candidates candidates(palette, entries, corner);
     if (candidates.Count == 1) {
-        std::memset(winners, candidates.Index[0], cubeColours);
+        std::memset(winners, candidates.Index[0], CubeColours);
         return;
     }
     FindAmong(candidates, palette, corner, winners);
 
-    const int32_t top = corner.Step * (cubeSide - 1);
+    const int32_t top = corner.Step * (CubeSide - 1);
     if ((corner.Red | corner.Green | corner.Blue) == 0) {
         winners[0] = static_cast<uint8_t>(Find(palette, entries, 0, 0, 0));
     }
     if (((corner.Red + top) & (corner.Green + top) & (corner.Blue + top)) == 255) {
-        winners[cubeColours - 1] = static_cast<uint8_t>(Find(palette, entries, 255, 255, 255));
+        winners[CubeColours - 1] = static_cast<uint8_t>(Find(palette, entries, 255, 255, 255));
     }
 }
 
 size_t LookUp(const uint8_t* quads, uint8_t* indices, size_t pixels, const uint16_t* blocks,
               const uint8_t* winners) {
     size_t done = 0;
-    for (; pixels - done >= laneCount; done += laneCount) {
+    for (; pixels - done >= LaneCount; done += LaneCount) {
         const Lanes quad = Load(quads + done * 4);
         const Lanes cube = (quad >> 3 & 0x1F) | (quad >> 6 & 0x3E0) | (quad >> 9 & 0x7C00);
         const Lanes inside = (quad & 7) | (quad >> 5 & 0x38) | (quad >> 10 & 0x1C0);
-        uint32_t block[laneCount];
+        uint32_t block[LaneCount];
         uint32_t all = 0;
-        for (int32_t lane = 0; lane < laneCount; ++lane) {
+        for (int32_t lane = 0; lane < LaneCount; ++lane) {
             block[lane] = blocks[cube[lane]];
             all |= block[lane];
         }
-        if (all > lastKnownCube) break;
-        for (int32_t lane = 0; lane < laneCount; ++lane) {
+        if (all > LastKnownCube) break;
+        for (int32_t lane = 0; lane < LaneCount; ++lane) {
             indices[done + static_cast<size_t>(lane)] =
-                winners[block[lane] * cubeColours + static_cast<uint32_t>(inside[lane])];
+                winners[block[lane] * CubeColours + static_cast<uint32_t>(inside[lane])];
         }
     }
     return done;

@@ -13,15 +13,15 @@ namespace zkr::rows {
 
 // A cube is 8 x 8 x 8 colours. In its table of winners the colour of steps (r, g, b) from the cube's darkest
 // corner stands at r * 64 + g * 8 + b.
-inline constexpr int32_t cubeSide = 8;
-inline constexpr int32_t cubeColours = 512;
+inline constexpr int32_t CubeSide = 8;
+inline constexpr int32_t CubeColours = 512;
 
 // Cubes of adjacent colours tile the colour space: 32 each way. The cube of a colour is numbered by the upper
 // five bits of red, green and blue, red uppermost.
-inline constexpr int32_t cubesInSpace = 32768;
+inline constexpr int32_t CubesInSpace = 32768;
 
 // A cube number above this marks a cube that has no table of winners.
-inline constexpr uint16_t lastKnownCube = 0x7FFF;
+inline constexpr uint16_t LastKnownCube = 0x7FFF;
 
 struct CubeCorner {
     int32_t Red;
@@ -38,7 +38,7 @@ struct MatchKernels {
     void (*FindForCube)(const RGBQUAD* palette, int32_t entries, const CubeCorner& corner, uint8_t* winners);
 
     // Turns pixels of four bytes (blue, green, red, ignored) into indices, until a pixel comes whose cube is
-    // not known; blocks[n] is the place of cube n in winners, counted in cubes, or above lastKnownCube.
+    // not known; blocks[n] is the place of cube n in winners, counted in cubes, or above LastKnownCube.
     // Returns the pixels done, which may stop up to 7 short of the first unknown one.
     size_t (*LookUp)(const uint8_t* quads, uint8_t* indices, size_t pixels, const uint16_t* blocks,
                      const uint8_t* winners);

@@ -64,7 +64,7 @@ constexpr Places Reorder(bool isRgb, size_t highOffset, size_t vector) {
         const size_t byte = Rotated(i, toChannels, vector);
         const size_t pixel = byte / (toChannels * channelBytes);
         const size_t channel = Ordered(byte / channelBytes % toChannels, isRgb);
-        if (pixel >= pixels || channel >= fromChannels) return size_t{none};
+        if (pixel >= pixels || channel >= fromChannels) return size_t{None};
         return i / 16 * highOffset + (pixel * fromChannels + channel) * channelBytes + byte % channelBytes;
     });
 }
@@ -160,7 +160,7 @@ struct ReadGray8 {
         }
         return colours;
     }
-    static constexpr Places places = MakePlaces([](size_t i) { return i % 4 < 3 ? i % 16 / 4 : none; });
+    static constexpr Places places = MakePlaces([](size_t i) { return i % 4 < 3 ? i % 16 / 4 : None; });
 };
 
 struct ReadGrayValue {
@@ -184,7 +184,7 @@ struct ReadGrayValue {
 };
 
 struct ReadGrayColour : ReadGrayValue {
-    static constexpr Places places = MakePlaces([](size_t i) { return i % 4 < 3 ? i % 16 / 4 * 4 : none; });
+    static constexpr Places places = MakePlaces([](size_t i) { return i % 4 < 3 ? i % 16 / 4 * 4 : None; });
     __m256i replicate = Load(places);
     using ReadGrayValue::ReadGrayValue;
     template <size_t apart> Colours Take(const uint8_t* source) const {
@@ -295,8 +295,8 @@ inline __m256i WeightedSums(__m256i colours, uint32_t weights) {
     const __m256i pairs = _mm256_maddubs_epi16(colours, _mm256_set1_epi32(static_cast<int>(weights)));
     return _mm256_madd_epi16(pairs, _mm256_set1_epi16(1));
 }
-constexpr uint32_t grayWeights = 0x020501;
-constexpr uint32_t swappedWeights = 0x020105;
+constexpr uint32_t GrayWeights = 0x020501;
+constexpr uint32_t SwappedWeights = 0x020105;
 
 inline GrayLevels GrayOf(const Colours& colours, uint32_t weights) {
     GrayLevels levels;
@@ -309,7 +309,7 @@ inline GrayLevels GrayOf(const Colours& colours, uint32_t weights) {
 
 // The sums of sixteen colours as words, in which multiplying by 1 / 8 rounds as (sum + 4) >> 3 does.
 inline __m256i GrayWordsOf(__m256i low, __m256i high) {
-    const __m256i sums = _mm256_packs_epi32(WeightedSums(low, grayWeights), WeightedSums(high, grayWeights));
+    const __m256i sums = _mm256_packs_epi32(WeightedSums(low, GrayWeights), WeightedSums(high, GrayWeights));
     return _mm256_mulhrs_epi16(sums, _mm256_set1_epi16(4096));
 }
 
@@ -387,7 +387,7 @@ struct WriteGrayWords {
         Store(target + 32, _mm256_packus_epi32(scaled.Four[2], scaled.Four[3]));
     }
     void operator()(uint8_t* target, const Colours& colours) const {
-        (*this)(target, GrayOf(colours, grayWeights));
+        (*this)(target, GrayOf(colours, GrayWeights));
     }
     void operator()(uint8_t* target, const DeepColours& colours) const { (*this)(target, GrayOf(colours)); }
 };
@@ -395,7 +395,7 @@ struct WriteGrayWords {
 struct WriteSwappedGray : WriteGrayWords {
     using WriteGrayWords::WriteGrayWords;
     void operator()(uint8_t* target, const Colours& colours) const {
-        WriteGrayWords::operator()(target, GrayOf(colours, swappedWeights));
+        WriteGrayWords::operator()(target, GrayOf(colours, SwappedWeights));
     }
 };
 
@@ -448,7 +448,7 @@ constexpr Places SpreadBytes(size_t channels, bool isRgb, size_t vector) {
     return MakePlaces([&](size_t i) {
         const size_t byte = Rotated(i, channels, vector);
         const size_t pixel = byte / (channels * 2);
-        return pixel < 2 ? (vector % 2 * 2 + pixel) * 4 + Ordered(byte / 2 % channels, isRgb) : none;
+        return pixel < 2 ? (vector % 2 * 2 + pixel) * 4 + Ordered(byte / 2 % channels, isRgb) : None;
     });
 }
 constexpr Places SpreadWords(size_t channels, size_t vector) {
@@ -456,7 +456,7 @@ constexpr Places SpreadWords(size_t channels, size_t vector) {
         const size_t byte = Rotated(i, channels, vector);
         const size_t pixel = byte / (channels * 2);
         const size_t channel = byte / 2 % channels;
-        return pixel < 2 && channel < 3 ? (vector % 2 * 2 + pixel) * 4 + byte % 2 : none;
+        return pixel < 2 && channel < 3 ? (vector % 2 * 2 + pixel) * 4 + byte % 2 : None;
     });
 }
 
@@ -517,7 +517,7 @@ template <size_t channels, Alpha alpha = Alpha::Used> struct WriteDeep {
 template <class Reader, class Writer> struct ConvertStep {
     static constexpr size_t sourceBits = Reader::bits;
     static constexpr size_t targetBits = Writer::bits;
-    static constexpr size_t reach = unitPixels;
+    static constexpr size_t reach = UnitPixels;
 
     Reader read;
     Writer write;

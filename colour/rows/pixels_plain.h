@@ -106,14 +106,14 @@ struct ReadGrayLookup : ReadGrayValue {
 
 template <class...> struct ReadColour16 {
     static constexpr size_t bits = 16;
-    uint32_t blueShift, redShift;
+    uint32_t BlueShift, RedShift;
     explicit ReadColour16(const RowParameters& p)
-        : blueShift(p.SourceIsRgb ? 10 : 0), redShift(p.SourceIsRgb ? 0 : 10) {}
+        : BlueShift(p.SourceIsRgb ? 10 : 0), RedShift(p.SourceIsRgb ? 0 : 10) {}
     static uint32_t Widened(uint32_t channel) { return (channel << 3) | (channel >> 2); }
     Colour operator()(const uint8_t* source, size_t pixel) const {
         const uint32_t word = LoadWord(source + pixel * 2);
-        return {Widened((word >> blueShift) & 31) | Widened((word >> 5) & 31) << 8 |
-                Widened((word >> redShift) & 31) << 16 | ((word >> 15) * 0xFF) << 24};
+        return {Widened((word >> BlueShift) & 31) | Widened((word >> 5) & 31) << 8 |
+                Widened((word >> RedShift) & 31) << 16 | ((word >> 15) * 0xFF) << 24};
     }
 };
 
@@ -201,12 +201,12 @@ struct WriteSwappedGray : WriteGrayWords {
 
 template <class...> struct WriteColour16 {
     static constexpr size_t bits = 16;
-    uint32_t blueShift, redShift;
+    uint32_t BlueShift, RedShift;
     explicit WriteColour16(const RowParameters& p)
-        : blueShift(p.TargetIsRgb ? 10 : 0), redShift(p.TargetIsRgb ? 0 : 10) {}
+        : BlueShift(p.TargetIsRgb ? 10 : 0), RedShift(p.TargetIsRgb ? 0 : 10) {}
     void operator()(uint8_t* target, size_t pixel, Colour colour) const {
-        StoreWord(target + pixel * 2, Channel(colour, 0) >> 3 << blueShift | Channel(colour, 8) >> 3 << 5 |
-                                          Channel(colour, 16) >> 3 << redShift | colour.Bits >> 31 << 15);
+        StoreWord(target + pixel * 2, Channel(colour, 0) >> 3 << BlueShift | Channel(colour, 8) >> 3 << 5 |
+                                          Channel(colour, 16) >> 3 << RedShift | colour.Bits >> 31 << 15);
     }
 };
 

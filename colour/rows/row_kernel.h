@@ -87,11 +87,11 @@ enum class Target : uint8_t {
     Count
 };
 
-inline constexpr size_t sourceForms = static_cast<size_t>(Source::Count);
-inline constexpr size_t targetForms = static_cast<size_t>(Target::Count);
+inline constexpr size_t SourceForms = static_cast<size_t>(Source::Count);
+inline constexpr size_t TargetForms = static_cast<size_t>(Target::Count);
 
 struct ConvertKernels {
-    RowKernel Convert[sourceForms][targetForms]; // null where a pair is never asked for
+    RowKernel Convert[SourceForms][TargetForms]; // null where a pair is never asked for
     RowKernel Unpack[8];                         // by bits 1 to 7: to bytes, through a map of 2^bits bytes
     RowKernel Pack[8];                           // by bits 1 to 7: from bytes
     RowKernel Unpack12;                          // to words

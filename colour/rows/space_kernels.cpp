@@ -20,7 +20,7 @@ namespace {
 
 using namespace spaces;
 
-constexpr size_t piecePixels = 256;
+constexpr size_t PiecePixels = 256;
 
 void Reshape(Source from, Target to, const void* source, void* target, size_t pixels) {
     const RowKernel kernel =
@@ -72,10 +72,10 @@ template <typename Channel, size_t channels> struct Layout {
 
 template <class From, class To, Channels (*step)(Channels)>
 void Run(const uint8_t* source, uint8_t* target, size_t pixels) {
-    uint32_t from[piecePixels * From::unitWords];
-    uint32_t to[piecePixels * To::unitWords];
+    uint32_t from[PiecePixels * From::unitWords];
+    uint32_t to[PiecePixels * To::unitWords];
     while (pixels > 0) {
-        const size_t piece = pixels < piecePixels ? pixels : piecePixels;
+        const size_t piece = pixels < PiecePixels ? pixels : PiecePixels;
         From::Load(source, from, piece);
         for (size_t i = 0; i < piece; ++i)
             To::Write(step(From::Read(from + i * From::unitWords)), to + i * To::unitWords);

@@ -8,14 +8,14 @@ namespace zkr::rows {
 
 enum class Space : uint8_t { LumaDifferences, Cmyk, Hsv, Hls, Yiq, Cmy, Count };
 
-inline constexpr size_t spaceCount = static_cast<size_t>(Space::Count);
+inline constexpr size_t SpaceCount = static_cast<size_t>(Space::Count);
 
 // The spans do not overlap, or begin at the same place where the target's pixels are no wider.
 using SpaceKernel = void (*)(const uint8_t* source, uint8_t* target, size_t pixels);
 
 struct SpaceKernels {
-    SpaceKernel FromRgb[2][spaceCount]; // first those of the 8-bit class
-    SpaceKernel ToRgb[2][spaceCount];
+    SpaceKernel FromRgb[2][SpaceCount]; // first those of the 8-bit class
+    SpaceKernel ToRgb[2][SpaceCount];
 };
 
 } // namespace zkr::rows

@@ -10,7 +10,7 @@ namespace {
 constexpr Places DoubledChannels(size_t pair) {
     return MakePlaces([=](size_t i) {
         const size_t pixel = pair * 2 + i % 16 / 8, channel = i % 8 / 2;
-        return channel < 3 ? i / 16 * highOffsetOf<3> + pixel * 3 + channel : none;
+        return channel < 3 ? i / 16 * highOffsetOf<3> + pixel * 3 + channel : None;
     });
 }
 
@@ -18,7 +18,7 @@ constexpr Places DoubledChannels(size_t pair) {
 constexpr Places BlueAndRed(size_t vector) {
     return MakePlaces([=](size_t i) {
         const size_t byte = Rotated(i, 3, vector), word = byte / 2 % 3;
-        return byte < 12 && word > 0 ? byte / 6 * 8 + (word - 1) * 4 + byte % 2 : none;
+        return byte < 12 && word > 0 ? byte / 6 * 8 + (word - 1) * 4 + byte % 2 : None;
     });
 }
 
@@ -26,14 +26,14 @@ constexpr Places BlueAndRed(size_t vector) {
 constexpr Places LumaThrice(size_t vector) {
     return MakePlaces([=](size_t i) {
         const size_t byte = Rotated(i, 3, vector), word = byte / 2 % 3;
-        return byte < 12 ? (vector % 2 * 2 + byte / 6) * 4 + (word > 0 ? 2 : 0) + byte % 2 : none;
+        return byte < 12 ? (vector % 2 * 2 + byte / 6) * 4 + (word > 0 ? 2 : 0) + byte % 2 : None;
     });
 }
 
 struct LumaStep {
     static constexpr size_t sourceBits = 24;
     static constexpr size_t targetBits = 48;
-    static constexpr size_t reach = unitPixels;
+    static constexpr size_t reach = UnitPixels;
 
     static constexpr Places doubled[2] = {DoubledChannels(0), DoubledChannels(1)};
     static constexpr Places blueAndRed[4] = {BlueAndRed(0), BlueAndRed(1), BlueAndRed(2), BlueAndRed(3)};

@@ -20,7 +20,7 @@ template <class Reader, class Writer> struct ReorderOnce : ConvertStep<Reader, W
 struct Swap24 {
     static constexpr size_t sourceBits = 24;
     static constexpr size_t targetBits = 24;
-    static constexpr size_t reach = unitPixels;
+    static constexpr size_t reach = UnitPixels;
 
     __m256i swap[4];
 
@@ -50,7 +50,7 @@ constexpr Places WidenedChannels(size_t vector, bool swap) {
 struct Widen24 {
     static constexpr size_t sourceBits = 24;
     static constexpr size_t targetBits = 48;
-    static constexpr size_t reach = unitPixels;
+    static constexpr size_t reach = UnitPixels;
 
     __m256i shuffle[3];
 
@@ -74,7 +74,7 @@ struct Widen24 {
 struct Narrow48 {
     static constexpr size_t sourceBits = 48;
     static constexpr size_t targetBits = 24;
-    static constexpr size_t reach = unitPixels;
+    static constexpr size_t reach = UnitPixels;
 
     explicit Narrow48(const RowParameters&) {}
     void operator()(uint8_t* target, const uint8_t* source) const {
@@ -100,7 +100,7 @@ void Convert48To24(const uint8_t* source, uint8_t* target, size_t pixels, const 
 struct SpreadGray {
     static constexpr size_t sourceBits = 8;
     static constexpr size_t targetBits = 24;
-    static constexpr size_t reach = unitPixels;
+    static constexpr size_t reach = UnitPixels;
 
     static constexpr Places places[3] = {MakePlaces([](size_t i) { return i / 3; }),
                                          MakePlaces([](size_t i) { return (i + 32) / 3 - 8; }),
@@ -119,7 +119,7 @@ struct SpreadGray {
 struct NarrowGrayValues {
     static constexpr size_t sourceBits = 16;
     static constexpr size_t targetBits = 8;
-    static constexpr size_t reach = unitPixels;
+    static constexpr size_t reach = UnitPixels;
 
     __m128i shift;
     __m256i mask;

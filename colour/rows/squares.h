@@ -6,7 +6,7 @@
 
 namespace zkr::rows {
 
-inline constexpr auto squares = [] {
+inline constexpr auto Squares = [] {
     std::array<uint32_t, 256> table{};
     for (uint32_t i = 0; i < table.size(); ++i)
         table[i] = i * i;

@@ -21,7 +21,7 @@
 namespace zkr::rows {
 namespace {
 
-inline constexpr size_t unitPixels = 32;
+inline constexpr size_t UnitPixels = 32;
 
 inline __m256i Load(const uint8_t* place) {
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(place));
@@ -77,12 +77,12 @@ inline void Store96(uint8_t* place, const __m256i (&rotated)[4]) {
     Store(place + 64, _mm256_permute2x128_si256(second, third, 0x31));
 }
 
-// A byte shuffle within the halves of a vector: the place in its half that each byte comes from, none for
+// A byte shuffle within the halves of a vector: the place in its half that each byte comes from, None for
 // zero.
 struct Places {
     uint8_t Place[32];
 };
-constexpr uint8_t none = 0x80;
+constexpr uint8_t None = 0x80;
 
 template <class PlaceOf> constexpr Places MakePlaces(PlaceOf placeOf) {
     Places places{};
@@ -104,8 +104,8 @@ constexpr uint8_t UnusedBits(size_t pixels, size_t bits) {
 template <class Step>
 [[gnu::noinline]] void RunPadded(const Step& step, uint8_t* target, const uint8_t* source, size_t pixels) {
     constexpr size_t widestPixel = 8;
-    uint8_t paddedSource[unitPixels * widestPixel] = {};
-    uint8_t paddedTarget[unitPixels * widestPixel];
+    uint8_t paddedSource[UnitPixels * widestPixel] = {};
+    uint8_t paddedTarget[UnitPixels * widestPixel];
     const size_t targetBytes = (pixels * Step::targetBits + 7) / 8;
     std::memcpy(paddedSource, source, (pixels * Step::sourceBits + 7) / 8);
     std::memcpy(paddedTarget, target, targetBytes);
@@ -118,12 +118,12 @@ template <class Step>
 
 template <class Step>
 void RunForwards(const Step& step, const uint8_t* source, uint8_t* target, size_t pixels) {
-    constexpr size_t sourceBytes = unitPixels * Step::sourceBits / 8;
-    constexpr size_t targetBytes = unitPixels * Step::targetBits / 8;
-    for (; pixels >= Step::reach; pixels -= unitPixels, source += sourceBytes, target += targetBytes)
+    constexpr size_t sourceBytes = UnitPixels * Step::sourceBits / 8;
+    constexpr size_t targetBytes = UnitPixels * Step::targetBits / 8;
+    for (; pixels >= Step::reach; pixels -= UnitPixels, source += sourceBytes, target += targetBytes)
         step(target, source);
-    for (; pixels > unitPixels; pixels -= unitPixels, source += sourceBytes, target += targetBytes)
-        RunPadded(step, target, source, unitPixels);
+    for (; pixels > UnitPixels; pixels -= UnitPixels, source += sourceBytes, target += targetBytes)
+        RunPadded(step, target, source, UnitPixels);
     if (pixels > 0) RunPadded(step, target, source, pixels);
 }
 
@@ -131,16 +131,16 @@ void RunForwards(const Step& step, const uint8_t* source, uint8_t* target, size_
 // units are read from a copy.
 template <class Step>
 void RunBackwards(const Step& step, const uint8_t* source, uint8_t* target, size_t pixels) {
-    constexpr size_t sourceBytes = unitPixels * Step::sourceBits / 8;
-    constexpr size_t targetBytes = unitPixels * Step::targetBits / 8;
+    constexpr size_t sourceBytes = UnitPixels * Step::sourceBits / 8;
+    constexpr size_t targetBytes = UnitPixels * Step::targetBits / 8;
     constexpr size_t copiedUnits = (targetBytes - 1) / (targetBytes - sourceBytes);
-    static_assert(Step::reach <= 2 * unitPixels);
-    const size_t rest = pixels % unitPixels;
-    size_t units = pixels / unitPixels;
+    static_assert(Step::reach <= 2 * UnitPixels);
+    const size_t rest = pixels % UnitPixels;
+    size_t units = pixels / UnitPixels;
     if (rest > 0) RunPadded(step, target + units * targetBytes, source + units * sourceBytes, rest);
-    if (units > 0 && unitPixels + rest < Step::reach) {
+    if (units > 0 && UnitPixels + rest < Step::reach) {
         --units;
-        RunPadded(step, target + units * targetBytes, source + units * sourceBytes, unitPixels);
+        RunPadded(step, target + units * targetBytes, source + units * sourceBytes, UnitPixels);
     }
     const size_t apart = source == target ? std::min(units, copiedUnits) : 0;
     const uint8_t* from = source + units * sourceBytes;
@@ -152,7 +152,7 @@ void RunBackwards(const Step& step, const uint8_t* source, uint8_t* target, size
         to -= targetBytes;
         step(to, from);
     }
-    uint8_t copy[copiedUnits * sourceBytes + unitPixels];
+    uint8_t copy[copiedUnits * sourceBytes + UnitPixels];
     std::memcpy(copy, source, apart * sourceBytes);
     for (size_t unit = 0; unit < apart; ++unit)
         step(target + unit * targetBytes, copy + unit * sourceBytes);

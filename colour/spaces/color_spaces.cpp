@@ -25,7 +25,7 @@ struct Format {
 };
 
 constexpr int32_t RgbFormats[2] = {Z_SPACE_RGB, Z_SPACE_RGB16};
-constexpr int32_t SpaceFormats[2][rows::spaceCount] = {
+constexpr int32_t SpaceFormats[2][rows::SpaceCount] = {
     {Z_SPACE_LUMA, Z_SPACE_CMYK, Z_SPACE_HSV, Z_SPACE_HLS, Z_SPACE_YIQ, Z_SPACE_CMY},
     {Z_SPACE_LUMA16, Z_SPACE_CMYK16, Z_SPACE_HSV16, Z_SPACE_HLS16, Z_SPACE_YIQ16, Z_SPACE_CMY16}};
 
@@ -35,7 +35,7 @@ bool Parse(int32_t value, Format& format) {
             format = {depthClass, true, 0};
             return true;
         }
-        for (size_t i = 0; i < rows::spaceCount; ++i) {
+        for (size_t i = 0; i < rows::SpaceCount; ++i) {
             if (value != SpaceFormats[depthClass][i]) continue;
             format = {depthClass, false, i};
             return true;
