@@ -14,7 +14,6 @@ namespace zkr {
 
 namespace {
 
-using rows::Space;
 using rows::SpaceKernel;
 
 // A format taken apart.
