@@ -254,7 +254,7 @@ class Checked {
         int32_t left = pixels;
         const int32_t longest = input_.Flip() ? 4 : 3000;
         for (size_t words = 0; left > 0 && words < most; ++words) {
-            const int32_t run = words + 1 == most ? left : std::min(left, input_.Below(longest));
+            const int32_t run = std::min({left, 0xFFFF, words + 1 == most ? left : input_.Below(longest)});
             lists.push_back(static_cast<uint16_t>(run));
             left -= run;
         }
