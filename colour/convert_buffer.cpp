@@ -3,6 +3,7 @@
 
 #include "colour/convert_plan.h"
 #include "core/return_codes.h"
+#include "core/row_ahead.h"
 
 #include <algorithm>
 #include <limits>
@@ -52,6 +53,10 @@ class InPlaceWalk {
     uint8_t between_[2][PiecePixels * 4]; // working rows between two stages
 };
 
+uint64_t SourceBytes(const ConvertRequest& request) {
+    return static_cast<uint64_t>(request.Width) * static_cast<uint64_t>(PixelBits(request.SourceBits)) / 8;
+}
+
 // The bytes of a row that ends on a multiple of four.
 uint64_t RowSize(int32_t width, int32_t bits) {
     const int64_t rowBits = static_cast<int64_t>(width) * PixelBits(bits);
@@ -76,9 +81,10 @@ ReturnCode Z_CALL Z_ConvertBufferExt(void* row, int32_t width, int32_t sourceBit
     zkr::ConvertRequest request{width,         sourceBits,    targetBits, sourceOrder, targetOrder,
                                 sourcePalette, targetPalette, flags,      lowBit,      highBit};
     if (row == nullptr || !zkr::CheckConversion(request)) return zkr::code::InvalidArgument;
-    const zkr::ConvertPlan plan(request);
-    if (plan.StageCount() > 0)
-        zkr::InPlaceWalk(plan, request, static_cast<uint8_t*>(row)).Run(static_cast<size_t>(width));
+    zkr::ConvertPlan plan(request);
+    if (plan.StageCount() == 0) return zkr::code::Success;
+    if (zkr::SourceBytes(request) >= zkr::SmallestNotedRow) plan.ReadAhead(zkr::TakeRowAhead(row));
+    zkr::InPlaceWalk(plan, request, static_cast<uint8_t*>(row)).Run(static_cast<size_t>(width));
     return zkr::code::Success;
 }
 

@@ -48,6 +48,9 @@ class ConvertPlan {
     ConvertPlan(const ConvertPlan&) = delete;
     ConvertPlan& operator=(const ConvertPlan&) = delete;
 
+    // Has the first stage ask the cache for what lies so far from its source.
+    void ReadAhead(ptrdiff_t distance) { stages_[0].Parameters.Ahead = distance; }
+
     int32_t StageCount() const { return stageCount_; }
     const ConvertStage& Stage(int32_t index) const { return stages_[index]; }
 

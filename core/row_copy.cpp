@@ -54,9 +54,4 @@ void EndStream() {}
 
 #endif
 
-void StreamBytes(uint8_t* to, const uint8_t* from, size_t bytes) {
-    StreamPart(to, from, bytes);
-    EndStream();
-}
-
 } // namespace zkr

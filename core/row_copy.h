@@ -3,22 +3,21 @@
 // spares reading what is about to be overwritten.
 #pragma once
 
+#include "platform/threads.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
 namespace zkr {
 
-// Both borders are measured: below either of them the plain copy is as fast or faster, since a stream has to
-// be closed after each row.
+// The borders are measured: below any of them the plain copy is as fast or faster.
 inline constexpr size_t SmallestStreamedBitmap = size_t{8} << 20;
 inline constexpr size_t SmallestStreamedRow = 4096;
+inline constexpr size_t SmallestOpenStreamedRow = 512; // where the stream need not be closed after each row
 
-// Copies past the cache; whatever is stored afterwards is seen afterwards by other threads too.
-void StreamBytes(uint8_t* to, const uint8_t* from, size_t bytes);
-
-// The same in many parts: only what is stored after EndStream is seen after them. Closing costs as much as
-// some hundred bytes.
+// Copies past the cache, in one part or many. Other threads see what has been streamed before what is stored
+// after EndStream. Closing makes the next stores wait until memory has taken the stream.
 void StreamPart(uint8_t* to, const uint8_t* from, size_t bytes);
 void EndStream();
 
@@ -26,11 +25,23 @@ inline void CopyFromBitmap(uint8_t* buffer, const uint8_t* data, size_t bytes) {
     std::memcpy(buffer, data, bytes);
 }
 
-inline void CopyToBitmap(uint8_t* data, const uint8_t* buffer, size_t bytes, size_t bitmapBytes) {
-    if (bytes >= SmallestStreamedRow && bitmapBytes >= SmallestStreamedBitmap)
-        StreamBytes(data, buffer, bytes);
-    else
+// Who may look at the memory. Where it is this process alone and that has one thread, streams are left open:
+// a thread sees its own stores, and whatever hands memory on from there (starting a thread, calling the
+// system) closes them.
+enum class Readers : uint8_t { ThisProcess, Anyone };
+
+inline void CopyToBitmap(uint8_t* data, const uint8_t* buffer, size_t bytes, size_t bitmapBytes,
+                         Readers readers) {
+    if (bytes < SmallestOpenStreamedRow || bitmapBytes < SmallestStreamedBitmap) {
         std::memcpy(data, buffer, bytes);
+    } else if (readers == Readers::ThisProcess && platform::IsOnlyThread()) {
+        StreamPart(data, buffer, bytes);
+    } else if (bytes < SmallestStreamedRow) {
+        std::memcpy(data, buffer, bytes);
+    } else {
+        StreamPart(data, buffer, bytes);
+        EndStream();
+    }
 }
 
 } // namespace zkr

@@ -4,6 +4,7 @@
 #include "core/exact_rows.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
+#include "core/row_ahead.h"
 #include "core/sizes.h"
 #include "core/storage/plain_rows.h"
 #include "core/storage/storage_class.h"
@@ -40,6 +41,12 @@ ReturnCode WriteElsewhere(BitmapHandle& bitmap, const void* buffer, int32_t row,
                   bytes);
 }
 
+// Where the row behind the given one lies, or the one before it where the rows are walked upwards.
+uintptr_t NextOnTheWay(const BitmapHandle& bitmap, uint32_t previous) {
+    const uintptr_t here = reinterpret_cast<uintptr_t>(bitmap.Addr) + bitmap.CurrentRowOffset;
+    return bitmap.CurrentRow + 1 == previous ? here - bitmap.BytesPerLine : here + bitmap.BytesPerLine;
+}
+
 // Counts above 0x7FFFFFFF look like codes, so that they are compared first.
 ReturnCode WhetherAllMoved(ReturnCode moved, uint32_t bytes, ReturnCode failure) {
     if (static_cast<uint32_t>(moved) == bytes) return code::Success;
@@ -67,9 +74,13 @@ ReturnCode WriteExactly(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row
 using namespace zkr;
 
 ReturnCode Z_CALL Z_GetBitmapRow(BitmapHandle* bitmap, void* buffer, int32_t row, uint32_t bytes) {
-    if (LiesInMemory(*bitmap)) [[likely]]
-        return storage::ReadMemory(*bitmap, static_cast<uint8_t*>(buffer), row, 0, bytes);
-    return ReadElsewhere(*bitmap, buffer, row, 0, bytes);
+    if (!LiesInMemory(*bitmap)) [[unlikely]]
+        return ReadElsewhere(*bitmap, buffer, row, 0, bytes);
+    const uint32_t previous = bitmap->CurrentRow;
+    const ReturnCode result = storage::ReadMemory(*bitmap, static_cast<uint8_t*>(buffer), row, 0, bytes);
+    if (bytes >= SmallestNotedRow && bitmap->Size >= SmallestStreamedBitmap)
+        NoteRowAhead(buffer, NextOnTheWay(*bitmap, previous));
+    return result;
 }
 
 ReturnCode Z_CALL Z_PutBitmapRow(BitmapHandle* bitmap, const void* buffer, int32_t row, uint32_t bytes) {

@@ -25,6 +25,12 @@ struct ThreadAttachment {
     void (*Release)(void* data);
 };
 
+// The row that is expected to be read after the one in a buffer.
+struct RowAhead {
+    const void* Buffer;
+    uintptr_t Next;
+};
+
 struct ThreadSettings {
     uint32_t* MatchTable; // the thread's current colour match table, owned by whoever set it
     FileVector File;
@@ -47,6 +53,7 @@ struct ThreadSettings {
     intptr_t SubstituteFontUserData;
     const uint8_t* CapabilityLocks;
     char* TokenRest; // where Z_Strtok goes on
+    RowAhead Ahead;
 
     ThreadAttachment PaletteSearch; // the nearest-colour index of the palette last matched against
     ThreadAttachment PaletteMap;    // the map between the two palettes last converted between

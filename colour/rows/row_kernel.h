@@ -44,6 +44,7 @@ struct RowParameters {
     GrayScale Scale = {};
     bool SourceIsRgb = false; // red lies in the low position; else blue
     bool TargetIsRgb = false;
+    ptrdiff_t Ahead = 0; // from the source to memory that the cache is asked for meanwhile, as to a next row
 };
 
 // The map that leaves indices of up to 7 bits as they are.

@@ -139,7 +139,7 @@ struct NarrowGrayValues {
 void ConvertGrayValuesToGray8(const uint8_t* source, uint8_t* target, size_t pixels,
                               const RowParameters& parameters) {
     if (parameters.Scale.Whole == 1 && parameters.Scale.Fraction == 0) {
-        RunUnits(NarrowGrayValues(parameters), source, target, pixels);
+        RunUnits(NarrowGrayValues(parameters), source, target, pixels, parameters.Ahead);
     } else {
         ConvertRow<ReadGrayValue, WriteGray8>(source, target, pixels, parameters);
     }

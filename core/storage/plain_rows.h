@@ -2,6 +2,7 @@
 // transfer that the memory classes share.
 #pragma once
 
+#include "core/flags.h"
 #include "core/return_codes.h"
 #include "core/row_copy.h"
 #include "core/sizes.h"
@@ -43,7 +44,8 @@ inline ReturnCode WriteMemory(BitmapHandle& bitmap, const uint8_t* buffer, int32
     const size_t offset = LocateRow(bitmap, row);
     auto* data = static_cast<uint8_t*>(bitmap.Addr);
     if (data == nullptr) return code::InvalidBitmap;
-    CopyToBitmap(data + offset + columnOffset, buffer, bytes, bitmap.Size);
+    const Readers readers = HasFlag(bitmap, flag::UserData) ? Readers::Anyone : Readers::ThisProcess;
+    CopyToBitmap(data + offset + columnOffset, buffer, bytes, bitmap.Size, readers);
     return static_cast<ReturnCode>(bytes);
 }
 

@@ -70,7 +70,7 @@ ReturnCode Write(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row, int32
                          uint8_t* data = ReachTile(table, index);
                          if (data == nullptr)
                              return WriteAt(table[index].File, offset, buffer + place, piece);
-                         CopyToBitmap(data + offset, buffer + place, piece, size);
+                         CopyToBitmap(data + offset, buffer + place, piece, size, Readers::Anyone);
                          return piece;
                      });
 }

@@ -9,6 +9,9 @@
 #include <new>
 #include <pthread.h>
 #include <sched.h>
+#ifdef __GLIBC__
+#include <sys/single_threaded.h>
+#endif
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -74,6 +77,14 @@ bool Known(DWORD index) {
 
 DWORD GetCurrentThreadId() {
     return static_cast<DWORD>(syscall(SYS_gettid));
+}
+
+bool IsOnlyThread() {
+#ifdef __GLIBC__
+    return __libc_single_threaded != 0;
+#else
+    return false;
+#endif
 }
 
 BOOL SwitchToThread() {

@@ -14,6 +14,9 @@ namespace zkr::platform {
 using PFLS_CALLBACK_FUNCTION = void (*)(void* value);
 
 DWORD GetCurrentThreadId();
+// Whether the process has one thread. May be false though it has; true goes on being so until this thread
+// starts another.
+bool IsOnlyThread();
 // Gives way to another thread that is ready to run.
 BOOL SwitchToThread();
 

@@ -15,4 +15,9 @@ using ::FlsGetValue;
 using ::GetCurrentThreadId;
 using ::SwitchToThread;
 
+// Whether the process is known to have one thread, which Windows does not tell.
+inline bool IsOnlyThread() {
+    return false;
+}
+
 } // namespace zkr::platform

@@ -58,5 +58,9 @@ TEST(ThreadValues, AKeyThatGoesWhileThreadsEndReleasesEachValueOnce) {
     }
 }
 
+TEST(IsOnlyThread, IsNotToldBesideAnother) {
+    std::thread([] { EXPECT_FALSE(IsOnlyThread()); }).join();
+}
+
 } // namespace
 } // namespace zkr

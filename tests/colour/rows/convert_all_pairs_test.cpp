@@ -3,6 +3,8 @@
 #include "colour/reference_palettes.h"
 #include "colour/rows/reference_convert.h"
 #include "support/row_harness.h"
+#include "zkr13n/rows.h"
+#include "zkr13n/storage.h"
 
 #include <gtest/gtest.h>
 
@@ -249,6 +251,34 @@ TEST(GrayScaling, IsExactForEveryLevel) {
                     EXPECT_TRUE(actual == expected) << Describe(conversion);
                 }
             }
+}
+
+// While a row of a large bitmap is converted, the row behind it is asked for, here in memory that is gone.
+TEST(LargeBitmaps, MayGoBeforeTheirLastRowIsConverted) {
+    struct Pair {
+        int sourceBits, sourceOrder, targetBits, targetOrder;
+    };
+    for (const Pair& pair :
+         {Pair{24, 1, 32, 1}, Pair{48, 1, 24, 0}, Pair{8, 0, 3, 0}, Pair{12, 2, 24, 1}, Pair{16, 2, 0, 0}}) {
+        constexpr int width = 3001, height = 3000;
+        BitmapHandle bitmap;
+        ASSERT_EQ(Z_CreateBitmap(&bitmap, MemoryConventional, width, height, pair.sourceBits,
+                                 pair.sourceOrder, nullptr, 2, nullptr, 0),
+                  1);
+        Seeded random(static_cast<uint64_t>(pair.sourceBits));
+        std::vector<uint8_t> put(RowBytes(width, 64)), got(put.size());
+        for (uint8_t& byte : put)
+            byte = random.Byte();
+        Z_PutBitmapRow(&bitmap, put.data(), height - 1, bitmap.BytesPerLine);
+        std::copy(put.begin() + bitmap.BytesPerLine, put.end(), got.begin() + bitmap.BytesPerLine);
+        Z_GetBitmapRow(&bitmap, got.data(), height - 1, bitmap.BytesPerLine);
+        Z_FreeBitmap(&bitmap);
+        for (std::vector<uint8_t>* row : {&put, &got})
+            EXPECT_EQ(Z_ConvertBuffer(row->data(), width, pair.sourceBits, pair.targetBits, pair.sourceOrder,
+                                      pair.targetOrder, nullptr, nullptr),
+                      1);
+        EXPECT_TRUE(put == got) << pair.sourceBits << " to " << pair.targetBits;
+    }
 }
 
 TEST(MirrorLine, TurnsPixelsRound) {
