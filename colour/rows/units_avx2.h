@@ -129,8 +129,9 @@ template <class Step> class Requests {
     }
 
   private:
-    static constexpr size_t narrower = std::min(Step::sourceBits, Step::targetBits);
-    static constexpr size_t bytes = std::min<size_t>(64, UnitPixels * narrower / 8); // at most a cache line
+    static constexpr size_t cacheLine = 64;
+    static constexpr size_t narrower = std::min(Step::sourceBits, Step::targetBits) * UnitPixels / 8;
+    static constexpr size_t bytes = std::min(cacheLine, narrower);
     uintptr_t place_;
 };
 
