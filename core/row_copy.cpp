@@ -14,15 +14,16 @@ namespace {
 
 constexpr size_t Line = 64;
 
-void StreamLine(uint8_t* to, const uint8_t* from) {
+// Loads one line whole, and stores it by store(place, 16 bytes).
+template <typename Store> void CopyLine(uint8_t* to, const uint8_t* from, Store store) {
     const auto* source = reinterpret_cast<const __m128i*>(from);
     auto* target = reinterpret_cast<__m128i*>(to);
     const __m128i first = _mm_loadu_si128(source), second = _mm_loadu_si128(source + 1);
     const __m128i third = _mm_loadu_si128(source + 2), fourth = _mm_loadu_si128(source + 3);
-    _mm_stream_si128(target, first);
-    _mm_stream_si128(target + 1, second);
-    _mm_stream_si128(target + 2, third);
-    _mm_stream_si128(target + 3, fourth);
+    store(target, first);
+    store(target + 1, second);
+    store(target + 2, third);
+    store(target + 3, fourth);
 }
 
 } // namespace
@@ -36,12 +37,19 @@ void StreamPart(uint8_t* to, const uint8_t* from, size_t bytes) {
     std::memcpy(to, from, head);
     size_t done = head;
     for (; bytes - done >= Line; done += Line)
-        StreamLine(to + done, from + done);
+        CopyLine(to + done, from + done, _mm_stream_si128);
     std::memcpy(to + done, from + done, bytes - done);
 }
 
 void EndStream() {
     _mm_sfence();
+}
+
+void CopyInLines(uint8_t* to, const uint8_t* from, size_t bytes) {
+    size_t done = 0;
+    for (; bytes - done >= Line; done += Line)
+        CopyLine(to + done, from + done, _mm_storeu_si128);
+    std::memcpy(to + done, from + done, bytes - done);
 }
 
 #else
@@ -51,6 +59,10 @@ void StreamPart(uint8_t* to, const uint8_t* from, size_t bytes) {
 }
 
 void EndStream() {}
+
+void CopyInLines(uint8_t* to, const uint8_t* from, size_t bytes) {
+    std::memcpy(to, from, bytes);
+}
 
 #endif
 

@@ -21,8 +21,22 @@ inline constexpr size_t SmallestOpenStreamedRow = 512; // where the stream need 
 void StreamPart(uint8_t* to, const uint8_t* from, size_t bytes);
 void EndStream();
 
+// From this many bytes on memcpy may be a string move of the processor. On some these take up to thirty times
+// as long where the target stands 1 to 31 bytes behind the source within their pages, as a buffer from
+// the heap does whose block has pages of its own. A plain loop then does it.
+inline constexpr size_t SmallestStringMove = 2048;
+void CopyInLines(uint8_t* to, const uint8_t* from, size_t bytes);
+
+inline void CopyBytes(uint8_t* to, const uint8_t* from, size_t bytes) {
+    const uintptr_t behind = (reinterpret_cast<uintptr_t>(to) - reinterpret_cast<uintptr_t>(from)) % 4096;
+    if (bytes >= SmallestStringMove && behind - 1 < 31) [[unlikely]]
+        CopyInLines(to, from, bytes);
+    else
+        std::memcpy(to, from, bytes);
+}
+
 inline void CopyFromBitmap(uint8_t* buffer, const uint8_t* data, size_t bytes) {
-    std::memcpy(buffer, data, bytes);
+    CopyBytes(buffer, data, bytes);
 }
 
 // Who may look at the memory. Where it is this process alone and that has one thread, streams are left open:
@@ -33,11 +47,11 @@ enum class Readers : uint8_t { ThisProcess, Anyone };
 inline void CopyToBitmap(uint8_t* data, const uint8_t* buffer, size_t bytes, size_t bitmapBytes,
                          Readers readers) {
     if (bytes < SmallestOpenStreamedRow || bitmapBytes < SmallestStreamedBitmap) {
-        std::memcpy(data, buffer, bytes);
+        CopyBytes(data, buffer, bytes);
     } else if (readers == Readers::ThisProcess && platform::IsOnlyThread()) {
         StreamPart(data, buffer, bytes);
     } else if (bytes < SmallestStreamedRow) {
-        std::memcpy(data, buffer, bytes);
+        CopyBytes(data, buffer, bytes);
     } else {
         StreamPart(data, buffer, bytes);
         EndStream();

@@ -59,6 +59,36 @@ TEST(LargeRows, AreWrittenExactly) {
     }
 }
 
+// A buffer that stands a little behind the row within their pages is filled and written out by a loop.
+TEST(LargeRows, MoveBetweenAllPlacesOfPages) {
+    std::mt19937 random(29);
+    constexpr size_t page = 4096;
+    Bitmap bitmap(8192, 3, 8);
+    ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryConventional), 1);
+    const Bytes source = RandomBytes(2 * page, random);
+    Bytes block(5 * page);
+    for (size_t behind = 0; behind <= 33; ++behind) {
+        const auto count = static_cast<uint32_t>(2048 + random() % 6000);
+        const auto row = reinterpret_cast<uintptr_t>(bitmap.Addr) + bitmap.BytesPerLine;
+        const size_t place = page + (row + behind - reinterpret_cast<uintptr_t>(block.data())) % page;
+        Z_PutBitmapRow(&bitmap, source.data(), 1, bitmap.BytesPerLine);
+        block.assign(block.size(), 0x5A);
+        ASSERT_EQ(Z_GetBitmapRow(&bitmap, block.data() + place, 1, count), static_cast<int32_t>(count));
+        Bytes expected(block.size(), 0x5A);
+        std::copy_n(source.begin(), count, expected.begin() + static_cast<ptrdiff_t>(place));
+        ASSERT_EQ(block, expected) << behind << " behind, " << count << " bytes";
+
+        const size_t before = place - 2 * behind; // the row stands behind the buffer
+        std::copy_n(source.rbegin(), count, block.begin() + static_cast<ptrdiff_t>(before));
+        Bytes written(source);
+        std::copy_n(source.rbegin(), count, written.begin());
+        ASSERT_EQ(Z_PutBitmapRow(&bitmap, block.data() + before, 1, count), static_cast<int32_t>(count));
+        Bytes got(bitmap.BytesPerLine);
+        Z_GetBitmapRow(&bitmap, got.data(), 1, bitmap.BytesPerLine);
+        ASSERT_EQ(got, written) << behind << " before, " << count << " bytes";
+    }
+}
+
 TEST(TiledRows, CountWhatWasAskedForBehindTheLastRow) {
     const Thresholds restore;
     Thresholds::Tiles(24, -100, 1);
