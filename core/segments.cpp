@@ -160,7 +160,7 @@ ReturnCode StreamSegments(BitmapHandle& bitmap, const uint8_t* buffer, int32_t r
         if (large && bytes >= SmallestStreamedRow)
             StreamPart(to, from, bytes);
         else
-            std::memcpy(to, from, bytes);
+            CopyBytes(to, from, bytes);
     };
     return PutSegments(bitmap, buffer, row, 0, segments, false, copy);
 }
@@ -173,5 +173,5 @@ ReturnCode Z_CALL Z_PutBitmapRowSegments(BitmapHandle* bitmap, const void* buffe
                                          int32_t columnOffset, const uint32_t* segments,
                                          uint32_t segmentEntries, int32_t keepTopBits) {
     return PutSegments(*bitmap, static_cast<const uint8_t*>(buffer), row, columnOffset,
-                       {segments, segmentEntries}, keepTopBits != 0, std::memcpy);
+                       {segments, segmentEntries}, keepTopBits != 0, CopyBytes);
 }

@@ -2,6 +2,7 @@
 // own. One strip at a time lies in a buffer of plain rows, where it is read and written; it is compressed
 // again when another strip takes its place. Rows reach callers through that buffer alone.
 #include "core/return_codes.h"
+#include "core/row_copy.h"
 #include "core/sizes.h"
 #include "core/storage/filter_modules.h"
 #include "core/storage/mapping.h"
@@ -143,14 +144,14 @@ ReturnCode WalkStrips(BitmapHandle& bitmap, int32_t row, int32_t column, uint32_
 ReturnCode Read(BitmapHandle& bitmap, uint8_t* buffer, int32_t row, int32_t column, uint32_t bytes) {
     return WalkStrips(bitmap, row, column, bytes,
                       [buffer](SuperBlock&, const uint8_t* data, uint32_t place, uint32_t piece) {
-                          std::memcpy(buffer + place, data, piece);
+                          CopyBytes(buffer + place, data, piece);
                       });
 }
 
 ReturnCode Write(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row, int32_t column, uint32_t bytes) {
     return WalkStrips(bitmap, row, column, bytes,
                       [buffer](SuperBlock& block, uint8_t* data, uint32_t place, uint32_t piece) {
-                          std::memcpy(data, buffer + place, piece);
+                          CopyBytes(data, buffer + place, piece);
                           block.Dirty = 1;
                       });
 }
