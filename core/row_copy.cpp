@@ -14,16 +14,24 @@ namespace {
 
 constexpr size_t Line = 64;
 
-// Loads one line whole, and stores it by store(place, 16 bytes).
-template <typename Store> void CopyLine(uint8_t* to, const uint8_t* from, Store store) {
+enum class Past : bool { Nothing, Cache };
+
+template <Past past> void Store(__m128i* place, __m128i value) {
+    if constexpr (past == Past::Cache)
+        _mm_stream_si128(place, value);
+    else
+        _mm_storeu_si128(place, value);
+}
+
+template <Past past> void CopyLine(uint8_t* to, const uint8_t* from) {
     const auto* source = reinterpret_cast<const __m128i*>(from);
     auto* target = reinterpret_cast<__m128i*>(to);
     const __m128i first = _mm_loadu_si128(source), second = _mm_loadu_si128(source + 1);
     const __m128i third = _mm_loadu_si128(source + 2), fourth = _mm_loadu_si128(source + 3);
-    store(target, first);
-    store(target + 1, second);
-    store(target + 2, third);
-    store(target + 3, fourth);
+    Store<past>(target, first);
+    Store<past>(target + 1, second);
+    Store<past>(target + 2, third);
+    Store<past>(target + 3, fourth);
 }
 
 } // namespace
@@ -37,7 +45,7 @@ void StreamPart(uint8_t* to, const uint8_t* from, size_t bytes) {
     std::memcpy(to, from, head);
     size_t done = head;
     for (; bytes - done >= Line; done += Line)
-        CopyLine(to + done, from + done, _mm_stream_si128);
+        CopyLine<Past::Cache>(to + done, from + done);
     std::memcpy(to + done, from + done, bytes - done);
 }
 
@@ -48,7 +56,7 @@ void EndStream() {
 void CopyInLines(uint8_t* to, const uint8_t* from, size_t bytes) {
     size_t done = 0;
     for (; bytes - done >= Line; done += Line)
-        CopyLine(to + done, from + done, _mm_storeu_si128);
+        CopyLine<Past::Nothing>(to + done, from + done);
     std::memcpy(to + done, from + done, bytes - done);
 }
 
