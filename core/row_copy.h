@@ -46,16 +46,12 @@ enum class Readers : uint8_t { ThisProcess, Anyone };
 
 inline void CopyToBitmap(uint8_t* data, const uint8_t* buffer, size_t bytes, size_t bitmapBytes,
                          Readers readers) {
-    if (bytes < SmallestOpenStreamedRow || bitmapBytes < SmallestStreamedBitmap) {
-        CopyBytes(data, buffer, bytes);
-    } else if (readers == Readers::ThisProcess && platform::IsOnlyThread()) {
-        StreamPart(data, buffer, bytes);
-    } else if (bytes < SmallestStreamedRow) {
-        CopyBytes(data, buffer, bytes);
-    } else {
-        StreamPart(data, buffer, bytes);
-        EndStream();
-    }
+    if (bitmapBytes < SmallestStreamedBitmap) return CopyBytes(data, buffer, bytes);
+    const bool staysOpen = readers == Readers::ThisProcess && platform::IsOnlyThread();
+    if (bytes < (staysOpen ? SmallestOpenStreamedRow : SmallestStreamedRow))
+        return CopyBytes(data, buffer, bytes);
+    StreamPart(data, buffer, bytes);
+    if (!staysOpen) EndStream();
 }
 
 } // namespace zkr
