@@ -1,6 +1,7 @@
 #include "colour/viewed_rows.h"
 
 #include "core/row_access.h"
+#include "core/views.h"
 #include "zkr13n/convert.h"
 
 #include <algorithm>
@@ -8,26 +9,11 @@
 
 namespace zkr {
 
-bool DecodeView(int32_t viewPerspective, View& view) {
-    static constexpr View views[] = {{false, false, false},
-                                     {false, true, false},
-                                     {false, false, true},
-                                     {false, true, true},
-                                     {true, true, false},
-                                     {true, false, false},
-                                     {},
-                                     {true, true, true},
-                                     {true, false, true}};
-    if (viewPerspective < 0 || viewPerspective > 8 || viewPerspective == 6) return false;
-    view = views[viewPerspective];
-    return true;
-}
-
 ViewedRows::ViewedRows(BitmapHandle& bitmap, int32_t viewPerspective) : bitmap_(bitmap) {
     if (bitmap.ViewPerspective == viewPerspective) return;
-    View own, wanted;
-    isValid_ = DecodeView(bitmap.ViewPerspective, own) && DecodeView(viewPerspective, wanted);
+    isValid_ = IsView(bitmap.ViewPerspective) && IsView(viewPerspective);
     if (!isValid_) return;
+    const ViewParts own = PartsOf(bitmap.ViewPerspective), wanted = PartsOf(viewPerspective);
     isTurned_ = own.IsTurned != wanted.IsTurned;
     const bool againstX = own.ReversesX != wanted.ReversesX, againstY = own.ReversesY != wanted.ReversesY;
     reversesColumns_ = own.IsTurned ? againstY : againstX;

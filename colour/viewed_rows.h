@@ -10,17 +10,6 @@
 
 namespace zkr {
 
-// How storage lies on the picture: whether a storage row is a column of it, and along which of the picture's
-// axes storage runs backwards.
-struct View {
-    bool IsTurned;
-    bool ReversesX;
-    bool ReversesY;
-};
-
-// False for a value that is none.
-bool DecodeView(int32_t viewPerspective, View& view);
-
 class ViewedRows {
   public:
     // A bitmap whose pixels are whole bytes, and the view wanted. Equal values need not be views.

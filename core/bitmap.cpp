@@ -8,6 +8,7 @@
 #include "core/sizes.h"
 #include "core/storage/storage_class.h"
 #include "core/thread_settings.h"
+#include "core/views.h"
 #include "platform/graphics.h"
 #include "zkr13n/allocation.h"
 #include "zkr13n/gray.h"
@@ -22,7 +23,6 @@ namespace zkr {
 namespace {
 
 constexpr int32_t StandardResolution = 150;
-constexpr int32_t StandardViewPerspective = 2;
 constexpr int32_t NoGammaChange = 100;
 
 int32_t ResolutionFrom(int32_t setting) {
@@ -99,7 +99,7 @@ ReturnCode Z_CALL Z_InitBitmap(BitmapHandle* bitmap, int32_t width, int32_t heig
     bitmap->XResolution = ResolutionFrom(settings.DefaultXResolution);
     bitmap->YResolution = ResolutionFrom(settings.DefaultYResolution);
 
-    bitmap->ViewPerspective = StandardViewPerspective;
+    bitmap->ViewPerspective = view::BottomLeft;
     bitmap->ColorsUsed = bitsPerPixel <= MostIndexedBits ? 1u << bitsPerPixel : 0;
     bitmap->Order = NaturalOrder(bitsPerPixel);
     bitmap->HighBit = bitsPerPixel - 1;

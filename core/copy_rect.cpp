@@ -7,6 +7,7 @@
 #include "core/exact_rows.h"
 #include "core/flags.h"
 #include "core/progress.h"
+#include "core/rectangle.h"
 #include "core/return_codes.h"
 #include "core/scratch.h"
 #include "core/sizes.h"
@@ -20,35 +21,23 @@ namespace zkr {
 
 namespace {
 
-// Columns or rows that the source has, and where they go.
-struct Span {
-    // Of a stretch that may hang over either end of the source.
-    Span(int32_t start, int32_t length, int32_t size)
-        : From(std::max(start, 0)),
-          Count(std::max<int64_t>(std::min<int64_t>(int64_t{start} + length, size) - From, 0)),
-          To(int64_t{From} - start) {}
-
-    int32_t From;  // in the source
-    int64_t Count; // none: nothing of the stretch lies inside
-    int64_t To;    // in the target
-};
-
-struct Rectangle {
+// Of the source; it may hang over its edges.
+struct Place {
     int32_t Left, Top, Width, Height;
 };
 
-ReturnCode MoveRegion(BitmapHandle& target, BitmapHandle& source, const Rectangle& rectangle) {
+ReturnCode MoveRegion(BitmapHandle& target, BitmapHandle& source, const Place& place) {
     if (dispatch.CopyBitmapRegion == nullptr) return code::Success;
     ReleaseRegion(target);
     const auto negative = [](int32_t offset) {
         return static_cast<int32_t>(0u - static_cast<uint32_t>(offset));
     };
-    return CopyRegion(target, source, negative(rectangle.Left), negative(rectangle.Top));
+    return CopyRegion(target, source, negative(place.Left), negative(place.Top));
 }
 
 // The source's pixels are taken from the last column before them that begins with a byte, whatever the depth.
 struct SourcePixels {
-    SourcePixels(const BitmapHandle& bitmap, const Span& columns)
+    SourcePixels(const BitmapHandle& bitmap, const Cut& columns)
         : First(static_cast<uint32_t>(columns.From) % 8), Column(columns.From - static_cast<int32_t>(First)),
           Bytes(static_cast<uint32_t>((First + columns.Count) * bitmap.BitsPerPixel + 7) / 8) {}
 
@@ -66,16 +55,17 @@ struct SourcePixels {
 };
 
 // Rows that cannot be moved are not reported. The steps are those of the whole height asked for.
-ReturnCode CopyRows(BitmapHandle& target, BitmapHandle& source, const Span& columns, const Span& rows,
+ReturnCode CopyRows(BitmapHandle& target, BitmapHandle& source, const Cut& columns, const Cut& rows,
                     int32_t height, const SourcePixels& pixels, uint8_t* buffer) {
     const BitmapLock sourceLock(&source), targetLock(&target);
     const uint32_t segment[] = {pixels.First, pixels.First + static_cast<uint32_t>(columns.Count)};
-    const auto offset = static_cast<int32_t>(columns.To - pixels.First);
+    const auto offset = static_cast<int32_t>(columns.Offset - pixels.First);
     Progress progress(StatusReceiver::Copy(), height);
     ReturnCode status = progress.Begin();
     for (int32_t row = 0; row < rows.Count && status == code::Success; ++row) {
         if (const uint8_t* data = pixels.Fetch(source, rows.From + row, buffer))
-            Z_PutBitmapRowSegments(&target, data, static_cast<int32_t>(rows.To) + row, offset, segment, 2, 0);
+            Z_PutBitmapRowSegments(&target, data, static_cast<int32_t>(rows.Offset) + row, offset, segment, 2,
+                                   0);
         status = progress.Step();
     }
     return status;
@@ -84,15 +74,14 @@ ReturnCode CopyRows(BitmapHandle& target, BitmapHandle& source, const Span& colu
 enum class Replaces { Nothing, TheSource };
 
 // On failure, and when nothing replaces the source, a target of the library's own is freed.
-ReturnCode CopyInto(BitmapHandle& target, BitmapHandle& source, const Rectangle& rectangle,
-                    Replaces replaces) {
-    ReturnCode status = MoveRegion(target, source, rectangle);
+ReturnCode CopyInto(BitmapHandle& target, BitmapHandle& source, const Place& place, Replaces replaces) {
+    ReturnCode status = MoveRegion(target, source, place);
     if (status != code::Success) {
         Z_FreeBitmap(&target);
         return status;
     }
-    const Span columns(rectangle.Left, rectangle.Width, source.Width);
-    const Span rows(rectangle.Top, rectangle.Height, source.Height);
+    const Cut columns(place.Left, place.Width, source.Width);
+    const Cut rows(place.Top, place.Height, source.Height);
     if (columns.Count == 0 || rows.Count == 0) {
         if (replaces == Replaces::TheSource) Z_FreeBitmap(&target);
         return code::Success;
@@ -103,7 +92,7 @@ ReturnCode CopyInto(BitmapHandle& target, BitmapHandle& source, const Rectangle&
         Z_FreeBitmap(&target);
         return code::OutOfMemory;
     }
-    status = CopyRows(target, source, columns, rows, rectangle.Height, pixels, buffer.data());
+    status = CopyRows(target, source, columns, rows, place.Height, pixels, buffer.data());
     if (replaces == Replaces::TheSource) {
         Z_FreeBitmap(&source);
         Z_CopyBitmapHandle(&source, &target);
@@ -111,15 +100,15 @@ ReturnCode CopyInto(BitmapHandle& target, BitmapHandle& source, const Rectangle&
     return status;
 }
 
-ReturnCode CopyRectangle(BitmapHandle* destination, BitmapHandle* source, const Rectangle& rectangle,
+ReturnCode CopyRectangle(BitmapHandle* destination, BitmapHandle* source, const Place& place,
                          std::optional<int32_t> memoryType) {
     if (!IsAllocated(source)) return code::InvalidArgument;
     const bool replaces = destination == nullptr || destination == source;
     BitmapHandle temporary;
     BitmapHandle& target = replaces ? temporary : *destination;
-    const ReturnCode made = MakeEmptyCopy(target, *source, rectangle.Width, rectangle.Height, memoryType);
+    const ReturnCode made = MakeEmptyCopy(target, *source, place.Width, place.Height, memoryType);
     if (made != code::Success) return made;
-    return CopyInto(target, *source, rectangle, replaces ? Replaces::TheSource : Replaces::Nothing);
+    return CopyInto(target, *source, place, replaces ? Replaces::TheSource : Replaces::Nothing);
 }
 
 } // namespace
@@ -141,7 +130,7 @@ ReturnCode Z_CALL Z_CopyBitmapRect2(BitmapHandle* destination, BitmapHandle* sou
 ReturnCode Z_CALL Z_TrimBitmap(BitmapHandle* bitmap, int32_t left, int32_t top, int32_t width,
                                int32_t height) {
     if (!IsAllocated(bitmap)) return code::InvalidArgument;
-    const Span columns(left, width, bitmap->Width), rows(top, height, bitmap->Height);
+    const Cut columns(left, width, bitmap->Width), rows(top, height, bitmap->Height);
     return Z_CopyBitmapRect(nullptr, bitmap, columns.From, rows.From, static_cast<int32_t>(columns.Count),
                             static_cast<int32_t>(rows.Count));
 }

@@ -25,7 +25,7 @@ typedef struct BitmapHandle {
     uint32_t Flags;          /* Z_FLAG_... */
     uint32_t ColorsUsed;     /* palette entries up to 8 bits per pixel, else 0 */
     void* Palette;           /* HPALETTE, or with Z_FLAG_PALETTE_IS_BLOCK a block of RGBQUADs; 0 for none */
-    int32_t ViewPerspective; /* where row 0 and column 0 lie on the picture: 0 to 5, 7, 8 */
+    int32_t ViewPerspective; /* where row 0 and column 0 lie on the picture: VIEW_... */
     int32_t Order;           /* Z_ORDER_... */
     size_t Size;             /* bytes of data */
     void* DitherData;        /* state of a dithering run */
@@ -80,6 +80,21 @@ enum {
     Z_ORDER_RGB = 0, /* red in the low position */
     Z_ORDER_BGR = 1, /* blue in the low position */
     Z_ORDER_GRAY = 2 /* gray */
+};
+
+/*
+ * Values of BitmapHandle.ViewPerspective: the corner of the picture where the first pixel of storage lies. Where left
+ * or right is named first, the rows of storage are columns of the picture. There is no 6.
+ */
+enum {
+    VIEW_TOP_LEFT = 0,
+    VIEW_TOP_RIGHT = 1,
+    VIEW_BOTTOM_LEFT = 2, /* of a new bitmap */
+    VIEW_BOTTOM_RIGHT = 3,
+    VIEW_RIGHT_TOP = 4,
+    VIEW_LEFT_TOP = 5,
+    VIEW_RIGHT_BOTTOM = 7,
+    VIEW_LEFT_BOTTOM = 8
 };
 
 /* Bits of the flags argument of Z_DupBitmapNewDim and Z_FreeDuplicateBitmap. */
