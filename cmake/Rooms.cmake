@@ -14,16 +14,24 @@ if(ZKR_TESTS)
   target_compile_definitions(zkr13n_faulty_rooms PRIVATE ZKR_FAULT_INJECTION=1)
 endif()
 
-# Instruction sets: a name and its compiler options. Each set's kernels live in a namespace of that name.
-set(ZKR_INSTRUCTION_SETS baseline)
-set(ZKR_OPTIONS_baseline "")
-if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64|i[3-6]86")
-  list(APPEND ZKR_INSTRUCTION_SETS avx2)
-  set(ZKR_OPTIONS_avx2 -mavx2 -mbmi -mbmi2 -mlzcnt -mpopcnt)
-  if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 8)
-    # The stack of 64-bit Windows is aligned to 16 bytes, and GCC takes spilled vectors of 32 for aligned.
-    list(APPEND ZKR_OPTIONS_avx2 -Wa,-muse-unaligned-vector-move)
+# Instruction sets, and for each the compiler's options: the features that kernels/instruction_sets.inc lists, which
+# are those of x86 processors.
+set(ZKR_INSTRUCTION_SETS)
+set(list ${CMAKE_SOURCE_DIR}/kernels/instruction_sets.inc)
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
+file(STRINGS ${list} lines REGEX "^ZKR_INSTRUCTION_SET")
+foreach(line IN LISTS lines)
+  string(REGEX REPLACE "^[^(]*\\(([A-Za-z0-9]+),.*" "\\1" set "${line}")
+  string(REGEX MATCHALL "HAS\\([a-z0-9.]+" features "${line}")
+  list(TRANSFORM features REPLACE "HAS\\(" "-m")
+  if(NOT features OR CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64|i[3-6]86")
+    list(APPEND ZKR_INSTRUCTION_SETS ${set})
+    set(ZKR_OPTIONS_${set} ${features})
   endif()
+endforeach()
+if(WIN32 AND CMAKE_SIZEOF_VOID_P EQUAL 8)
+  # The stack of 64-bit Windows is aligned to 16 bytes, and GCC takes spilled vectors of 32 for aligned.
+  list(APPEND ZKR_OPTIONS_Avx2 -Wa,-muse-unaligned-vector-move)
 endif()
 
 function(zkr_sources)

@@ -4,8 +4,8 @@
 #include "colour/gray_window.h"
 #include "colour/kept_palette_map.h"
 #include "colour/palette_search.h"
-#include "colour/rows/kernel_set.h"
 #include "core/sizes.h"
+#include "kernels/family.h"
 #include "zkr13n/bitmap.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
@@ -16,12 +16,12 @@
 
 namespace zkr {
 
-using rows::GrayScale;
-using rows::MakeGrayScale;
-using rows::RowParameters;
-using rows::Source;
-using rows::StretchGray;
-using rows::Target;
+using kernels::GrayScale;
+using kernels::MakeGrayScale;
+using kernels::RowParameters;
+using kernels::Source;
+using kernels::StretchGray;
+using kernels::Target;
 
 namespace {
 
@@ -158,7 +158,7 @@ bool CheckConversion(ConvertRequest& request) {
 }
 
 ConvertPlan::ConvertPlan(const ConvertRequest& request)
-    : request_(request), kernels_(rows::Kernels().Convert) {
+    : request_(request), kernels_(kernels::Chosen<kernels::ConvertKernels>()) {
     std::construct_at(&stages_[0]);
     if (request.SourceBits <= 8) {
         PlanIndices();
@@ -169,12 +169,12 @@ ConvertPlan::ConvertPlan(const ConvertRequest& request)
     }
 }
 
-void ConvertPlan::Add(rows::RowKernel kernel) {
+void ConvertPlan::Add(kernels::RowKernel kernel) {
     stages_[stageCount_++].Kernel = kernel;
     std::construct_at(&stages_[stageCount_]);
 }
 
-void ConvertPlan::Add(rows::RowKernel kernel, const void* table) {
+void ConvertPlan::Add(kernels::RowKernel kernel, const void* table) {
     Next().Table = table;
     Add(kernel);
 }
@@ -227,7 +227,7 @@ void ConvertPlan::PlanIndices() {
     const RGBQUAD* palette =
         request_.SourcePalette != nullptr ? request_.SourcePalette : Z_IntGetFixedPalette(bits);
     const bool single = bits == 1 && (request_.TargetBits == 24 || request_.TargetBits == 32);
-    if (bits >= 1 && bits <= 7 && !single) Add(kernels_.Unpack[bits], rows::IdentityMap.data());
+    if (bits >= 1 && bits <= 7 && !single) Add(kernels_.Unpack[bits], kernels::IdentityMap.data());
     RowParameters& parameters = Next();
     parameters.Table = palette;
     parameters.Mask = (1u << PixelBits(bits)) - 1;
@@ -249,7 +249,7 @@ void ConvertPlan::PlanIndexMap() {
     const PaletteMap& map =
         PaletteMapFor(source, entries, target, 1 << PixelBits(request_.TargetBits), spareMap_);
     if (bits >= 1 && bits <= 7) {
-        Add(kernels_.Unpack[bits], map.IsIdentity ? rows::IdentityMap.data() : map.Index);
+        Add(kernels_.Unpack[bits], map.IsIdentity ? kernels::IdentityMap.data() : map.Index);
     } else if (!map.IsIdentity) {
         Add(kernels_.MapBytes, map.Index);
     }

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "colour/kept_palette_map.h"
-#include "colour/rows/row_kernel.h"
+#include "colour/kernels/row_kernel.h"
 #include "zkr13n/convert.h"
 
 namespace zkr {
@@ -32,8 +32,8 @@ inline int32_t PixelBits(int32_t depth) {
 bool CheckConversion(ConvertRequest& request);
 
 struct ConvertStage {
-    rows::RowKernel Kernel;
-    rows::RowParameters Parameters;
+    kernels::RowKernel Kernel;
+    kernels::RowParameters Parameters;
 };
 
 struct GrayWindow;
@@ -67,11 +67,11 @@ class ConvertPlan {
 
     // The parameters of the stage that is added next, which are filled where they stand: a copy would wait
     // for each field to reach memory.
-    rows::RowParameters& Next() { return stages_[stageCount_].Parameters; }
-    void Add(rows::RowKernel kernel);
-    void Add(rows::RowKernel kernel, const void* table);
-    void Add(rows::Source source, rows::Target target);
-    void AddTarget(rows::Source source);
+    kernels::RowParameters& Next() { return stages_[stageCount_].Parameters; }
+    void Add(kernels::RowKernel kernel);
+    void Add(kernels::RowKernel kernel, const void* table);
+    void Add(kernels::Source source, kernels::Target target);
+    void AddTarget(kernels::Source source);
     void AddMatch();
     void AddPack();
     bool TargetIsIndexed() const { return request_.TargetBits >= 1 && request_.TargetBits <= 8; }
@@ -79,7 +79,7 @@ class ConvertPlan {
     const RGBQUAD* TargetPalette() const;
 
     const ConvertRequest& request_;
-    const rows::ConvertKernels& kernels_;
+    const kernels::ConvertKernels& kernels_;
     int32_t stageCount_ = 0;
     // Begun one after the other, with one that stands ready behind the last: clearing all takes longer than
     // making most plans.

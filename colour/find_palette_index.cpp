@@ -1,8 +1,8 @@
 // The nearest entry of a palette and the match table that is filled from it.
 #include "zkr13n/palettes.h"
 
-#include "colour/rows/kernel_set.h"
-#include "colour/rows/palette_match.h"
+#include "colour/kernels/palette_match.h"
+#include "kernels/family.h"
 #include "zkr13n/allocation.h"
 
 #include "core/return_codes.h"
@@ -17,9 +17,9 @@ constexpr int32_t ChannelStep = 8;
 
 void FillCube(uint32_t* table, const RGBQUAD* palette, int32_t entries, int32_t red, int32_t green,
               int32_t blue) {
-    using namespace rows;
+    using namespace kernels;
     uint8_t winners[CubeColours];
-    Kernels().Match.FindForCube(
+    Chosen<MatchKernels>().FindForCube(
         palette, entries, {red * ChannelStep, green * ChannelStep, blue * ChannelStep, ChannelStep}, winners);
     const uint8_t* winner = winners;
     for (int32_t r = red; r < red + CubeSide; ++r) {
@@ -31,9 +31,9 @@ void FillCube(uint32_t* table, const RGBQUAD* palette, int32_t entries, int32_t 
 }
 
 void FillByCubes(uint32_t* table, const RGBQUAD* palette, int32_t entries) {
-    for (int32_t red = 0; red < 32; red += rows::CubeSide) {
-        for (int32_t green = 0; green < 32; green += rows::CubeSide) {
-            for (int32_t blue = 0; blue < 32; blue += rows::CubeSide) {
+    for (int32_t red = 0; red < 32; red += kernels::CubeSide) {
+        for (int32_t green = 0; green < 32; green += kernels::CubeSide) {
+            for (int32_t blue = 0; blue < 32; blue += kernels::CubeSide) {
                 FillCube(table, palette, entries, red, green, blue);
             }
         }
@@ -59,7 +59,8 @@ using namespace zkr;
 int32_t Z_CALL Z_FindPaletteIndex(const RGBQUAD* palette, int32_t entries, int32_t red, int32_t green,
                                   int32_t blue) {
     if (palette == nullptr) return -1;
-    return rows::Kernels().Match.Find(palette, entries, red & 255, green & 255, blue & 255);
+    return kernels::Chosen<kernels::MatchKernels>().Find(palette, entries, red & 255, green & 255,
+                                                         blue & 255);
 }
 
 uint32_t* Z_CALL Z_CreateUserMatchTable(const RGBQUAD* palette, int32_t entries) {

@@ -15,7 +15,7 @@ namespace {
 
 // A cube is made when more single searches than these have been asked for in it: they cost less than making
 // it, so that little is lost on colours that never come again.
-constexpr uint16_t UnknownCube = rows::LastKnownCube + 1;
+constexpr uint16_t UnknownCube = kernels::LastKnownCube + 1;
 constexpr uint16_t SearchesBeforeMaking = 2;
 
 constexpr int32_t FirstRoom = 512; // cubes, 256 KB
@@ -26,8 +26,8 @@ PaletteSearch::~PaletteSearch() {
     Z_Free(winners_);
 }
 
-void PaletteSearch::Prepare(const RGBQUAD* palette, int32_t entries, const rows::RowKernels& kernels) {
-    kernels_ = &kernels.Match;
+void PaletteSearch::Prepare(const RGBQUAD* palette, int32_t entries, const kernels::MatchKernels& kernels) {
+    kernels_ = &kernels;
     entries_ = entries;
     std::memcpy(palette_, palette, static_cast<size_t>(entries) * sizeof(RGBQUAD));
     cubes_ = 0;
@@ -41,7 +41,7 @@ bool PaletteSearch::IsFor(const RGBQUAD* palette, int32_t entries) const {
 
 bool PaletteSearch::MakeRoom() {
     const int32_t room = std::max(FirstRoom, room_ * 2);
-    void* winners = Z_Realloc(winners_, static_cast<size_t>(room) * rows::CubeColours);
+    void* winners = Z_Realloc(winners_, static_cast<size_t>(room) * kernels::CubeColours);
     if (winners == nullptr) return false;
     winners_ = static_cast<uint8_t*>(winners);
     room_ = room;
@@ -50,10 +50,11 @@ bool PaletteSearch::MakeRoom() {
 
 bool PaletteSearch::MakeCube(int32_t cube) {
     if (cubes_ == room_ && !MakeRoom()) return false;
-    const rows::CubeCorner corner = {(cube >> 10) * rows::CubeSide, (cube >> 5 & 31) * rows::CubeSide,
-                                     (cube & 31) * rows::CubeSide, 1};
+    const kernels::CubeCorner corner = {(cube >> 10) * kernels::CubeSide,
+                                        (cube >> 5 & 31) * kernels::CubeSide, (cube & 31) * kernels::CubeSide,
+                                        1};
     kernels_->FindForCube(palette_, entries_, corner,
-                          winners_ + static_cast<size_t>(cubes_) * rows::CubeColours);
+                          winners_ + static_cast<size_t>(cubes_) * kernels::CubeColours);
     blocks_[cube] = static_cast<uint16_t>(cubes_++);
     return true;
 }
@@ -61,7 +62,7 @@ bool PaletteSearch::MakeCube(int32_t cube) {
 int32_t PaletteSearch::Match(int32_t red, int32_t green, int32_t blue) {
     const int32_t cube = red >> 3 << 10 | green >> 3 << 5 | blue >> 3;
     uint16_t& block = blocks_[cube];
-    if (block > rows::LastKnownCube) {
+    if (block > kernels::LastKnownCube) {
         if (block < UnknownCube + SearchesBeforeMaking) {
             ++block;
             return kernels_->Find(palette_, entries_, red, green, blue);
@@ -71,7 +72,7 @@ int32_t PaletteSearch::Match(int32_t red, int32_t green, int32_t blue) {
             return kernels_->Find(palette_, entries_, red, green, blue);
         }
     }
-    return winners_[static_cast<size_t>(block) * rows::CubeColours +
+    return winners_[static_cast<size_t>(block) * kernels::CubeColours +
                     static_cast<size_t>((red & 7) << 6 | (green & 7) << 3 | (blue & 7))];
 }
 

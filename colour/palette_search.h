@@ -8,8 +8,8 @@
 // Exact: the same indices as Z_FindPaletteIndex. One object serves one thread.
 #pragma once
 
-#include "colour/rows/kernel_set.h"
-#include "colour/rows/palette_match.h"
+#include "colour/kernels/palette_match.h"
+#include "kernels/family.h"
 
 namespace zkr {
 
@@ -21,7 +21,8 @@ class PaletteSearch {
     PaletteSearch& operator=(const PaletteSearch&) = delete;
 
     // Starts over with a palette of 1 to 256 entries, which is copied.
-    void Prepare(const RGBQUAD* palette, int32_t entries, const rows::RowKernels& kernels = rows::Kernels());
+    void Prepare(const RGBQUAD* palette, int32_t entries,
+                 const kernels::MatchKernels& kernels = kernels::Chosen<kernels::MatchKernels>());
     bool IsFor(const RGBQUAD* palette, int32_t entries) const;
 
     // Pixels of four bytes: blue, green, red and one that is ignored.
@@ -32,13 +33,13 @@ class PaletteSearch {
     bool MakeCube(int32_t cube);
     bool MakeRoom();
 
-    const rows::MatchKernels* kernels_ = nullptr;
+    const kernels::MatchKernels* kernels_ = nullptr;
     uint8_t* winners_ = nullptr; // of the cubes made so far, in the order in which they were made
     int32_t cubes_ = 0;          // made so far
     int32_t room_ = 0;           // cubes that winners_ can hold
     int32_t entries_ = 0;
     RGBQUAD palette_[256];
-    uint16_t blocks_[rows::CubesInSpace]; // place in winners_, or the searches counted up from UnknownCube
+    uint16_t blocks_[kernels::CubesInSpace]; // place in winners_, or the searches counted up from UnknownCube
 };
 
 // The calling thread's search, kept for the palette of the last call. Null for more than 256 entries or none,

@@ -1,7 +1,7 @@
 // A few row kernels one behind the other, with the working rows between them.
 #pragma once
 
-#include "colour/rows/row_kernel.h"
+#include "colour/kernels/row_kernel.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -19,7 +19,7 @@ class Stages {
     Stages& operator=(const Stages&) = delete;
 
     // At most four stages, of at most eight bytes a pixel.
-    void Append(rows::RowKernel kernel, const rows::RowParameters& parameters = {}) {
+    void Append(kernels::RowKernel kernel, const kernels::RowParameters& parameters = {}) {
         stages_[count_++] = {kernel, parameters};
     }
 
@@ -44,8 +44,8 @@ class Stages {
 
   private:
     struct Stage {
-        rows::RowKernel Kernel;
-        rows::RowParameters Parameters;
+        kernels::RowKernel Kernel;
+        kernels::RowParameters Parameters;
     };
 
     const uint8_t* RunStage(size_t index, const uint8_t* source, uint8_t* target, size_t pixels) {

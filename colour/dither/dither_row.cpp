@@ -3,7 +3,7 @@
 
 #include "colour/dither/row_reader.h"
 #include "colour/dither/thresholds.h"
-#include "colour/rows/kernel_set.h"
+#include "kernels/family.h"
 #include "zkr13n/palettes.h"
 
 #include <algorithm>
@@ -11,22 +11,22 @@
 
 namespace zkr {
 
-using rows::DitheredRow;
-using rows::DitherPiece;
-using rows::IndexRule;
-using rows::RowLag;
+using kernels::DitheredRow;
+using kernels::DitherPiece;
+using kernels::IndexRule;
+using kernels::RowLag;
 
 namespace {
 
 constexpr uint32_t RedShift = 16, GreenShift = 8, BlueShift = 0;
 
 // The uppermost bits of a channel, put into an index from a bit on.
-constexpr rows::Slice TopBits(uint32_t channelShift, uint32_t bits, uint32_t place) {
+constexpr kernels::Slice TopBits(uint32_t channelShift, uint32_t bits, uint32_t place) {
     return {channelShift + 8 - bits - place, ((1u << bits) - 1) << place};
 }
 
 struct SlicedPalette {
-    rows::Slice Slices[3];
+    kernels::Slice Slices[3];
     uint32_t NonZero = 0;
 };
 
@@ -69,13 +69,13 @@ IndexRule RuleOf(const DitherState& state) {
 // An ordered method at work on one line.
 class OrderedLine {
   public:
-    explicit OrderedLine(const DitherState& state) : kernels_(rows::Kernels()) {
+    explicit OrderedLine(const DitherState& state) {
         const ThresholdMatrix& matrix = state.Method == DitherOrdered ? DispersedDots : ClusteredDots;
         const uint8_t(&thresholds)[ThresholdSide] = matrix.Rows[state.LineCounter % ThresholdSide];
         comparesGray_ = state.PaletteKind == PaletteFixed1;
         comparesChannels_ = state.PaletteKind == PaletteFixed4;
         const size_t bytesEach = comparesGray_ ? 1 : 4;
-        for (size_t i = 0; i < rows::PatternBytes; ++i) {
+        for (size_t i = 0; i < kernels::PatternBytes; ++i) {
             const uint8_t m = thresholds[i / bytesEach % ThresholdSide];
             const int32_t shift = ThresholdShift(m, FinenessBits(state));
             thresholds_[i] = m;
@@ -86,18 +86,18 @@ class OrderedLine {
 
     void Run(const DitherState& state, uint8_t* quads, uint8_t* indices, size_t pixels) const {
         if (comparesGray_) {
-            const auto toGray = kernels_.Convert.Convert[static_cast<size_t>(rows::Source::Colour32)]
-                                                        [static_cast<size_t>(rows::Target::Gray8)];
+            const auto toGray = convert_.Convert[static_cast<size_t>(kernels::Source::Colour32)]
+                                                [static_cast<size_t>(kernels::Target::Gray8)];
             toGray(quads, indices, pixels, {});
-            kernels_.Dither.Compare(indices, pixels, thresholds_, 1);
+            dither_.Compare(indices, pixels, thresholds_, 1);
             return;
         }
         if (comparesChannels_) {
-            kernels_.Dither.Compare(quads, pixels * 4, thresholds_, 0xFF);
+            dither_.Compare(quads, pixels * 4, thresholds_, 0xFF);
         } else {
-            kernels_.Dither.Shift(quads, pixels * 4, up_, down_);
+            dither_.Shift(quads, pixels * 4, up_, down_);
         }
-        kernels_.Dither.Index[static_cast<size_t>(state.Rule)](quads, indices, pixels, state.Index);
+        dither_.Index[static_cast<size_t>(state.Rule)](quads, indices, pixels, state.Index);
     }
 
   private:
@@ -107,19 +107,20 @@ class OrderedLine {
         return state.PaletteKind == PaletteCube ? likeCube : state.PaletteKind - PaletteFixed1 + 1;
     }
 
-    const rows::RowKernels& kernels_;
+    const kernels::ConvertKernels& convert_ = kernels::Chosen<kernels::ConvertKernels>();
+    const kernels::DitherKernels& dither_ = kernels::Chosen<kernels::DitherKernels>();
     bool comparesGray_;
     bool comparesChannels_;
-    uint8_t thresholds_[rows::PatternBytes];
-    uint8_t up_[rows::PatternBytes];
-    uint8_t down_[rows::PatternBytes];
+    uint8_t thresholds_[kernels::PatternBytes];
+    uint8_t up_[kernels::PatternBytes];
+    uint8_t down_[kernels::PatternBytes];
 };
 
 // Begins a line of a diffusing method: takes the sums of the first pixels out of the uppermost row and moves
 // the rows up there.
-rows::ErrorState StartLine(const DitherState& state) {
-    const rows::Taps& taps = rows::DiffusionTaps[state.Method];
-    rows::ErrorState line = {};
+kernels::ErrorState StartLine(const DitherState& state) {
+    const kernels::Taps& taps = kernels::DiffusionTaps[state.Method];
+    kernels::ErrorState line = {};
     for (int32_t row = 0; row < taps.Rows; ++row)
         line.Rows[row] = reinterpret_cast<int32_t(*)[4]>(state.BlueRows[row]) + taps.Margin;
     for (int32_t column = 0; column < taps.Margin; ++column) {
@@ -137,7 +138,7 @@ rows::ErrorState StartLine(const DitherState& state) {
 // A row that has become wider ends where the error rows end.
 size_t WidthOf(const DitherState& state, const BitmapHandle& bitmap) {
     const int32_t widest = state.ErrorRowCount > 0
-                               ? state.ErrorRowLength - 2 * rows::DiffusionTaps[state.Method].Margin
+                               ? state.ErrorRowLength - 2 * kernels::DiffusionTaps[state.Method].Margin
                                : bitmap.Width;
     return static_cast<size_t>(std::clamp(bitmap.Width, 0, std::max(widest, 0)));
 }
@@ -155,27 +156,27 @@ void PackIndices(const DitherState& state, uint8_t* indices, size_t pixels, uint
         for (size_t i = 0; i < pixels; ++i)
             indices[i] = static_cast<uint8_t>(indices[i] & ((1u << bits) - 1));
     }
-    rows::Kernels().Convert.Pack[bits](indices, target, pixels, {});
+    kernels::Chosen<kernels::ConvertKernels>().Pack[bits](indices, target, pixels, {});
 }
 
 } // namespace
 
 void PrepareIndex(DitherState& state) {
     state.Rule = RuleOf(state);
-    rows::IndexParameters& index = state.Index;
+    kernels::IndexParameters& index = state.Index;
     if (state.Rule == IndexRule::Slices) {
         const SlicedPalette& sliced = SlicedPalettes[state.PaletteKind - PaletteFixed3];
         std::copy(std::begin(sliced.Slices), std::end(sliced.Slices), index.Slices);
         index.NonZero = sliced.NonZero;
     }
-    if (state.Rule == IndexRule::Table) std::memset(state.Known, rows::UnknownIndex, sizeof state.Known);
+    if (state.Rule == IndexRule::Table) std::memset(state.Known, kernels::UnknownIndex, sizeof state.Known);
     index.Known = state.Known;
     index.Find = FindIndex;
     index.FindContext = &state;
     index.Colours = state.TargetPalette;
     index.Weighted = state.Weighted;
     if (state.ErrorRowCount == 0) return;
-    const int32_t weight = rows::DiffusionTaps[state.Method].Weight(0, 1);
+    const int32_t weight = kernels::DiffusionTaps[state.Method].Weight(0, 1);
     for (size_t i = 0; i < std::size(state.Weighted); ++i) {
         const RGBQUAD& colour = state.TargetPalette[i];
         const int32_t channels[4] = {colour.rgbBlue, colour.rgbGreen, colour.rgbRed, colour.rgbReserved};
@@ -188,7 +189,7 @@ void DitherRow(DitherState& state, const BitmapHandle& bitmap, const uint8_t* so
     const bool diffuses = state.ErrorRowCount > 0;
     const bool ordered = IsOrdered(state.Method);
     const size_t width = WidthOf(state, bitmap);
-    const rows::DitherKernels& kernels = rows::Kernels().Dither;
+    const kernels::DitherKernels& kernels = kernels::Chosen<kernels::DitherKernels>();
     const auto rule = static_cast<size_t>(state.Rule);
 
     RowReader reader(state, bitmap);
@@ -214,7 +215,7 @@ void DitherRow(DitherState& state, const BitmapHandle& bitmap, const uint8_t* so
 size_t RowsTogether(const DitherState& state) {
     constexpr int32_t narrow = 128; // beginning and end of rows, which are not shared, cost more than is won
     const bool gains = state.ErrorRowCount > 0 && state.ErrorRowLength >= narrow;
-    return gains ? rows::Kernels().Dither.RowsTogether[state.Method] : 1;
+    return gains ? kernels::Chosen<kernels::DitherKernels>().RowsTogether[state.Method] : 1;
 }
 
 void DitherRowsTogether(DitherState& state, const BitmapHandle& bitmap, const uint8_t* sources,
@@ -226,11 +227,11 @@ void DitherRowsTogether(DitherState& state, const BitmapHandle& bitmap, const ui
     }
     const size_t width = WidthOf(state, bitmap);
     const size_t lowestLag = (count - 1) * RowLag;
-    const rows::DitherKernels& kernels = rows::Kernels().Dither;
+    const kernels::DitherKernels& kernels = kernels::Chosen<kernels::DitherKernels>();
     const auto rule = static_cast<size_t>(state.Rule);
 
     RowReader reader(state, bitmap);
-    DitheredRow work[rows::MostRowsTogether];
+    DitheredRow work[kernels::MostRowsTogether];
     size_t step = 0;
     for (size_t at = 0; at < width + lowestLag; at += step) {
         // Where the lowest row has not begun or the uppermost is at its end they go one by one.

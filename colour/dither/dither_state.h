@@ -1,7 +1,7 @@
 // The state of a dithering run, which hangs off the DitherData field of the bitmap that is read.
 #pragma once
 
-#include "colour/rows/dither_rows.h"
+#include "colour/kernels/dither_rows.h"
 #include "zkr13n/dither.h"
 
 #include <cstdint>
@@ -37,9 +37,9 @@ struct DitherState {
     int32_t ErrorRowCount;
     int32_t ErrorRowLength; // cells, margins included
     // The first cell of each row. The channels lie together: a channel's next cell is four numbers on.
-    int32_t* RedRows[rows::MostErrorRows];
-    int32_t* GreenRows[rows::MostErrorRows];
-    int32_t* BlueRows[rows::MostErrorRows];
+    int32_t* RedRows[kernels::MostErrorRows];
+    int32_t* GreenRows[kernels::MostErrorRows];
+    int32_t* BlueRows[kernels::MostErrorRows];
     RGBQUAD MatchPalette[256]; // entries that may be chosen, with their index in the fourth byte
     uint32_t MatchColors;
     int32_t GrayBits;
@@ -47,10 +47,10 @@ struct DitherState {
     int32_t GrayShift;
 
     // What the kernels need, made from the above.
-    rows::IndexRule Rule;
-    rows::IndexParameters Index;
+    kernels::IndexRule Rule;
+    kernels::IndexParameters Index;
     int32_t Weighted[256][4];
-    uint8_t Known[rows::TableCells];
+    uint8_t Known[kernels::TableCells];
 };
 
 inline bool UsesMatchTable(const DitherState& state) {
@@ -66,7 +66,7 @@ void PrepareIndex(DitherState& state);
 // Dithers one row of pixels of the bitmap's format into packed indices.
 void DitherRow(DitherState& state, const BitmapHandle& bitmap, const uint8_t* source, uint8_t* target);
 
-// How many rows are best dithered together, 1 to rows::MostRowsTogether, and the same for so many rows, or fewer,
+// How many rows are best dithered together, 1 to kernels::MostRowsTogether, and the same for so many rows, or fewer,
 // that follow each other. Nothing is left otherwise than by one after the other.
 size_t RowsTogether(const DitherState& state);
 void DitherRowsTogether(DitherState& state, const BitmapHandle& bitmap, const uint8_t* sources,

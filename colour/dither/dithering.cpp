@@ -80,7 +80,7 @@ bool NewRun::ChoosePalette(const TargetRequest& target) {
         state_->PaletteKind = PaletteCube;
     } else {
         state_->PaletteKind = PaletteOwnTable;
-        state_->MatchTable = static_cast<uint32_t*>(Z_Calloc(rows::TableCells, sizeof(uint32_t)));
+        state_->MatchTable = static_cast<uint32_t*>(Z_Calloc(kernels::TableCells, sizeof(uint32_t)));
         if (state_->MatchTable == nullptr) return false;
     }
     if (UsesMatchTable(*state_)) MakeMatchPalette(palette);
@@ -100,7 +100,7 @@ void NewRun::MakeMatchPalette(const RGBQUAD* palette) {
 
 // One block for the rows of all channels that belong to the same line.
 bool NewRun::MakeErrorRows(int32_t width) {
-    const rows::Taps& taps = rows::DiffusionTaps[state_->Method];
+    const kernels::Taps& taps = kernels::DiffusionTaps[state_->Method];
     const int64_t cells = int64_t{std::max(width, 0)} + 2 * taps.Margin;
     if (cells > INT32_MAX) return false;
     state_->ErrorRowCount = taps.Rows;

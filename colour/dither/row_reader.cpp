@@ -3,23 +3,23 @@
 
 #include "colour/colour_value.h"
 #include "colour/dither/dither_state.h"
-#include "colour/rows/kernel_set.h"
+#include "kernels/family.h"
 
 #include <algorithm>
 #include <cstring>
 
 namespace zkr {
 
-using rows::RowParameters;
-using rows::Source;
-using rows::Target;
+using kernels::RowParameters;
+using kernels::Source;
+using kernels::Target;
 
 RowReader::RowReader(const DitherState& state, const BitmapHandle& bitmap)
     : bits_(static_cast<size_t>(state.SourceBits)) {
     const RowParameters colour{.SourceIsRgb = bitmap.Order != Z_ORDER_BGR};
     switch (state.SourceBits) {
     case 12:
-        Add(rows::Kernels().Convert.Unpack12, {});
+        Add(kernels::Chosen<kernels::ConvertKernels>().Unpack12, {});
         AddGray(state, bitmap);
         break;
     case 16:
@@ -31,7 +31,9 @@ RowReader::RowReader(const DitherState& state, const BitmapHandle& bitmap)
     case 48: Add(Source::Deep48, Target::Colour32, colour); break;
     case 64: Add(Source::Deep64, Target::Colour32, colour); break;
     default:
-        if (bits_ < 8) Add(rows::Kernels().Convert.Unpack[bits_], {.Table = rows::IdentityMap.data()});
+        if (bits_ < 8)
+            Add(kernels::Chosen<kernels::ConvertKernels>().Unpack[bits_],
+                {.Table = kernels::IdentityMap.data()});
         Add(Source::Index8, Target::Colour32, {.Table = state.SourcePalette, .Mask = (1u << bits_) - 1});
     }
 }
@@ -45,16 +47,17 @@ void RowReader::AddGray(const DitherState& state, const BitmapHandle& bitmap) {
         return;
     }
     Add(Source::GrayValue, Target::Gray8,
-        {.Mask = mask_, .Shift = shift_, .Scale = rows::StretchGray(0xFF, mask_)});
+        {.Mask = mask_, .Shift = shift_, .Scale = kernels::StretchGray(0xFF, mask_)});
     Add(Source::Gray8, Target::Colour32, {});
 }
 
-void RowReader::Add(rows::RowKernel kernel, const RowParameters& parameters) {
+void RowReader::Add(kernels::RowKernel kernel, const RowParameters& parameters) {
     stages_[stageCount_++] = {kernel, parameters};
 }
 
 void RowReader::Add(Source source, Target target, const RowParameters& parameters) {
-    Add(rows::Kernels().Convert.Convert[static_cast<size_t>(source)][static_cast<size_t>(target)],
+    Add(kernels::Chosen<kernels::ConvertKernels>()
+            .Convert[static_cast<size_t>(source)][static_cast<size_t>(target)],
         parameters);
 }
 

@@ -1,8 +1,8 @@
 // Rows of any depth as pixels of four bytes: blue, green, red and one without meaning.
 #pragma once
 
-#include "colour/rows/dither_rows.h"
-#include "colour/rows/row_kernel.h"
+#include "colour/kernels/dither_rows.h"
+#include "colour/kernels/row_kernel.h"
 #include "zkr13n/bitmap.h"
 
 #include <cstddef>
@@ -22,13 +22,13 @@ class RowReader {
 
   private:
     void AddGray(const DitherState& state, const BitmapHandle& bitmap);
-    void Add(rows::RowKernel kernel, const rows::RowParameters& parameters);
-    void Add(rows::Source source, rows::Target target, const rows::RowParameters& parameters);
+    void Add(kernels::RowKernel kernel, const kernels::RowParameters& parameters);
+    void Add(kernels::Source source, kernels::Target target, const kernels::RowParameters& parameters);
     void LookUpLevels(const uint8_t* words, size_t pixels, uint8_t* quads) const;
 
     struct Stage {
-        rows::RowKernel Kernel;
-        rows::RowParameters Parameters;
+        kernels::RowKernel Kernel;
+        kernels::RowParameters Parameters;
     };
     size_t bits_;
     int32_t stageCount_ = 0;
@@ -38,7 +38,7 @@ class RowReader {
     uint32_t levelCount_ = 0;
     uint32_t mask_ = 0;
     uint32_t shift_ = 0;
-    uint8_t between_[2][rows::DitherPiece * 2]; // words at most
+    uint8_t between_[2][kernels::DitherPiece * 2]; // words at most
 };
 
 } // namespace zkr

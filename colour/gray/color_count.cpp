@@ -2,13 +2,13 @@
 // region one after the other until the answer is known.
 #include "colour/colour_value.h"
 #include "colour/gray_window.h"
+#include "colour/kernels/colour_set.h"
 #include "colour/level_table.h"
-#include "colour/rows/colour_set.h"
-#include "colour/rows/kernel_set.h"
 #include "colour/stages.h"
 #include "core/region_rows.h"
 #include "core/row_access.h"
 #include "core/row_walk.h"
+#include "kernels/family.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
 
@@ -94,14 +94,15 @@ class ColourScan {
 
     // Tells the tally what was only put into the set.
     void Finish() {
-        if (CountsAtEnd()) tally_.Add(rows::Kernels().Count.CountSet(set_->data(), SetWords()));
+        if (CountsAtEnd())
+            tally_.Add(kernels::Chosen<kernels::CountKernels>().CountSet(set_->data(), SetWords()));
     }
 
   private:
     void PlanStages(const BitmapHandle& bitmap, const RGBQUAD* levels) {
-        const rows::ConvertKernels& kernels = rows::Kernels().Convert;
-        const auto toColour32 = [&](rows::Source source, const rows::RowParameters& parameters) {
-            constexpr auto target = static_cast<size_t>(rows::Target::Colour32);
+        const kernels::ConvertKernels& kernels = kernels::Chosen<kernels::ConvertKernels>();
+        const auto toColour32 = [&](kernels::Source source, const kernels::RowParameters& parameters) {
+            constexpr auto target = static_cast<size_t>(kernels::Target::Colour32);
             stages_.Append(kernels.Convert[static_cast<size_t>(source)][target], parameters);
             unit_ = Unit::Colour32;
         };
@@ -114,7 +115,7 @@ class ColourScan {
         if (bits_ <= 16) {
             unit_ = HasGrayWords(bitmap) ? Unit::Gray : Unit::Colour16;
             if (levels != nullptr)
-                toColour32(rows::Source::GrayLookup,
+                toColour32(kernels::Source::GrayLookup,
                            {.Table = levels, .Mask = window_.Mask, .Shift = window_.Shift});
             return;
         }
@@ -122,9 +123,9 @@ class ColourScan {
             unit_ = Unit::Colour24;
             return;
         }
-        const rows::Source source = bits_ == 32   ? rows::Source::Colour32
-                                    : bits_ == 48 ? rows::Source::Deep48
-                                                  : rows::Source::Deep64;
+        const kernels::Source source = bits_ == 32   ? kernels::Source::Colour32
+                                       : bits_ == 48 ? kernels::Source::Deep48
+                                                     : kernels::Source::Deep64;
         toColour32(source, {.SourceIsRgb = isRgb_});
     }
 
@@ -133,7 +134,7 @@ class ColourScan {
         case Unit::Index: return 256 / 32;
         case Unit::Gray: return (size_t{window_.Mask} + 32) / 32;
         case Unit::Colour16: return 0x8000 / 32;
-        default: return rows::ColourSetWords;
+        default: return kernels::ColourSetWords;
         }
     }
 
@@ -167,7 +168,7 @@ class ColourScan {
     bool CountColours(const uint8_t* units, size_t first, size_t end) {
         const bool packed = unit_ == Unit::Colour24;
         const size_t bytes = packed ? 3 : 4;
-        const rows::CountKernels& kernels = rows::Kernels().Count;
+        const kernels::CountKernels& kernels = kernels::Chosen<kernels::CountKernels>();
         const uint8_t* pixels = units + first * bytes;
         if (CountsAtEnd()) {
             (packed ? kernels.AddAll24 : kernels.AddAll32)(pixels, end - first, set_->data());
@@ -185,9 +186,9 @@ class ColourScan {
     }
 
     bool HasAllColours() {
-        while (firstOpenWord_ < rows::ColourSetWords && (*set_)[firstOpenWord_] == ~0u)
+        while (firstOpenWord_ < kernels::ColourSetWords && (*set_)[firstOpenWord_] == ~0u)
             ++firstOpenWord_;
-        return firstOpenWord_ == rows::ColourSetWords;
+        return firstOpenWord_ == kernels::ColourSetWords;
     }
 
     bool IsNew(uint32_t key) {

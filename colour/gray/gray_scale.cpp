@@ -3,12 +3,12 @@
 #include "colour/colour_value.h"
 #include "colour/gray_window.h"
 #include "colour/level_table.h"
-#include "colour/rows/kernel_set.h"
 #include "colour/stages.h"
 #include "core/replacement.h"
 #include "core/row_access.h"
 #include "core/row_walk.h"
 #include "core/scratch.h"
+#include "kernels/family.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/locks.h"
 #include "zkr13n/palettes.h"
@@ -21,12 +21,12 @@ namespace zkr {
 
 namespace {
 
-using rows::ConvertKernels;
-using rows::MakeGrayScale;
-using rows::RowParameters;
-using rows::Source;
-using rows::StretchGray;
-using rows::Target;
+using kernels::ConvertKernels;
+using kernels::MakeGrayScale;
+using kernels::RowParameters;
+using kernels::Source;
+using kernels::StretchGray;
+using kernels::Target;
 
 ReturnCode CheckBits(int32_t bits) {
     if (bits > 16) return code::InvalidBitsPerPixel;
@@ -86,7 +86,7 @@ class GrayStages {
         Append(source, GrayTarget(), {.Scale = MakeGrayScale(Limit(), 255), .SourceIsRgb = isRgb});
     }
     void FromGray(const GrayWindow& window, const RGBQUAD* levels) {
-        const rows::GrayScale scale =
+        const kernels::GrayScale scale =
             levels != nullptr ? MakeGrayScale(Limit(), 255) : StretchGray(Limit(), window.Mask);
         Append(levels != nullptr ? Source::GrayLookup : Source::GrayValue, GrayTarget(),
                {.Table = levels, .Mask = window.Mask, .Shift = window.Shift, .Scale = scale});
@@ -99,7 +99,7 @@ class GrayStages {
                    {.Mask = Limit(), .Shift = 16 - static_cast<uint32_t>(targetBits_)});
     }
 
-    const ConvertKernels& kernels_ = rows::Kernels().Convert;
+    const ConvertKernels& kernels_ = kernels::Chosen<kernels::ConvertKernels>();
     int32_t targetBits_;
 };
 

@@ -1,13 +1,13 @@
 // Puts the reader together from the kernels of row conversion.
 #include "colour/quantise/key_reader.h"
 
-#include "colour/rows/kernel_set.h"
+#include "kernels/family.h"
 #include "zkr13n/palettes.h"
 
 namespace zkr {
 
-using rows::Source;
-using rows::Target;
+using kernels::Source;
+using kernels::Target;
 
 namespace {
 
@@ -38,21 +38,25 @@ KeyReader::KeyReader(const BitmapHandle& bitmap)
 }
 
 void KeyReader::PlanIndices() {
-    if (bits_ < 8) stages_.Append(rows::Kernels().Convert.Unpack[bits_], {.Table = rows::IdentityMap.data()});
+    if (bits_ < 8)
+        stages_.Append(kernels::Chosen<kernels::ConvertKernels>().Unpack[bits_],
+                       {.Table = kernels::IdentityMap.data()});
     Append(Source::Index8, Target::Colour16, {.Table = palette_, .Mask = (1u << bits_) - 1});
 }
 
 void KeyReader::PlanGray() {
-    if (bits_ == 12) stages_.Append(rows::Kernels().Convert.Unpack12);
-    rows::RowParameters parameters{.Table = levels_.Entries(), .Mask = window_.Mask, .Shift = window_.Shift};
+    if (bits_ == 12) stages_.Append(kernels::Chosen<kernels::ConvertKernels>().Unpack12);
+    kernels::RowParameters parameters{
+        .Table = levels_.Entries(), .Mask = window_.Mask, .Shift = window_.Shift};
     if (levels_.Entries() != nullptr) return Append(Source::GrayLookup, Target::Colour16, parameters);
-    parameters.Scale = rows::StretchGray(0xFF, window_.Mask);
+    parameters.Scale = kernels::StretchGray(0xFF, window_.Mask);
     Append(Source::GrayValue, Target::Gray8, parameters);
     Append(Source::Gray8, Target::Colour16, {});
 }
 
-void KeyReader::Append(Source source, Target target, const rows::RowParameters& parameters) {
-    stages_.Append(rows::Kernels().Convert.Convert[static_cast<size_t>(source)][static_cast<size_t>(target)],
+void KeyReader::Append(Source source, Target target, const kernels::RowParameters& parameters) {
+    stages_.Append(kernels::Chosen<kernels::ConvertKernels>()
+                       .Convert[static_cast<size_t>(source)][static_cast<size_t>(target)],
                    parameters);
 }
 

@@ -33,7 +33,7 @@ class KeyReader {
   private:
     void PlanIndices();
     void PlanGray();
-    void Append(rows::Source source, rows::Target target, const rows::RowParameters& parameters);
+    void Append(kernels::Source source, kernels::Target target, const kernels::RowParameters& parameters);
 
     size_t width_;
     size_t bits_;

@@ -1,12 +1,12 @@
 // Pixels from one colour space to another, always through RGB, and single colours to HSV and back.
 #include "zkr13n/color_spaces.h"
 
-#include "colour/rows/colour_spaces.h"
-#include "colour/rows/kernel_set.h"
-#include "colour/rows/space_kernels.h"
+#include "colour/kernels/colour_spaces.h"
+#include "colour/kernels/space_kernels.h"
 #include "core/return_codes.h"
 #include "core/scratch.h"
 #include "core/sizes.h"
+#include "kernels/family.h"
 
 #include <cstring>
 
@@ -14,7 +14,7 @@ namespace zkr {
 
 namespace {
 
-using rows::SpaceKernel;
+using kernels::SpaceKernel;
 
 // A format taken apart.
 struct Format {
@@ -24,7 +24,7 @@ struct Format {
 };
 
 constexpr int32_t RgbFormats[2] = {Z_SPACE_RGB, Z_SPACE_RGB16};
-constexpr int32_t SpaceFormats[2][rows::SpaceCount] = {
+constexpr int32_t SpaceFormats[2][kernels::SpaceCount] = {
     {Z_SPACE_LUMA, Z_SPACE_CMYK, Z_SPACE_HSV, Z_SPACE_HLS, Z_SPACE_YIQ, Z_SPACE_CMY},
     {Z_SPACE_LUMA16, Z_SPACE_CMYK16, Z_SPACE_HSV16, Z_SPACE_HLS16, Z_SPACE_YIQ16, Z_SPACE_CMY16}};
 
@@ -34,7 +34,7 @@ bool Parse(int32_t value, Format& format) {
             format = {depthClass, true, 0};
             return true;
         }
-        for (size_t i = 0; i < rows::SpaceCount; ++i) {
+        for (size_t i = 0; i < kernels::SpaceCount; ++i) {
             if (value != SpaceFormats[depthClass][i]) continue;
             format = {depthClass, false, i};
             return true;
@@ -44,7 +44,7 @@ bool Parse(int32_t value, Format& format) {
 }
 
 // The pixels of a colour value whose bytes are three channels, first the lowest.
-rows::spaces::Channels ChannelsOf(uint32_t colour) {
+kernels::spaces::Channels ChannelsOf(uint32_t colour) {
     return {static_cast<int32_t>(colour & 0xFF), static_cast<int32_t>(colour >> 8 & 0xFF),
             static_cast<int32_t>(colour >> 16 & 0xFF), 0};
 }
@@ -72,7 +72,7 @@ ReturnCode Z_CALL Z_ConvertColorSpace(const void* source, void* target, int32_t 
     const uint64_t rgbBytes = uint64_t{pixels} * (from.Class == 0 ? 3 : 6);
     if (!FitsSize(rgbBytes)) return code::OutOfMemory;
     const auto bytes = static_cast<size_t>(rgbBytes);
-    const rows::SpaceKernels& kernels = rows::Kernels().Spaces;
+    const kernels::SpaceKernels& kernels = kernels::Chosen<kernels::SpaceKernels>();
     const SpaceKernel toRgb = kernels.ToRgb[from.Class][from.Index];
     const SpaceKernel fromRgb = kernels.FromRgb[to.Class][to.Index];
     const auto* input = static_cast<const uint8_t*>(source);
@@ -94,11 +94,11 @@ ReturnCode Z_CALL Z_ConvertColorSpace(const void* source, void* target, int32_t 
 
 uint32_t Z_CALL Z_RGBtoHSV(uint32_t color) {
     const auto [red, green, blue, none] = ChannelsOf(color);
-    const rows::spaces::Channels hsv = rows::spaces::Hsv<255>::From({blue, green, red, none});
+    const kernels::spaces::Channels hsv = kernels::spaces::Hsv<255>::From({blue, green, red, none});
     return (color & 0xFF000000) | ColourOf(hsv.A, hsv.B, hsv.C);
 }
 
 uint32_t Z_CALL Z_HSVtoRGB(uint32_t color) {
-    const rows::spaces::Channels bgr = rows::spaces::Hsv<255>::ToRgb(ChannelsOf(color));
+    const kernels::spaces::Channels bgr = kernels::spaces::Hsv<255>::ToRgb(ChannelsOf(color));
     return ColourOf(bgr.C, bgr.B, bgr.A);
 }

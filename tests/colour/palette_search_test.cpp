@@ -1,9 +1,9 @@
 // The search kept for whole rows: the same indices as the plain scan for any palette and any rows, with
 // either instruction set, whether cubes are known or not.
+#include "colour/kernels/palette_match.h"
 #include "colour/palette_search.h"
 #include "colour/reference_palettes.h"
-#include "colour/rows/kernel_set.h"
-#include "colour/rows/palette_match.h"
+#include "kernels/family.h"
 #include "support/random_palettes.h"
 #include "support/seeded.h"
 
@@ -62,7 +62,12 @@ std::vector<Colour> RandomRow(const RandomPalette& palette, Seeded& seeded) {
     return row;
 }
 
-class PaletteSearchRows : public ::testing::TestWithParam<rows::RowKernels> {};
+class PaletteSearchRows : public ::testing::TestWithParam<kernels::InstructionSet> {
+  protected:
+    const kernels::MatchKernels& Kernels() const {
+        return kernels::KernelsOf<kernels::MatchKernels>(GetParam());
+    }
+};
 
 TEST_P(PaletteSearchRows, AgreeWithPlainScan) {
     Seeded seeded(4);
@@ -70,7 +75,7 @@ TEST_P(PaletteSearchRows, AgreeWithPlainScan) {
     for (int round = 0; round < 60; ++round) {
         const RandomPalette palette(seeded, round < 4 ? round + 1 : seeded.Between(1, 256));
         const int entries = static_cast<int>(palette.Entries.size());
-        search->Prepare(palette.Entries.data(), entries, GetParam());
+        search->Prepare(palette.Entries.data(), entries, Kernels());
         for (int row = 0; row < 12; ++row) {
             ExpectAsPlainScan(*search, RandomRow(palette, seeded), palette.Entries, seeded);
         }
@@ -87,7 +92,7 @@ TEST_P(PaletteSearchRows, AgreeForSingleColours) {
             const Colour c = palette.Target(seeded);
             const int red = static_cast<int>(c.red), green = static_cast<int>(c.green),
                       blue = static_cast<int>(c.blue);
-            ASSERT_EQ(GetParam().Match.Find(palette.Entries.data(), entries, red, green, blue),
+            ASSERT_EQ(Kernels().Find(palette.Entries.data(), entries, red, green, blue),
                       ReferenceFindPaletteIndex(palette.Entries.data(), entries, red, green, blue))
                 << entries << " entries in steps of " << palette.Grain << ", colour " << red << ", " << green
                 << ", " << blue;
@@ -112,15 +117,15 @@ TEST_P(PaletteSearchRows, AgreeOnRegularPalettes) {
             for (unsigned i = 0; ramp && i <= last; ++i) {
                 palette[i] = EntryOf(i * 255 / last, i * 255 / last, i * 255 / last);
             }
-            search->Prepare(palette.data(), static_cast<int>(palette.size()), GetParam());
+            search->Prepare(palette.data(), static_cast<int>(palette.size()), Kernels());
             for (int again = 0; again < 8; ++again)
                 ExpectAsPlainScan(*search, row, palette, seeded);
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(AllSets, PaletteSearchRows, ::testing::ValuesIn(rows::UsableKernelSets()),
-                         [](const auto& each) { return std::string(each.param.Name); });
+INSTANTIATE_TEST_SUITE_P(AllSets, PaletteSearchRows, ::testing::ValuesIn(kernels::UsableSets()),
+                         [](const auto& each) { return std::string(kernels::NameOf(each.param)); });
 
 TEST(PaletteSearchFor, FollowsThePaletteOfTheThread) {
     std::vector<RGBQUAD> palette = {EntryOf(0, 0, 0), EntryOf(200, 0, 0), EntryOf(0, 200, 0)};

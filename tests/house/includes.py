@@ -1,26 +1,12 @@
-"""Holds every #include of the tree against the table of who may enter which room, and keeps the operating system
+"""Holds every #include of the tree against the table of rooms in docs/architecture.md, and keeps the operating system
 behind the platform layer. Usage: includes.py TOP"""
 
 import re
 import sys
+from fnmatch import fnmatch
 from pathlib import Path
 
-# Room: the rooms that it may include besides itself. A file belongs to the longest matching entry.
-ENTER = {
-    "include": [],
-    "platform": ["include"],
-    "colour/rows": ["include"],
-    "core": ["include", "platform"],
-    "colour": ["include", "platform", "core", "colour/rows"],
-    "regions": ["include", "platform", "core", "colour"],
-    "geometry": ["include", "platform", "core", "colour"],
-    "display": ["include", "platform", "core", "colour", "regions", "geometry"],
-    "automation": ["include", "platform"],
-    "filters": ["include"],
-    "apps": ["include"],
-    "examples": ["include"],
-}
-LIBRARY = ["platform", "core", "colour", "colour/rows", "regions", "geometry", "display", "automation"]
+OUTSIDE = ["include", "filters", "apps", "examples"]  # of the library itself
 SYSTEM_HEADER = re.compile(r"(windows|ole2|oaidl|objbase)\.h$", re.I)
 SYSTEM_ROOMS = ["include/zkr13n/platform_types.h", "platform/windows/", "automation/windows/"]
 SYSTEM_SWITCH = re.compile(r"^\s*#\s*(if|ifdef|ifndef|elif)\b.*\b(_WIN32|_WIN64|__linux__|__MINGW32__)\b")
@@ -30,9 +16,21 @@ THROWING = {"deque", "forward_list", "fstream", "functional", "iostream", "list"
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
-def room_of(path):
-    fitting = [room for room in ENTER if path.startswith(room + "/")]
-    return max(fitting, key=len, default=None)
+def read_table(document):
+    """For each room the folders that it may include besides its own: the first and last columns of the table."""
+    rows = re.findall(r"^\| `([^`|]+)/` \|[^|]*\|([^|]*)\|$", document.read_text(encoding="utf-8"), re.M)
+    return {room: re.findall(r"`([^`]+)/`", enter) for room, enter in rows}
+
+
+def folder_and_room(path, table):
+    """The closest folder around a file that is a room, and its name in the table, where a star stands for a folder."""
+    folders = path.split("/")[:-1]
+    for depth in range(len(folders), 0, -1):
+        folder = "/".join(folders[:depth])
+        for room in table:
+            if room.count("/") == depth - 1 and fnmatch(folder, room):
+                return folder, room
+    return None, None
 
 
 def resolve(top, source, name):
@@ -42,12 +40,13 @@ def resolve(top, source, name):
     return None
 
 
-def faults_of(top, source):
+def faults_of(top, source, table):
     path = source.relative_to(top).as_posix()
-    room = room_of(path)
+    folder, room = folder_and_room(path, table)
+    inside = room not in OUTSIDE
     for number, line in enumerate(source.read_text(encoding="utf-8").splitlines(), 1):
         where = f"{path}:{number}"
-        if room in LIBRARY and room != "platform" and SYSTEM_SWITCH.match(line):
+        if inside and room != "platform" and SYSTEM_SWITCH.match(line):
             if not path.startswith(tuple(SYSTEM_ROOMS)):
                 yield f"{where}: a switch on the operating system outside the platform layer"
         found = INCLUDE.match(line)
@@ -56,27 +55,25 @@ def faults_of(top, source):
         quote, name = found.groups()
         if SYSTEM_HEADER.search(name) and not path.startswith(tuple(SYSTEM_ROOMS)):
             yield f"{where}: <{name}> belongs to {', '.join(SYSTEM_ROOMS)} alone"
-        if room in LIBRARY and name in THROWING:
+        if inside and name in THROWING:
             yield f"{where}: <{name}> reports failure by throwing"
         target = resolve(top, source, name)
         if target is None:
             if quote == '"':
                 yield f'{where}: "{name}" is not a file of the project'
             continue
-        entered = room_of(target)
-        if entered is None:
-            yield f"{where}: {target} lies in no room of the library"
-        elif entered != room and entered not in ENTER[room]:
-            yield f"{where}: {room} may not enter {entered} ({target})"
+        if not target.startswith(tuple(entered + "/" for entered in [folder, *table[room]])):
+            yield f"{where}: {room} may not enter {target}"
 
 
 def main():
     top = Path(sys.argv[1]).resolve()
-    sources = [path for room in ENTER for path in sorted((top / room).rglob("*"))
-               if path.suffix in (".h", ".c", ".cpp") and room_of(path.relative_to(top).as_posix()) == room]
-    faults = [fault for source in sources for fault in faults_of(top, source)]
+    table = read_table(top / "docs/architecture.md")
+    sources = [path for room in table if "*" not in room for path in sorted((top / room).rglob("*"))
+               if path.suffix in (".h", ".c", ".cpp")]
+    faults = [fault for source in sources for fault in faults_of(top, source, table)]
     print("\n".join(faults) or f"{len(sources)} files keep to the table")
-    sys.exit(bool(faults))
+    sys.exit(bool(faults) or not sources)
 
 
 main()

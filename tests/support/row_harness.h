@@ -12,7 +12,11 @@
 //     EXPECT_TRUE(SameRows(kernel, AllWidths()));
 //
 // A program whose kernels exist for several instruction sets says BOTH_SETS in its zkr_test line, and runs
-// twice.
+// twice. One that links the inside may also take the kernels of a family from each set in turn:
+//
+//     for (const kernels::InstructionSet set : kernels::UsableSets()) {
+//         const auto& turn = kernels::KernelsOf<kernels::TurnKernels>(set);
+//         ...
 #pragma once
 
 #include "support/pixel_bits.h"
