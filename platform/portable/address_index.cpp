@@ -1,4 +1,4 @@
-// The hash of addresses. The bucket array doubles with the count of nodes; where memory for that is short the
+// The shards of the hash of addresses. A bucket array grows with the count of nodes; where memory for that is short the
 // chains grow longer instead, and with the last node the array goes.
 #include "platform/portable/address_index.h"
 
@@ -8,13 +8,13 @@
 
 namespace zkr::platform {
 
-AddressNode** AddressIndex::Bucket(const void* address) {
+AddressNode** AddressIndex::Shard::Bucket(const void* address) {
     const uint64_t mixed = reinterpret_cast<uintptr_t>(address) * 0x9E3779B97F4A7C15u;
     const int bits = std::countr_zero(bucketCount_);
     return (buckets_ != nullptr ? buckets_ : small_) + (mixed >> (64 - bits));
 }
 
-AddressNode* AddressIndex::Look(const void* address) {
+AddressNode* AddressIndex::Shard::Look(const void* address) {
     AddressNode* node = *Bucket(address);
     while (node != nullptr && node->address != address)
         node = node->nextInBucket;
@@ -22,7 +22,7 @@ AddressNode* AddressIndex::Look(const void* address) {
 }
 
 // Moves all nodes into an array of count empty buckets; null stands for the small one.
-void AddressIndex::Spread(AddressNode** buckets, size_t count) {
+void AddressIndex::Shard::Spread(AddressNode** buckets, size_t count) {
     AddressNode** old = buckets_;
     const size_t oldCount = bucketCount_;
     buckets_ = buckets;
@@ -40,8 +40,8 @@ void AddressIndex::Spread(AddressNode** buckets, size_t count) {
     std::free(old);
 }
 
-void AddressIndex::Add(AddressNode& node) {
-    const std::scoped_lock lock(mutex_);
+void AddressIndex::Shard::Add(AddressNode& node) {
+    const std::scoped_lock lock(Mutex);
     if (++count_ > bucketCount_ * 2) {
         auto* larger = static_cast<AddressNode**>(std::calloc(bucketCount_ * 4, sizeof(AddressNode*)));
         if (larger != nullptr) Spread(larger, bucketCount_ * 4);
@@ -51,7 +51,7 @@ void AddressIndex::Add(AddressNode& node) {
     *bucket = &node;
 }
 
-void AddressIndex::Unlink(AddressNode& node) {
+void AddressIndex::Shard::Unlink(AddressNode& node) {
     AddressNode** link = Bucket(node.address);
     while (*link != &node)
         link = &(*link)->nextInBucket;
@@ -59,16 +59,26 @@ void AddressIndex::Unlink(AddressNode& node) {
     if (--count_ == 0 && buckets_ != nullptr) Spread(nullptr, SmallCount);
 }
 
-void AddressIndex::Remove(AddressNode& node) {
-    const std::scoped_lock lock(mutex_);
+void AddressIndex::Shard::Remove(AddressNode& node) {
+    const std::scoped_lock lock(Mutex);
     Unlink(node);
 }
 
-AddressNode* AddressIndex::Take(const void* address) {
-    const std::scoped_lock lock(mutex_);
+AddressNode* AddressIndex::Shard::Take(const void* address) {
+    const std::scoped_lock lock(Mutex);
     AddressNode* node = Look(address);
     if (node != nullptr) Unlink(*node);
     return node;
+}
+
+void AddressIndex::LockAll() {
+    for (Shard& shard : shards_)
+        shard.Mutex.lock();
+}
+
+void AddressIndex::UnlockAll() {
+    for (Shard& shard : shards_)
+        shard.Mutex.unlock();
 }
 
 } // namespace zkr::platform

@@ -1,5 +1,5 @@
 // The handle table. Slots lie in chunks that double in size and never move, so that a lookup takes no lock;
-// the lock guards making and recycling slots alone.
+// locks guard making and recycling slots alone.
 #include "platform/portable/handle_table.h"
 
 #include "platform/faults.h"
@@ -30,16 +30,31 @@ constexpr uint64_t GenerationMask = (uint64_t{1} << 35) - 1;
 struct Slot {
     std::atomic<uint64_t> state{0};
     Object* object = nullptr;
-    ObjectKind kind = ObjectKind::None;
     uint32_t nextFree = NoSlot;
+    ObjectKind kind = ObjectKind::None;
+    uint16_t home = 0; // the stripe that it goes back to
+};
+
+// The free slots of some threads. Each thread has one stripe, and a stripe takes slots in batches that fill
+// lines of the cache, so that threads that make handles meet neither at a lock nor in a line.
+constexpr uint32_t StripeCount = 64;
+constexpr uint32_t BatchSlots = 64;
+constexpr size_t LineBytes = 64;
+static_assert(BatchSlots * sizeof(Slot) % LineBytes == 0 && FirstChunkSlots % BatchSlots == 0);
+
+struct alignas(LineBytes) Stripe {
+    std::mutex mutex;
+    uint32_t firstFree = NoSlot;
+    uint32_t unused = 0; // slots of the last batch that have never been taken
+    uint32_t unusedEnd = 0;
+    uint32_t live = 0;
 };
 
 struct Table {
-    std::mutex mutex;
     std::array<std::atomic<Slot*>, ChunkCount> chunks{};
-    uint32_t used = 0; // slots ever taken
-    uint32_t firstFree = NoSlot;
-    uint32_t live = 0;
+    std::array<Stripe, StripeCount> stripes{};
+    alignas(LineBytes) std::mutex growth; // taken under a stripe's lock
+    uint32_t used = 0;                    // slots in batches
 
     Slot* Find(uint32_t index) {
         const uint32_t shifted = index + FirstChunkSlots;
@@ -49,35 +64,75 @@ struct Table {
         return slots == nullptr ? nullptr : slots + (shifted - (FirstChunkSlots << chunk));
     }
 
-    // A free slot's index, under the lock.
-    uint32_t Take() {
-        if (firstFree != NoSlot) {
-            const uint32_t index = firstFree;
-            firstFree = Find(index)->nextFree;
-            return index;
-        }
+    // A batch for a stripe that has none left, under its lock.
+    bool TakeBatch(Stripe& stripe) {
+        const std::scoped_lock lock(growth);
         const auto chunk = static_cast<uint32_t>(std::bit_width(used + FirstChunkSlots)) - 11;
-        if (chunk >= ChunkCount) return NoSlot;
+        if (chunk >= ChunkCount) return false;
         if (chunks[chunk].load() == nullptr) {
-            auto* slots = new (std::nothrow) Slot[FirstChunkSlots << chunk];
-            if (slots == nullptr) return NoSlot;
+            auto* slots = new (std::align_val_t{LineBytes}, std::nothrow) Slot[FirstChunkSlots << chunk];
+            if (slots == nullptr) return false;
             chunks[chunk].store(slots, std::memory_order_release);
         }
-        return used++;
+        stripe.unused = used;
+        stripe.unusedEnd = used += BatchSlots;
+        return true;
+    }
+
+    // A slot of the stripe, and a new batch for it where it may grow; its index, or NoSlot.
+    uint32_t Take(uint32_t home, bool grows) {
+        Stripe& stripe = stripes[home];
+        const std::scoped_lock lock(stripe.mutex);
+        uint32_t index = stripe.firstFree;
+        if (index != NoSlot) {
+            stripe.firstFree = Find(index)->nextFree;
+        } else if (stripe.unused != stripe.unusedEnd || (grows && TakeBatch(stripe))) {
+            index = stripe.unused++;
+            Find(index)->home = static_cast<uint16_t>(home);
+        } else {
+            return NoSlot;
+        }
+        ++stripe.live;
+        return index;
+    }
+
+    // The caller's stripe has a slot, or when the table cannot grow any other.
+    uint32_t Take(uint32_t own) {
+        uint32_t index = Take(own, true);
+        for (uint32_t other = 0; index == NoSlot && other < StripeCount; ++other)
+            index = Take(other, false);
+        return index;
+    }
+
+    void GiveBack(uint32_t index, Slot& slot) {
+        Stripe& stripe = stripes[slot.home];
+        const std::scoped_lock lock(stripe.mutex);
+        slot.nextFree = stripe.firstFree;
+        stripe.firstFree = index;
+        --stripe.live;
     }
 };
 
 constinit Table table;
 
+uint32_t OwnStripe() {
+    static constinit std::atomic<uint32_t> threads{0};
+    static thread_local uint32_t number = 0; // from 1
+    if (number == 0) number = threads.fetch_add(1, std::memory_order_relaxed) % StripeCount + 1;
+    return number - 1;
+}
+
 // When the library is unloaded with every handle closed, nothing of the table stays behind. It runs after the
 // destructors of static objects, which close handles of theirs.
 __attribute__((destructor(101))) void ReleaseTable() {
-    const std::scoped_lock lock(table.mutex);
-    if (table.live != 0) return;
+    if (CountHandles() != 0) return;
     for (auto& chunk : table.chunks)
-        delete[] chunk.exchange(nullptr);
+        ::operator delete[](chunk.exchange(nullptr), std::align_val_t{LineBytes});
     table.used = 0;
-    table.firstFree = NoSlot;
+    for (Stripe& stripe : table.stripes) {
+        stripe.firstFree = NoSlot;
+        stripe.unused = stripe.unusedEnd = 0;
+    }
 }
 
 uint32_t IndexOf(HANDLE handle) {
@@ -97,12 +152,7 @@ void Unpin(uint32_t index, Slot& slot) {
 
     Object* object = slot.object;
     slot.object = nullptr;
-    {
-        const std::scoped_lock lock(table.mutex);
-        slot.nextFree = table.firstFree;
-        table.firstFree = index;
-        --table.live;
-    }
+    table.GiveBack(index, slot);
     fault::Released();
     object->Release();
 }
@@ -110,8 +160,7 @@ void Unpin(uint32_t index, Slot& slot) {
 } // namespace
 
 HANDLE InsertHandle(ObjectKind kind, Object& object) {
-    const std::scoped_lock lock(table.mutex);
-    const uint32_t index = table.Take();
+    const uint32_t index = table.Take(OwnStripe());
     if (index == NoSlot) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return nullptr;
@@ -122,7 +171,6 @@ HANDLE InsertHandle(ObjectKind kind, Object& object) {
     uint64_t generation = ((slot.state.load() >> GenerationShift) + 1) & GenerationMask;
     if (generation == 0) generation = 1;
     slot.state.store((generation << GenerationShift) | LiveBit, std::memory_order_release);
-    ++table.live;
     fault::Made();
     return MakeHandle(kind, index, generation);
 }
@@ -158,8 +206,24 @@ bool CloseHandleOfKind(ObjectKind kind, HANDLE handle) {
 }
 
 uint32_t CountHandles() {
-    const std::scoped_lock lock(table.mutex);
-    return table.live;
+    uint32_t live = 0;
+    for (Stripe& stripe : table.stripes) {
+        const std::scoped_lock lock(stripe.mutex);
+        live += stripe.live;
+    }
+    return live;
+}
+
+void LockHandles() {
+    for (Stripe& stripe : table.stripes)
+        stripe.mutex.lock();
+    table.growth.lock();
+}
+
+void UnlockHandles() {
+    table.growth.unlock();
+    for (Stripe& stripe : table.stripes)
+        stripe.mutex.unlock();
 }
 
 } // namespace zkr::platform

@@ -10,7 +10,7 @@
 
 namespace zkr::platform {
 
-enum class ObjectKind : uint32_t { None, Global, File, Mapping, Module, Palette, DeviceContext };
+enum class ObjectKind : uint16_t { None, Global, File, Mapping, Module, Palette, DeviceContext };
 
 class Object {
   public:
@@ -34,6 +34,10 @@ inline ObjectKind ClaimedKind(HANDLE handle) {
 
 // Handles alive in the process.
 uint32_t CountHandles();
+
+// Holds off everybody who makes or gives back handles, while the process is copied.
+void LockHandles();
+void UnlockHandles();
 
 Object* PinHandle(ObjectKind kind, HANDLE handle); // null, with the last error set, for a bad handle
 void UnpinHandle(HANDLE handle);                   // a handle that PinHandle accepted

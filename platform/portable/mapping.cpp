@@ -23,8 +23,9 @@ namespace {
 
 constexpr size_t HugePage = size_t{2} << 20;
 constexpr size_t Granularity = size_t{64} << 10; // of view offsets
-// Blocks below this come from the run-time heap: the system counts mappings and allows only so many.
-constexpr size_t SmallBlock = size_t{64} << 10;
+// Blocks below this come from the run-time heap, which has them ready again for the next one: the system
+// counts mappings, takes a lock of the whole process for each, and gives their pages one by one.
+constexpr size_t SmallBlock = HugePage;
 // Their views begin on a border that suits every vector, so that a bitmap's rows need no shift in any
 // mapping.
 constexpr size_t SmallAlignment = 64;
@@ -80,15 +81,14 @@ struct Mapping final : Object {
 
     size_t size = 0;
     uint8_t* memory = nullptr; // of an anonymous mapping
-    size_t mappedBytes = 0;    // likewise
+    size_t mappedBytes = 0;    // likewise, of a large one
     int descriptor = -1;       // of a file mapping
     bool writes = true;
     std::atomic<uint32_t> references{1}; // the handle and the views
 
     bool TakeMemory() {
-        if (size < HugePage) {
-            memory = static_cast<uint8_t*>(size < SmallBlock ? ZeroedSmallBlock(size) : MapAnonymous(size));
-            mappedBytes = size;
+        if (size < SmallBlock) {
+            memory = static_cast<uint8_t*>(ZeroedSmallBlock(size));
         } else {
             const LargeBlock block = MapLarge(size);
             memory = block.Start;

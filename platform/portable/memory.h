@@ -1,8 +1,8 @@
 // Memory on systems other than Windows. Handles come from the handle table. Blocks of GlobalAlloc are movable
 // ones only and never move but in GlobalReAlloc, so that an address stays good after GlobalUnlock.
 //
-// Anonymous mappings are zeroed. Large ones lie on 2 MiB borders and ask for huge pages. Memory goes back to
-// the system as soon as the mapping's handle and all its views are gone.
+// Anonymous mappings are zeroed. From 2 MiB they lie on borders of 2 MiB, ask for huge pages, and go back to the
+// system as soon as the mapping's handle and all its views are gone; smaller ones go back to the run-time heap.
 #pragma once
 
 #include "platform/portable/types.h"
