@@ -29,6 +29,7 @@
 #include "zkr13n/pixels.h"
 #include "zkr13n/platform_types.h"
 #include "zkr13n/playback.h"
+#include "zkr13n/resize.h"
 #include "zkr13n/rows.h"
 #include "zkr13n/storage.h"
 #include "zkr13n/surface.h"
