@@ -126,6 +126,10 @@ void Bitmap::PutRow(int row, const void* buffer) {
     Check(Z_PutBitmapRow(&handle_, buffer, row, RowBytes()), name_);
 }
 
+std::string SizeOf(const Bitmap& bitmap) {
+    return std::to_string(bitmap.Width()) + " x " + std::to_string(bitmap.Height()) + " pixels";
+}
+
 std::string StorageOf(Bitmap& bitmap) {
     int32_t type = 0, count = 0, conventional = 0, maximumMapped = 0, mapped = 0;
     Check(Z_GetBitmapMemoryInfo(bitmap.Handle(), &type, nullptr, &count, &conventional, &maximumMapped,

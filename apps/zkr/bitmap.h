@@ -63,4 +63,7 @@ class Bitmap {
 // "conventional", "tiled: 3 memory, 2 views, 7 file": the class that a bitmap has in fact.
 std::string StorageOf(Bitmap& bitmap);
 
+// "640 x 480 pixels".
+std::string SizeOf(const Bitmap& bitmap);
+
 } // namespace zkr::app

@@ -41,14 +41,13 @@ void ShowChannels(const uint8_t* pixel, int channels, bool words, uint8_t* shown
 } // namespace
 
 Bitmap Reduced(Bitmap& source, const Reduction& reduction) {
-    if (reduction.palette == COLORRES_CUBE_PALETTE && reduction.bits != 8)
-        throw Failure(source.Name(), "the cube of colours is for 8 bits per pixel");
     const uint32_t flags = reduction.palette | static_cast<uint32_t>(reduction.method) << MethodShift;
     Palette colours = reduction.colours;
+    const auto count =
+        colours.empty() ? static_cast<uint32_t>(reduction.count) : static_cast<uint32_t>(colours.size());
     BitmapHandle target = {};
     Check(Z_ColorResBitmap(source.Handle(), &target, reduction.bits, flags,
-                           colours.empty() ? nullptr : colours.data(), nullptr,
-                           static_cast<uint32_t>(colours.size()), nullptr, 0),
+                           colours.empty() ? nullptr : colours.data(), nullptr, count, nullptr, 0),
           source.Name());
     return Bitmap(source.Name(), target);
 }
@@ -109,6 +108,8 @@ Bitmap AlphaOf(Bitmap& picture) {
 }
 
 void SetAlpha(Bitmap& picture, Bitmap& alpha) {
+    if (alpha.Width() != picture.Width() || alpha.Height() != picture.Height())
+        throw Failure(alpha.Name(), "its " + SizeOf(alpha) + " are no alpha for " + SizeOf(picture));
     Check(Z_SetBitmapAlpha(picture.Handle(), alpha.Handle()), picture.Name());
     picture.ReadForm();
     picture.MarkAlpha();

@@ -9,9 +9,24 @@
 
 namespace zkr::app {
 
+// The methods of dithering with the words that name them in options, file names and titles.
+struct DitherMethod {
+    int method;
+    const char* word;
+    const char* title;
+};
+constexpr DitherMethod DitherMethods[] = {
+    {DitherNone, "nearest", "Nearest"},          {DitherFloydSteinberg, "floyd-steinberg", "Floyd-Steinberg"},
+    {DitherStucki, "stucki", "Stucki"},          {DitherBurkes, "burkes", "Burkes"},
+    {DitherSierra, "sierra", "Sierra"},          {DitherStevensonArce, "stevenson-arce", "Stevenson-Arce"},
+    {DitherJarvis, "jarvis", "Jarvis"},          {DitherOrdered, "ordered", "Ordered"},
+    {DitherClustered, "clustered", "Clustered"},
+};
+
 struct Reduction {
     int bits = 8; // 1 to 8
     int method = DitherNone;
+    int count = 0; // colours of an optimized palette; 0 for as many as the bits hold
     uint32_t palette = COLORRES_OPTIMIZED_PALETTE; // COLORRES_..._PALETTE
     Palette colours = {};                          // with COLORRES_USER_PALETTE
 };

@@ -9,26 +9,22 @@
 #include "zkr13n/fill.h"
 #include "zkr13n/rows.h"
 
-#include <algorithm>
 #include <vector>
 
 namespace zkr::app {
 
 namespace {
 
-Rectangle Inside(const Bitmap& bitmap, const Rectangle& area) {
-    const int64_t right = std::min<int64_t>(int64_t{area.left} + area.width, bitmap.Width());
-    const int64_t bottom = std::min<int64_t>(int64_t{area.top} + area.height, bitmap.Height());
-    const int left = std::max(area.left, 0), top = std::max(area.top, 0);
-    if (right <= left || bottom <= top)
-        throw Failure(bitmap.Name(), "the rectangle holds no pixel of the picture");
-    return {left, top, static_cast<int>(right - left), static_cast<int>(bottom - top)};
+void CheckInside(const Bitmap& bitmap, const Rectangle& area) {
+    const bool inside = area.left >= 0 && area.top >= 0 && area.width > 0 && area.height > 0 &&
+                        area.width <= bitmap.Width() - area.left && area.height <= bitmap.Height() - area.top;
+    if (!inside) throw Failure(bitmap.Name(), "the rectangle leaves the picture of " + SizeOf(bitmap));
 }
 
 } // namespace
 
-void Crop(Bitmap& bitmap, const Rectangle& area) {
-    const Rectangle part = Inside(bitmap, area);
+void Crop(Bitmap& bitmap, const Rectangle& part) {
+    CheckInside(bitmap, part);
     Check(Z_TrimBitmap(bitmap.Handle(), part.left, part.top, part.width, part.height), bitmap.Name());
 }
 
@@ -37,8 +33,8 @@ void Fill(Bitmap& bitmap, uint32_t colour) {
     Check(Z_FillBitmap(bitmap.Handle(), colour), bitmap.Name());
 }
 
-void Fill(Bitmap& bitmap, uint32_t colour, const Rectangle& area) {
-    const Rectangle part = Inside(bitmap, area);
+void Fill(Bitmap& bitmap, uint32_t colour, const Rectangle& part) {
+    CheckInside(bitmap, part);
     Bitmap row(bitmap.Name(), bitmap.Format(), bitmap.Width(), 1, Storage{});
     Check(Z_FillBitmap(row.Handle(), colour), bitmap.Name());
     std::vector<uint8_t> pixels(row.RowBytes());

@@ -2,23 +2,16 @@
 #pragma once
 
 #include "bitmap.h"
+#include "shapes.h"
 
 namespace zkr::app {
 
-struct Rectangle {
-    int left = 0;
-    int top = 0;
-    int width = 0;
-    int height = 0;
-};
-
-// Cuts the bitmap to the part of the rectangle that lies inside it. A rectangle without such a part is a
-// Failure.
-void Crop(Bitmap& bitmap, const Rectangle& area);
+// Cuts the bitmap to the rectangle. One that leaves the bitmap is a Failure, here and in Fill().
+void Crop(Bitmap& bitmap, const Rectangle& part);
 
 // Fill with a colour, 0x00BBGGRR; where the bitmap has a palette, with its nearest entry. Alpha stays as it
 // is.
 void Fill(Bitmap& bitmap, uint32_t colour);
-void Fill(Bitmap& bitmap, uint32_t colour, const Rectangle& area);
+void Fill(Bitmap& bitmap, uint32_t colour, const Rectangle& part);
 
 } // namespace zkr::app

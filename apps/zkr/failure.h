@@ -14,6 +14,12 @@ class Failure : public std::runtime_error {
     Failure(const std::string& file, const std::string& cause) : std::runtime_error(file + ": " + cause) {}
 };
 
+// A fault of the command line: what is wrong with it, without a file.
+class UsageFailure : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
 inline std::string MessageOf(ReturnCode code) {
     const char* text = Z_GetErrorText(code);
     return text != nullptr ? text : "result " + std::to_string(code) + " of the library";

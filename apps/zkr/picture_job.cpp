@@ -2,16 +2,43 @@
 #include "picture_job.h"
 
 #include "failure.h"
+#include "options.h"
 #include "picture_reader.h"
 #include "progress.h"
 #include "write_png.h"
 
 namespace zkr::app {
 
+namespace {
+
+const Words<StorageClass> StorageNames = {{"conventional", StorageClass::Conventional},
+                                          {"user", StorageClass::User},
+                                          {"tiled", StorageClass::Tiled},
+                                          {"disk", StorageClass::Disk},
+                                          {"runs", StorageClass::Runs},
+                                          {"strips", StorageClass::Strips}};
+
+} // namespace
+
+void AddInAndOut(CLI::App& verb, EditOptions& options) {
+    AddInput(verb, "IN", options.input, "the picture");
+    AddOutput(verb, options.output);
+}
+
+void AddStorage(CLI::App& verb, StorageClass& storage) {
+    AddWord(verb, "--storage", storage, StorageNames,
+            "where the bitmaps live on the way (default: conventional);\n"
+            "runs are for 1 bit per pixel, strips for 1 and 24");
+}
+
+void CheckOutputName(const std::string& path) {
+    if (!path.ends_with(".png")) throw Failure(path, "the name does not end in .png");
+}
+
 void ChangePicture(const EditOptions& options, const char* doing,
                    const std::function<void(Bitmap&)>& change) {
+    CheckOutputName(options.output);
     const auto reader = OpenPicture(options.input);
-    if (!options.output.ends_with(".png")) throw Failure(options.output, "the name does not end in .png");
     const auto read = [&] {
         const StatusBar bar("reading   ");
         return ReadPicture(*reader, options.input, {.kind = options.storage});

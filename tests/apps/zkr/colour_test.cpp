@@ -41,7 +41,7 @@ TEST_F(ColourTest, FewColoursStayAsTheyAre) {
     const auto seven = [](size_t i) { return static_cast<uint32_t>(i / 3 % 7 * 36 + i % 3 * 5); };
     const Picture picture = PictureOf(width, height, 8, PNG_COLOR_TYPE_RGB, seven);
     for (const char* bits : {"3", "4", "8"}) {
-        const Picture reduced = Made("colors", picture, {"--bits", bits, "--dither", "none"});
+        const Picture reduced = Made("colors", picture, {"--bits", bits, "--dither", "nearest"});
         EXPECT_EQ(Resolved(reduced), picture.samples) << bits;
         WritePng(Path("palette.png"), reduced);
         EXPECT_EQ(Resolved(Made("colors", picture, {"--palette", Path("palette.png")})), picture.samples);

@@ -58,9 +58,9 @@ TEST_F(ConvertTest, KeepsEveryKindOfPngInEveryStorageClass) {
     for (const auto& kind : kinds) {
         Picture picture = PictureOf(width, height, kind.depth, kind.type, Scattered);
         if (kind.type == PNG_COLOR_TYPE_PALETTE) picture.palette = SomePalette(kind.depth);
-        for (const std::string storage : {"conventional", "user", "tiled", "disk", "rle", "super"}) {
+        for (const std::string storage : {"conventional", "user", "tiled", "disk", "runs", "strips"}) {
             const bool bitonal = kind.depth == 1, colour = std::string(kind.bits) == "24";
-            if ((storage == "rle" && !bitonal) || (storage == "super" && !bitonal && !colour)) continue;
+            if ((storage == "runs" && !bitonal) || (storage == "strips" && !bitonal && !colour)) continue;
             SCOPED_TRACE(testing::Message() << kind.bits << " bits, " << storage);
             std::vector<std::string> words = {"--bits", kind.bits, "--storage", storage};
             if (*kind.order != 0) words.insert(words.end(), {"--order", kind.order});

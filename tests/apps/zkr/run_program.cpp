@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -21,8 +22,9 @@ std::string ContentOf(const std::string& path) {
     return content.str();
 }
 
-[[noreturn]] void BecomeProgram(const std::vector<std::string>& arguments, const RunLimits& limits, int out,
-                                int err) {
+[[noreturn]] void BecomeProgram(const std::string& folder, const std::vector<std::string>& arguments,
+                                const RunLimits& limits, int out, int err) {
+    if (chdir(folder.c_str()) != 0) _exit(126);
     if (limits.fileBytes >= 0) {
         const auto bytes = static_cast<rlim_t>(limits.fileBytes);
         const rlimit limit = {bytes, bytes};
@@ -39,6 +41,11 @@ std::string ContentOf(const std::string& path) {
 }
 
 } // namespace
+
+std::vector<std::string> Split(const std::string& line) {
+    std::istringstream stream(line);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
 
 ProgramTest::ProgramTest() {
     std::string name = (std::filesystem::temp_directory_path() / "zkr-test-XXXXXX").string();
@@ -74,7 +81,7 @@ Outcome ProgramTest::RunZkr(const std::vector<std::string>& arguments, const Run
     const int out = open(outName.c_str(), create, 0600);
     const int err = open(errName.c_str(), create, 0600);
     const pid_t child = fork();
-    if (child == 0) BecomeProgram(arguments, limits, out, err);
+    if (child == 0) BecomeProgram(folder_.string(), arguments, limits, out, err);
     int status = 0;
     if (limits.interruptWriting) {
         // The child is not yet waited for, so its number is safe to signal even when it has ended.
@@ -92,6 +99,19 @@ Outcome ProgramTest::RunZkr(const std::vector<std::string>& arguments, const Run
     close(err);
     return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ContentOf(outName),
             ContentOf(errName)};
+}
+
+void ProgramTest::Refuses(const std::vector<std::string>& words, const std::string& file,
+                          const std::string& cause, const RunLimits& limits) const {
+    SCOPED_TRACE(testing::PrintToString(words));
+    const std::vector<std::string> before = FilesInFolder();
+    const Outcome outcome = RunZkr(words, limits);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_TRUE(outcome.errors.starts_with("zkr: " + file)) << outcome.errors;
+    EXPECT_NE(outcome.errors.find(cause), std::string::npos) << outcome.errors;
+    EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;
+    EXPECT_EQ(FilesInFolder(), before);
 }
 
 void ProgramTest::WriteText(const std::string& name, const std::string& content) const {

@@ -1,10 +1,13 @@
-// Runs the program zkr in a folder of its own and gives what it printed and how it ended.
+// Runs the program zkr inside a folder of its own and gives what it printed and how it ended.
 #pragma once
 
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
+
+// The words of a command line, which blanks part.
+std::vector<std::string> Split(const std::string& line);
 
 struct Outcome {
     int status = -1; // exit status; 128 + the signal's number after a signal
@@ -29,6 +32,10 @@ class ProgramTest : public testing::Test {
     void WriteText(const std::string& name, const std::string& content) const;
     std::string ReadText(const std::string& name) const;
 
+    // Runs the program and expects one line on standard error that begins with the file, where one is to blame,
+    // and tells the cause, exit status 1, and no file left behind.
+    void Refuses(const std::vector<std::string>& words, const std::string& file, const std::string& cause,
+                 const RunLimits& limits = {}) const;
     // Runs the program and expects that it ends well and says nothing on standard error.
     std::string Succeeds(const std::vector<std::string>& arguments) const;
 

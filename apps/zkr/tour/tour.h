@@ -2,8 +2,8 @@
 // table on the terminal, writes pictures into the folder and puts small ones on the contact sheet.
 #pragma once
 
-#include "bitmap.h"
-#include "contact_sheet.h"
+#include "apps/zkr/bitmap.h"
+#include "apps/zkr/contact_sheet.h"
 
 #include <chrono>
 #include <filesystem>
@@ -49,11 +49,14 @@ class Stopwatch {
 // Takes rows of `source` into each storage class and compares what comes back. Gives a line of text for each.
 std::vector<std::string> ThroughStorageClasses(Tour& tour, Bitmap& source);
 
-void StorageStation(Tour& tour);
-void DepthStation(Tour& tour);
-void BitonalStation(Tour& tour);
-void ColourStation(Tour& tour);
-void EditStation(Tour& tour);
-void SheetStation(Tour& tour);
+// A station is a file beside this one and a line in stations.list.
+struct Station {
+    const char* title;
+    void (*run)(Tour&);
+};
+
+#define ZKR_STATION(Name) extern const Station Name##Station;
+#include "apps/zkr/tour/stations.list"
+#undef ZKR_STATION
 
 } // namespace zkr::app

@@ -1,8 +1,8 @@
 // zkr info: what a picture file holds. Only the header is read.
-#include "picture_reader.h"
-#include "verbs.h"
-
-#include "failure.h"
+#include "apps/zkr/failure.h"
+#include "apps/zkr/options.h"
+#include "apps/zkr/picture_reader.h"
+#include "apps/zkr/verb.h"
 
 #include <cinttypes>
 #include <cstdio>
@@ -10,7 +10,17 @@
 
 namespace zkr::app {
 
-void RunInfo(const InfoOptions& options) {
+namespace {
+
+struct InfoOptions {
+    std::string picture;
+};
+
+void Describe(CLI::App& verb, InfoOptions& options) {
+    AddInput(verb, "PICTURE", options.picture, "the file");
+}
+
+void Run(const InfoOptions& options) {
     const auto reader = OpenPicture(options.picture);
     const PictureInfo& info = reader->Info();
     const PixelFormat& format = info.format;
@@ -25,5 +35,10 @@ void RunInfo(const InfoOptions& options) {
     if (format.IsIndexed()) std::printf("  palette  %zu colours\n", format.palette.size());
     std::printf("  bitmap   %" PRIu32 " bytes a row, %zu bytes\n", plan.BytesPerLine, plan.Size);
 }
+
+} // namespace
+
+constexpr Verb InfoVerb = VerbOf<InfoOptions, Describe, Run>(
+    "info", "Tell what a picture file holds, from its header", "info photo.png");
 
 } // namespace zkr::app

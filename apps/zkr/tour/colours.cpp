@@ -2,34 +2,16 @@
 // made for it, and a ramp of 16-bit gray seen through three windows.
 #include "tour.h"
 
-#include "colour_work.h"
-#include "compare.h"
-#include "convert.h"
-#include "progress.h"
+#include "apps/zkr/colour_work.h"
+#include "apps/zkr/compare.h"
+#include "apps/zkr/convert.h"
+#include "apps/zkr/progress.h"
 
 #include <cstring>
 
 namespace zkr::app {
 
 namespace {
-
-struct Method {
-    int method;
-    const char* file;
-    const char* title;
-};
-
-constexpr Method Methods[] = {
-    {DitherNone, "none", "Nearest"},
-    {DitherFloydSteinberg, "floyd-steinberg", "Floyd-Steinberg"},
-    {DitherStucki, "stucki", "Stucki"},
-    {DitherBurkes, "burkes", "Burkes"},
-    {DitherSierra, "sierra", "Sierra"},
-    {DitherStevensonArce, "stevenson-arce", "Stevenson-Arce"},
-    {DitherJarvis, "jarvis", "Jarvis"},
-    {DitherOrdered, "ordered", "Ordered"},
-    {DitherClustered, "clustered", "Clustered"},
-};
 
 // The colours as squares, in as many columns as rows or twice as many.
 Canvas Swatches(const Palette& colours) {
@@ -58,9 +40,9 @@ ContactSheet::Cell Shown(Tour& tour, Bitmap& picture, const std::string& title, 
 // Reduces the photograph by every method; gives the palette, which is the same for all.
 Palette ReduceByAll(Tour& tour, int bits) {
     const std::string count = std::to_string(1 << bits);
-    ContactSheet::Section section = {count + " colours", "an optimised palette, by each dithering method"};
+    ContactSheet::Section section = {count + " colours", "an optimized palette, by each dithering method"};
     Palette palette;
-    for (const Method& method : Methods) {
+    for (const DitherMethod& method : DitherMethods) {
         const StatusBar bar(count + " colours");
         const Stopwatch watch;
         Bitmap reduced = Reduced(tour.photo, {.bits = bits, .method = method.method});
@@ -69,7 +51,7 @@ Palette ReduceByAll(Tour& tour, int bits) {
         const std::string closeness = Closeness(Psnr(tour.photo, back));
         tour.Print({count + ", " + method.title, ShortName(reduced.Format()), StorageOf(reduced),
                     reduced.Bytes(), milliseconds, closeness});
-        tour.Write(reduced, "colours-" + count + "-" + method.file + ".png");
+        tour.Write(reduced, "colours-" + count + "-" + method.word + ".png");
         section.cells.push_back(Tour::Cell(back, method.title, closeness));
         palette = reduced.Format().palette;
     }
@@ -96,15 +78,13 @@ struct Window {
 constexpr Window Windows[] = {
     {0, 65535, "Whole ramp"}, {16384, 49151, "Its middle"}, {0, 4095, "Its darkest sixteenth"}};
 
-} // namespace
-
-void ColourStation(Tour& tour) {
+void Run(Tour& tour) {
     ContactSheet::Section section = {
-        "Palettes and windows", "optimised for the photograph; a ramp of 16-bit gray through three windows"};
+        "Palettes and windows", "optimized for the photograph; a ramp of 16-bit gray through three windows"};
     for (const int bits : {8, 4, 1}) {
         const Palette palette = ReduceByAll(tour, bits);
         section.cells.push_back(
-            {Swatches(palette), std::to_string(palette.size()) + " colours", "optimised"});
+            {Swatches(palette), std::to_string(palette.size()) + " colours", "optimized"});
     }
     for (const Window& window : Windows) {
         const Stopwatch watch;
@@ -118,5 +98,10 @@ void ColourStation(Tour& tour) {
     }
     tour.sheet.Add(std::move(section));
 }
+
+} // namespace
+
+constexpr Station ColoursStation = {"Colours: fewer of them, by every dithering method, and windows on gray",
+                                    Run};
 
 } // namespace zkr::app

@@ -2,9 +2,9 @@
 // moved from class to class and tuned.
 #include "tour.h"
 
-#include "compare.h"
-#include "failure.h"
-#include "progress.h"
+#include "apps/zkr/compare.h"
+#include "apps/zkr/failure.h"
+#include "apps/zkr/progress.h"
 
 #include "zkr13n/storage.h"
 
@@ -23,13 +23,13 @@ constexpr int NoLimit = 1 << 20; // more tiles than any bitmap here has
 
 constexpr StorageCase StorageCases[] = {
     {"conventional", {.kind = StorageClass::Conventional}},
-    {"user data", {.kind = StorageClass::User}},
+    {"user", {.kind = StorageClass::User}},
     {"tiles in memory", {.kind = StorageClass::Tiled, .memoryBudget = NoLimit, .views = 0}},
     {"tiles of all kinds", {.kind = StorageClass::Tiled, .memoryBudget = 5, .views = 2}},
     {"tiles in files", {.kind = StorageClass::Tiled, .memoryBudget = 0, .views = 0}},
     {"disk", {.kind = StorageClass::Disk}},
     {"runs", {.kind = StorageClass::Runs}},
-    {"compressed strips", {.kind = StorageClass::Strips}},
+    {"strips", {.kind = StorageClass::Strips}},
 };
 
 Bitmap Copied(Bitmap& source, const Storage& storage) {
@@ -102,10 +102,12 @@ std::vector<std::string> ThroughStorageClasses(Tour& tour, Bitmap& source) {
     return lines;
 }
 
-void StorageStation(Tour& tour) {
+static void Run(Tour& tour) {
     tour.storageLines = ThroughStorageClasses(tour, tour.photo);
     const StatusBar bar("moves");
     MoveAbout(tour, tour.photo);
 }
+
+constexpr Station StorageStation = {"Storage classes: every row written, read back and compared", Run};
 
 } // namespace zkr::app

@@ -2,10 +2,10 @@
 // back.
 #include "tour.h"
 
-#include "compare.h"
-#include "convert.h"
-#include "picture_reader.h"
-#include "progress.h"
+#include "apps/zkr/compare.h"
+#include "apps/zkr/convert.h"
+#include "apps/zkr/picture_reader.h"
+#include "apps/zkr/progress.h"
 
 #include <filesystem>
 
@@ -18,16 +18,13 @@ Bitmap ReadPage(const std::string& path) {
     return ReadPicture(*OpenPicture(path), path, Storage{});
 }
 
-} // namespace
-
-void BitonalStation(Tour& tour) {
+void Run(Tour& tour) {
     if (!std::filesystem::exists(tour.page)) {
         tour.Print({.step = "bitonal page", .result = "skipped, jbigkit-testdata is not installed"});
         return;
     }
     Bitmap page = ReadPage(tour.page);
-    ContactSheet::Section section = {"Bitonal page", std::to_string(page.Width()) + " x " +
-                                                         std::to_string(page.Height()) + " pixels of 1 bit"};
+    ContactSheet::Section section = {"Bitonal page", SizeOf(page) + " of 1 bit"};
     section.notes.push_back({"The photograph in each storage class", tour.storageLines});
     section.notes.push_back({"The page in each storage class", ThroughStorageClasses(tour, page)});
 
@@ -54,5 +51,10 @@ void BitonalStation(Tour& tour) {
     }
     tour.sheet.Add(std::move(section));
 }
+
+} // namespace
+
+constexpr Station BitonalStation = {"Bitonal: a scanned page in each storage class, in gray and in colour",
+                                    Run};
 
 } // namespace zkr::app

@@ -2,9 +2,9 @@
 // bits.
 #include "tour.h"
 
-#include "compare.h"
-#include "convert.h"
-#include "progress.h"
+#include "apps/zkr/compare.h"
+#include "apps/zkr/convert.h"
+#include "apps/zkr/progress.h"
 
 #include <cmath>
 
@@ -72,9 +72,7 @@ ContactSheet::Cell Through(Tour& tour, const PixelFormat& format) {
     return Tour::Cell(back, bits, name.substr(space + 1) + ", " + Closeness(decibels));
 }
 
-} // namespace
-
-void DepthStation(Tour& tour) {
+void Run(Tour& tour) {
     const PixelFormat& original = tour.photo.Format();
     for (const Group& group : Groups()) {
         ContactSheet::Section section = {group.title, group.text};
@@ -88,5 +86,9 @@ void DepthStation(Tour& tour) {
         tour.sheet.Add(std::move(section));
     }
 }
+
+} // namespace
+
+constexpr Station DepthsStation = {"Depths: the photograph in each depth, and back in 24 bits", Run};
 
 } // namespace zkr::app

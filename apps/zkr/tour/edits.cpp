@@ -1,8 +1,8 @@
 // The station of edits: the middle of the photograph cut out, and the same rectangle filled in a whole copy.
 #include "tour.h"
 
-#include "edit.h"
-#include "progress.h"
+#include "apps/zkr/edit.h"
+#include "apps/zkr/progress.h"
 
 #include <algorithm>
 
@@ -17,9 +17,7 @@ Rectangle Middle(const Bitmap& bitmap) {
     return {(bitmap.Width() - width) / 2, (bitmap.Height() - height) / 2, width, height};
 }
 
-} // namespace
-
-void EditStation(Tour& tour) {
+void Run(Tour& tour) {
     const Rectangle middle = Middle(tour.photo);
     ContactSheet::Section section = {"Edits", "the middle of the photograph"};
     const auto add = [&](const char* step, const char* file, const char* title, auto edit) {
@@ -28,8 +26,7 @@ void EditStation(Tour& tour) {
         const Stopwatch watch;
         edit(picture);
         const double milliseconds = watch.Milliseconds();
-        const std::string size =
-            std::to_string(picture.Width()) + " x " + std::to_string(picture.Height()) + " pixels";
+        const std::string size = SizeOf(picture);
         tour.Print(
             {step, ShortName(picture.Format()), StorageOf(picture), picture.Bytes(), milliseconds, size});
         tour.Write(picture, file);
@@ -39,5 +36,9 @@ void EditStation(Tour& tour) {
     add("fill", "edit-fill.png", "Filled", [&](Bitmap& picture) { Fill(picture, Orange, middle); });
     tour.sheet.Add(std::move(section));
 }
+
+} // namespace
+
+constexpr Station EditsStation = {"Edits: a part cut out, an area filled", Run};
 
 } // namespace zkr::app

@@ -1,0 +1,27 @@
+// What all stations of the tour use: lines of the table, small pictures, files.
+#include "tour.h"
+
+#include "apps/zkr/progress.h"
+#include "apps/zkr/write_png.h"
+
+#include <cstdio>
+
+namespace zkr::app {
+
+void Tour::Print(const TourStep& step) {
+    StatusBar::Wipe();
+    std::printf("  %-24s %-16s %-32s %9zu %9.1f  %s\n", step.step.c_str(), step.pixels.c_str(),
+                step.storage.c_str(), step.bytes, step.milliseconds, step.result.c_str());
+    std::fflush(stdout);
+    wrongSteps += step.wrong ? 1 : 0;
+}
+
+ContactSheet::Cell Tour::Cell(Bitmap& bitmap, const std::string& title, const std::string& text) {
+    return {Thumbnail(bitmap, ContactSheet::CellWidth, ContactSheet::CellHeight), title, text};
+}
+
+void Tour::Write(Bitmap& bitmap, const std::string& fileName) {
+    WritePng(bitmap, (out / fileName).string());
+}
+
+} // namespace zkr::app
