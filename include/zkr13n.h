@@ -19,6 +19,7 @@
 #include "zkr13n/files.h"
 #include "zkr13n/fill.h"
 #include "zkr13n/filter.h"
+#include "zkr13n/flip.h"
 #include "zkr13n/frame.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/levels.h"
@@ -30,8 +31,10 @@
 #include "zkr13n/platform_types.h"
 #include "zkr13n/playback.h"
 #include "zkr13n/resize.h"
+#include "zkr13n/rotate.h"
 #include "zkr13n/rows.h"
 #include "zkr13n/storage.h"
 #include "zkr13n/surface.h"
+#include "zkr13n/views.h"
 
 #endif
