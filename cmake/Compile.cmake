@@ -37,5 +37,6 @@ add_library(zkr_inside INTERFACE)
 target_link_libraries(zkr_inside INTERFACE zkr_warnings zkr_exact)
 target_compile_options(zkr_inside INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti>
                                             -fvisibility=hidden)
-target_compile_definitions(zkr_inside INTERFACE _FILE_OFFSET_BITS=64)
+target_compile_definitions(zkr_inside INTERFACE _FILE_OFFSET_BITS=64
+                                                $<$<CONFIG:Sanitize>:ZKR_ASSERTIONS=1>)
 target_include_directories(zkr_inside INTERFACE ${CMAKE_SOURCE_DIR} ${CMAKE_SOURCE_DIR}/include)

@@ -4,6 +4,7 @@
 #include "colour/viewed_rows.h"
 #include "core/attachments.h"
 #include "core/bitmap_lock.h"
+#include "core/depth.h"
 #include "core/flags.h"
 #include "core/row_access.h"
 #include "core/scratch.h"
@@ -129,7 +130,7 @@ struct Merge {
 
 ReturnCode RaiseToAlpha(BitmapHandle& bitmap) {
     const int32_t bits = bitmap.BitsPerPixel;
-    if (bits == 16 || bits == 32 || bits == 64) return code::Success;
+    if (DepthOf(bits).AlphaBits > 0) return code::Success;
     const bool isRgb = bits >= 16 && bitmap.Order == Z_ORDER_RGB;
     return Z_ColorResBitmap(&bitmap, &bitmap, bits == 48 ? 64 : 32, isRgb ? 0 : COLORRES_ORDER_BGR, nullptr,
                             nullptr, 0, nullptr, 0);

@@ -53,9 +53,10 @@ int32_t RowsAtOnce(const BitmapHandle& source, const BitmapHandle& form, const R
 // Bits and bytes of a row behind its last pixel, where pixels of a wider form have been.
 void ClearTail(const BitmapHandle& form, uint8_t* row) {
     const uint64_t bits = static_cast<uint64_t>(form.Width) * static_cast<uint32_t>(form.BitsPerPixel);
-    const auto whole = static_cast<size_t>(bits / 8);
-    if (bits % 8 != 0)
-        row[whole] &= static_cast<uint8_t>(form.BitsPerPixel == 12 ? 0x0F : 0xFF00 >> bits % 8);
+    if (bits % 8 != 0) {
+        const uint8_t unused = UnusedInLastByte(form.BitsPerPixel, static_cast<size_t>(form.Width));
+        row[bits / 8] = static_cast<uint8_t>(row[bits / 8] & ~unused);
+    }
     const size_t end = static_cast<size_t>((bits + 7) / 8);
     if (end < form.BytesPerLine) std::memset(row + end, 0, form.BytesPerLine - end);
 }

@@ -12,46 +12,13 @@ namespace zkr {
 
 namespace {
 
-// The pixels that are in work at a time where a conversion takes several stages; a multiple of 8, so that
-// every piece of a row begins on a byte.
-constexpr size_t PiecePixels = 512;
-
-// Walks over a row so that every pixel is read before a target pixel covers it: from the end where pixels
-// grow, else from the start. A single kernel does so by itself.
-class InPlaceWalk {
-  public:
-    InPlaceWalk(const ConvertPlan& plan, const ConvertRequest& request, uint8_t* row)
-        : plan_(plan), row_(row), sourceBits_(static_cast<size_t>(PixelBits(request.SourceBits))),
-          targetBits_(static_cast<size_t>(PixelBits(request.TargetBits))) {}
-
-    void Run(size_t width) {
-        if (plan_.StageCount() == 1) return RunStages(row_, row_, width);
-        const size_t pieces = (width + PiecePixels - 1) / PiecePixels;
-        for (size_t i = 0; i < pieces; ++i) {
-            const size_t begin = (targetBits_ > sourceBits_ ? pieces - 1 - i : i) * PiecePixels;
-            RunStages(SourceAt(begin), TargetAt(begin), std::min(PiecePixels, width - begin));
-        }
-    }
-
-  private:
-    void RunStages(const uint8_t* source, uint8_t* target, size_t pixels) {
-        const int32_t last = plan_.StageCount() - 1;
-        for (int32_t i = 0; i <= last; ++i) {
-            uint8_t* to = i == last ? target : between_[i & 1];
-            plan_.Stage(i).Kernel(source, to, pixels, plan_.Stage(i).Parameters);
-            source = to;
-        }
-    }
-
-    uint8_t* SourceAt(size_t pixel) const { return row_ + pixel / 8 * sourceBits_; }
-    uint8_t* TargetAt(size_t pixel) const { return row_ + pixel / 8 * targetBits_; }
-
-    const ConvertPlan& plan_;
-    uint8_t* row_;
-    size_t sourceBits_;
-    size_t targetBits_;
-    uint8_t between_[2][PiecePixels * 4]; // working rows between two stages
-};
+// A row is walked so that every pixel is read before a target pixel covers it.
+void RunInPlace(Stages& stages, const ConvertRequest& request, uint8_t* row) {
+    const int32_t targetBits = PixelBits(request.TargetBits);
+    const bool grows = targetBits > PixelBits(request.SourceBits);
+    stages.RunRow(row, row, targetBits, static_cast<size_t>(request.Width),
+                  grows ? Stages::Direction::Backwards : Stages::Direction::Forwards);
+}
 
 uint64_t SourceBytes(const ConvertRequest& request) {
     return static_cast<uint64_t>(request.Width) * static_cast<uint64_t>(PixelBits(request.SourceBits)) / 8;
@@ -82,9 +49,9 @@ ReturnCode Z_CALL Z_ConvertBufferExt(void* row, int32_t width, int32_t sourceBit
                                 sourcePalette, targetPalette, flags,      lowBit,      highBit};
     if (row == nullptr || !zkr::CheckConversion(request)) return zkr::code::InvalidArgument;
     zkr::ConvertPlan plan(request);
-    if (plan.StageCount() == 0) return zkr::code::Success;
-    if (zkr::SourceBytes(request) >= zkr::SmallestNotedRow) plan.ReadAhead(zkr::TakeRowAhead(row));
-    zkr::InPlaceWalk(plan, request, static_cast<uint8_t*>(row)).Run(static_cast<size_t>(width));
+    if (plan.stages().Count() == 0) return zkr::code::Success;
+    if (zkr::SourceBytes(request) >= zkr::SmallestNotedRow) plan.stages().ReadAhead(zkr::TakeRowAhead(row));
+    zkr::RunInPlace(plan.stages(), request, static_cast<uint8_t*>(row));
     return zkr::code::Success;
 }
 

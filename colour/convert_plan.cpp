@@ -31,7 +31,7 @@ bool IsDepth(int32_t bits) {
 }
 
 bool IsOrderOfDepth(int32_t order, int32_t bits) {
-    if (bits < 16) return true;
+    if (bits < 16) return true; // the order plays no part
     return order == Z_ORDER_RGB || order == Z_ORDER_BGR || (bits == 16 && order == Z_ORDER_GRAY);
 }
 
@@ -56,7 +56,7 @@ int32_t ValueBitsFor(const ConvertRequest& request) {
     const int32_t bits = request.TargetBits;
     if (bits >= 1 && bits < 16) return bits;
     if (bits == 16) return request.Has(Z_CONVERT_TARGET_GRAY) ? 16 : 8;
-    return bits >= 48 ? 16 : 8;
+    return IsDeep(bits) ? 16 : 8;
 }
 
 GrayWindow WindowFrom12(const ConvertRequest& request, bool lookup) {
@@ -79,10 +79,10 @@ GrayWindow WindowFrom16(const ConvertRequest& request) {
     if (targetGray && request.Has(Z_CONVERT_TARGET_WINDOW))
         return MakeGrayWindow(targetBits, lookup ? 8 : targetBits, request.LowBit, request.HighBit);
     if (targetGray && (!sourceGray || lookup))
-        return MakeGrayWindow(targetBits, targetBits >= 48 ? 16 : 8, -1, -1);
+        return MakeGrayWindow(targetBits, IsDeep(targetBits) ? 16 : 8, -1, -1);
     if (sourceGray && lookup) return MakeGrayWindow(16, 16, -1, -1);
     const int32_t narrow = targetGray && request.TargetBits != 0 ? request.TargetBits : 8;
-    return MakeGrayWindow(16, targetBits >= 48 ? 16 : narrow, -1, -1);
+    return MakeGrayWindow(16, IsDeep(targetBits) ? 16 : narrow, -1, -1);
 }
 
 // Where a gray target of 12 or 16 bits takes its value from sources that are not gray words. A window without
@@ -95,19 +95,9 @@ GrayWindow TargetWindow(const ConvertRequest& request, int32_t depth) {
 
 // From colours to gray words, the only targets for which their grays are scaled.
 GrayScale ScaleToGrayWords(const ConvertRequest& request) {
-    if (request.SourceBits > 32) return UpperBitsOf(16, TargetWindow(request, 16));
+    if (IsDeep(request.SourceBits)) return UpperBitsOf(16, TargetWindow(request, 16));
     return EightBitsTo(request.SourceBits == 16 ? WindowFrom16(request)
                                                 : TargetWindow(request, request.TargetBits));
-}
-
-Source ColourSource(int32_t bits) {
-    switch (bits) {
-    case 16: return Source::Colour16;
-    case 24: return Source::Colour24;
-    case 32: return Source::Colour32;
-    case 48: return Source::Deep48;
-    default: return Source::Deep64;
-    }
 }
 
 Target TargetOf(const ConvertRequest& request, bool opaque) {
@@ -158,8 +148,7 @@ bool CheckConversion(ConvertRequest& request) {
 }
 
 ConvertPlan::ConvertPlan(const ConvertRequest& request)
-    : request_(request), kernels_(kernels::Chosen<kernels::ConvertKernels>()) {
-    std::construct_at(&stages_[0]);
+    : request_(request), stages_(PixelBits(request.SourceBits)) {
     if (request.SourceBits <= 8) {
         PlanIndices();
     } else if (request.SourceBits <= 16 && request.Has(Z_CONVERT_SOURCE_GRAY)) {
@@ -167,20 +156,6 @@ ConvertPlan::ConvertPlan(const ConvertRequest& request)
     } else {
         PlanColour();
     }
-}
-
-void ConvertPlan::Add(kernels::RowKernel kernel) {
-    stages_[stageCount_++].Kernel = kernel;
-    std::construct_at(&stages_[stageCount_]);
-}
-
-void ConvertPlan::Add(kernels::RowKernel kernel, const void* table) {
-    Next().Table = table;
-    Add(kernel);
-}
-
-void ConvertPlan::Add(Source source, Target target) {
-    Add(kernels_.Convert[static_cast<size_t>(source)][static_cast<size_t>(target)]);
 }
 
 bool ConvertPlan::TargetIsGrayWords() const {
@@ -196,29 +171,25 @@ const RGBQUAD* ConvertPlan::TargetPalette() const {
 // where the source is gray words.
 void ConvertPlan::AddTarget(Source source) {
     if (TargetIsIndexed()) {
-        Add(source, Target::Colour32);
+        stages_.Add(source, Target::Colour32);
         AddMatch();
         return;
     }
     const bool opaque = source == Source::GrayValue || source == Source::GrayLookup;
-    Next().TargetIsRgb = request_.TargetOrder == Z_ORDER_RGB;
-    Add(source, TargetOf(request_, opaque));
-    if (request_.TargetBits == 12) Add(kernels_.Pack12);
+    stages_.Next().TargetIsRgb = request_.TargetOrder == Z_ORDER_RGB;
+    stages_.Add(source, TargetOf(request_, opaque));
+    stages_.AddPack(request_.TargetBits);
 }
 
 void ConvertPlan::AddMatch() {
     const int32_t entries = 1 << request_.TargetBits;
     if (PaletteSearch* search = PaletteSearchFor(TargetPalette(), entries)) {
-        Add(MatchBySearch, search);
+        stages_.Add(MatchBySearch, search);
     } else {
-        Next().Mask = static_cast<uint32_t>(entries);
-        Add(MatchByScan, TargetPalette());
+        stages_.Next().Mask = static_cast<uint32_t>(entries);
+        stages_.Add(MatchByScan, TargetPalette());
     }
-    AddPack();
-}
-
-void ConvertPlan::AddPack() {
-    if (request_.TargetBits >= 1 && request_.TargetBits <= 7) Add(kernels_.Pack[request_.TargetBits]);
+    stages_.AddPack(request_.TargetBits);
 }
 
 void ConvertPlan::PlanIndices() {
@@ -227,8 +198,8 @@ void ConvertPlan::PlanIndices() {
     const RGBQUAD* palette =
         request_.SourcePalette != nullptr ? request_.SourcePalette : Z_IntGetFixedPalette(bits);
     const bool single = bits == 1 && (request_.TargetBits == 24 || request_.TargetBits == 32);
-    if (bits >= 1 && bits <= 7 && !single) Add(kernels_.Unpack[bits], kernels::IdentityMap.data());
-    RowParameters& parameters = Next();
+    if (!single) stages_.AddUnpack(bits);
+    RowParameters& parameters = stages_.Next();
     parameters.Table = palette;
     parameters.Mask = (1u << PixelBits(bits)) - 1;
     if (TargetIsGrayWords()) parameters.Scale = ScaleToGrayWords(request_);
@@ -248,12 +219,12 @@ void ConvertPlan::PlanIndexMap() {
         return;
     const PaletteMap& map =
         PaletteMapFor(source, entries, target, 1 << PixelBits(request_.TargetBits), spareMap_);
-    if (bits >= 1 && bits <= 7) {
-        Add(kernels_.Unpack[bits], map.IsIdentity ? kernels::IdentityMap.data() : map.Index);
-    } else if (!map.IsIdentity) {
-        Add(kernels_.MapBytes, map.Index);
+    if (!map.IsIdentity) {
+        stages_.AddMap(PixelBits(bits), map.Index);
+    } else {
+        stages_.AddUnpack(bits);
     }
-    AddPack();
+    stages_.AddPack(request_.TargetBits);
 }
 
 // Words of gray. Of 12 bits a lookup table plays no part where the target is gray words too.
@@ -265,8 +236,8 @@ void ConvertPlan::PlanGray() {
     if (request_.SourceBits == request_.TargetBits && toWords && lookup == nullptr &&
         !request_.Has(Z_CONVERT_SOURCE_WINDOW | Z_CONVERT_TARGET_WINDOW))
         return;
-    if (is12) Add(kernels_.Unpack12);
-    RowParameters& parameters = Next();
+    stages_.AddUnpack(request_.SourceBits);
+    RowParameters& parameters = stages_.Next();
     parameters.Table = lookup;
     parameters.Mask = window.Mask;
     parameters.Shift = window.Shift;
@@ -275,16 +246,16 @@ void ConvertPlan::PlanGray() {
     } else if (lookup != nullptr) {
         AddTarget(Source::GrayLookup);
     } else {
-        parameters.Scale = StretchGray(request_.TargetBits >= 48 ? 0xFFFF : 0xFF, window.Mask);
+        parameters.Scale = StretchGray(IsDeep(request_.TargetBits) ? 0xFFFF : 0xFF, window.Mask);
         TargetIsIndexed() ? PlanGrayToMap() : AddTarget(Source::GrayValue);
     }
 }
 
 void ConvertPlan::Plan12ToGray(const GrayWindow& window) {
     if (request_.Has(Z_CONVERT_TARGET_WINDOW)) {
-        Next() = {.Mask = 0xFFF, .Scale = UpperBitsOf(12, window)};
+        stages_.Next() = {.Mask = 0xFFF, .Scale = UpperBitsOf(12, window)};
     } else if (request_.TargetBits != 12) {
-        Next().Scale = StretchGray(0xFFFF, window.Mask);
+        stages_.Next().Scale = StretchGray(0xFFFF, window.Mask);
     }
     AddTarget(Source::GrayValue);
 }
@@ -293,7 +264,7 @@ void ConvertPlan::Plan16ToGray(const GrayWindow& window) {
     const bool to12 = request_.TargetBits == 12;
     const RGBQUAD* lookup = request_.SourcePalette;
     const Source source = lookup != nullptr ? Source::GrayLookup : Source::GrayValue;
-    RowParameters& parameters = Next();
+    RowParameters& parameters = stages_.Next();
     if (request_.Has(Z_CONVERT_SOURCE_WINDOW)) {
         const uint32_t limit = to12 ? 0xFFF : 0xFFFF;
         parameters.Scale = lookup != nullptr ? MakeGrayScale(limit, 0xFF) : StretchGray(limit, window.Mask);
@@ -309,8 +280,8 @@ void ConvertPlan::Plan16ToGray(const GrayWindow& window) {
     } else if (to12 && !given) {
         // The one place where green and blue exchange their weights.
         parameters.Scale = MakeGrayScale(273, 17);
-        Add(source, Target::SwappedGray);
-        Add(kernels_.Pack12);
+        stages_.Add(source, Target::SwappedGray);
+        stages_.AddPack(12);
     } else {
         parameters.Scale = to12 ? EightBitsTo(window) : MakeGrayScale(window.Mask, 0xFF, window.Shift);
         AddTarget(source);
@@ -320,17 +291,17 @@ void ConvertPlan::Plan16ToGray(const GrayWindow& window) {
 // Gray values without a lookup table to indices: the values become gray levels, and one map serves the row.
 void ConvertPlan::PlanGrayToMap() {
     const PaletteMap& map = PaletteMapFor(nullptr, 256, TargetPalette(), 1 << request_.TargetBits, spareMap_);
-    Add(Source::GrayValue, Target::Gray8);
-    Add(kernels_.MapBytes, map.Index);
-    AddPack();
+    stages_.Add(Source::GrayValue, Target::Gray8);
+    stages_.AddMap(8, map.Index);
+    stages_.AddPack(request_.TargetBits);
 }
 
 void ConvertPlan::PlanColour() {
     const int32_t bits = request_.SourceBits;
     if (bits == request_.TargetBits && request_.SourceOrder == request_.TargetOrder) return;
-    Next().SourceIsRgb = request_.SourceOrder == Z_ORDER_RGB;
-    if (TargetIsGrayWords()) Next().Scale = ScaleToGrayWords(request_);
-    AddTarget(ColourSource(bits));
+    stages_.Next().SourceIsRgb = request_.SourceOrder == Z_ORDER_RGB;
+    if (TargetIsGrayWords()) stages_.Next().Scale = ScaleToGrayWords(request_);
+    AddTarget(kernels::ColourForm(bits));
 }
 
 } // namespace zkr

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "colour/kept_palette_map.h"
-#include "colour/kernels/row_kernel.h"
+#include "colour/stages.h"
 #include "zkr13n/convert.h"
 
 namespace zkr {
@@ -31,16 +31,10 @@ inline int32_t PixelBits(int32_t depth) {
 // Settles the flags of a request and says whether its depths, orders and windows can go together.
 bool CheckConversion(ConvertRequest& request);
 
-struct ConvertStage {
-    kernels::RowKernel Kernel;
-    kernels::RowParameters Parameters;
-};
-
 struct GrayWindow;
 
 // The stages of a conversion in the order in which the pixels pass them: none where the row is to stay as it
-// is. The first reads pixels of the source depth, the last writes pixels of the target depth; between two
-// stages a pixel takes at most four bytes.
+// is. The first reads pixels of the source depth, the last writes pixels of the target depth.
 class ConvertPlan {
   public:
     // The request has passed CheckConversion and stands as long as the plan.
@@ -48,15 +42,9 @@ class ConvertPlan {
     ConvertPlan(const ConvertPlan&) = delete;
     ConvertPlan& operator=(const ConvertPlan&) = delete;
 
-    // Has the first stage ask the cache for what lies so far from its source.
-    void ReadAhead(ptrdiff_t distance) { stages_[0].Parameters.Ahead = distance; }
-
-    int32_t StageCount() const { return stageCount_; }
-    const ConvertStage& Stage(int32_t index) const { return stages_[index]; }
+    Stages& stages() { return stages_; }
 
   private:
-    static constexpr int32_t MostStages = 4;
-
     void PlanIndices();
     void PlanIndexMap();
     void PlanGray();
@@ -65,27 +53,14 @@ class ConvertPlan {
     void PlanGrayToMap();
     void PlanColour();
 
-    // The parameters of the stage that is added next, which are filled where they stand: a copy would wait
-    // for each field to reach memory.
-    kernels::RowParameters& Next() { return stages_[stageCount_].Parameters; }
-    void Add(kernels::RowKernel kernel);
-    void Add(kernels::RowKernel kernel, const void* table);
-    void Add(kernels::Source source, kernels::Target target);
     void AddTarget(kernels::Source source);
     void AddMatch();
-    void AddPack();
     bool TargetIsIndexed() const { return request_.TargetBits >= 1 && request_.TargetBits <= 8; }
     bool TargetIsGrayWords() const;
     const RGBQUAD* TargetPalette() const;
 
     const ConvertRequest& request_;
-    const kernels::ConvertKernels& kernels_;
-    int32_t stageCount_ = 0;
-    // Begun one after the other, with one that stands ready behind the last: clearing all takes longer than
-    // making most plans.
-    union {
-        ConvertStage stages_[MostStages + 1];
-    };
+    Stages stages_;
     PaletteMap spareMap_;
 };
 

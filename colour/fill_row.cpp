@@ -126,9 +126,9 @@ void Repeat(const Pattern& pattern, uint8_t* row, size_t bytes) {
     }
 }
 
-// Writes those bits of a byte that mask has.
-void Merge(uint8_t& target, uint8_t value, uint32_t mask) {
-    target = static_cast<uint8_t>((target & ~mask) | (value & mask));
+// Writes a byte but for the bits that are kept.
+void Merge(uint8_t& target, uint8_t value, uint32_t kept) {
+    target = static_cast<uint8_t>((target & kept) | (value & ~kept));
 }
 
 } // namespace
@@ -145,11 +145,10 @@ ReturnCode FillRowWithColor(const BitmapHandle& bitmap, uint32_t colour, uint8_t
     const uint64_t rowBits = static_cast<uint64_t>(count) * static_cast<uint64_t>(bits);
     const size_t wholeBytes = static_cast<size_t>(rowBits / 8);
     Repeat(pattern, row, wholeBytes);
-    if (const uint32_t rest = static_cast<uint32_t>(rowBits % 8); rest != 0) {
+    if (rowBits % 8 != 0) {
         const bool fillsByte = bits == 1 || bits == 2 || bits == 4;
-        const uint32_t upper = 0xFF00u >> rest & 0xFF;
-        const uint32_t mask = fillsByte ? 0xFF : bits == 12 ? 0x0F : upper;
-        Merge(row[wholeBytes], pattern.Bytes[wholeBytes % pattern.Length], mask);
+        const uint8_t kept = fillsByte ? 0 : UnusedInLastByte(bits, static_cast<size_t>(count));
+        Merge(row[wholeBytes], pattern.Bytes[wholeBytes % pattern.Length], kept);
     }
     return code::Success;
 }

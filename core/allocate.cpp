@@ -42,7 +42,7 @@ bool HasHoldableSize(const BitmapHandle& bitmap) {
 }
 
 bool NeedsExtendedGray(const BitmapHandle& bitmap) {
-    return bitmap.Order == Z_ORDER_GRAY || bitmap.BitsPerPixel == 48 || bitmap.BitsPerPixel == 64;
+    return bitmap.Order == Z_ORDER_GRAY || IsDeep(bitmap.BitsPerPixel);
 }
 
 // Takes the compressed forms out of a type where the bitmap cannot have them.

@@ -29,11 +29,6 @@ int32_t ResolutionFrom(int32_t setting) {
     return setting > 0 ? setting : StandardResolution;
 }
 
-int32_t NaturalOrder(int32_t bitsPerPixel) {
-    if (bitsPerPixel == 12) return Z_ORDER_GRAY;
-    return bitsPerPixel <= MostIndexedBits ? Z_ORDER_RGB : Z_ORDER_BGR;
-}
-
 // A byte count too large for its field is stored as the field's largest value; such a record cannot be
 // allocated.
 void SetSizes(BitmapHandle& bitmap) {
@@ -101,7 +96,7 @@ ReturnCode Z_CALL Z_InitBitmap(BitmapHandle* bitmap, int32_t width, int32_t heig
 
     bitmap->ViewPerspective = view::BottomLeft;
     bitmap->ColorsUsed = bitsPerPixel <= MostIndexedBits ? 1u << bitsPerPixel : 0;
-    bitmap->Order = NaturalOrder(bitsPerPixel);
+    bitmap->Order = DepthOf(bitsPerPixel).NaturalOrder;
     bitmap->HighBit = bitsPerPixel - 1;
     bitmap->LevelHighBit = bitsPerPixel - 1;
     bitmap->PaintGamma = NoGammaChange;

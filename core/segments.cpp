@@ -3,6 +3,7 @@
 // bytes.
 #include "core/segments.h"
 #include "core/bit_merge.h"
+#include "core/depth.h"
 #include "core/exact_rows.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
@@ -26,12 +27,9 @@ struct PixelForm {
 };
 
 PixelForm FormOf(const BitmapHandle& bitmap, bool keepTopBits) {
-    PixelForm form = {static_cast<uint32_t>(bitmap.BitsPerPixel), 0};
-    if (!keepTopBits) return form;
-    if (form.Bits == 16 && bitmap.Order != Z_ORDER_GRAY) form.KeptBits = 1;
-    if (form.Bits == 32) form.KeptBits = 8;
-    if (form.Bits == 64) form.KeptBits = 16;
-    return form;
+    const bool isGray = bitmap.BitsPerPixel == 16 && bitmap.Order == Z_ORDER_GRAY;
+    return {static_cast<uint32_t>(bitmap.BitsPerPixel),
+            keepTopBits && !isGray ? static_cast<uint32_t>(DepthOf(bitmap.BitsPerPixel).AlphaBits) : 0};
 }
 
 template <size_t pixelBytes, size_t writtenBytes>

@@ -1,7 +1,8 @@
-// Depths, sizes of palettes, bytes of rows and of whole bitmaps. All products are worked out in 64 bits, so
+// Bytes of rows and of whole bitmaps. All products are worked out in 64 bits, so
 // that none of them wraps.
 #pragma once
 
+#include "core/depth.h"
 #include "zkr13n/bitmap.h"
 
 #include <cstddef>
@@ -9,17 +10,6 @@
 #include <limits>
 
 namespace zkr {
-
-// 1 to 8, 12, 16, 24, 32, 48 and 64 bits per pixel.
-constexpr bool IsSupportedDepth(int32_t bitsPerPixel) {
-    constexpr uint64_t depths =
-        0xFF | 1ull << 11 | 1ull << 15 | 1ull << 23 | 1ull << 31 | 1ull << 47 | 1ull << 63;
-    return bitsPerPixel >= 1 && bitsPerPixel <= 64 && (depths >> (bitsPerPixel - 1) & 1) != 0;
-}
-
-// Pixels of up to so many bits are indices into a palette, which has at most so many entries.
-inline constexpr int32_t MostIndexedBits = 8;
-inline constexpr uint32_t MostEntries = 1u << MostIndexedBits;
 
 // Bytes of a storage row, padded to a multiple of 4; 0 for a width that is not positive.
 constexpr uint64_t StorageRowBytes(int32_t width, int32_t bitsPerPixel) {

@@ -86,9 +86,8 @@ class OrderedLine {
 
     void Run(const DitherState& state, uint8_t* quads, uint8_t* indices, size_t pixels) const {
         if (comparesGray_) {
-            const auto toGray = convert_.Convert[static_cast<size_t>(kernels::Source::Colour32)]
-                                                [static_cast<size_t>(kernels::Target::Gray8)];
-            toGray(quads, indices, pixels, {});
+            kernels::PairOf(convert_, kernels::Source::Colour32, kernels::Target::Gray8)(quads, indices,
+                                                                                         pixels, {});
             dither_.Compare(indices, pixels, thresholds_, 1);
             return;
         }

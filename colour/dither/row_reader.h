@@ -1,8 +1,7 @@
 // Rows of any depth as pixels of four bytes: blue, green, red and one without meaning.
 #pragma once
 
-#include "colour/kernels/dither_rows.h"
-#include "colour/kernels/row_kernel.h"
+#include "colour/stages.h"
 #include "zkr13n/bitmap.h"
 
 #include <cstddef>
@@ -22,23 +21,13 @@ class RowReader {
 
   private:
     void AddGray(const DitherState& state, const BitmapHandle& bitmap);
-    void Add(kernels::RowKernel kernel, const kernels::RowParameters& parameters);
-    void Add(kernels::Source source, kernels::Target target, const kernels::RowParameters& parameters);
     void LookUpLevels(const uint8_t* words, size_t pixels, uint8_t* quads) const;
 
-    struct Stage {
-        kernels::RowKernel Kernel;
-        kernels::RowParameters Parameters;
-    };
-    size_t bits_;
-    int32_t stageCount_ = 0;
-    Stage stages_[3];
-
+    Stages stages_;
     const RGBQUAD* levels_ = nullptr; // gray words are looked up here after the stages
     uint32_t levelCount_ = 0;
     uint32_t mask_ = 0;
     uint32_t shift_ = 0;
-    uint8_t between_[2][kernels::DitherPiece * 2]; // words at most
 };
 
 } // namespace zkr

@@ -73,8 +73,8 @@ class ColourScan {
   public:
     ColourScan(const BitmapHandle& bitmap, const GrayWindow& window, const RGBQUAD* levels,
                const FoldedPalette& palette, Tally& tally)
-        : bits_(static_cast<size_t>(bitmap.BitsPerPixel)), isRgb_(bitmap.Order == Z_ORDER_RGB),
-          window_(window), palette_(palette), tally_(tally) {
+        : isRgb_(bitmap.Order == Z_ORDER_RGB), window_(window), palette_(palette), tally_(tally),
+          stages_(bitmap.BitsPerPixel) {
         PlanStages(bitmap, levels);
         set_.emplace(SetWords());
         if (*set_) std::memset(set_->data(), 0, SetWords() * sizeof(uint32_t));
@@ -87,7 +87,7 @@ class ColourScan {
         for (size_t piece = begin & ~size_t{7}; piece < end; piece += Stages::PiecePixels) {
             const size_t pixels = std::min(end - piece, Stages::PiecePixels);
             const size_t skipped = begin > piece ? begin - piece : 0;
-            if (CountUnits(stages_.Run(row + piece / 8 * bits_, pixels), skipped, pixels)) return true;
+            if (CountUnits(stages_.Read(row, piece, pixels), skipped, pixels)) return true;
         }
         return false;
     }
@@ -100,33 +100,29 @@ class ColourScan {
 
   private:
     void PlanStages(const BitmapHandle& bitmap, const RGBQUAD* levels) {
-        const kernels::ConvertKernels& kernels = kernels::Chosen<kernels::ConvertKernels>();
+        const int32_t bits = bitmap.BitsPerPixel;
         const auto toColour32 = [&](kernels::Source source, const kernels::RowParameters& parameters) {
-            constexpr auto target = static_cast<size_t>(kernels::Target::Colour32);
-            stages_.Append(kernels.Convert[static_cast<size_t>(source)][target], parameters);
+            stages_.Add(source, kernels::Target::Colour32, parameters);
             unit_ = Unit::Colour32;
         };
-        if (bits_ <= 8) {
-            stages_.Append(bits_ == 8 ? kernels.MapBytes : kernels.Unpack[bits_], {.Table = palette_.First});
+        if (bits <= MostIndexedBits) {
+            stages_.AddMap(bits, palette_.First);
             unit_ = Unit::Index;
             return;
         }
-        if (bits_ == 12) stages_.Append(kernels.Unpack12);
-        if (bits_ <= 16) {
+        stages_.AddUnpack(bits);
+        if (bits <= 16) {
             unit_ = HasGrayWords(bitmap) ? Unit::Gray : Unit::Colour16;
             if (levels != nullptr)
                 toColour32(kernels::Source::GrayLookup,
                            {.Table = levels, .Mask = window_.Mask, .Shift = window_.Shift});
             return;
         }
-        if (bits_ == 24) {
+        if (bits == 24) {
             unit_ = Unit::Colour24;
             return;
         }
-        const kernels::Source source = bits_ == 32   ? kernels::Source::Colour32
-                                       : bits_ == 48 ? kernels::Source::Deep48
-                                                     : kernels::Source::Deep64;
-        toColour32(source, {.SourceIsRgb = isRgb_});
+        toColour32(kernels::ColourForm(bits), {.SourceIsRgb = isRgb_});
     }
 
     size_t SetWords() const {
@@ -216,7 +212,6 @@ class ColourScan {
         return {widened(isRgb_ ? 10 : 0), widened(5), widened(isRgb_ ? 0 : 10), 0};
     }
 
-    size_t bits_;
     bool isRgb_;
     const GrayWindow& window_;
     const FoldedPalette& palette_;

@@ -8,7 +8,6 @@
 #include "core/row_access.h"
 #include "core/row_walk.h"
 #include "core/scratch.h"
-#include "kernels/family.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/locks.h"
 #include "zkr13n/palettes.h"
@@ -21,7 +20,7 @@ namespace zkr {
 
 namespace {
 
-using kernels::ConvertKernels;
+using kernels::ColourForm;
 using kernels::MakeGrayScale;
 using kernels::RowParameters;
 using kernels::Source;
@@ -53,24 +52,19 @@ class GrayStages {
   public:
     GrayStages(const BitmapHandle& source, int32_t targetBits, const uint8_t* map, const GrayWindow& window,
                const RGBQUAD* levels)
-        : targetBits_(targetBits) {
-        const auto bits = static_cast<size_t>(source.BitsPerPixel);
+        : stages(source.BitsPerPixel), targetBits_(targetBits) {
+        const int32_t bits = source.BitsPerPixel;
         const bool isRgb = source.Order == Z_ORDER_RGB;
-        if (bits <= 8) {
-            stages.Append(bits == 8 ? kernels_.MapBytes : kernels_.Unpack[bits], {.Table = map});
+        if (bits <= MostIndexedBits) {
+            stages.AddMap(bits, map);
             if (targetBits != 8) FromColour(Source::Gray8, isRgb);
         } else if (HasGrayWords(source)) {
-            if (bits == 12) stages.Append(kernels_.Unpack12);
+            stages.AddUnpack(bits);
             FromGray(window, levels);
-        } else if (bits <= 32) {
-            FromColour(bits == 16   ? Source::Colour16
-                       : bits == 24 ? Source::Colour24
-                                    : Source::Colour32,
-                       isRgb);
         } else {
-            FromDeep(bits == 48 ? Source::Deep48 : Source::Deep64, isRgb);
+            IsDeep(bits) ? FromDeep(ColourForm(bits), isRgb) : FromColour(ColourForm(bits), isRgb);
         }
-        if (targetBits == 12) stages.Append(kernels_.Pack12);
+        stages.AddPack(targetBits);
     }
 
     Stages stages;
@@ -79,27 +73,23 @@ class GrayStages {
     uint32_t Limit() const { return (1u << targetBits_) - 1; }
     Target GrayTarget() const { return targetBits_ == 8 ? Target::Gray8 : Target::GrayWords; }
 
-    void Append(Source source, Target target, const RowParameters& parameters) {
-        stages.Append(kernels_.Convert[static_cast<size_t>(source)][static_cast<size_t>(target)], parameters);
-    }
     void FromColour(Source source, bool isRgb) {
-        Append(source, GrayTarget(), {.Scale = MakeGrayScale(Limit(), 255), .SourceIsRgb = isRgb});
+        stages.Add(source, GrayTarget(), {.Scale = MakeGrayScale(Limit(), 255), .SourceIsRgb = isRgb});
     }
     void FromGray(const GrayWindow& window, const RGBQUAD* levels) {
         const kernels::GrayScale scale =
             levels != nullptr ? MakeGrayScale(Limit(), 255) : StretchGray(Limit(), window.Mask);
-        Append(levels != nullptr ? Source::GrayLookup : Source::GrayValue, GrayTarget(),
-               {.Table = levels, .Mask = window.Mask, .Shift = window.Shift, .Scale = scale});
+        stages.Add(levels != nullptr ? Source::GrayLookup : Source::GrayValue, GrayTarget(),
+                   {.Table = levels, .Mask = window.Mask, .Shift = window.Shift, .Scale = scale});
     }
     // The gray of whole words, of which a narrower target takes the upper bits.
     void FromDeep(Source source, bool isRgb) {
-        Append(source, Target::GrayWords, {.SourceIsRgb = isRgb});
+        stages.Add(source, Target::GrayWords, {.SourceIsRgb = isRgb});
         if (targetBits_ != 16)
-            Append(Source::GrayValue, GrayTarget(),
-                   {.Mask = Limit(), .Shift = 16 - static_cast<uint32_t>(targetBits_)});
+            stages.Add(Source::GrayValue, GrayTarget(),
+                       {.Mask = Limit(), .Shift = 16 - static_cast<uint32_t>(targetBits_)});
     }
 
-    const ConvertKernels& kernels_ = kernels::Chosen<kernels::ConvertKernels>();
     int32_t targetBits_;
 };
 
@@ -123,15 +113,13 @@ ReturnCode ConvertRows(BitmapHandle& source, BitmapHandle& gray, Stages& stages)
     ScratchRow from(source), to(gray);
     if (!from || !to) return code::OutOfMemory;
     std::memset(to.data(), 0, gray.BytesPerLine);
-    const auto sourceBits = static_cast<size_t>(source.BitsPerPixel);
-    const auto grayBits = static_cast<size_t>(gray.BitsPerPixel);
     const auto pixels = static_cast<size_t>(source.Width);
     return WalkRows(&source, source.Height, StatusReceiver::Status(), [&](int32_t row) {
         const uint8_t* data;
         const ReturnCode fetched = FetchRow(source, row, from.data(), data);
         if (fetched != code::Success) return fetched;
         return StoreRow(gray, row, to.data(),
-                        [&](uint8_t* target) { stages.RunRow(data, sourceBits, target, grayBits, pixels); });
+                        [&](uint8_t* target) { stages.RunRow(data, target, gray.BitsPerPixel, pixels); });
     });
 }
 

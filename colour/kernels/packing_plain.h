@@ -5,6 +5,7 @@
 #pragma once
 
 #include "colour/kernels/row_kernel.h"
+#include "core/depth.h"
 
 namespace zkr::kernels {
 namespace {
@@ -57,8 +58,8 @@ void Pack(const uint8_t* source, uint8_t* target, size_t pixels, const RowParame
     const size_t whole = pixels * bits / 8;
     for (size_t byte = 0; byte < whole; ++byte)
         target[byte] = byteOf(group, byte);
-    const auto kept = static_cast<uint8_t>(0xFF >> (pixels * bits % 8));
-    if (kept != 0xFF) target[whole] = static_cast<uint8_t>((target[whole] & kept) | byteOf(group, whole));
+    const uint8_t kept = UnusedInLastByte(static_cast<int32_t>(bits), pixels);
+    if (kept != 0) target[whole] = static_cast<uint8_t>((target[whole] & kept) | byteOf(group, whole));
 }
 
 inline void StoreWordAt(uint8_t* place, uint32_t word) {

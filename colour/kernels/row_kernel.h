@@ -100,4 +100,19 @@ struct ConvertKernels {
     RowKernel MapBytes;                          // bytes to bytes, through a map of 256
 };
 
+static constexpr RowKernel PairOf(const ConvertKernels& kernels, Source source, Target target) {
+    return kernels.Convert[static_cast<size_t>(source)][static_cast<size_t>(target)];
+}
+
+// The form of pixels of 16 bits and more in the orders of colour.
+static constexpr Source ColourForm(int32_t bits) {
+    switch (bits) {
+    case 16: return Source::Colour16;
+    case 24: return Source::Colour24;
+    case 32: return Source::Colour32;
+    case 48: return Source::Deep48;
+    default: return Source::Deep64;
+    }
+}
+
 } // namespace zkr::kernels

@@ -20,8 +20,7 @@ using namespace spaces;
 constexpr size_t PiecePixels = 256;
 
 void Reshape(Source from, Target to, const void* source, void* target, size_t pixels) {
-    const RowKernel kernel =
-        Compiled<ConvertKernels, ThisSet>::Table.Convert[static_cast<size_t>(from)][static_cast<size_t>(to)];
+    const RowKernel kernel = PairOf(Compiled<ConvertKernels, ThisSet>::Table, from, to);
     kernel(static_cast<const uint8_t*>(source), static_cast<uint8_t*>(target), pixels, {});
 }
 

@@ -11,6 +11,7 @@
 #pragma once
 
 #include "colour/kernels/row_kernel.h"
+#include "core/depth.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -94,13 +95,6 @@ inline __m256i Load(const Places& places) {
     return Load(places.Place);
 }
 
-// The bits of the last byte that hold no pixel: two pixels of 12 bits fill their middle byte from below, all
-// others from above.
-constexpr uint8_t UnusedBits(size_t pixels, size_t bits) {
-    if (pixels * bits % 8 == 0) return 0;
-    return static_cast<uint8_t>(bits == 12 ? 0xF0 : 0xFF >> (pixels * bits % 8));
-}
-
 template <class Step>
 [[gnu::noinline]] void RunPadded(const Step& step, uint8_t* target, const uint8_t* source, size_t pixels) {
     constexpr size_t widestPixel = 8;
@@ -110,7 +104,7 @@ template <class Step>
     std::memcpy(paddedSource, source, (pixels * Step::sourceBits + 7) / 8);
     std::memcpy(paddedTarget, target, targetBytes);
     step(paddedTarget, paddedSource);
-    const uint8_t unused = UnusedBits(pixels, Step::targetBits);
+    const uint8_t unused = UnusedInLastByte(static_cast<int32_t>(Step::targetBits), pixels);
     uint8_t& last = paddedTarget[targetBytes - 1];
     last = static_cast<uint8_t>((last & ~unused) | (target[targetBytes - 1] & unused));
     std::memcpy(target, paddedTarget, targetBytes);

@@ -25,18 +25,16 @@ class KeyReader {
     template <typename Take> void Read(const uint8_t* row, Take take) {
         for (size_t first = 0; first < width_; first += Stages::PiecePixels) {
             const size_t pixels = std::min(Stages::PiecePixels, width_ - first);
-            const uint8_t* keys = stages_.Run(row + first / 8 * bits_, pixels);
+            const uint8_t* keys = stages_.Read(row, first, pixels);
             take(reinterpret_cast<const uint16_t*>(keys), pixels);
         }
     }
 
   private:
-    void PlanIndices();
-    void PlanGray();
-    void Append(kernels::Source source, kernels::Target target, const kernels::RowParameters& parameters);
+    void PlanIndices(int32_t bits);
+    void PlanGray(int32_t bits);
 
     size_t width_;
-    size_t bits_;
     GrayWindow window_;
     LevelTable levels_;
     RGBQUAD palette_[256] = {};

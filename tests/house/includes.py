@@ -17,9 +17,9 @@ INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 
 def read_table(document):
-    """For each room the folders that it may include besides its own: the first and last columns of the table."""
+    """For each room the folders and files that it may include besides its own: the table's first and last columns."""
     rows = re.findall(r"^\| `([^`|]+)/` \|[^|]*\|([^|]*)\|$", document.read_text(encoding="utf-8"), re.M)
-    return {room: re.findall(r"`([^`]+)/`", enter) for room, enter in rows}
+    return {room: re.findall(r"`([^`]+?)/?`", enter) for room, enter in rows}
 
 
 def folder_and_room(path, table):
@@ -62,7 +62,7 @@ def faults_of(top, source, table):
             if quote == '"':
                 yield f'{where}: "{name}" is not a file of the project'
             continue
-        if not target.startswith(tuple(entered + "/" for entered in [folder, *table[room]])):
+        if not any(target == entered or target.startswith(entered + "/") for entered in [folder, *table[room]]):
             yield f"{where}: {room} may not enter {target}"
 
 
