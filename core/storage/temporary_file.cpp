@@ -2,6 +2,8 @@
 #include "core/storage/temporary_file.h"
 
 #include "core/return_codes.h"
+#include "core/thread_settings.h"
+#include "platform/files.h"
 #include "zkr13n/files.h"
 
 #include <algorithm>
@@ -33,14 +35,9 @@ int64_t MoveAt(intptr_t file, uint64_t position, Byte* buffer, uint64_t bytes, C
 } // namespace
 
 intptr_t CreateTemporaryFile(uint64_t bytes) {
-    char name[260] = "";
-    Z_OsGetTempName(name);
-    const intptr_t file = Z_OsCreat(name, Z_CREATE_DELETE_ON_CLOSE);
-    if (file == NoFile) {
-        // Making the name has made a file of that name.
-        if (name[0] != '\0') Z_OsDelete(name);
-        return NoFile;
-    }
+    const auto file = reinterpret_cast<intptr_t>(
+        platform::CreateTemporaryFile(CurrentThreadSettings().TempDirectory, "ZD"));
+    if (file == NoFile) return NoFile;
     if (ExtendFile(file, bytes)) return file;
     Z_OsClose(file, 0);
     return NoFile;

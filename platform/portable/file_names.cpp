@@ -64,7 +64,7 @@ DWORD GetFileAttributesA(const char* name) {
 
 DWORD GetTempPathA(DWORD size, char* buffer) {
     const char* folder = secure_getenv("TMPDIR");
-    if (folder == nullptr || folder[0] == '\0') folder = "/tmp";
+    if (folder == nullptr || folder[0] == '\0' || std::strlen(folder) >= MAX_PATH - 1) folder = "/tmp";
     const size_t length = std::strlen(folder);
     const char* separator = folder[length - 1] == '/' ? "" : "/";
     const size_t whole = length + std::strlen(separator);

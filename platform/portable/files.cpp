@@ -56,6 +56,7 @@ DWORD FinishOpen(OpenFile& file, const char* name, DWORD disposition, DWORD attr
     if (fstat(file.descriptor, &status) != 0) return ErrorFromErrno(errno);
     if (S_ISDIR(status.st_mode)) return ERROR_ACCESS_DENIED;
     file.identity = {status.st_dev, status.st_ino};
+    file.positioned = S_ISREG(status.st_mode) || S_ISBLK(status.st_mode);
     if (!BookFile(file)) return ERROR_SHARING_VIOLATION;
     if (Truncates(disposition)) {
         if (S_ISREG(status.st_mode) && ftruncate(file.descriptor, 0) != 0) return ErrorFromErrno(errno);
@@ -71,21 +72,86 @@ DWORD FinishOpen(OpenFile& file, const char* name, DWORD disposition, DWORD attr
 
 // A write past the limit on the size of files would raise a signal that ends the process; it is refused
 // first.
-bool PassesSizeLimit(int descriptor, uint64_t bytes) {
+bool PassesSizeLimit(const OpenFile& file, int64_t position, uint64_t bytes) {
     rlimit limit;
-    if (getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return true;
-    const off_t position = lseek(descriptor, 0, SEEK_CUR);
-    return position < 0 || (static_cast<uint64_t>(position) <= limit.rlim_cur &&
-                            bytes <= limit.rlim_cur - static_cast<uint64_t>(position));
+    if (!file.positioned || getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY)
+        return true;
+    const auto start = static_cast<uint64_t>(position);
+    return start <= limit.rlim_cur && bytes <= limit.rlim_cur - start;
 }
 
-bool Seek(const OpenFile& file, int64_t distance, DWORD origin, int64_t& position) {
+// A write that begins behind the end of the file extends it.
+bool HasRoomBefore(OpenFile& file, int64_t position) {
+    struct stat status;
+    if (!file.positioned || position <= file.reached.load()) return true;
+    if (fstat(file.descriptor, &status) != 0 || position <= status.st_size) return true;
+    return PromiseRoom(file, static_cast<uint64_t>(position));
+}
+
+// The run of bytes that a transfer is about. Of two threads that move bytes at once each has a run of its own.
+class Transfer {
+  public:
+    Transfer(OpenFile& file, DWORD count) : file_(file), count_(count), start_(file.position.load()) {
+        while (Begins() && !file.position.compare_exchange_weak(start_, start_ + count)) {
+        }
+    }
+    Transfer(const Transfer&) = delete;
+    Transfer& operator=(const Transfer&) = delete;
+
+    bool Begins() const { return start_ <= INT64_MAX - count_; }
+    int64_t Start() const { return start_; }
+
+    // Calls move(bytes already moved) until all are moved or one call moves none; its error.
+    template <typename Move> DWORD Run(DWORD& moved, Move move) {
+        DWORD error = NO_ERROR;
+        while (moved < count_) {
+            const ssize_t part = move(moved);
+            if (part > 0)
+                moved += static_cast<DWORD>(part);
+            else if (part == 0)
+                break;
+            else if (errno != EINTR) {
+                error = ErrorFromErrno(errno);
+                break;
+            }
+        }
+        EndAt(moved);
+        return error;
+    }
+    // Moves the position back to where the transfer ended, unless somebody has moved it meanwhile.
+    void EndAt(DWORD moved) {
+        int64_t end = start_ + count_;
+        if (moved != count_) file_.position.compare_exchange_strong(end, start_ + moved);
+    }
+
+  private:
+    OpenFile& file_;
+    DWORD count_;
+    int64_t start_;
+};
+
+// Gives the position that a distance from an origin leads to; nothing has moved yet.
+bool FindPosition(const OpenFile& file, int64_t distance, DWORD origin, int64_t& position) {
     if (fault::Due(fault::FileSeek)) return Fail(ERROR_SEEK);
     if (origin > FILE_END) return Fail(ERROR_INVALID_PARAMETER);
-    constexpr int whence[] = {SEEK_SET, SEEK_CUR, SEEK_END};
-    position = lseek(file.descriptor, distance, whence[origin]);
-    if (position < 0) return Fail(errno == EINVAL ? ERROR_NEGATIVE_SEEK : ErrorFromErrno(errno));
-    return true;
+    if (!file.positioned) return Fail(ErrorFromErrno(ESPIPE));
+    const int64_t base = origin == FILE_BEGIN     ? 0
+                         : origin == FILE_CURRENT ? file.position.load()
+                                                  : lseek(file.descriptor, 0, SEEK_END);
+    if (base < 0) return Fail(ErrorFromErrno(errno));
+    if (__builtin_add_overflow(base, distance, &position)) return Fail(ERROR_INVALID_PARAMETER);
+    return position >= 0 || Fail(ERROR_NEGATIVE_SEEK);
+}
+
+// What opening gave: the handle, or the error and nothing.
+HANDLE Opened(OpenFile* file, DWORD error) {
+    if (error == NO_ERROR) {
+        if (HANDLE handle = InsertHandle(OpenFile::kind, *file)) return handle;
+        error = ERROR_NOT_ENOUGH_MEMORY;
+    }
+    file->Release();
+    SetLastError(error);
+    return INVALID_HANDLE_VALUE;
 }
 
 } // namespace
@@ -109,15 +175,30 @@ HANDLE CreateFileA(const char* name, DWORD access, DWORD share, void* security, 
                         ((access & GENERIC_WRITE) != 0 ? FILE_SHARE_WRITE : 0) |
                         ((attributes & FILE_FLAG_DELETE_ON_CLOSE) != 0 ? FILE_SHARE_DELETE : 0);
     file->sharing.allowed = share;
+    const bool temporary = (attributes & FILE_FLAG_DELETE_ON_CLOSE) != 0;
+    if (temporary && !TakeTemporaryDescriptor()) return Opened(file, ERROR_TOO_MANY_OPEN_FILES);
+    file->temporary = temporary;
     file->descriptor = OpenDescriptor(name, OpenFlags(access, disposition), CreationMode(attributes));
-    DWORD error =
-        file->descriptor < 0 ? ErrorFromErrno(errno) : FinishOpen(*file, name, disposition, attributes);
-    if (error == NO_ERROR) {
-        if (HANDLE handle = InsertHandle(OpenFile::kind, *file)) return handle;
-        error = ERROR_NOT_ENOUGH_MEMORY;
-    }
-    file->Release();
-    return fail(error);
+    return Opened(file, file->descriptor < 0 ? ErrorFromErrno(errno)
+                                             : FinishOpen(*file, name, disposition, attributes));
+}
+
+HANDLE CreateNamelessFile(const char* folder) {
+    const auto fail = [](DWORD error) {
+        SetLastError(error);
+        return INVALID_HANDLE_VALUE;
+    };
+    if (fault::Due(fault::FileOpen)) return fail(ERROR_TOO_MANY_OPEN_FILES);
+    auto* file = new (std::nothrow) OpenFile;
+    if (file == nullptr) return fail(ERROR_NOT_ENOUGH_MEMORY);
+    file->sharing = {FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                     FILE_SHARE_READ | FILE_SHARE_WRITE};
+    file->temporary = TakeTemporaryDescriptor();
+    if (!file->temporary) return Opened(file, ERROR_TOO_MANY_OPEN_FILES);
+    file->descriptor = OpenDescriptor(folder, O_TMPFILE | O_EXCL | O_RDWR | O_CLOEXEC, 0600);
+    if (file->descriptor >= 0) return Opened(file, FinishOpen(*file, nullptr, OPEN_EXISTING, 0));
+    const bool isUnknown = errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL;
+    return Opened(file, isUnknown ? ERROR_CALL_NOT_IMPLEMENTED : ErrorFromErrno(errno));
 }
 
 BOOL ReadFile(HANDLE handle, void* buffer, DWORD count, DWORD* got, void* overlapped) {
@@ -127,16 +208,15 @@ BOOL ReadFile(HANDLE handle, void* buffer, DWORD count, DWORD* got, void* overla
     if (overlapped != nullptr || got == nullptr) return Fail(ERROR_INVALID_PARAMETER);
     if (!file->Reads()) return Fail(ERROR_ACCESS_DENIED);
     if (fault::Due(fault::FileRead)) return Fail(ERROR_READ_FAULT);
-    while (*got < count) {
-        const ssize_t part = read(file->descriptor, static_cast<char*>(buffer) + *got, count - *got);
-        if (part == 0) break;
-        if (part > 0) {
-            *got += static_cast<DWORD>(part);
-        } else if (errno != EINTR) {
-            return Fail(ErrorFromErrno(errno));
-        }
-    }
-    return TRUE;
+    const auto read = [&](int64_t position, DWORD moved) {
+        char* const rest = static_cast<char*>(buffer) + moved;
+        return file->positioned ? pread(file->descriptor, rest, count - moved, position + moved)
+                                : ::read(file->descriptor, rest, count - moved);
+    };
+    Transfer transfer(*file, count);
+    if (!transfer.Begins()) return TRUE; // no file reaches so far
+    const DWORD error = transfer.Run(*got, [&](DWORD moved) { return read(transfer.Start(), moved); });
+    return error == NO_ERROR ? TRUE : Fail(error);
 }
 
 BOOL WriteFile(HANDLE handle, const void* buffer, DWORD count, DWORD* done, void* overlapped) {
@@ -145,25 +225,29 @@ BOOL WriteFile(HANDLE handle, const void* buffer, DWORD count, DWORD* done, void
     if (!file) return FALSE;
     if (overlapped != nullptr || done == nullptr) return Fail(ERROR_INVALID_PARAMETER);
     if (!file->Writes()) return Fail(ERROR_ACCESS_DENIED);
-    if (fault::Due(fault::FileWrite) || !PassesSizeLimit(file->descriptor, count))
+    if (fault::Due(fault::FileWrite)) return Fail(ERROR_DISK_FULL);
+    Transfer transfer(*file, count);
+    if (!transfer.Begins()) return Fail(ERROR_DISK_FULL);
+    const int64_t start = transfer.Start();
+    if (!PassesSizeLimit(*file, start, count) || (count != 0 && !HasRoomBefore(*file, start))) {
+        transfer.EndAt(0);
         return Fail(ERROR_DISK_FULL);
-    while (*done < count) {
-        const ssize_t part = write(file->descriptor, static_cast<const char*>(buffer) + *done, count - *done);
-        if (part > 0) {
-            *done += static_cast<DWORD>(part);
-        } else if (part == 0) {
-            return Fail(ERROR_DISK_FULL);
-        } else if (errno != EINTR) {
-            return Fail(ErrorFromErrno(errno));
-        }
     }
-    return TRUE;
+    const DWORD error = transfer.Run(*done, [&](DWORD moved) {
+        const char* const rest = static_cast<const char*>(buffer) + moved;
+        return file->positioned ? pwrite(file->descriptor, rest, count - moved, start + moved)
+                                : write(file->descriptor, rest, count - moved);
+    });
+    if (file->reached.load() < start + *done) file->reached.store(start + *done);
+    if (error != NO_ERROR) return Fail(error);
+    return *done == count ? TRUE : Fail(ERROR_DISK_FULL);
 }
 
 BOOL SetFilePointerEx(HANDLE handle, LARGE_INTEGER distance, LARGE_INTEGER* position, DWORD origin) {
     const Pin<OpenFile> file(handle);
     int64_t reached;
-    if (!file || !Seek(*file, distance.QuadPart, origin, reached)) return FALSE;
+    if (!file || !FindPosition(*file, distance.QuadPart, origin, reached)) return FALSE;
+    file->position.store(reached);
     if (position != nullptr) position->QuadPart = reached;
     return TRUE;
 }
@@ -175,14 +259,13 @@ DWORD SetFilePointer(HANDLE handle, LONG low, LONG* high, DWORD origin) {
         high == nullptr
             ? low
             : static_cast<int64_t>(static_cast<uint64_t>(*high) << 32 | static_cast<uint32_t>(low));
-    const off_t before = lseek(file->descriptor, 0, SEEK_CUR);
     int64_t reached;
-    if (!Seek(*file, distance, origin, reached)) return INVALID_SET_FILE_POINTER;
+    if (!FindPosition(*file, distance, origin, reached)) return INVALID_SET_FILE_POINTER;
     if (high == nullptr && reached > std::numeric_limits<uint32_t>::max()) {
-        lseek(file->descriptor, before, SEEK_SET);
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_SET_FILE_POINTER;
     }
+    file->position.store(reached);
     if (high != nullptr) *high = static_cast<LONG>(reached >> 32);
     SetLastError(NO_ERROR);
     return static_cast<DWORD>(reached);
@@ -192,14 +275,16 @@ BOOL SetEndOfFile(HANDLE handle) {
     const Pin<OpenFile> file(handle);
     if (!file) return FALSE;
     if (!file->Writes()) return Fail(ERROR_ACCESS_DENIED);
-    if (fault::Due(fault::FileEnd) || !PassesSizeLimit(file->descriptor, 0)) return Fail(ERROR_DISK_FULL);
-    const off_t position = lseek(file->descriptor, 0, SEEK_CUR);
-    if (position < 0) return Fail(ErrorFromErrno(errno));
+    const int64_t end = file->position.load();
+    if (fault::Due(fault::FileEnd) || !PassesSizeLimit(*file, end, 0) || !HasRoomBefore(*file, end))
+        return Fail(ERROR_DISK_FULL);
     int result;
     do {
-        result = ftruncate(file->descriptor, position);
+        result = ftruncate(file->descriptor, end);
     } while (result != 0 && errno == EINTR);
-    return result == 0 ? TRUE : Fail(ErrorFromErrno(errno));
+    if (result != 0) return Fail(ErrorFromErrno(errno));
+    file->reached.store(end);
+    return TRUE;
 }
 
 } // namespace zkr::platform

@@ -5,6 +5,12 @@
 // FILE_SHARE_DELETE. Other processes are not held off. A file with FILE_FLAG_DELETE_ON_CLOSE loses its name
 // as soon as it is open, so that a crash leaves nothing behind. Attributes: READONLY stands for the absence
 // of write permission; HIDDEN and SYSTEM are accepted and have no effect.
+//
+// A file is never extended beyond the space that its disk has: a position behind the end, a length and a mapping
+// are held against what is free less what open files of the process have been extended by and not filled, and
+// fail with ERROR_DISK_FULL. Temporary files take at most three quarters of the descriptors that the process may
+// have and fail with ERROR_TOO_MANY_OPEN_FILES beyond. Positions belong to the handle and the process: a child
+// made by fork moves its own.
 #pragma once
 
 #include "platform/portable/types.h"
@@ -61,12 +67,15 @@ BOOL CloseHandle(HANDLE handle);
 BOOL DeleteFileA(const char* name);
 DWORD GetFileAttributesA(const char* name);
 
-// The folder of temporary files with a slash at its end: TMPDIR or /tmp. Gives the length without the zero,
-// or the size needed where size is too small.
+// The folder of temporary files with a slash at its end: TMPDIR, or /tmp where that is not set or longer than a
+// name may be. Gives the length without the zero, or the size needed where size is too small.
 DWORD GetTempPathA(DWORD size, char* buffer);
 // Writes a name of the folder, up to three characters of the prefix and a number into buffer (MAX_PATH
 // bytes). With number 0 a fresh file is made under that name, readable by its owner alone. Gives the number,
 // 0 on failure.
 UINT GetTempFileNameA(const char* folder, const char* prefix, UINT number, char* buffer);
+// A fresh file for reading and writing that has never had a name and goes when it is closed. INVALID_HANDLE_VALUE on
+// failure, with ERROR_CALL_NOT_IMPLEMENTED where the folder's file system has no such files.
+HANDLE CreateNamelessFile(const char* folder);
 
 } // namespace zkr::platform

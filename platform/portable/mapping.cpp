@@ -83,6 +83,7 @@ struct Mapping final : Object {
     uint8_t* memory = nullptr; // of an anonymous mapping
     size_t mappedBytes = 0;    // likewise, of a large one
     int descriptor = -1;       // of a file mapping
+    bool temporary = false;    // the descriptor counts among those of temporary files
     bool writes = true;
     std::atomic<uint32_t> references{1}; // the handle and the views
 
@@ -101,6 +102,7 @@ struct Mapping final : Object {
         if (memory != nullptr && size < SmallBlock) std::free(memory);
         if (memory != nullptr && size >= SmallBlock) munmap(memory, mappedBytes);
         if (descriptor >= 0) close(descriptor);
+        if (temporary) GiveTemporaryDescriptor();
         delete this;
     }
 };
@@ -128,10 +130,13 @@ DWORD TakeFile(Mapping& mapping, HANDLE handle, DWORD protection) {
         if (!mapping.writes) return ERROR_NOT_ENOUGH_MEMORY;
         if (mapping.size > static_cast<uint64_t>(INT64_MAX) ||
             (getrlimit(RLIMIT_FSIZE, &limit) == 0 && mapping.size > limit.rlim_cur) ||
+            !PromiseRoom(*file, mapping.size) ||
             ftruncate(file->descriptor, static_cast<off_t>(mapping.size)) != 0) {
             return ERROR_DISK_FULL;
         }
     }
+    if (file->temporary && !TakeTemporaryDescriptor()) return ERROR_TOO_MANY_OPEN_FILES;
+    mapping.temporary = file->temporary;
     mapping.descriptor = fcntl(file->descriptor, F_DUPFD_CLOEXEC, 0);
     return mapping.descriptor < 0 ? ErrorFromErrno(errno) : NO_ERROR;
 }

@@ -25,4 +25,10 @@ using ::GetLastError;
 using ::GetTempPathA;
 using ::SetLastError;
 
+// Temporary files have names here.
+inline HANDLE CreateNamelessFile(const char*) {
+    SetLastError(ERROR_CALL_NOT_IMPLEMENTED);
+    return INVALID_HANDLE_VALUE;
+}
+
 } // namespace zkr::platform
