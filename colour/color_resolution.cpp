@@ -10,7 +10,6 @@
 #include "colour/quantise/optimized_palette.h"
 #include "colour/quantise/palette_slots.h"
 #include "core/attachments.h"
-#include "core/dispatch.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "core/thread_settings.h"
@@ -122,7 +121,6 @@ class ColorResolution {
                                                                 : Z_ORDER_RGB;
             if (target_->Order == Z_ORDER_GRAY) Z_InitGrayParams(target_);
         }
-        if (dispatch.CopyBitmapRegion == nullptr) return code::Success;
         target_->Flags |= reading_.Flags & flag::RegionUnclipped;
         return CopyRegion(*target_, reading_, 0, 0);
     }

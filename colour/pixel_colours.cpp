@@ -216,8 +216,7 @@ uint32_t Z_CALL Z_GetPixelColor(BitmapHandle* bitmap, int32_t row, int32_t colum
 
 ReturnCode Z_CALL Z_PutPixelColor(BitmapHandle* bitmap, int32_t row, int32_t column, uint32_t colour) {
     if (!IsAllocated(bitmap)) return code::InvalidBitmap;
-    if (dispatch.IsPtInBitmapRgn != nullptr && dispatch.IsPtInBitmapRgn(bitmap, row, column) == 0)
-        return code::InvalidDimensions;
+    if (Dispatch().IsPtInBitmapRgn(bitmap, row, column) == 0) return code::InvalidDimensions;
     if (!IsInside(*bitmap, row, column)) return code::InvalidDimensions;
 
     ColourValue value(colour);

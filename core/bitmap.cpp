@@ -63,13 +63,12 @@ void ReleasePalette(BitmapHandle& bitmap) {
 }
 
 void ReleaseRegion(BitmapHandle& bitmap) {
-    if (bitmap.Region != nullptr && dispatch.FreeBitmapRegion != nullptr) dispatch.FreeBitmapRegion(&bitmap);
+    if (bitmap.Region != nullptr) Dispatch().FreeBitmapRgn(&bitmap);
     bitmap.Region = nullptr;
 }
 
 ReturnCode CopyRegion(BitmapHandle& target, BitmapHandle& source, int32_t dx, int32_t dy) {
-    if (dispatch.CopyBitmapRegion == nullptr) return code::Success;
-    const ReturnCode result = dispatch.CopyBitmapRegion(&target, &source, dx, dy);
+    const ReturnCode result = Dispatch().CopyBitmapRegion(&target, &source, dx, dy);
     if (result != code::Success) target.Region = nullptr;
     return result;
 }

@@ -19,8 +19,6 @@ namespace zkr {
 
 namespace {
 
-enum class RowFailures { Ignored, Returned };
-
 // A destination of other dimensions gets the rows and bytes that both bitmaps have; longer rows of it end in
 // zeros.
 ReturnCode CopyRows(BitmapHandle* destination, BitmapHandle* source, RowFailures failures) {

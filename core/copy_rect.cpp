@@ -3,7 +3,6 @@
 #include "core/attachments.h"
 #include "core/bitmap_lock.h"
 #include "core/copy.h"
-#include "core/dispatch.h"
 #include "core/exact_rows.h"
 #include "core/flags.h"
 #include "core/progress.h"
@@ -27,7 +26,6 @@ struct Place {
 };
 
 ReturnCode MoveRegion(BitmapHandle& target, BitmapHandle& source, const Place& place) {
-    if (dispatch.CopyBitmapRegion == nullptr) return code::Success;
     ReleaseRegion(target);
     const auto negative = [](int32_t offset) {
         return static_cast<int32_t>(0u - static_cast<uint32_t>(offset));

@@ -46,9 +46,8 @@ ReturnCode InheritRegion(BitmapHandle& destination, BitmapHandle& source, uint32
         destination.Region = source.Region;
         return code::Success;
     }
-    if (dispatch.CopyBitmapRegion == nullptr) return code::Success;
     void* const original = source.Region;
-    const ReturnCode result = dispatch.CopyBitmapRegion(&source, &source, 0, 0);
+    const ReturnCode result = Dispatch().CopyBitmapRegion(&source, &source, 0, 0);
     if (result == code::Success) destination.Region = source.Region;
     source.Region = original;
     return result;

@@ -1,7 +1,8 @@
-// The layout of BitmapHandle, field by field. Callers compiled in other languages know the record by its
-// offsets, so none of them may move: 39 words of 32 bits on 32-bit platforms, natural alignment with 64-bit
-// pointers and byte counts on 64-bit ones.
+// The layout of the public records, field by field. Callers compiled in other languages know a record by its
+// offsets, so none of them may move: words of 32 bits on 32-bit platforms, natural alignment with 64-bit pointers
+// and byte counts of whole bitmaps on 64-bit ones.
 #include "zkr13n/bitmap.h"
+#include "zkr13n/region.h"
 
 #include <cstddef>
 
@@ -12,8 +13,9 @@ template <size_t on32, size_t on64> constexpr size_t Place() {
 }
 
 // The first number is the field's word on 32 bits, the second its byte on 64 bits.
-#define ZKR_FIELD_AT(field, on32, on64)                                                                      \
-    static_assert(offsetof(BitmapHandle, field) == Place<on32, on64>(), #field " has moved")
+#define ZKR_RECORD_FIELD_AT(record, field, on32, on64)                                                       \
+    static_assert(offsetof(record, field) == Place<on32, on64>(), #field " has moved")
+#define ZKR_FIELD_AT(field, on32, on64) ZKR_RECORD_FIELD_AT(BitmapHandle, field, on32, on64)
 
 ZKR_FIELD_AT(StorageHandle, 0, 0);
 ZKR_FIELD_AT(Addr, 1, 8);
@@ -55,5 +57,24 @@ ZKR_FIELD_AT(PaintIntensity, 36, 184);
 ZKR_FIELD_AT(PaintLUT, 37, 192);
 ZKR_FIELD_AT(Reserved, 38, 200);
 static_assert(sizeof(BitmapHandle) == Place<39, 208>(), "the record has changed its size");
+
+#define ZKR_REGION_FIELD_AT(field, on32, on64) ZKR_RECORD_FIELD_AT(RegionHandle, field, on32, on64)
+
+ZKR_REGION_FIELD_AT(PlatformRegion, 0, 0);
+ZKR_REGION_FIELD_AT(PlatformXform, 1, 8);
+ZKR_REGION_FIELD_AT(PlatformView, 8, 36);
+ZKR_REGION_FIELD_AT(MaskBitmap, 9, 40);
+ZKR_REGION_FIELD_AT(MaskXform, 10, 48);
+ZKR_REGION_FIELD_AT(MaskView, 17, 76);
+ZKR_REGION_FIELD_AT(Left, 18, 80);
+ZKR_REGION_FIELD_AT(Top, 19, 84);
+ZKR_REGION_FIELD_AT(Right, 20, 88);
+ZKR_REGION_FIELD_AT(Bottom, 21, 92);
+ZKR_REGION_FIELD_AT(RowTableBytes, 22, 96);
+ZKR_REGION_FIELD_AT(RowTable, 23, 104);
+ZKR_REGION_FIELD_AT(SegmentBytes, 24, 112);
+ZKR_REGION_FIELD_AT(Segments, 25, 120);
+static_assert(sizeof(RegionHandle) == Place<26, 128>(), "the record has changed its size");
+static_assert(sizeof(RegionXform) == 28 && sizeof(RegionRowEntry) == 8);
 
 } // namespace

@@ -2,48 +2,38 @@
 #include "core/region_rows.h"
 
 #include "core/dispatch.h"
+#include "core/rectangle.h"
 
 #include <algorithm>
 
 namespace zkr {
 
 ReturnCode RegionRows::Begin() {
-    top_ = 0;
-    int32_t bottom = bitmap_.Height;
-    const bool hasRegion = bitmap_.Region != nullptr;
-    if (hasRegion && dispatch.GetBitmapRgnBounds != nullptr) {
-        RECT bounds{};
-        const ReturnCode result = dispatch.GetBitmapRgnBounds(&bitmap_, nullptr, &bounds);
-        if (result != code::Success) return result;
-        top_ = std::max<int32_t>(bounds.top, 0);
-        bottom = std::min<int32_t>(bounds.bottom, bottom);
-    }
-    rows_ = bottom > top_ ? bottom - top_ : 0;
+    RECT bounds{};
+    ReturnCode result = Dispatch().GetBitmapRgnBounds(&bitmap_, nullptr, &bounds);
+    if (result != code::Success) return result;
+    const Rectangle inside = Intersection(Rectangle::Of(bounds), Rectangle::Whole(bitmap_));
+    top_ = inside.Top;
+    rows_ = static_cast<int32_t>(inside.Height());
 
-    room_ = 2;
-    if (hasRegion && dispatch.GetBitmapClipSegmentsMax != nullptr) {
-        const ReturnCode result = dispatch.GetBitmapClipSegmentsMax(&bitmap_, &room_);
-        if (result != code::Success) return result;
-    }
+    result = Dispatch().GetBitmapClipSegmentsMax(&bitmap_, &room_);
+    if (result != code::Success) return result;
+    if (room_ == 0) return code::Success;
     segments_.emplace(std::max<size_t>(room_, 2));
     return *segments_ ? code::Success : code::OutOfMemory;
 }
 
 ReturnCode RegionRows::SegmentsOf(int32_t row, std::span<const uint32_t>& segments) {
-    const auto width = static_cast<uint32_t>(bitmap_.Width);
-    uint32_t* columns = segments_->data();
-    uint32_t entries = 2;
-    columns[0] = 0;
-    columns[1] = width;
-    if (bitmap_.Region != nullptr && dispatch.GetBitmapClipSegments != nullptr) {
-        entries = room_;
-        const ReturnCode result = dispatch.GetBitmapClipSegments(&bitmap_, row, columns, &entries);
-        if (result != code::Success) return result;
-        entries = std::min(entries, room_) & ~1u;
-        for (uint32_t i = 0; i < entries; ++i)
-            columns[i] = std::min(columns[i], width);
-    }
-    segments = {columns, entries};
+    segments = {};
+    if (room_ == 0) return code::Success;
+    int32_t* columns = segments_->data();
+    uint32_t entries = 0;
+    const ReturnCode result = Dispatch().GetBitmapClipSegments(&bitmap_, row, columns, &entries);
+    if (result != code::Success) return failures_ == RowFailures::Ignored ? code::Success : result;
+    entries = std::min(entries, room_) & ~1u;
+    for (uint32_t i = 0; i < entries; ++i)
+        columns[i] = std::clamp(columns[i], 0, std::max(bitmap_.Width, 0));
+    segments = {reinterpret_cast<const uint32_t*>(columns), entries};
     return code::Success;
 }
 

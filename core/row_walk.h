@@ -9,6 +9,9 @@
 
 namespace zkr {
 
+// What a row does to an operation that cannot be read, written or asked for.
+enum class RowFailures { Returned, Ignored };
+
 // Calls visit(row) for the first `rows` rows. A result other than code::Success, of the visitor or of the
 // status callback, ends the walk and is its result.
 template <typename Visitor>

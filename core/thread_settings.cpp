@@ -46,7 +46,7 @@ bool Start() {
 
 void Stop() {
     started.store(false);
-    ClearDispatch();
+    ExchangeDispatch(nullptr);
 }
 
 bool HasRecords() {

@@ -65,6 +65,8 @@ typedef void* HANDLE;
 typedef HANDLE HGLOBAL;
 typedef struct HPALETTE__* HPALETTE;
 typedef struct HDC__* HDC;
+typedef struct HRGN__* HRGN;
+typedef struct HBITMAP__* HBITMAP;
 
 #endif
 

@@ -56,16 +56,19 @@ TEST(Fill, WritesThePixelsOfTheRegionAndNoOthers) {
     }
 }
 
-// Without any slot the whole bitmap is filled, whatever its Region field says. The larger one is written past
+// Without region code the whole bitmap is filled, whatever its Region field says. The larger one is written past
 // the cache.
-TEST(Fill, KnowsNoRegionWithoutSlots) {
+TEST(Fill, KnowsNoRegionWithoutRegionCode) {
     int nothing = 0;
     for (const auto& [width, height] : {std::pair{401, 5}, {1501, 1900}}) {
         Canvas canvas(width, height, 24, Plain);
+        const DispatchTable none;
+        const DispatchTable* const before = ExchangeDispatch(&none);
         canvas.Region = &nothing;
         EXPECT_EQ(Z_FillBitmap(&canvas, Colour), 1);
         EXPECT_TRUE(Rows(canvas) == canvas.Expected(nullptr, &Colour));
         canvas.Region = nullptr;
+        ExchangeDispatch(before);
     }
 }
 
@@ -112,7 +115,7 @@ TEST(Fill, FailuresAndWhatIsNone) {
         EXPECT_EQ(Z_FillBitmap(bad, 0), code::InvalidBitmap);
         EXPECT_EQ(Z_ClearBitmap(bad), code::InvalidBitmap);
     }
-    const RegionSlots slots;
+    RegionSlots slots;
     Canvas canvas(9, 8, 8, Plain);
     for (ReturnCode* result : {&RegionSlots::BoundsResult, &RegionSlots::SegmentsMaxResult}) {
         *result = -77;
@@ -126,7 +129,7 @@ TEST(Fill, FailuresAndWhatIsNone) {
 
     // A region without room for a segment ends a fill at once; a clear still walks its rows.
     RegionSlots::Give(canvas, {{4, 0, 4, 8}});
-    dispatch.GetBitmapRgnBounds = nullptr;
+    slots.ForgetBounds();
     Reports reports(Z_SetStatusCallBack);
     EXPECT_EQ(Z_FillBitmap(&canvas, 0), 1);
     EXPECT_EQ(reports.Seen, Seen{});

@@ -23,10 +23,10 @@ struct TestRegion {
     uint32_t MostEntries() const {
         return static_cast<uint32_t>(std::max<int64_t>(Bounds.right - Bounds.left + 1, 0)) & ~1u;
     }
-    std::vector<uint32_t> Segments(int32_t row) const {
-        std::vector<uint32_t> ends;
+    std::vector<int32_t> Segments(int32_t row) const {
+        std::vector<int32_t> ends;
         for (int32_t column = Bounds.left; column <= Bounds.right; ++column)
-            if (Holds(row, column) != (ends.size() % 2 != 0)) ends.push_back(static_cast<uint32_t>(column));
+            if (Holds(row, column) != (ends.size() % 2 != 0)) ends.push_back(column);
         return ends;
     }
 };
@@ -38,34 +38,18 @@ class RegionSlots {
     inline static ReturnCode BoundsResult, SegmentsMaxResult, SegmentsResult, CopyResult;
     inline static bool FailsInPlace; // a copy whose destination is its source, too
 
-    RegionSlots() : before_(dispatch) {
+    RegionSlots() {
         BoundsResult = SegmentsMaxResult = SegmentsResult = CopyResult = code::Success;
         FailsInPlace = false;
-        dispatch.CopyBitmapRegion = Copy;
-        dispatch.FreeBitmapRegion = Free;
-        dispatch.GetBitmapRgnBounds = [](BitmapHandle* bitmap, const RegionXform*, RECT* bounds) {
-            *bounds = bitmap->Region ? Of(*bitmap).Bounds : RECT{0, 0, bitmap->Width, bitmap->Height};
-            return BoundsResult;
-        };
-        dispatch.GetBitmapClipSegmentsMax = [](BitmapHandle* bitmap, uint32_t* entries) {
-            *entries = bitmap->Region ? Of(*bitmap).MostEntries() : 2;
-            return SegmentsMaxResult;
-        };
-        dispatch.GetBitmapClipSegments = [](BitmapHandle* bitmap, int32_t row, uint32_t* segments,
-                                            uint32_t* entries) {
-            const std::vector<uint32_t> ends =
-                bitmap->Region ? Of(*bitmap).Segments(row)
-                               : std::vector<uint32_t>{0, static_cast<uint32_t>(bitmap->Width)};
-            std::copy(ends.begin(), ends.end(), segments);
-            *entries = static_cast<uint32_t>(ends.size());
-            return SegmentsResult;
-        };
-        dispatch.IsPtInBitmapRgn = [](BitmapHandle* bitmap, int32_t row, int32_t column) -> int32_t {
-            return bitmap->Region == nullptr || Of(*bitmap).Holds(row, column);
-        };
+        slots_.CopyBitmapRegion = Copy;
+        slots_.FreeBitmapRgn = Free;
+        slots_.GetBitmapRgnBounds = Bounds;
+        slots_.GetBitmapClipSegmentsMax = SegmentsMax;
+        slots_.GetBitmapClipSegments = Segments;
+        slots_.IsPtInBitmapRgn = IsPoint;
     }
     ~RegionSlots() {
-        dispatch = before_;
+        ExchangeDispatch(before_);
         EXPECT_EQ(Alive, 0) << "regions are left";
     }
     RegionSlots(const RegionSlots&) = delete;
@@ -75,10 +59,31 @@ class RegionSlots {
         bitmap.Region = new TestRegion(region);
         ++Alive;
     }
+    // Regions have no bounds of their own from now on.
+    void ForgetBounds() { slots_.GetBitmapRgnBounds = no_region::GetBitmapRgnBounds; }
     static TestRegion& Of(const BitmapHandle& bitmap) { return *static_cast<TestRegion*>(bitmap.Region); }
 
   private:
-    static ReturnCode Free(BitmapHandle* bitmap) {
+    static ReturnCode Z_CALL Bounds(BitmapHandle* bitmap, const RegionXform*, RECT* bounds) {
+        *bounds = bitmap->Region ? Of(*bitmap).Bounds : RECT{0, 0, bitmap->Width, bitmap->Height};
+        return BoundsResult;
+    }
+    static ReturnCode Z_CALL SegmentsMax(BitmapHandle* bitmap, uint32_t* entries) {
+        *entries = bitmap->Region ? Of(*bitmap).MostEntries() : 2;
+        return SegmentsMaxResult;
+    }
+    static ReturnCode Z_CALL Segments(BitmapHandle* bitmap, int32_t row, int32_t* segments,
+                                      uint32_t* entries) {
+        const std::vector<int32_t> ends =
+            bitmap->Region ? Of(*bitmap).Segments(row) : std::vector<int32_t>{0, bitmap->Width};
+        std::copy(ends.begin(), ends.end(), segments);
+        *entries = static_cast<uint32_t>(ends.size());
+        return SegmentsResult;
+    }
+    static int32_t Z_CALL IsPoint(BitmapHandle* bitmap, int32_t row, int32_t column) {
+        return bitmap->Region == nullptr || Of(*bitmap).Holds(row, column);
+    }
+    static ReturnCode Z_CALL Free(BitmapHandle* bitmap) {
         delete static_cast<TestRegion*>(bitmap->Region);
         bitmap->Region = nullptr;
         --Alive;
@@ -103,7 +108,8 @@ class RegionSlots {
         return code::Success;
     }
 
-    DispatchTable before_;
+    DispatchTable slots_;
+    const DispatchTable* before_ = ExchangeDispatch(&slots_);
 };
 
 } // namespace zkr::test

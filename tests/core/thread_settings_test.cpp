@@ -24,10 +24,6 @@ void CountRelease(void* data) {
     released += *static_cast<int*>(data);
 }
 
-ReturnCode EmptyRegion(BitmapHandle*) {
-    return 1;
-}
-
 TEST(ThreadSettings, WithoutMemoryAThreadSeesZeros) {
     std::thread([] {
         for (fault::Kind kind : {fault::Heap, fault::Thread}) {
@@ -59,27 +55,35 @@ TEST(ThreadSettings, AnAttachmentGoesWithItsThread) {
     EXPECT_EQ(released, 2);
 }
 
+// The stop of the library takes the dispatch table away; whoever needs it next has it again.
+bool WasStopped() {
+    static const DispatchTable marker;
+    return ExchangeDispatch(&marker) == nullptr;
+}
+
 TEST(ThreadSettings, TheLastRecordStopsTheLibrary) {
     Z_IntShutdown();
     std::thread([] {
         Z_GetDefaultDithering();
-        dispatch.FreeBitmapRegion = EmptyRegion;
+        WasStopped();
         std::thread([] { Z_GetDefaultDithering(); }).join();
-        EXPECT_EQ(dispatch.FreeBitmapRegion, &EmptyRegion) << "stopped while this thread has a record";
+        EXPECT_FALSE(WasStopped()) << "stopped while this thread has a record";
     }).join();
-    EXPECT_EQ(dispatch.FreeBitmapRegion, nullptr);
+    EXPECT_TRUE(WasStopped());
 }
 
 TEST(ThreadSettings, AShutdownStopsTheLibraryWhoeverCallsIt) {
     Z_GetDefaultDithering();
-    dispatch.FreeBitmapRegion = EmptyRegion;
+    WasStopped();
     std::thread([] { Z_IntShutdown(); }).join();
-    EXPECT_EQ(dispatch.FreeBitmapRegion, nullptr);
-    dispatch.FreeBitmapRegion = EmptyRegion;
+    EXPECT_TRUE(WasStopped());
     Z_GetDefaultDithering(); // this thread's record is the first of a new start
-    EXPECT_EQ(dispatch.FreeBitmapRegion, &EmptyRegion);
+    EXPECT_FALSE(WasStopped());
     Z_IntShutdown();
-    EXPECT_EQ(dispatch.FreeBitmapRegion, nullptr);
+    EXPECT_TRUE(WasStopped());
+    ExchangeDispatch(nullptr);
+    const DispatchTable* const asked = &Dispatch();
+    EXPECT_EQ(ExchangeDispatch(nullptr), asked) << "there is a table for whoever asks";
 }
 
 } // namespace

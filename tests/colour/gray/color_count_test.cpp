@@ -99,9 +99,9 @@ TEST(ColourCount, StaysInsideTheRegion) {
             RegionSlots::Give(picture, {bounds});
             Segments segments;
             for (int32_t y = bounds.top; y < bounds.bottom; ++y) {
-                const std::vector<uint32_t> ends = RegionSlots::Of(picture).Segments(y);
+                const std::vector<int32_t> ends = RegionSlots::Of(picture).Segments(y);
                 for (size_t i = 0; i < ends.size(); i += 2)
-                    segments.push_back({y, int32_t(ends[i]), int32_t(ends[i + 1])});
+                    segments.push_back({y, ends[i], ends[i + 1]});
             }
             ExpectCounts(picture, form, segments);
             uint32_t count = 0;
