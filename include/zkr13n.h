@@ -38,6 +38,5 @@
 #include "zkr13n/storage.h"
 #include "zkr13n/surface.h"
 #include "zkr13n/views.h"
-#include "zkr13n/warp.h"
 
 #endif

@@ -1,6 +1,7 @@
 // Flips and reverses of the stored pixels. What the viewer calls a row may be a column of storage.
 #include "zkr13n/flip.h"
 
+#include "core/dispatch.h"
 #include "core/flags.h"
 #include "core/return_codes.h"
 #include "core/views.h"
@@ -12,9 +13,16 @@ namespace {
 
 using geometry::RowMove;
 
-ReturnCode Move(BitmapHandle* bitmap, RowMove move) {
+ReturnCode ExchangeRows(BitmapHandle* bitmap) {
     if (!IsAllocated(bitmap)) return code::InvalidBitmap;
-    return geometry::MoveRows(*bitmap, move, 0, 100);
+    const ReturnCode status = geometry::MoveRows(*bitmap, RowMove::Flip, 0, 100);
+    return status == code::Success ? Dispatch().FlipBitmapRegion(bitmap) : status;
+}
+
+ReturnCode MirrorRows(BitmapHandle* bitmap) {
+    if (!IsAllocated(bitmap)) return code::InvalidBitmap;
+    const ReturnCode status = geometry::MoveRows(*bitmap, RowMove::Reverse, 0, 100);
+    return status == code::Success ? Dispatch().ReverseRegion(bitmap) : status;
 }
 
 } // namespace
@@ -26,10 +34,10 @@ using namespace zkr;
 ReturnCode Z_CALL Z_FlipBitmap(BitmapHandle* bitmap) {
     if (bitmap == nullptr) return code::InvalidBitmap;
     if (!IsView(bitmap->ViewPerspective)) return code::InvalidArgument;
-    return Move(bitmap, ExchangesAxes(bitmap->ViewPerspective) ? RowMove::Reverse : RowMove::Flip);
+    return ExchangesAxes(bitmap->ViewPerspective) ? MirrorRows(bitmap) : ExchangeRows(bitmap);
 }
 
 ReturnCode Z_CALL Z_ReverseBitmap(BitmapHandle* bitmap) {
     if (bitmap == nullptr) return code::InvalidBitmap;
-    return Move(bitmap, ExchangesAxes(bitmap->ViewPerspective) ? RowMove::Flip : RowMove::Reverse);
+    return ExchangesAxes(bitmap->ViewPerspective) ? ExchangeRows(bitmap) : MirrorRows(bitmap);
 }

@@ -4,10 +4,10 @@
 
 #include "core/bitmap_lock.h"
 #include "core/exact_rows.h"
-#include "core/progress.h"
 #include "core/row_access.h"
 #include "core/scratch.h"
 #include "core/storage/compressed.h"
+#include "geometry/row_progress.h"
 #include "zkr13n/convert.h"
 
 #include <algorithm>
@@ -155,9 +155,8 @@ class FetchedRows {
 };
 
 // Moves so many rows or pairs.
-template <typename Rows>
-ReturnCode MoveAll(Rows&& rows, int32_t count, StatusReceiver receiver, PercentCounter percent) {
-    ReturnCode status = receiver.Report(percent.Percent());
+template <typename Rows> ReturnCode MoveAll(Rows&& rows, int32_t count, RowProgress& progress) {
+    ReturnCode status = progress.Begin();
     for (int32_t index = 0; index < count && status == code::Success;) {
         const int32_t group = std::min(rows.GroupRows(), count - index);
         status = rows.Move(index, group);
@@ -168,7 +167,7 @@ ReturnCode MoveAll(Rows&& rows, int32_t count, StatusReceiver receiver, PercentC
         }
         const int32_t end = index + group;
         for (; index < end && status == code::Success; ++index)
-            if (percent.Advance(1)) status = receiver.Report(percent.Percent());
+            status = progress.Visit();
         if (index < end) rows.Move(index, end - index);
     }
     return status;
@@ -184,21 +183,20 @@ int32_t CountOf(const BitmapHandle& bitmap, RowMove move) {
 
 } // namespace
 
-ReturnCode MoveRows(BitmapHandle& bitmap, RowMove move, int32_t start, int32_t end) {
+ReturnCode MoveRows(BitmapHandle& bitmap, RowMove move, uint32_t start, uint32_t end) {
     const int32_t count = CountOf(bitmap, move);
     if (count <= 0) return code::Success;
-    const PercentCounter percent(start, std::max(start, end), count);
-    const StatusReceiver receiver = StatusReceiver::Status();
+    RowProgress progress(start, end, count);
     if (storage::IsCompressed(bitmap)) {
         if (bitmap.Addr == nullptr) return code::InvalidBitmap;
-        return MoveAll(RunRows(bitmap, move), count, receiver, percent);
+        return MoveAll(RunRows(bitmap, move), count, progress);
     }
     const BitmapLock lock(&bitmap);
     uint8_t* const first = LiesInMemory(bitmap) ? ReachRow(bitmap, 0) : nullptr;
-    if (first != nullptr) return MoveAll(MemoryRows(bitmap, move, first), count, receiver, percent);
+    if (first != nullptr) return MoveAll(MemoryRows(bitmap, move, first), count, progress);
     FetchedRows rows(bitmap, move);
     if (!rows) return code::OutOfMemory;
-    return MoveAll(rows, count, receiver, percent);
+    return MoveAll(rows, count, progress);
 }
 
 } // namespace zkr::geometry

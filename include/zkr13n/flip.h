@@ -1,5 +1,5 @@
 /*
- * Flips and reverses of the stored pixels. The
+ * Flips and reverses of the stored pixels, and the change of storage from one view perspective to another. The
  * functions of views.h that change the field alone cost nothing and are to be preferred where they serve.
  */
 #ifndef ZKR13N_FLIP_H
@@ -32,6 +32,38 @@ Z_API ReturnCode Z_CALL Z_FlipBitmap(BitmapHandle* bitmap);
  * Arguments and results as for Z_FlipBitmap, but a field that holds no view is one of the others.
  */
 Z_API ReturnCode Z_CALL Z_ReverseBitmap(BitmapHandle* bitmap);
+
+/*
+ * Moves the pixels of a bitmap so that they lie as another view perspective says: the picture stays what it is.
+ *
+ * target     out, may be null: another record, whatever it holds is overwritten without being freed. It gets a
+ *            bitmap of its own, with a palette and a region of its own, and the source stays as it is. Null, or
+ *            the source itself, changes the source.
+ * source     in, changed without a target: an allocated bitmap
+ * newView    in: VIEW_...
+ *
+ * The copy that becomes the target reports to the copy status callback (Z_SetCopyStatusCallBack) and can be
+ * stopped by it; nothing is reported otherwise. The region follows.
+ *
+ * Returns Z_SUCCESS, also where the bitmap has that view already; Z_ERROR_ARGUMENT for a source that is null or
+ * not allocated and for values that are no view; Z_ERROR_DOCUMENT_LOCKED for the views 4, 5, 7 and 8 while the
+ * document capability is locked; the failures of Z_DupBitmapNewDim, Z_CopyBitmapData and Z_RotateBitmap, and
+ * those of Z_FlipBitmap. On failure there is no target, and the source is as it was.
+ */
+Z_API ReturnCode Z_CALL Z_ChangeBitmapViewPerspective(BitmapHandle* target, BitmapHandle* source,
+                                                      int32_t newView);
+
+/*
+ * As Z_ChangeBitmapViewPerspective, whatever is locked.
+ *
+ * target     out, may be null: as there, but not the source itself
+ * source     in, changed without a target; null is Z_ERROR_ARGUMENT
+ * newView    in: VIEW_...
+ * flags      in: Z_DUP_... bits for the target; not used without one. Without Z_DUP_DATA it is Z_ERROR_BITMAP.
+ *            Without Z_DUP_REGION the target shares the source's region, which stays as it is.
+ */
+Z_API ReturnCode Z_CALL Z_IntChangeBitmapViewPerspective(BitmapHandle* target, BitmapHandle* source,
+                                                         int32_t newView, uint32_t flags);
 
 Z_END_DECLS
 

@@ -15,14 +15,11 @@ namespace {
 // The screen of a process without a screen surface. The second reference, its own, is never dropped.
 constinit Surface unseenScreen{1024, 768, 32, nullptr, 0, 0, {}, 2};
 
-// What a memory context shows at first. Its own reference too is never dropped.
-constinit Surface onePixel{1, 1, 1, nullptr, 0, 0, {}, 1};
-
 constinit std::mutex screenMutex;
 constinit Surface* screen = &unseenScreen; // held
 
 // A context that shows a surface, which it holds from now on; null where memory is short.
-HDC MakeContext(Surface& surface, DeviceContext::Owner owner) {
+HDC MakeContext(Surface& surface, bool ofScreen) {
     auto* context = fault::Due(fault::Device) ? nullptr : new (std::nothrow) DeviceContext;
     if (context == nullptr) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
@@ -30,7 +27,7 @@ HDC MakeContext(Surface& surface, DeviceContext::Owner owner) {
     }
     surface.Hold();
     context->surface = &surface;
-    context->owner = owner;
+    context->ofScreen = ofScreen;
     HANDLE handle = InsertHandle(DeviceContext::kind, *context);
     if (handle == nullptr) context->Release();
     return static_cast<HDC>(handle);
@@ -95,26 +92,12 @@ HDC GetDC(HWND window) {
         return nullptr;
     }
     const std::scoped_lock lock(screenMutex);
-    return MakeContext(*screen, DeviceContext::Owner::Screen);
+    return MakeContext(*screen, true);
 }
 
 int ReleaseDC(HWND, HDC handle) {
     const Pin<DeviceContext> context(handle);
-    return context && context->owner == DeviceContext::Owner::Screen &&
-                   CloseHandleOfKind(DeviceContext::kind, handle)
-               ? 1
-               : 0;
-}
-
-HDC CreateCompatibleDC(HDC handle) {
-    if (handle != nullptr && !Pin<DeviceContext>(handle)) return nullptr;
-    return MakeContext(onePixel, DeviceContext::Owner::Memory);
-}
-
-BOOL DeleteDC(HDC handle) {
-    const Pin<DeviceContext> context(handle);
-    return context && context->owner == DeviceContext::Owner::Memory &&
-           CloseHandleOfKind(DeviceContext::kind, handle);
+    return context && context->ofScreen && CloseHandleOfKind(DeviceContext::kind, handle) ? 1 : 0;
 }
 
 int GetDeviceCaps(HDC handle, int index) {
@@ -160,7 +143,7 @@ ReturnCode Z_CALL Z_CreateSurface(const SurfaceDescription* description, HDC* co
     auto* surface = new (std::nothrow) Surface;
     if (surface == nullptr) return Z_ERROR_MEMORY;
     Describe(*surface, *description);
-    HDC context = MakeContext(*surface, DeviceContext::Owner::Surface);
+    HDC context = MakeContext(*surface, false);
     surface->Drop();
     if (context == nullptr) return Z_ERROR_MEMORY;
     *contextOut = context;
@@ -169,8 +152,7 @@ ReturnCode Z_CALL Z_CreateSurface(const SurfaceDescription* description, HDC* co
 
 ReturnCode Z_CALL Z_DeleteSurface(HDC handle) {
     const Pin<DeviceContext> context(handle);
-    if (!context || context->owner != DeviceContext::Owner::Surface ||
-        !CloseHandleOfKind(DeviceContext::kind, handle))
+    if (!context || context->ofScreen || !CloseHandleOfKind(DeviceContext::kind, handle))
         return Z_ERROR_ARGUMENT;
     ReplaceScreen(context->surface, unseenScreen);
     context->surface->topRow = nullptr;
@@ -183,7 +165,7 @@ ReturnCode Z_CALL Z_SetScreenSurface(HDC handle) {
         return Z_SUCCESS;
     }
     const Pin<DeviceContext> context(handle);
-    if (!context || context->owner != DeviceContext::Owner::Surface) return Z_ERROR_ARGUMENT;
+    if (!context || context->ofScreen) return Z_ERROR_ARGUMENT;
     ReplaceScreen(nullptr, *context->surface);
     return Z_SUCCESS;
 }

@@ -10,18 +10,7 @@
 
 namespace zkr::platform {
 
-enum class ObjectKind : uint16_t {
-    None,
-    Global,
-    File,
-    Mapping,
-    Module,
-    Palette,
-    DeviceContext,
-    Region,
-    Bitmap,
-    Brush
-};
+enum class ObjectKind : uint16_t { None, Global, File, Mapping, Module, Palette, DeviceContext };
 
 class Object {
   public:

@@ -1,0 +1,224 @@
+// Transpositions in tiles that stay in cache. Whole bytes are gathered sixteen rows at a time, so that rows of the
+// target grow by vectors; where pixels are bits, the top bits of such vectors are eight rows of the target.
+#include "geometry/kernels/turn_kernels.h"
+
+#include "kernels/family.h"
+
+#include <algorithm>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <immintrin.h>
+#endif
+
+namespace zkr::kernels {
+namespace {
+
+// A rectangle of a block: pixels, ends not included.
+struct Tile {
+    size_t Left, Right, Top, Bottom;
+};
+
+inline const uint8_t* SourceRow(const TurnBlock& block, size_t y) {
+    return block.Source + static_cast<ptrdiff_t>(y) * block.SourceStride;
+}
+inline uint8_t* TargetRow(const TurnBlock& block, size_t x) {
+    return block.Target + static_cast<ptrdiff_t>(x) * block.TargetStride;
+}
+
+// Pixels of whole bytes, one by one. Where a pixel has a neighbour to overrun into, it is moved as a power of two.
+template <size_t bytes> inline void TurnTile(const TurnBlock& block, const Tile& tile) {
+    constexpr size_t wide = bytes == 3 ? 4 : bytes == 6 ? 8 : bytes;
+    for (size_t x = tile.Left; x < tile.Right; ++x) {
+        const uint8_t* from = SourceRow(block, tile.Top) + x * bytes;
+        uint8_t* to = TargetRow(block, x) + tile.Top * bytes;
+        size_t y = tile.Top;
+        if (x + 1 < block.Columns)
+            for (; y + 1 < tile.Bottom; ++y, from += block.SourceStride, to += bytes)
+                std::memcpy(to, from, wide);
+        for (; y < tile.Bottom; ++y, from += block.SourceStride, to += bytes)
+            std::memcpy(to, from, bytes);
+    }
+}
+
+template <size_t bytes> void TurnPixels(const TurnBlock& block) {
+    constexpr size_t side = 64;
+    for (size_t y = 0; y < block.Rows; y += side)
+        for (size_t x = 0; x < block.Columns; x += side)
+            TurnTile<bytes>(block, {x, std::min(x + side, block.Columns), y, std::min(y + side, block.Rows)});
+}
+
+// Any fields of bits. Eight pixels fill whole bytes at every depth.
+void TurnFields(const TurnBlock& block) {
+    const auto bits = static_cast<size_t>(block.Bits);
+    const bool isGray = bits == 12;
+    const uint32_t mask = (1u << bits) - 1;
+    const size_t fields = isGray ? 2 : 8;
+    for (size_t y = 0; y < block.Rows; y += fields) {
+        const size_t rows = std::min(fields, block.Rows - y);
+        const size_t bytes = (rows * bits + 7) / 8;
+        for (size_t x = 0; x < block.Columns; ++x) {
+            const size_t byte = x * bits / 8, bit = x * bits % 8;
+            const bool crosses = bit + bits > 8;
+            uint64_t packed = 0;
+            for (size_t i = 0; i < rows; ++i) {
+                const uint8_t* const from = SourceRow(block, y + i) + byte;
+                if (isGray) {
+                    const uint32_t pair = from[0] | static_cast<uint32_t>(from[1]) << 8;
+                    packed |= uint64_t{pair >> bit & mask} << (i * bits);
+                } else {
+                    const uint32_t pair = static_cast<uint32_t>(from[0]) << 8 | (crosses ? from[1] : 0u);
+                    packed |= uint64_t{pair >> (16 - bit - bits) & mask} << (64 - (i + 1) * bits);
+                }
+            }
+            if (!isGray) packed = __builtin_bswap64(packed);
+            std::memcpy(TargetRow(block, x) + y * bits / 8, &packed, bytes);
+        }
+    }
+}
+
+#if defined(__SSE2__)
+
+// Sixteen columns of bytes of sixteen rows, as vectors of a column each. The rows are those of at(0) to at(15).
+template <typename At> inline void GatherBytes(At at, __m128i (&columns)[16]) {
+    __m128i a[16], b[16];
+    for (size_t i = 0; i < 16; ++i)
+        a[i] = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at(i)));
+    const auto interleave = [](const __m128i(&from)[16], __m128i(&to)[16]) {
+        for (size_t i = 0; i < 8; ++i) {
+            to[2 * i] = _mm_unpacklo_epi8(from[i], from[i + 8]);
+            to[2 * i + 1] = _mm_unpackhi_epi8(from[i], from[i + 8]);
+        }
+    };
+    interleave(a, b);
+    interleave(b, a);
+    interleave(a, b);
+    interleave(b, columns);
+}
+
+// The tiles of so many bytes and rows that a block has whole, and the rest by single pixels.
+template <size_t pixelsOfTile, size_t rowsOfTile, typename Whole, typename Rest>
+inline void InTiles(const TurnBlock& block, Whole whole, Rest rest) {
+    const size_t right = block.Columns / pixelsOfTile * pixelsOfTile;
+    const size_t bottom = block.Rows / rowsOfTile * rowsOfTile;
+    for (size_t x = 0; x < right; x += pixelsOfTile)
+        for (size_t y = 0; y < bottom; y += rowsOfTile)
+            whole(x, y);
+    if (right < block.Columns) rest(Tile{right, block.Columns, 0, bottom});
+    if (bottom < block.Rows) rest(Tile{0, block.Columns, bottom, block.Rows});
+}
+
+void Turn8(const TurnBlock& block) {
+    InTiles<16, 16>(
+        block,
+        [&](size_t x, size_t y) {
+            __m128i columns[16];
+            GatherBytes([&](size_t i) { return SourceRow(block, y + i) + x; }, columns);
+            for (size_t i = 0; i < 16; ++i)
+                _mm_storeu_si128(reinterpret_cast<__m128i*>(TargetRow(block, x + i) + y), columns[i]);
+        },
+        [&](const Tile& tile) { TurnTile<1>(block, tile); });
+}
+
+// What is left of a block beside its whole tiles, as a block of its own. The tile begins at whole bytes of both.
+inline void TurnRest(const TurnBlock& block, const Tile& tile) {
+    const auto bits = static_cast<size_t>(block.Bits);
+    TurnFields({.Source = SourceRow(block, tile.Top) + tile.Left * bits / 8,
+                .SourceStride = block.SourceStride,
+                .Target = TargetRow(block, tile.Left) + tile.Top * bits / 8,
+                .TargetStride = block.TargetStride,
+                .Columns = tile.Right - tile.Left,
+                .Rows = tile.Bottom - tile.Top,
+                .Bits = block.Bits});
+}
+
+void Turn4(const TurnBlock& block) {
+    InTiles<32, 16>(
+        block,
+        [&](size_t x, size_t y) {
+            __m128i columns[16];
+            GatherBytes([&](size_t i) { return SourceRow(block, y + i) + x / 2; }, columns);
+            const __m128i low = _mm_set1_epi16(0x0F), high = _mm_set1_epi16(0xF0);
+            for (size_t i = 0; i < 16; ++i) {
+                const __m128i v = columns[i];
+                const __m128i first = _mm_or_si128(_mm_and_si128(v, high), _mm_srli_epi16(v, 12));
+                const __m128i second = _mm_or_si128(_mm_slli_epi16(_mm_and_si128(v, low), 4),
+                                                    _mm_and_si128(_mm_srli_epi16(v, 8), low));
+                const __m128i both = _mm_packus_epi16(first, second);
+                _mm_storel_epi64(reinterpret_cast<__m128i*>(TargetRow(block, x + 2 * i) + y / 2), both);
+                _mm_storel_epi64(reinterpret_cast<__m128i*>(TargetRow(block, x + 2 * i + 1) + y / 2),
+                                 _mm_unpackhi_epi64(both, both));
+            }
+        },
+        [&](const Tile& tile) { TurnRest(block, tile); });
+}
+
+// The top bits of bytes come out with the first byte lowest, and the first pixel is the top bit of its byte: so
+// rows are taken in the opposite order by eights.
+inline size_t OppositeByEights(size_t row) {
+    return row ^ 7;
+}
+
+#if defined(__AVX2__)
+void Turn1(const TurnBlock& block) {
+    InTiles<128, 32>(
+        block,
+        [&](size_t x, size_t y) {
+            __m128i first[16], second[16];
+            const auto from = [&](size_t i) { return SourceRow(block, y + OppositeByEights(i)) + x / 8; };
+            GatherBytes(from, first);
+            GatherBytes([&](size_t i) { return from(i + 16); }, second);
+            uint8_t* to = TargetRow(block, x) + y / 8;
+            for (size_t i = 0; i < 16; ++i) {
+                __m256i v = _mm256_set_m128i(second[i], first[i]);
+                for (size_t bit = 0; bit < 8; ++bit, to += block.TargetStride) {
+                    const int top = _mm256_movemask_epi8(v);
+                    std::memcpy(to, &top, 4);
+                    v = _mm256_add_epi8(v, v);
+                }
+            }
+        },
+        [&](const Tile& tile) { TurnRest(block, tile); });
+}
+#else
+void Turn1(const TurnBlock& block) {
+    InTiles<128, 16>(
+        block,
+        [&](size_t x, size_t y) {
+            __m128i columns[16];
+            GatherBytes([&](size_t i) { return SourceRow(block, y + OppositeByEights(i)) + x / 8; }, columns);
+            uint8_t* to = TargetRow(block, x) + y / 8;
+            for (__m128i v : columns)
+                for (size_t bit = 0; bit < 8; ++bit, to += block.TargetStride) {
+                    const int top = _mm_movemask_epi8(v);
+                    std::memcpy(to, &top, 2);
+                    v = _mm_add_epi8(v, v);
+                }
+        },
+        [&](const Tile& tile) { TurnRest(block, tile); });
+}
+#endif
+
+#else
+
+constexpr auto Turn1 = TurnFields, Turn4 = TurnFields;
+constexpr auto Turn8 = TurnPixels<1>;
+
+#endif
+
+} // namespace
+
+template <>
+constinit const TurnKernels Compiled<TurnKernels, ThisSet>::Table = {
+    .Turn1 = Turn1,
+    .Turn4 = Turn4,
+    .Turn8 = Turn8,
+    .Turn16 = TurnPixels<2>,
+    .Turn24 = TurnPixels<3>,
+    .Turn32 = TurnPixels<4>,
+    .Turn48 = TurnPixels<6>,
+    .Turn64 = TurnPixels<8>,
+    .TurnFields = TurnFields,
+};
+
+} // namespace zkr::kernels
