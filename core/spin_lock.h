@@ -22,6 +22,8 @@ class SpinLock {
         while (!TryLock())
             platform::SwitchToThread();
     }
+    // Free again in the child of a fork, whatever other threads were about in the parent.
+    void Reset() { counter_.store(0, std::memory_order_release); }
     void Unlock() { counter_.fetch_sub(1, std::memory_order_release); }
 
   private:

@@ -8,6 +8,7 @@
 #include "core/spin_lock.h"
 #include "core/storage/filter_modules.h"
 #include "platform/files.h"
+#include "platform/fork.h"
 #include "platform/threads.h"
 #include "zkr13n/allocation.h"
 #include "zkr13n/locks.h"
@@ -33,6 +34,18 @@ constinit Record* records = nullptr;
 constinit std::atomic<uint32_t> slot = NoSlot; // made at the first start, kept until the library is unloaded
 constinit std::atomic<bool> started = false;
 constinit ThreadSettings fallback{};
+
+// The records of threads that a child does not have stay with it until it ends.
+const platform::ForkPart forkPart(
+    platform::ForkOrder::Outer,
+    [] {
+        lifeLock.Lock();
+        recordsLock.Lock();
+    },
+    [](bool inChild) {
+        for (SpinLock* lock : {&recordsLock, &lifeLock})
+            inChild ? lock->Reset() : lock->Unlock();
+    });
 
 void Z_CALL EndThread(void* value);
 
@@ -126,10 +139,11 @@ ThreadSettings& FallbackRecord() {
 }
 
 // Unloading the library ends all that it keeps for threads; nobody else is inside the library then. At the
-// exit of a process a thread may have been ended while it held a lock: what it left goes with the process.
+// exit of a process other threads may work on, or have been ended while they held a lock: what they have goes
+// with the process.
 struct Unloading {
     ~Unloading() {
-        if (!IsFree(lifeLock) || !IsFree(recordsLock)) return;
+        if (platform::OthersMayWorkOn() || !IsFree(lifeLock) || !IsFree(recordsLock)) return;
         const uint32_t index = slot.exchange(NoSlot);
         if (index != NoSlot) platform::FlsFree(index);
         while (records != nullptr)

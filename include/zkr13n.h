@@ -1,6 +1,10 @@
 /*
  * ZKR13N, a raster image kernel: everything in one include. The headers of the families are complete manuals
  * of their functions and can be included one by one.
+ *
+ * Different threads work on different bitmaps freely. A child made by fork may use the library too: bitmaps in
+ * memory it has for itself, while those on disk, and tiles there, are the parent's as well, and only one of the
+ * two may go on with them.
  */
 #ifndef ZKR13N_H
 #define ZKR13N_H

@@ -5,6 +5,7 @@
 
 #include "core/return_codes.h"
 #include "core/spin_lock.h"
+#include "platform/fork.h"
 #include "platform/modules.h"
 
 #include <cstring>
@@ -26,6 +27,10 @@ constinit FilterModule table[] = {
     {"ZFCMP13S.DLL", code::ColourFilterMissing, nullptr, {}, 0},
     {"ZFFAX13S.DLL", code::FaxFilterMissing, nullptr, {}, 0},
 };
+
+const platform::ForkPart forkPart(
+    platform::ForkOrder::Outer, [] { tableLock.Lock(); },
+    [](bool inChild) { inChild ? tableLock.Reset() : tableLock.Unlock(); });
 
 constexpr size_t LongestPath = 4096;
 
@@ -52,12 +57,17 @@ bool Load(FilterModule& module) {
     return false;
 }
 
-// The modules go with the library; nobody else is inside it then.
+// Under the lock.
+void UnloadUnused() {
+    for (FilterModule& module : table)
+        if (module.UseCount == 0) Unload(module);
+}
+
+// The modules go with the library, but for those that bitmaps use.
 struct Unloading {
     ~Unloading() {
-        if (!tableLock.TryLock()) return;
-        for (FilterModule& module : table)
-            Unload(module);
+        if (platform::OthersMayWorkOn() || !tableLock.TryLock()) return;
+        UnloadUnused();
         tableLock.Unlock();
     }
 } unloading;
@@ -83,8 +93,7 @@ FilterEntries& EntriesOf(Filter filter) {
 
 void UnloadUnusedFilters() {
     const SpinGuard guard(tableLock);
-    for (FilterModule& module : table)
-        if (module.UseCount == 0) Unload(module);
+    UnloadUnused();
 }
 
 } // namespace zkr::storage

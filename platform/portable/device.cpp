@@ -2,6 +2,7 @@
 #include "platform/portable/device.h"
 
 #include "platform/faults.h"
+#include "platform/portable/fork.h"
 #include "zkr13n/surface.h"
 
 #include <algorithm>
@@ -16,6 +17,8 @@ namespace {
 constinit Surface unseenScreen{1024, 768, 32, nullptr, 0, 0, {}, 2};
 
 constinit std::mutex screenMutex;
+const ForkPart forkPart(
+    ForkOrder::Inner, [] { screenMutex.lock(); }, [](bool) { screenMutex.unlock(); });
 constinit Surface* screen = &unseenScreen; // held
 
 // A context that shows a surface, which it holds from now on; null where memory is short.

@@ -2,6 +2,7 @@
 // addresses.
 #include "platform/faults.h"
 #include "platform/portable/address_index.h"
+#include "platform/portable/fork.h"
 #include "platform/portable/handle_table.h"
 #include "platform/portable/memory.h"
 
@@ -15,6 +16,8 @@ namespace zkr::platform {
 namespace {
 
 constinit AddressIndex blocks;
+const ForkPart forkPart(
+    ForkOrder::Inner, [] { blocks.LockAll(); }, [](bool) { blocks.UnlockAll(); });
 
 struct GlobalBlock final : Object, AddressNode {
     static constexpr ObjectKind kind = ObjectKind::Global;

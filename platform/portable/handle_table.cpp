@@ -3,6 +3,7 @@
 #include "platform/portable/handle_table.h"
 
 #include "platform/faults.h"
+#include "platform/portable/fork.h"
 
 #include <array>
 #include <atomic>
@@ -66,6 +67,7 @@ struct Table {
 
     // A batch for a stripe that has none left, under its lock.
     bool TakeBatch(Stripe& stripe) {
+        ExpectTheEnd();
         const std::scoped_lock lock(growth);
         const auto chunk = static_cast<uint32_t>(std::bit_width(used + FirstChunkSlots)) - 11;
         if (chunk >= ChunkCount) return false;
@@ -115,6 +117,19 @@ struct Table {
 
 constinit Table table;
 
+const ForkPart forkPart(
+    ForkOrder::Inner,
+    [] {
+        for (Stripe& stripe : table.stripes)
+            stripe.mutex.lock();
+        table.growth.lock();
+    },
+    [](bool) {
+        table.growth.unlock();
+        for (Stripe& stripe : table.stripes)
+            stripe.mutex.unlock();
+    });
+
 uint32_t OwnStripe() {
     static constinit std::atomic<uint32_t> threads{0};
     static thread_local uint32_t number = 0; // from 1
@@ -125,7 +140,7 @@ uint32_t OwnStripe() {
 // When the library is unloaded with every handle closed, nothing of the table stays behind. It runs after the
 // destructors of static objects, which close handles of theirs.
 __attribute__((destructor(101))) void ReleaseTable() {
-    if (CountHandles() != 0) return;
+    if (OthersMayWorkOn() || CountHandles() != 0) return;
     for (auto& chunk : table.chunks)
         ::operator delete[](chunk.exchange(nullptr), std::align_val_t{LineBytes});
     table.used = 0;
@@ -212,18 +227,6 @@ uint32_t CountHandles() {
         live += stripe.live;
     }
     return live;
-}
-
-void LockHandles() {
-    for (Stripe& stripe : table.stripes)
-        stripe.mutex.lock();
-    table.growth.lock();
-}
-
-void UnlockHandles() {
-    table.growth.unlock();
-    for (Stripe& stripe : table.stripes)
-        stripe.mutex.unlock();
 }
 
 } // namespace zkr::platform

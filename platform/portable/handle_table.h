@@ -35,10 +35,6 @@ inline ObjectKind ClaimedKind(HANDLE handle) {
 // Handles alive in the process.
 uint32_t CountHandles();
 
-// Holds off everybody who makes or gives back handles, while the process is copied.
-void LockHandles();
-void UnlockHandles();
-
 Object* PinHandle(ObjectKind kind, HANDLE handle); // null, with the last error set, for a bad handle
 void UnpinHandle(HANDLE handle);                   // a handle that PinHandle accepted
 

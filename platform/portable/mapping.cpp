@@ -3,6 +3,7 @@
 #include "platform/faults.h"
 #include "platform/portable/address_index.h"
 #include "platform/portable/files.h"
+#include "platform/portable/fork.h"
 #include "platform/portable/memory.h"
 #include "platform/portable/open_file.h"
 
@@ -113,6 +114,8 @@ struct View final : AddressNode {
 };
 
 constinit AddressIndex views;
+const ForkPart forkPart(
+    ForkOrder::Inner, [] { views.LockAll(); }, [](bool) { views.UnlockAll(); });
 
 // Takes the file for the mapping and brings it to the mapping's size.
 DWORD TakeFile(Mapping& mapping, HANDLE handle, DWORD protection) {

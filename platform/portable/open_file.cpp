@@ -2,6 +2,7 @@
 #include "platform/portable/open_file.h"
 
 #include "platform/portable/files.h"
+#include "platform/portable/fork.h"
 
 #include <algorithm>
 #include <mutex>
@@ -16,6 +17,8 @@ namespace {
 
 constexpr size_t BucketCount = 256;
 constinit std::mutex mutex;
+const ForkPart forkPart(
+    ForkOrder::Inner, [] { mutex.lock(); }, [](bool) { mutex.unlock(); });
 constinit OpenFile* buckets[BucketCount] = {};
 constinit uint64_t promises = 0; // of all files in the book, whatever their disks
 constinit std::atomic<uint64_t> temporaryDescriptors{0};
@@ -118,14 +121,6 @@ bool TakeTemporaryDescriptor() {
 
 void GiveTemporaryDescriptor() {
     temporaryDescriptors.fetch_sub(1);
-}
-
-void LockFiles() {
-    mutex.lock();
-}
-
-void UnlockFiles() {
-    mutex.unlock();
 }
 
 } // namespace zkr::platform

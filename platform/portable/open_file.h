@@ -54,8 +54,4 @@ bool PromiseRoom(OpenFile& file, uint64_t length);
 bool TakeTemporaryDescriptor();
 void GiveTemporaryDescriptor();
 
-// Holds off everybody who opens and closes files, while the process is copied.
-void LockFiles();
-void UnlockFiles();
-
 } // namespace zkr::platform

@@ -3,6 +3,7 @@
 #include "platform/portable/threads.h"
 
 #include "platform/faults.h"
+#include "platform/portable/fork.h"
 
 #include <atomic>
 #include <mutex>
@@ -36,6 +37,15 @@ constexpr DWORD KeyCount = 16;
 constinit std::mutex mutex; // guards the keys' lists and counts
 constinit Key keys[KeyCount];
 thread_local int callbacksHere[KeyCount]; // those of callbacksRunning that run on this thread
+
+// The callbacks of other threads end with them: the child has none.
+const ForkPart forkPart(
+    ForkOrder::Inner, [] { mutex.lock(); },
+    [](bool inChild) {
+        for (DWORD index = 0; inChild && index < KeyCount; ++index)
+            keys[index].callbacksRunning = callbacksHere[index];
+        mutex.unlock();
+    });
 
 // Takes the node out of its key's list. It may be gone already, and its memory with it, when the key was
 // freed as the thread ended; so the lists are searched for its address.
@@ -92,6 +102,7 @@ BOOL SwitchToThread() {
 }
 
 DWORD FlsAlloc(PFLS_CALLBACK_FUNCTION callback) {
+    ExpectTheEnd();
     const std::scoped_lock lock(mutex);
     for (DWORD index = 0; index < KeyCount && !fault::Due(fault::Thread); ++index) {
         Key& key = keys[index];
