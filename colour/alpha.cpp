@@ -3,10 +3,12 @@
 
 #include "colour/viewed_rows.h"
 #include "core/attachments.h"
-#include "core/bitmap_lock.h"
+
 #include "core/depth.h"
 #include "core/flags.h"
+#include "core/predicates.h"
 #include "core/row_access.h"
+#include "core/row_walk.h"
 #include "core/scratch.h"
 #include "zkr13n/color_resolution.h"
 #include "zkr13n/copy.h"
@@ -75,17 +77,13 @@ ReturnCode TakeRows(BitmapHandle& source, BitmapHandle& alpha) {
     ScratchRow from(source), to(alpha);
     if (!from || !to) return code::OutOfMemory;
     std::memset(to.data(), 0, alpha.BytesPerLine);
-    const BitmapLock sourceLock(&source), alphaLock(&alpha);
-    ReturnCode result = code::Success;
-    for (int32_t row = 0; row < source.Height && result == code::Success; ++row) {
+    return RowWalk(source).With(alpha).Run(source.Height, [&](int32_t row) {
         const uint8_t* data;
-        result = FetchRow(source, row, from.data(), data);
-        if (result == code::Success)
-            result = StoreRow(alpha, row, to.data(), [&](uint8_t* target) {
-                take(data, target, static_cast<size_t>(source.Width));
-            });
-    }
-    return result;
+        const ReturnCode fetched = FetchRow(source, row, from.data(), data);
+        if (fetched != code::Success) return fetched;
+        return StoreRow(alpha, row, to.data(),
+                        [&](uint8_t* target) { take(data, target, static_cast<size_t>(source.Width)); });
+    });
 }
 
 // ---- Into a bitmap
@@ -131,7 +129,7 @@ struct Merge {
 ReturnCode RaiseToAlpha(BitmapHandle& bitmap) {
     const int32_t bits = bitmap.BitsPerPixel;
     if (DepthOf(bits).AlphaBits > 0) return code::Success;
-    const bool isRgb = bits >= 16 && bitmap.Order == Z_ORDER_RGB;
+    const bool isRgb = bits >= 16 && IsRedFirst(bitmap.Order);
     return Z_ColorResBitmap(&bitmap, &bitmap, bits == 48 ? 64 : 32, isRgb ? 0 : COLORRES_ORDER_BGR, nullptr,
                             nullptr, 0, nullptr, 0);
 }
@@ -173,16 +171,13 @@ ReturnCode MergeRows(BitmapHandle& bitmap, BitmapHandle& alpha) {
     ScratchBuffer<uint8_t> alphaRow(std::max(alpha.BytesPerLine, alphaBytes));
     ScratchRow pixels(bitmap);
     if (!alphaRow || !pixels) return code::OutOfMemory;
-    const BitmapLock bitmapLock(&bitmap), alphaLock(&alpha);
-    ReturnCode result = code::Success;
-    for (int32_t row = 0; row < height && result == code::Success; ++row) {
-        result = rows.Read(alphaRow.data(), row, alphaBytes);
+    return RowWalk(bitmap).With(alpha).Run(height, [&](int32_t row) {
+        ReturnCode result = rows.Read(alphaRow.data(), row, alphaBytes);
         if (result == code::Success) result = ReadExactly(bitmap, pixels.data(), row, 0, bytes);
-        if (result != code::Success) break;
+        if (result != code::Success) return result;
         merge.Put(alphaRow.data(), pixels.data(), width);
-        result = WriteExactly(bitmap, pixels.data(), row, 0, bytes);
-    }
-    return result;
+        return WriteExactly(bitmap, pixels.data(), row, 0, bytes);
+    });
 }
 
 } // namespace

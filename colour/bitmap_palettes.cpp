@@ -2,6 +2,7 @@
 #include "colour/gray_of.h"
 #include "core/attachments.h"
 #include "core/flags.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "platform/graphics.h"

@@ -10,6 +10,7 @@
 #include "colour/quantise/optimized_palette.h"
 #include "colour/quantise/palette_slots.h"
 #include "core/attachments.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "core/thread_settings.h"

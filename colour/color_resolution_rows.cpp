@@ -5,7 +5,7 @@
 #include "colour/gray_window.h"
 #include "colour/level_table.h"
 #include "core/exact_rows.h"
-#include "core/flags.h"
+#include "core/predicates.h"
 #include "core/row_walk.h"
 #include "core/scratch.h"
 #include "core/sizes.h"
@@ -24,9 +24,9 @@ namespace {
 template <typename Make>
 ReturnCode PassRows(BitmapHandle& source, BitmapHandle& form, BitmapHandle* stored, uint8_t* rows,
                     int32_t atOnce, const RowReceiver& receiver, Make make) {
-    const BitmapLock lock(&form);
+
     const int32_t groups = source.Height / atOnce + (source.Height % atOnce != 0 ? 1 : 0);
-    return WalkRows(&source, groups, StatusReceiver::Status(), [&](int32_t group) {
+    return RowWalk(source).With(form).Reporting(StatusReceiver::Status()).Run(groups, [&](int32_t group) {
         const int32_t first = group * atOnce;
         const int32_t count = std::min(atOnce, source.Height - first);
         ReturnCode result = make(first, count);

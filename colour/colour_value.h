@@ -40,19 +40,4 @@ class ColourValue {
     uint32_t value_;
 };
 
-// 12 bits are gray in any order.
-inline bool IsGray(const BitmapHandle& bitmap) {
-    return bitmap.Order == Z_ORDER_GRAY || bitmap.BitsPerPixel == 12;
-}
-
-// Pixels that are gray values of 12 or 16 bits.
-inline bool HasGrayWords(const BitmapHandle& bitmap) {
-    return bitmap.BitsPerPixel == 12 || (bitmap.BitsPerPixel == 16 && bitmap.Order == Z_ORDER_GRAY);
-}
-
-// A table without entries is none.
-inline bool HasActiveLevelTable(const BitmapHandle& bitmap) {
-    return bitmap.LevelLUT != nullptr && bitmap.LevelLUTLength > 0 && HasFlag(bitmap, flag::LevelLUTActive);
-}
-
 } // namespace zkr

@@ -1,5 +1,6 @@
 // Colour values carried from the terms of one bitmap into those of another.
 #include "zkr13n/colour_values.h"
+#include "core/predicates.h"
 
 #include "colour/colour_value.h"
 #include "zkr13n/palettes.h"

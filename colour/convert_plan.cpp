@@ -4,6 +4,7 @@
 #include "colour/gray_window.h"
 #include "colour/kept_palette_map.h"
 #include "colour/palette_search.h"
+#include "core/predicates.h"
 #include "core/sizes.h"
 #include "kernels/family.h"
 #include "zkr13n/bitmap.h"
@@ -176,7 +177,7 @@ void ConvertPlan::AddTarget(Source source) {
         return;
     }
     const bool opaque = source == Source::GrayValue || source == Source::GrayLookup;
-    stages_.Next().TargetIsRgb = request_.TargetOrder == Z_ORDER_RGB;
+    stages_.Next().TargetIsRgb = IsRedFirst(request_.TargetOrder);
     stages_.Add(source, TargetOf(request_, opaque));
     stages_.AddPack(request_.TargetBits);
 }
@@ -299,7 +300,7 @@ void ConvertPlan::PlanGrayToMap() {
 void ConvertPlan::PlanColour() {
     const int32_t bits = request_.SourceBits;
     if (bits == request_.TargetBits && request_.SourceOrder == request_.TargetOrder) return;
-    stages_.Next().SourceIsRgb = request_.SourceOrder == Z_ORDER_RGB;
+    stages_.Next().SourceIsRgb = IsRedFirst(request_.SourceOrder);
     if (TargetIsGrayWords()) stages_.Next().Scale = ScaleToGrayWords(request_);
     AddTarget(kernels::ColourForm(bits));
 }

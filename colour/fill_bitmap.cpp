@@ -3,6 +3,7 @@
 #include "colour/fill_row.h"
 #include "core/bitmap_lock.h"
 #include "core/flags.h"
+#include "core/predicates.h"
 #include "core/progress.h"
 #include "core/region_rows.h"
 #include "core/return_codes.h"

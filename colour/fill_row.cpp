@@ -4,6 +4,7 @@
 
 #include "colour/colour_value.h"
 #include "colour/gray_shift.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "zkr13n/gray.h"
@@ -69,8 +70,8 @@ uint32_t Gray16Pixel(const BitmapHandle& bitmap, ColourValue colour) {
 // The three channels in the order of the bitmap's bytes.
 struct Channels {
     Channels(const BitmapHandle& bitmap, ColourValue colour)
-        : First(bitmap.Order == Z_ORDER_RGB ? colour.Red() : colour.Blue()), Second(colour.Green()),
-          Third(bitmap.Order == Z_ORDER_RGB ? colour.Blue() : colour.Red()) {}
+        : First(IsRedFirst(bitmap.Order) ? colour.Red() : colour.Blue()), Second(colour.Green()),
+          Third(IsRedFirst(bitmap.Order) ? colour.Blue() : colour.Red()) {}
     uint64_t Packed(uint32_t multiplier, uint32_t bits) const {
         return First * multiplier | Second * multiplier << bits | Third * multiplier << 2 * bits;
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "colour/colour_value.h"
+#include "core/predicates.h"
 #include "core/scratch.h"
 
 #include <algorithm>

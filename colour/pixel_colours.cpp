@@ -4,6 +4,7 @@
 #include "colour/gray_shift.h"
 #include "core/bitmap_lock.h"
 #include "core/dispatch.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "zkr13n/gray.h"
@@ -148,13 +149,13 @@ Channels ChannelsIn(int32_t bitsPerPixel, const PixelBytes& bytes) {
 
 uint32_t ColourOf(const BitmapHandle& bitmap, const Channels& channels) {
     const auto [first, second, third] = channels;
-    return bitmap.Order == Z_ORDER_BGR ? third | second << 8 | first << 16
-                                       : first | second << 8 | third << 16;
+    return IsRedFirstUnlessBgr(bitmap.Order) ? first | second << 8 | third << 16
+                                             : third | second << 8 | first << 16;
 }
 
 Channels ChannelsOf(const BitmapHandle& bitmap, ColourValue colour) {
-    return bitmap.Order == Z_ORDER_BGR ? Channels{colour.Blue(), colour.Green(), colour.Red()}
-                                       : Channels{colour.Red(), colour.Green(), colour.Blue()};
+    return IsRedFirstUnlessBgr(bitmap.Order) ? Channels{colour.Red(), colour.Green(), colour.Blue()}
+                                             : Channels{colour.Blue(), colour.Green(), colour.Red()};
 }
 
 uint32_t Packed16(const Channels& channels) {

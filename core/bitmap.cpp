@@ -4,6 +4,7 @@
 #include "core/attachments.h"
 #include "core/dispatch.h"
 #include "core/flags.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "core/storage/storage_class.h"

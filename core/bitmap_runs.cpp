@@ -3,7 +3,7 @@
 // is stored.
 #include "core/bitmap_lock.h"
 #include "core/exact_rows.h"
-#include "core/flags.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/runs/exchanged_row.h"
 #include "core/storage/compressed.h"

@@ -2,6 +2,7 @@
 // when all rows are in it.
 #include "core/copy.h"
 #include "core/flags.h"
+#include "core/predicates.h"
 #include "core/replacement.h"
 #include "core/return_codes.h"
 #include "zkr13n/compressed_rows.h"

@@ -4,6 +4,7 @@
 #include "core/copy.h"
 #include "core/exact_rows.h"
 #include "core/flags.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/row_walk.h"
 #include "core/runs/exchanged_row.h"
@@ -26,27 +27,31 @@ ReturnCode CopyRows(BitmapHandle* destination, BitmapHandle* source, RowFailures
     ScratchBuffer<uint8_t> row(rowBytes);
     if (!row) return code::OutOfMemory;
     std::memset(row.data(), 0, rowBytes);
-    const BitmapLock lock(destination);
-    return WalkRows(
-        source, std::min(destination->Height, source->Height), StatusReceiver::Copy(), [&](int32_t index) {
-            const ReturnCode read = ReadExactly(*source, row.data(), index, 0, source->BytesPerLine);
-            const ReturnCode written =
-                WriteExactly(*destination, row.data(), index, 0, destination->BytesPerLine);
-            if (failures == RowFailures::Ignored) return code::Success;
-            return read == code::Success ? written : read;
-        });
+    const auto copyRow = [&](int32_t index) {
+        const ReturnCode read = ReadExactly(*source, row.data(), index, 0, source->BytesPerLine);
+        const ReturnCode written =
+            WriteExactly(*destination, row.data(), index, 0, destination->BytesPerLine);
+        if (failures == RowFailures::Ignored) return code::Success;
+        return read == code::Success ? written : read;
+    };
+    return RowWalk(*source)
+        .With(*destination)
+        .Reporting(StatusReceiver::Copy())
+        .Run(std::min(destination->Height, source->Height), copyRow);
 }
 
 // Rows of runs go from heap to heap as they are.
 ReturnCode CopyRuns(BitmapHandle* destination, BitmapHandle* source) {
     ScratchBuffer<uint16_t> row(runs::CountWords + static_cast<size_t>(runs::MostWords(source->Width)));
     if (!row) return code::OutOfMemory;
-    return WalkRows(
-        source, std::min(destination->Height, source->Height), StatusReceiver::Copy(), [&](int32_t index) {
-            const ReturnCode read = Z_GetBitmapRowCompressed(source, nullptr, row.data(), index, 1);
-            if (read != code::Success) return read;
-            return Z_PutBitmapRowCompressed(destination, nullptr, row.data(), index, 1);
-        });
+    const auto copyRow = [&](int32_t index) {
+        const ReturnCode read = Z_GetBitmapRowCompressed(source, nullptr, row.data(), index, 1);
+        if (read != code::Success) return read;
+        return Z_PutBitmapRowCompressed(destination, nullptr, row.data(), index, 1);
+    };
+    return RowWalk(*source)
+        .Reporting(StatusReceiver::Copy())
+        .Run(std::min(destination->Height, source->Height), copyRow);
 }
 
 ReturnCode CopyData(BitmapHandle* destination, BitmapHandle* source, RowFailures failures) {

@@ -1,13 +1,14 @@
 // Rectangles of a bitmap as bitmaps of their own, exact to the pixel at every depth and phase. What of the
 // rectangle lies outside the source keeps the new bitmap's fresh content.
 #include "core/attachments.h"
-#include "core/bitmap_lock.h"
+
 #include "core/copy.h"
 #include "core/exact_rows.h"
-#include "core/flags.h"
-#include "core/progress.h"
+#include "core/predicates.h"
+
 #include "core/rectangle.h"
 #include "core/return_codes.h"
+#include "core/row_walk.h"
 #include "core/scratch.h"
 #include "core/sizes.h"
 #include "core/storage/storage_class.h"
@@ -55,18 +56,18 @@ struct SourcePixels {
 // Rows that cannot be moved are not reported. The steps are those of the whole height asked for.
 ReturnCode CopyRows(BitmapHandle& target, BitmapHandle& source, const Cut& columns, const Cut& rows,
                     int32_t height, const SourcePixels& pixels, uint8_t* buffer) {
-    const BitmapLock sourceLock(&source), targetLock(&target);
+
     const uint32_t segment[] = {pixels.First, pixels.First + static_cast<uint32_t>(columns.Count)};
     const auto offset = static_cast<int32_t>(columns.Offset - pixels.First);
-    Progress progress(StatusReceiver::Copy(), height);
-    ReturnCode status = progress.Begin();
-    for (int32_t row = 0; row < rows.Count && status == code::Success; ++row) {
-        if (const uint8_t* data = pixels.Fetch(source, rows.From + row, buffer))
-            Z_PutBitmapRowSegments(&target, data, static_cast<int32_t>(rows.Offset) + row, offset, segment, 2,
-                                   0);
-        status = progress.Step();
-    }
-    return status;
+    return RowWalk(source)
+        .With(target)
+        .Reporting(StatusReceiver::Copy(), {}, height)
+        .Run(static_cast<int32_t>(rows.Count), [&](int32_t row) {
+            if (const uint8_t* data = pixels.Fetch(source, rows.From + row, buffer))
+                Z_PutBitmapRowSegments(&target, data, static_cast<int32_t>(rows.Offset) + row, offset,
+                                       segment, 2, 0);
+            return code::Success;
+        });
 }
 
 enum class Replaces { Nothing, TheSource };

@@ -2,6 +2,7 @@
 // else.
 #include "core/dispatch.h"
 #include "core/flags.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"

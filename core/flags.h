@@ -32,13 +32,5 @@ inline constexpr uint32_t PaletteIsBlock = Z_FLAG_PALETTE_IS_BLOCK;
 inline bool HasFlag(const BitmapHandle& bitmap, uint32_t flags) {
     return (bitmap.Flags & flags) != 0;
 }
-inline bool IsAllocated(const BitmapHandle* bitmap) {
-    return bitmap != nullptr && HasFlag(*bitmap, flag::Allocated);
-}
-// Whether rows lie in one piece of memory, so that reaching them cannot fail.
-inline bool LiesInMemory(const BitmapHandle& bitmap) {
-    constexpr uint32_t classes = flag::Compressed | flag::Tiled | flag::SuperCompressed | flag::Memory;
-    return (bitmap.Flags & classes) == flag::Memory;
-}
 
 } // namespace zkr

@@ -1,6 +1,7 @@
 // What storage a live bitmap has, and its change: the tuning of tiles, or a rebuild in another class.
 #include "core/copy.h"
 #include "core/flags.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "core/storage/budget.h"

@@ -56,12 +56,19 @@ class PercentCounter {
     int64_t carried_ = 0; // below parts_
 };
 
+// The part of an operation that a loop reports.
+struct PercentRange {
+    int32_t Start = 0;
+    int32_t End = 100;
+};
+
 // The report of a loop over rows: Begin before the first one, Step after each.
 class Progress {
   public:
-    Progress(StatusReceiver receiver, int32_t rows) : receiver_(receiver), counter_(0, 100, rows) {}
+    Progress(StatusReceiver receiver, int32_t rows, PercentRange range = {})
+        : receiver_(receiver), counter_(range.Start, range.End, rows) {}
 
-    ReturnCode Begin() const { return receiver_.Report(0); }
+    ReturnCode Begin() const { return receiver_.Report(counter_.Percent()); }
     ReturnCode Step() { return counter_.Advance(1) ? receiver_.Report(counter_.Percent()) : code::Success; }
 
   private:

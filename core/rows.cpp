@@ -2,7 +2,7 @@
 // memory is copied at once; every other class is reached through its interface.
 #include "zkr13n/rows.h"
 #include "core/exact_rows.h"
-#include "core/flags.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/row_ahead.h"
 #include "core/sizes.h"

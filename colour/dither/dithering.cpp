@@ -4,6 +4,7 @@
 #include "colour/colour_value.h"
 #include "colour/dither/dither_state.h"
 #include "colour/fixed_palettes.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "zkr13n/allocation.h"

@@ -1,5 +1,6 @@
 // Puts a reader together from the kernels of row conversion.
 #include "colour/dither/row_reader.h"
+#include "core/predicates.h"
 
 #include "colour/colour_value.h"
 #include "colour/dither/dither_state.h"
@@ -22,7 +23,7 @@ RowReader::RowReader(const DitherState& state, const BitmapHandle& bitmap) : sta
         AddGray(state, bitmap);
     } else {
         stages_.Add(kernels::ColourForm(bits), Target::Colour32,
-                    {.SourceIsRgb = bitmap.Order != Z_ORDER_BGR});
+                    {.SourceIsRgb = IsRedFirstUnlessBgr(bitmap.Order)});
     }
 }
 

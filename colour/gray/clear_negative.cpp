@@ -2,6 +2,7 @@
 #include "colour/colour_value.h"
 #include "core/attachments.h"
 #include "core/exact_rows.h"
+#include "core/predicates.h"
 #include "core/row_walk.h"
 #include "core/scratch.h"
 #include "zkr13n/gray.h"
@@ -75,7 +76,7 @@ ReturnCode ClearPalette(BitmapHandle& bitmap) {
 
 ReturnCode ClearRows(BitmapHandle& bitmap, ScratchRow& row) {
     const RowClearer clear = ClearerOf(bitmap);
-    return WalkRows(&bitmap, bitmap.Height, StatusReceiver::Status(), [&](int32_t y) {
+    return RowWalk(bitmap).Reporting(StatusReceiver::Status()).Run(bitmap.Height, [&](int32_t y) {
         const ReturnCode read = ReadExactly(bitmap, row.data(), y, 0, bitmap.BytesPerLine);
         if (read != code::Success) return read;
         clear({row.data(), bitmap.BytesPerLine}, static_cast<size_t>(bitmap.Width));

@@ -5,6 +5,7 @@
 #include "colour/kernels/colour_set.h"
 #include "colour/level_table.h"
 #include "colour/stages.h"
+#include "core/predicates.h"
 #include "core/region_rows.h"
 #include "core/row_access.h"
 #include "core/row_walk.h"
@@ -73,7 +74,7 @@ class ColourScan {
   public:
     ColourScan(const BitmapHandle& bitmap, const GrayWindow& window, const RGBQUAD* levels,
                const FoldedPalette& palette, Tally& tally)
-        : isRgb_(bitmap.Order == Z_ORDER_RGB), window_(window), palette_(palette), tally_(tally),
+        : isRgb_(IsRedFirst(bitmap.Order)), window_(window), palette_(palette), tally_(tally),
           stages_(bitmap.BitsPerPixel) {
         PlanStages(bitmap, levels);
         set_.emplace(SetWords());
@@ -240,20 +241,19 @@ ReturnCode WalkRegion(BitmapHandle& bitmap, ColourScan& scan) {
     ScratchRow row(bitmap);
     if (!row) return code::OutOfMemory;
 
-    const StatusReceiver receiver = StatusReceiver::Status();
-    bool known = false;
-    const ReturnCode status = WalkRows(&bitmap, region.rows(), receiver, [&](int32_t index) {
-        const int32_t y = region.top() + index;
-        std::span<const uint32_t> segments;
-        ReturnCode result = region.SegmentsOf(y, segments);
-        const uint8_t* data = nullptr;
-        if (result == code::Success) result = FetchRow(bitmap, y, row.data(), data);
-        if (result != code::Success) return result;
-        for (size_t i = 0; i < segments.size() && !known; i += 2)
-            known = scan.Count(data, segments[i], segments[i + 1]);
-        return known ? code::General : code::Success; // ends the walk
-    });
-    return known ? receiver.Report(100) : status;
+    return RowWalk(bitmap)
+        .Reporting(StatusReceiver::Status())
+        .Run(region.rows(), [&](int32_t index) -> Visited {
+            const int32_t y = region.top() + index;
+            std::span<const uint32_t> segments;
+            ReturnCode result = region.SegmentsOf(y, segments);
+            const uint8_t* data = nullptr;
+            if (result == code::Success) result = FetchRow(bitmap, y, row.data(), data);
+            if (result != code::Success) return result;
+            for (size_t i = 0; i < segments.size(); i += 2)
+                if (scan.Count(data, segments[i], segments[i + 1])) return Visited::Last();
+            return code::Success;
+        });
 }
 
 } // namespace

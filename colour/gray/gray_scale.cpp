@@ -4,6 +4,7 @@
 #include "colour/gray_window.h"
 #include "colour/level_table.h"
 #include "colour/stages.h"
+#include "core/predicates.h"
 #include "core/replacement.h"
 #include "core/row_access.h"
 #include "core/row_walk.h"
@@ -54,7 +55,7 @@ class GrayStages {
                const RGBQUAD* levels)
         : stages(source.BitsPerPixel), targetBits_(targetBits) {
         const int32_t bits = source.BitsPerPixel;
-        const bool isRgb = source.Order == Z_ORDER_RGB;
+        const bool isRgb = IsRedFirst(source.Order);
         if (bits <= MostIndexedBits) {
             stages.AddMap(bits, map);
             if (targetBits != 8) FromColour(Source::Gray8, isRgb);
@@ -114,7 +115,7 @@ ReturnCode ConvertRows(BitmapHandle& source, BitmapHandle& gray, Stages& stages)
     if (!from || !to) return code::OutOfMemory;
     std::memset(to.data(), 0, gray.BytesPerLine);
     const auto pixels = static_cast<size_t>(source.Width);
-    return WalkRows(&source, source.Height, StatusReceiver::Status(), [&](int32_t row) {
+    return RowWalk(source).Reporting(StatusReceiver::Status()).Run(source.Height, [&](int32_t row) {
         const uint8_t* data;
         const ReturnCode fetched = FetchRow(source, row, from.data(), data);
         if (fetched != code::Success) return fetched;

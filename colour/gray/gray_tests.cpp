@@ -1,7 +1,7 @@
 // Whether a palette or a bitmap is gray, and in which order its levels stand.
 #include "colour/colour_value.h"
 #include "colour/gray_window.h"
-#include "core/flags.h"
+#include "core/predicates.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
 

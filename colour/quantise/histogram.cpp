@@ -38,8 +38,7 @@ ReturnCode Histogram::Add(BitmapHandle& bitmap) {
     KeyReader reader(bitmap);
     ScratchRow row(bitmap);
     if (!reader || !row) return code::OutOfMemory;
-    constexpr StatusReceiver nobody{nullptr, 0};
-    return WalkRows(&bitmap, bitmap.Height, nobody, [&](int32_t y) {
+    return RowWalk(bitmap).Run(bitmap.Height, [&](int32_t y) {
         const ReturnCode result = ReadExactly(bitmap, row.data(), y, 0, bitmap.BytesPerLine);
         if (result == code::Success)
             reader.Read(row.data(), [&](const uint16_t* keys, size_t pixels) { Add(keys, pixels); });

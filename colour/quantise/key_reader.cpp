@@ -1,5 +1,6 @@
 // Puts the reader together from the kernels of row conversion.
 #include "colour/quantise/key_reader.h"
+#include "core/predicates.h"
 
 #include "zkr13n/palettes.h"
 
@@ -28,7 +29,7 @@ KeyReader::KeyReader(const BitmapHandle& bitmap)
         PlanGray(bitmap.BitsPerPixel);
     } else {
         stages_.Add(kernels::ColourForm(bitmap.BitsPerPixel), Target::Colour16,
-                    {.SourceIsRgb = bitmap.Order != Z_ORDER_BGR});
+                    {.SourceIsRgb = IsRedFirstUnlessBgr(bitmap.Order)});
     }
 }
 

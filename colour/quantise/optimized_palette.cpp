@@ -3,6 +3,7 @@
 
 #include "colour/colour_value.h"
 #include "colour/quantise/palette_builder.h"
+#include "core/predicates.h"
 #include "core/progress.h"
 #include "zkr13n/color_resolution.h"
 #include "zkr13n/gray.h"

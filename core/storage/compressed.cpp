@@ -3,6 +3,7 @@
 // leaves the row as it was.
 #include "core/storage/compressed.h"
 
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "core/storage/storage_class.h"

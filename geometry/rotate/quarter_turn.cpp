@@ -3,6 +3,7 @@
 // band by band in a buffer, and the source is gone through once for each.
 #include "core/bitmap_lock.h"
 #include "core/exact_rows.h"
+#include "core/predicates.h"
 #include "core/replacement.h"
 #include "core/return_codes.h"
 #include "core/row_access.h"

@@ -2,7 +2,7 @@
 #include "zkr13n/rotate.h"
 
 #include "core/dispatch.h"
-#include "core/flags.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "geometry/rotate/free_rotation.h"
 #include "geometry/row_progress.h"

@@ -4,6 +4,7 @@
 
 #include "colour/fill_row.h"
 #include "core/exact_rows.h"
+#include "core/predicates.h"
 #include "core/row_access.h"
 #include "core/scratch.h"
 #include "kernels/family.h"

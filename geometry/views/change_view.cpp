@@ -1,7 +1,7 @@
 // The physical change of view: what the arithmetic of views asks for, done to the pixels by a flip and a turn.
 #include "core/copy.h"
 #include "core/dispatch.h"
-#include "core/flags.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/views.h"
 #include "geometry/views/row_moves.h"

@@ -2,7 +2,7 @@
 #include "zkr13n/flip.h"
 
 #include "core/dispatch.h"
-#include "core/flags.h"
+#include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/views.h"
 #include "geometry/views/row_moves.h"

@@ -4,6 +4,7 @@
 
 #include "core/bitmap_lock.h"
 #include "core/exact_rows.h"
+#include "core/predicates.h"
 #include "core/row_access.h"
 #include "core/scratch.h"
 #include "core/storage/compressed.h"

@@ -1,6 +1,7 @@
 // Alpha out of bitmaps and into them.
 #include "colour/pictures.h"
 
+#include "core/predicates.h"
 #include "core/test_regions.h"
 #include "zkr13n/alpha.h"
 #include "zkr13n/gray.h"

@@ -2,6 +2,7 @@
 #include "colour/fixed_palettes.h"
 #include "colour/pictures.h"
 #include "colour/quantise/palette_builder.h"
+#include "core/predicates.h"
 #include "core/test_regions.h"
 #include "core/thread_settings.h"
 #include "platform/graphics.h"

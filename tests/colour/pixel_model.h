@@ -4,6 +4,7 @@
 
 #include "colour/reference_palettes.h"
 #include "core/flags.h"
+#include "core/predicates.h"
 
 #include <algorithm>
 

@@ -1,5 +1,6 @@
 // Rectangles of bitmaps against a copy of single pixels: every depth, every phase on both sides, all storage
 // classes, rectangles that hang over every edge. Then reports, regions, refusals.
+#include "core/predicates.h"
 #include "core/reports.h"
 #include "core/test_bitmaps.h"
 #include "core/test_regions.h"

@@ -1,5 +1,6 @@
 // Every function that allocates or touches a file, a mapping or an object of the platform, with each of these
 // calls failing in turn.
+#include "core/predicates.h"
 #include "core/run_heap.h"
 #include "faults/fault_driver.h"
 

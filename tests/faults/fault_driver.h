@@ -3,6 +3,7 @@
 // nothing leaked, and success once the system works again.
 #pragma once
 
+#include "core/predicates.h"
 #include "core/storage_faults.h"
 #include "platform/graphics.h"
 #include "zkr13n/allocation.h"
