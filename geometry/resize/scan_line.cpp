@@ -3,6 +3,7 @@
 #include "geometry/resize/stepping.h"
 
 #include "core/sizes.h"
+#include "geometry/row_tail.h"
 #include "zkr13n/resize.h"
 
 #include <cstring>
@@ -149,17 +150,6 @@ Steppers SteppersOf(int32_t bitsPerPixel) {
 
 bool PacksBits(int32_t bitsPerPixel) {
     return bitsPerPixel < 8 || bitsPerPixel == 12;
-}
-
-// The bits behind the last pixel, to the end of the row.
-void ClearBehind(int32_t bitsPerPixel, uint8_t* target, uint64_t pixels, uint64_t targetBytes) {
-    const uint64_t bits = pixels * static_cast<uint32_t>(bitsPerPixel);
-    if (bits % 8 != 0) {
-        const uint32_t ours = bitsPerPixel == 12 ? 0x0Fu : 0xFF00u >> bits % 8;
-        target[bits / 8] = static_cast<uint8_t>(target[bits / 8] & ours);
-    }
-    const uint64_t whole = (bits + 7) / 8;
-    if (whole < targetBytes) std::memset(target + whole, 0, static_cast<size_t>(targetBytes - whole));
 }
 
 } // namespace

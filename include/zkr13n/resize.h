@@ -88,6 +88,102 @@ Z_API ReturnCode Z_CALL Z_Resize(void* row, uint32_t index, int32_t bitsPerPixel
  */
 Z_API ReturnCode Z_CALL Z_StopResize(ResizeLineState* state);
 
+/* Bits of the flags argument of Z_StartResizeBitmap. */
+enum {
+    RESIZE_ORDER_BGR = 0x00000004,  /* the output is blue first; without it and the next, red first */
+    RESIZE_ORDER_GRAY = 0x00000080, /* the output is gray and never dithered; RESIZE_ORDER_BGR wins */
+    RESIZE_LINEAR = 0x00000010,     /* linear where the bitmap grows, averages where it shrinks */
+    RESIZE_SPLINE = 0x00000020,     /* natural cubic splines where the bitmap grows */
+    RESIZE_DITHER_SHIFT = 16        /* bits 16 to 23: the dithering method, Dither... */
+};
+
+/*
+ * Fetches packed pixels of a row in place of the bitmap's storage.
+ *
+ * bitmap  the bitmap that was given to Z_StartResizeBitmap
+ * buffer  out: the bytes
+ * row     0 to Height - 1
+ * column  the pixel of the row that the first byte begins with, from 0
+ * bytes   how many
+ * data    what was given to Z_StartResizeBitmap
+ *
+ * Z_SUCCESS; anything else ends the request, whose result it is.
+ */
+typedef ReturnCode(Z_CALL* ResizeReadRow)(BitmapHandle* bitmap, void* buffer, int32_t row, int32_t column,
+                                          uint32_t bytes, void* data);
+
+/* What Z_StartResizeBitmap makes. */
+typedef struct ResizeRowContext ResizeRowContext;
+
+/*
+ * Begins to give out rows of a bitmap at another size. The bitmap stays locked, and must live and keep its
+ * dimensions, until Z_StopResizeBitmap.
+ *
+ * bitmap        in: an allocated bitmap; with a reader one without storage will do. Dimensions, depth, order,
+ *               palette and gray window are taken as they are now; its row cache is changed.
+ * newWidth      in, pixels: 0 or more, as for Z_StartResize
+ * newHeight     in, pixels: likewise
+ * newBits       in: depth of the output, below 1 for that of the bitmap. 8 bits without a palette, or with a
+ *               gray palette from black to white, are gray levels where the bitmap is such gray or the
+ *               palette was given.
+ * palette       in, may be null: the colours of an output of up to 8 bits. Null stands for the palette of the
+ *               bitmap, and where that has none for the fixed one.
+ * paletteCount  in: its entries, 1 to 256
+ * flags         in: RESIZE_...
+ * readRow       in, may be null: the reader; null reads the bitmap
+ * readRowData   in: handed to the reader
+ * context       out: released by Z_StopResizeBitmap
+ *
+ * Nearest takes for column x the source pixel x * old / new, and likewise for rows; rows of a bitmap that
+ * grows come from source row (y * old + old - 1) / new. Linear places each source pixel in the middle of the
+ * stretch that it becomes and goes to the next in equal steps, rounded down; the last stretch is flat. Columns
+ * that shrink are means weighted by the covered area, and rows that shrink plain means of whole rows. The
+ * spline goes through the source pixels with second derivatives of zero at the ends of the window that the
+ * request needs, and between rows through the four nearest ones; where both sides shrink or stay it is linear,
+ * and where the width shrinks columns are means. The work is done in 8-bit gray, 24 bits, 16-bit gray or 48
+ * bits, according to the bitmap; alpha does not pass.
+ *
+ * Z_SUCCESS. Z_ERROR_BITMAP: a null bitmap, or one without storage when there is no reader. Z_ERROR_ARGUMENT:
+ * context is null, the sizes are refused as by Z_StartResize, the output cannot be converted to, or dithering
+ * cannot start with this palette. Z_ERROR_MEMORY: memory is short. On failure context is as it was.
+ *
+ * Bresenham's stepping (Jack E. Bresenham, 1965) in all whole-number methods; natural splines by elimination
+ * in three diagonals (Llewellyn H. Thomas, 1949).
+ */
+Z_API ReturnCode Z_CALL Z_StartResizeBitmap(BitmapHandle* bitmap, int32_t newWidth, int32_t newHeight,
+                                            int32_t newBits, const RGBQUAD* palette, uint32_t paletteCount,
+                                            uint32_t flags, ResizeReadRow readRow, void* readRowData,
+                                            ResizeRowContext** context);
+
+/*
+ * Gives a stretch of a row of the resized bitmap. Requests may come in any order; the same stretch of the row
+ * above, the same row or the row below the last one reads at most one row of the source.
+ *
+ * context  in, changed
+ * target   out: packed pixels, the first of them in the topmost bits of the first byte
+ * row      in: 0 to the new height - 1; others count as the nearest of these
+ * column   in: the first pixel, 0 to the new width - 1
+ * bytes    in: bytes wanted, 1 or more. As many pixels are made as fit, less those bits that the column lies
+ *          behind the start of its byte. Bytes behind the last pixel of the row hold nothing of meaning; a
+ *          dithered row leaves them as they were.
+ *
+ * Dithering runs on from request to request in the order in which they come.
+ *
+ * Z_SUCCESS. Z_ERROR_ARGUMENT: no context, a null target, another column, or 0 bytes; nothing is written.
+ * Z_ERROR_READ, or what the reader returned: a row could not be read; the target is as it was.
+ */
+Z_API ReturnCode Z_CALL Z_GetResizedRowCol(ResizeRowContext* context, void* target, int32_t row,
+                                           int32_t column, uint32_t bytes);
+
+/*
+ * Ends the resizing of a bitmap, and unlocks it.
+ *
+ * context  in: what Z_StartResizeBitmap gave
+ *
+ * Z_SUCCESS, or Z_ERROR_ARGUMENT when it is none.
+ */
+Z_API ReturnCode Z_CALL Z_StopResizeBitmap(ResizeRowContext* context);
+
 Z_END_DECLS
 
 #endif
