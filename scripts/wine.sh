@@ -187,6 +187,8 @@ run_session() {
 case "$action" in
 prepare) prepare ;;
 exec)
+  # Wine starts programs of this machine too, and gives 0 whatever they give.
+  if [ -f "$1" ] && [ "$(head -c 2 "$1" | tr -d '\0')" != MZ ]; then die "$1 is no Windows program"; fi
   choose_wine
   ready || die "$not_ready"
   [ -n "${ZKR_WINE_DISPLAY:-}" ] && run_on_screen "$@"
