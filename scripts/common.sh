@@ -58,14 +58,21 @@ server_answers() {
   return $status
 }
 
-# Ends the program after a failed installation: with the status of its own where the server is to blame.
+# installation_failed log package...: ends the program with the cause that the log tells, in one line; with a status of
+# its own where the server is to blame.
 installation_failed() {
-  if server_answers; then
-    die "could not install: $*"
+  local log="$1" cause
+  shift
+  if ! server_answers; then
+    printf 'error: could not install %s: the package server does not answer (all of it: %s)\n' "$*" "$log" >&2
+    exit $no_answer
   fi
-  printf 'error: could not install %s: the package server does not answer\n' "$*" >&2
-  exit $no_answer
+  cause="$(sed -n 's/^[EW]: //p' "$log" | head -n 1)"
+  die "could not install $*: ${cause:-see the log} (all of it: $log)"
 }
+
+# Shows the comment at the head of the program that was started.
+usage() { sed -n '2,/^[^#]/s/^#$//p; 2,/^[^#]/s/^# //p' "$0"; }
 
 installed() { [ "$(dpkg-query -W -f '${Status}' "$1" 2>/dev/null)" = "install ok installed" ]; }
 
@@ -81,15 +88,22 @@ need() {
     installed "$package" || missing+=("$package")
   done
   [ ${#missing[@]} -eq 0 ] && return
+  local log install
+  mkdir -p "$top/build" || exit 1
+  log="$top/build/packages.log"
+  : >"$log" || exit 1
   say "Installing for $why: ${missing[*]}"
-  local install=(env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=600
+  install=(env DEBIAN_FRONTEND=noninteractive apt-get -q -y -o DPkg::Lock::Timeout=600
     install --no-install-recommends "${missing[@]}")
   # Old lists name files that are gone. An index that does not load (of another architecture, say) matters
   # only when a package then cannot be had.
-  if ! apt-cache show "${missing[@]}" >/dev/null 2>&1 || ! as_root "${install[@]}" >&2; then
+  if ! apt-cache show "${missing[@]}" >/dev/null 2>&1 || ! as_root "${install[@]}" >>"$log" 2>&1; then
     say "Refreshing the lists of packages"
-    as_root apt-get -q -o DPkg::Lock::Timeout=600 update >&2 || true
-    as_root "${install[@]}" >&2 || installation_failed "${missing[@]}"
+    as_root apt-get -q -o DPkg::Lock::Timeout=600 update >>"$log" 2>&1 || true
+    as_root "${install[@]}" >"$log.last" 2>&1 || failed=1
+    cat "$log.last" >>"$log"
+    [ -z "${failed:-}" ] || installation_failed "$log.last" "${missing[@]}"
+    rm -f "$log.last"
   fi
 }
 
@@ -108,20 +122,40 @@ memory_takes_files() {
   ! grep -q ' /dev/shm .*noexec' /proc/mounts && [ -w /dev/shm ] && [ "$(stat -f -c %T /dev/shm)" = tmpfs ] && [ "${free:-0}" -gt 8000000 ]
 }
 
-# build preset [target...]: configures where needed and builds what changed.
+# show_build preset: passes on what a build prints, from where it begins to do something; on a terminal its steps take
+# one line.
+show_build() {
+  local line quiet=1 columns=0
+  [ -t 2 ] && columns="$(tput cols 2>/dev/null || echo 80)"
+  while IFS= read -r line; do
+    [[ "$line" == *"Re-checking globbed directories"* || "$line" == "ninja: no work to do." ]] && continue
+    [ -z "$quiet" ] || say "Building build/$1"
+    quiet=""
+    if [[ "$columns" -gt 0 && "$line" =~ ^\[[0-9]+/[0-9]+\] ]]; then
+      printf '\r\033[K%s' "${line:0:columns-1}" >&2
+    else
+      printf '%s\n' "$line" >&2
+    fi
+  done
+  if [ -z "$quiet" ] && [ "$columns" -gt 0 ]; then printf '\r\033[K' >&2; fi
+}
+
+settings=() # for CMake, beside those of the preset
+
+# build preset [target...]: configures where needed and builds what changed; says nothing where nothing did.
 build() {
-  local preset="$1" target targets=()
+  local preset="$1" target targets=() log
   shift
   for target in "$@"; do targets+=(--target "$target"); done
-  say "Building build/$preset"
-  mkdir -p "$top/build"
+  log="$top/build/configure-$preset.log"
+  mkdir -p "$top/build" || exit 1
+  : >"$log" || exit 1
   (
     cd "$top"
-    log="build/configure-$preset.log"
-    cmake --preset "$preset" >"$log" 2>&1 || {
+    cmake --preset "$preset" "${settings[@]}" >"$log" 2>&1 || {
       cat "$log" >&2
       die "cannot configure the preset $preset"
     }
-    cmake --build "build/$preset" -j "$(nproc)" "${targets[@]}" >&2
+    cmake --build "build/$preset" -j "$(nproc)" "${targets[@]}" 2>&1 | show_build "$preset"
   )
 }
