@@ -1,5 +1,6 @@
 // Runs every work and its peers with Google Benchmark, interleaved, and prints one table of ratios. Options
 // of Google Benchmark are taken as they are (--benchmark_filter=24 and the like).
+#include "progress.h"
 #include "work.h"
 
 #include <benchmark/benchmark.h>
@@ -8,6 +9,7 @@
 #include <cstdio>
 #include <cstring>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -32,11 +34,14 @@ std::string NameOf(int number, const std::string& doer) {
 constexpr const char* Ours = "ZKR13N";
 constexpr const char* CopyName = "memcpy of 36 MB";
 constexpr size_t CopyBytes = 36u << 20;
+constexpr int Repetitions = 9;
 
 // Collects the times of all repetitions; the best counts, since noise only adds. Processor time, so that
 // other work on the machine weighs less.
 class TableReporter : public benchmark::BenchmarkReporter {
   public:
+    explicit TableReporter(std::unique_ptr<Progress> progress) : progress_(std::move(progress)) {}
+
     bool ReportContext(const Context&) override { return true; }
 
     void ReportRuns(const std::vector<Run>& runs) override {
@@ -45,17 +50,21 @@ class TableReporter : public benchmark::BenchmarkReporter {
             const bool wall = run.run_name.time_type.find("real_time") != std::string::npos;
             const double time = wall ? run.real_accumulated_time : run.cpu_accumulated_time;
             times_[run.run_name.function_name].push_back(time / static_cast<double>(run.iterations));
-            std::fputc('.', stderr);
         }
     }
 
     void Finalize() override {
-        std::fputc('\n', stderr);
+        progress_.reset();
         const double copySecondsPerByte = Best(CopyName) / (2.0 * CopyBytes);
         std::printf("%-28s %9s %9s %7s   %-24s %9s %7s %7s\n", "work", "ms", "Mpixel/s", "memcpy", "peer",
                     "peer ms", "ratio", "reach");
         for (const auto& [number, entry] : Entries())
             PrintEntry(number, entry, copySecondsPerByte);
+        std::printf(
+            "\nms: the best of %d measurements. memcpy: how fast bytes are read and written, as a part of "
+            "memcpy's speed.\nratio: the peer's time over ours, above 1 where we are faster; reach: what "
+            "it has to be at least, else \"below\".\n",
+            Repetitions);
     }
 
     int Missed() const { return missed_; }
@@ -77,9 +86,12 @@ class TableReporter : public benchmark::BenchmarkReporter {
     void PrintEntry(int number, const Entry& entry, double copySecondsPerByte) {
         const double ours = Best(NameOf(number, Ours));
         if (ours == 0) return;
-        std::printf("%-28s %9.3f %9.0f %7.2f", Named(entry.Ours.Name, entry.Ours.Decibels).c_str(),
-                    ours * 1e3, static_cast<double>(entry.Ours.Pixels) / ours / 1e6,
-                    copySecondsPerByte * static_cast<double>(entry.Ours.Bytes) / ours);
+        char copies[16] = "-"; // where memcpy was not measured
+        if (copySecondsPerByte > 0)
+            std::snprintf(copies, sizeof copies, "%.2f",
+                          copySecondsPerByte * static_cast<double>(entry.Ours.Bytes) / ours);
+        std::printf("%-28s %9.3f %9.0f %7s", Named(entry.Ours.Name, entry.Ours.Decibels).c_str(), ours * 1e3,
+                    static_cast<double>(entry.Ours.Pixels) / ours / 1e6, copies);
         bool first = true;
         for (const Peer& peer : entry.Peers) {
             if (!peer.Run) {
@@ -99,13 +111,18 @@ class TableReporter : public benchmark::BenchmarkReporter {
         if (first) std::printf("\n");
     }
 
+    std::unique_ptr<Progress> progress_;
     std::map<std::string, std::vector<double>> times_;
     int missed_ = 0;
 };
 
+std::vector<std::string> names; // of all that is registered
+
 benchmark::internal::Benchmark* Register(const std::string& name, const Body& body) {
+    names.push_back(name);
     return benchmark::RegisterBenchmark(name.c_str(),
-                                        [body](benchmark::State& state) {
+                                        [body, name](benchmark::State& state) {
+                                            Progress::Begins(name);
                                             for (auto _ : state)
                                                 body();
                                         })
@@ -146,9 +163,9 @@ void Touch(const void* data) {
 
 int main(int argc, char** argv) {
     char minTime[] = "--benchmark_min_time=0.02";
-    char repetitions[] = "--benchmark_repetitions=9";
+    std::string repetitions = "--benchmark_repetitions=" + std::to_string(bench::Repetitions);
     char interleaving[] = "--benchmark_enable_random_interleaving=true";
-    std::vector<char*> arguments{argv[0], minTime, repetitions, interleaving};
+    std::vector<char*> arguments{argv[0], minTime, repetitions.data(), interleaving};
     arguments.insert(arguments.end(), argv + 1, argv + argc);
     int count = static_cast<int>(arguments.size());
     arguments.push_back(nullptr);
@@ -156,7 +173,8 @@ int main(int argc, char** argv) {
     bench::RegisterAll();
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
-    bench::TableReporter reporter;
+    bench::TableReporter reporter(
+        std::make_unique<bench::Progress>(bench::names, benchmark::GetBenchmarkFilter(), bench::Repetitions));
     benchmark::RunSpecifiedBenchmarks(&reporter);
     return 0;
 }

@@ -64,11 +64,11 @@ installation_failed() {
   local log="$1" cause
   shift
   if ! server_answers; then
-    printf 'error: could not install %s: the package server does not answer (all of it: %s)\n' "$*" "$log" >&2
+    printf 'error: could not install %s: the package server does not answer (all of it: %s)\n' "$*" "${log%.last}" >&2
     exit $no_answer
   fi
   cause="$(sed -n 's/^[EW]: //p' "$log" | head -n 1)"
-  die "could not install $*: ${cause:-see the log} (all of it: $log)"
+  die "could not install $*: ${cause:-see the log} (all of it: ${log%.last})"
 }
 
 # Shows the comment at the head of the program that was started.

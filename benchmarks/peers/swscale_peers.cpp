@@ -3,6 +3,7 @@
 #include "../work.h"
 
 extern "C" {
+#include <libavutil/log.h>
 #include <libavutil/pixfmt.h>
 #include <libswscale/swscale.h>
 }
@@ -42,6 +43,7 @@ void AddOrdered(int number, AVPixelFormat to, int targetLine) {
 }
 
 const Adds adds([] {
+    av_log_set_level(AV_LOG_ERROR); // what it does without is no news to whoever reads the table
     AddPeer(FromPaletteTo32,
             {"libswscale", 1.2, [] {
                  static SwsContext* context =
