@@ -14,6 +14,7 @@ inline constexpr ReturnCode WriteFailed = Z_ERROR_WRITE;
 inline constexpr ReturnCode ReadFailed = Z_ERROR_READ;
 inline constexpr ReturnCode InvalidDimensions = Z_ERROR_DIMENSIONS;
 inline constexpr ReturnCode InvalidArgument = Z_ERROR_ARGUMENT;
+inline constexpr ReturnCode FeatureMissing = Z_ERROR_FEATURE;
 inline constexpr ReturnCode InvalidBitsPerPixel = Z_ERROR_BITS_PER_PIXEL;
 inline constexpr ReturnCode DocumentLocked = Z_ERROR_DOCUMENT_LOCKED;
 inline constexpr ReturnCode OutOfDiskSpace = Z_ERROR_DISK_SPACE;

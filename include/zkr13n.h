@@ -42,5 +42,6 @@
 #include "zkr13n/storage.h"
 #include "zkr13n/surface.h"
 #include "zkr13n/views.h"
+#include "zkr13n/warp.h"
 
 #endif

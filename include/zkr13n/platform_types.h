@@ -37,6 +37,12 @@ typedef struct tagRGBQUAD {
     uint8_t rgbReserved;
 } RGBQUAD;
 
+/* A pixel's place. */
+typedef struct tagPOINT {
+    int32_t x;
+    int32_t y;
+} POINT;
+
 /* A rectangle; right and bottom are not part of it. */
 typedef struct tagRECT {
     int32_t left;

@@ -1,0 +1,153 @@
+// The kernels of the warp, composed of the forms of pixels.
+#include "geometry/kernels/warp_kernels.h"
+
+#include "geometry/kernels/pixel_forms.h"
+#include "kernels/family.h"
+
+namespace zkr::kernels {
+namespace {
+
+struct Place {
+    double U;
+    double V;
+};
+
+inline Place Map(const WarpMapping& mapping, double x) {
+    const double w = (x * mapping.XFactor[2] + mapping.YPart[2]) + mapping.Constant[2];
+    return {((x * mapping.XFactor[0] + mapping.YPart[0]) + mapping.Constant[0]) / w,
+            ((x * mapping.XFactor[1] + mapping.YPart[1]) + mapping.Constant[1]) / w};
+}
+
+// Of a value from -2 on that an int32_t holds.
+inline int32_t Floor(double value) {
+    const auto whole = static_cast<int32_t>(value);
+    return whole - (static_cast<double>(whole) > value ? 1 : 0);
+}
+
+// The ranges are tested before any value becomes an integer; a place that is no number is outside.
+bool LocateNearest(const WarpMapping& mapping, const WarpSource& source, int32_t x, WarpPiece& piece) {
+    const double width = source.Width, height = source.Height;
+    int32_t hits = 0;
+    for (size_t i = 0; i < piece.Pixels; ++i) {
+        const Place place = Map(mapping, x + static_cast<int32_t>(i));
+        const double column = (width - 1) * place.U + 0.5;
+        const double row = (height - 1) * place.V + 0.5;
+        const bool inside = (column >= 0) & (column < width) & (row >= 0) & (row < height);
+        piece.Column[i] = static_cast<int32_t>(inside ? column : 0);
+        piece.Row[i] = inside ? static_cast<int32_t>(inside ? row : 0) : WarpPiece::Outside;
+        hits |= inside ? 1 : 0;
+    }
+    return hits != 0;
+}
+
+bool LocateAround(const WarpMapping& mapping, const WarpSource& source, int32_t x, WarpPiece& piece) {
+    const double width = source.Width, height = source.Height, left = source.Left, top = source.Top;
+    int32_t hits = 0;
+    for (size_t i = 0; i < piece.Pixels; ++i) {
+        const Place place = Map(mapping, x + static_cast<int32_t>(i));
+        const double column = (width - 1) * place.U + left;
+        const double row = (height - 1) * place.V + top;
+        const bool inside =
+            (column >= left - 1) & (column < left + width) & (row >= top - 1) & (row < top + height);
+        const double safeColumn = inside ? column : left, safeRow = inside ? row : top;
+        const int32_t wholeColumn = Floor(safeColumn), wholeRow = Floor(safeRow);
+        const double tx = safeColumn - wholeColumn, ty = safeRow - wholeRow;
+        piece.Column[i] = wholeColumn - source.Left;
+        piece.Row[i] = inside ? wholeRow - source.Top : WarpPiece::Outside;
+        piece.Weight[0][i] = (1 - tx) * (1 - ty);
+        piece.Weight[1][i] = tx * (1 - ty);
+        piece.Weight[2][i] = (1 - tx) * ty;
+        piece.Weight[3][i] = tx * ty;
+        hits |= inside ? 1 : 0;
+    }
+    return hits != 0;
+}
+
+template <class Copier>
+void DrawNearest(const WarpSource& source, const WarpPiece& piece, uint8_t* target, size_t x) {
+    for (size_t i = 0; i < piece.Pixels; ++i) {
+        if (piece.Row[i] == WarpPiece::Outside) continue;
+        Copier::Copy(source.Rows[piece.Row[i]], static_cast<size_t>(source.Left + piece.Column[i]), target,
+                     x + i);
+    }
+}
+
+template <class Packing> struct ByValue {
+    static void Copy(const uint8_t* from, size_t fromX, uint8_t* to, size_t toX) {
+        Packing::Put(to, toX, Packing::Get(from, fromX));
+    }
+};
+
+// Where a sample lies outside the rectangle, the pixel that is drawn over stands for it.
+template <class Form>
+void DrawBlend(const WarpSource& source, const WarpPiece& piece, uint8_t* target, size_t x) {
+    const auto width = static_cast<uint32_t>(source.Width), height = static_cast<uint32_t>(source.Height);
+    for (size_t i = 0; i < piece.Pixels; ++i) {
+        if (piece.Row[i] == WarpPiece::Outside) continue;
+        const auto column = static_cast<uint32_t>(piece.Column[i]), row = static_cast<uint32_t>(piece.Row[i]);
+        const size_t at = static_cast<size_t>(source.Left) + column;
+        typename Form::Values sample[4];
+        if (column + 1 < width && row + 1 < height && column + 1 != 0 && row + 1 != 0) [[likely]] {
+            sample[0] = Form::Load(source.Rows[row], at);
+            sample[1] = Form::Load(source.Rows[row], at + 1);
+            sample[2] = Form::Load(source.Rows[row + 1], at);
+            sample[3] = Form::Load(source.Rows[row + 1], at + 1);
+        } else {
+            for (uint32_t k = 0; k < 4; ++k) {
+                const uint32_t sampleColumn = column + (k & 1), sampleRow = row + (k >> 1);
+                sample[k] =
+                    sampleColumn < width && sampleRow < height
+                        ? Form::Load(source.Rows[sampleRow], static_cast<size_t>(source.Left) + sampleColumn)
+                        : Form::Load(target, x + i);
+            }
+        }
+        Form::Store(target, x + i,
+                    sample[0]
+                        .Times(piece.Weight[0][i])
+                        .Plus(sample[1].Times(piece.Weight[1][i]))
+                        .Plus(sample[2].Times(piece.Weight[2][i]))
+                        .Plus(sample[3].Times(piece.Weight[3][i])));
+    }
+}
+
+#if defined(__AVX2__)
+template <typename Channel, size_t channels> using ColourForm = LanesForm<Channel, channels>;
+#else
+template <typename Channel, size_t channels> using ColourForm = ChannelsForm<Channel, channels>;
+#endif
+
+constexpr WarpKernels MakeKernels() {
+    WarpKernels made = {};
+    made.Nearest = LocateNearest;
+    made.Around = LocateAround;
+    made.Copy[1] = DrawNearest<ByValue<PackedBits<1>>>;
+    made.Copy[2] = DrawNearest<ByValue<PackedBits<2>>>;
+    made.Copy[3] = DrawNearest<ByValue<PackedBits<3>>>;
+    made.Copy[4] = DrawNearest<ByValue<PackedBits<4>>>;
+    made.Copy[5] = DrawNearest<ByValue<PackedBits<5>>>;
+    made.Copy[6] = DrawNearest<ByValue<PackedBits<6>>>;
+    made.Copy[7] = DrawNearest<ByValue<PackedBits<7>>>;
+    made.Copy[8] = DrawNearest<Wide<1>>;
+    made.Copy[12] = DrawNearest<ByValue<Pairs12>>;
+    made.Copy[16] = DrawNearest<Wide<2>>;
+    made.Copy[24] = DrawNearest<Wide<3>>;
+    made.Copy[32] = DrawNearest<Wide<4>>;
+    made.Copy[48] = DrawNearest<Wide<6>>;
+    made.Copy[64] = DrawNearest<Wide<8>>;
+    made.Blend[1] = DrawBlend<BitForm>;
+    made.Blend[8] = DrawBlend<ChannelsForm<uint8_t, 1>>;
+    made.Blend[12] = DrawBlend<Pair12Form>;
+    made.Blend[16] = DrawBlend<ChannelsForm<uint16_t, 1>>;
+    made.Blend[24] = DrawBlend<ColourForm<uint8_t, 3>>;
+    made.Blend[32] = DrawBlend<ColourForm<uint8_t, 4>>;
+    made.Blend[48] = DrawBlend<ColourForm<uint16_t, 3>>;
+    made.Blend[64] = DrawBlend<ColourForm<uint16_t, 4>>;
+    made.BlendColour16 = DrawBlend<Colour16Form>;
+    return made;
+}
+
+} // namespace
+
+template <> constinit const WarpKernels Compiled<WarpKernels, ThisSet>::Table = MakeKernels();
+
+} // namespace zkr::kernels
