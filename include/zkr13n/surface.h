@@ -62,15 +62,41 @@ Z_API ReturnCode Z_CALL Z_DeleteSurface(HDC context);
 Z_API ReturnCode Z_CALL Z_SetScreenSurface(HDC context);
 
 /*
- * Deletes an object of the platform that belongs to the host, as the palette objects do that functions of the
- * library return. Not for what a bitmap holds: Z_FreeBitmap releases that.
+ * Deletes an object of the platform that belongs to the host, as the palette objects and regions do that
+ * functions of the library return. Not for what a bitmap holds: Z_FreeBitmap releases that.
  *
- * object  in: a palette object
+ * object  in: a palette object or a region
  *
  * 1 on success. Z_ERROR_ARGUMENT: null, an object that is deleted already, or no object of these kinds;
  * nothing is changed.
  */
 Z_API ReturnCode Z_CALL Z_DeleteObject(HANDLE object);
+
+/*
+ * Makes a region: the pixels that lie in any of some rectangles.
+ *
+ * rects      in: the rectangles, in any order; they may overlap, and empty and inverted ones hold no pixel.
+ *            May be null with a count of 0
+ * count      in: their number, 0 and more; with 0 the region is empty
+ * regionOut  out: the region, released by Z_DeleteObject
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: a null pointer or a negative count. Z_ERROR_MEMORY: memory is short. On
+ * failure regionOut is not written.
+ */
+Z_API ReturnCode Z_CALL Z_CreatePlatformRegion(const RECT* rects, int32_t count, HRGN* regionOut);
+
+/*
+ * Tells the rectangles of a region: in bands from the top, all of one band with the same top and bottom and
+ * apart from left to right. Bands that touch differ, so that equal regions give equal rectangles.
+ *
+ * region  in: a region
+ * rects   out: the first rectangles, as many as there is room for; may be null with a room of 0
+ * count   in: the room in rects, 0 and more; out: the number of rectangles of the region, which may be more
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: no live region, a null count, a negative room, null rects with room;
+ * nothing is written then.
+ */
+Z_API ReturnCode Z_CALL Z_GetPlatformRegionRects(HRGN region, RECT* rects, int32_t* count);
 
 Z_END_DECLS
 

@@ -16,13 +16,16 @@ namespace {
 // The screen of a process without a screen surface. The second reference, its own, is never dropped.
 constinit Surface unseenScreen{1024, 768, 32, nullptr, 0, 0, {}, 2};
 
+// What a memory context shows at first. Its own reference too is never dropped.
+constinit Surface onePixel{1, 1, 1, nullptr, 0, 0, {}, 1};
+
 constinit std::mutex screenMutex;
 const ForkPart forkPart(
     ForkOrder::Inner, [] { screenMutex.lock(); }, [](bool) { screenMutex.unlock(); });
 constinit Surface* screen = &unseenScreen; // held
 
 // A context that shows a surface, which it holds from now on; null where memory is short.
-HDC MakeContext(Surface& surface, bool ofScreen) {
+HDC MakeContext(Surface& surface, DeviceContext::Owner owner) {
     auto* context = fault::Due(fault::Device) ? nullptr : new (std::nothrow) DeviceContext;
     if (context == nullptr) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
@@ -30,7 +33,7 @@ HDC MakeContext(Surface& surface, bool ofScreen) {
     }
     surface.Hold();
     context->surface = &surface;
-    context->ofScreen = ofScreen;
+    context->owner = owner;
     HANDLE handle = InsertHandle(DeviceContext::kind, *context);
     if (handle == nullptr) context->Release();
     return static_cast<HDC>(handle);
@@ -95,12 +98,26 @@ HDC GetDC(HWND window) {
         return nullptr;
     }
     const std::scoped_lock lock(screenMutex);
-    return MakeContext(*screen, true);
+    return MakeContext(*screen, DeviceContext::Owner::Screen);
 }
 
 int ReleaseDC(HWND, HDC handle) {
     const Pin<DeviceContext> context(handle);
-    return context && context->ofScreen && CloseHandleOfKind(DeviceContext::kind, handle) ? 1 : 0;
+    return context && context->owner == DeviceContext::Owner::Screen &&
+                   CloseHandleOfKind(DeviceContext::kind, handle)
+               ? 1
+               : 0;
+}
+
+HDC CreateCompatibleDC(HDC handle) {
+    if (handle != nullptr && !Pin<DeviceContext>(handle)) return nullptr;
+    return MakeContext(onePixel, DeviceContext::Owner::Memory);
+}
+
+BOOL DeleteDC(HDC handle) {
+    const Pin<DeviceContext> context(handle);
+    return context && context->owner == DeviceContext::Owner::Memory &&
+           CloseHandleOfKind(DeviceContext::kind, handle);
 }
 
 int GetDeviceCaps(HDC handle, int index) {
@@ -146,7 +163,7 @@ ReturnCode Z_CALL Z_CreateSurface(const SurfaceDescription* description, HDC* co
     auto* surface = new (std::nothrow) Surface;
     if (surface == nullptr) return Z_ERROR_MEMORY;
     Describe(*surface, *description);
-    HDC context = MakeContext(*surface, false);
+    HDC context = MakeContext(*surface, DeviceContext::Owner::Surface);
     surface->Drop();
     if (context == nullptr) return Z_ERROR_MEMORY;
     *contextOut = context;
@@ -155,7 +172,8 @@ ReturnCode Z_CALL Z_CreateSurface(const SurfaceDescription* description, HDC* co
 
 ReturnCode Z_CALL Z_DeleteSurface(HDC handle) {
     const Pin<DeviceContext> context(handle);
-    if (!context || context->ofScreen || !CloseHandleOfKind(DeviceContext::kind, handle))
+    if (!context || context->owner != DeviceContext::Owner::Surface ||
+        !CloseHandleOfKind(DeviceContext::kind, handle))
         return Z_ERROR_ARGUMENT;
     ReplaceScreen(context->surface, unseenScreen);
     context->surface->topRow = nullptr;
@@ -168,7 +186,7 @@ ReturnCode Z_CALL Z_SetScreenSurface(HDC handle) {
         return Z_SUCCESS;
     }
     const Pin<DeviceContext> context(handle);
-    if (!context || context->ofScreen) return Z_ERROR_ARGUMENT;
+    if (!context || context->owner != DeviceContext::Owner::Surface) return Z_ERROR_ARGUMENT;
     ReplaceScreen(nullptr, *context->surface);
     return Z_SUCCESS;
 }

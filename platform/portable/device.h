@@ -4,9 +4,11 @@
 
 #include "platform/portable/graphics.h"
 #include "platform/portable/handle_table.h"
+#include "platform/portable/shapes.h"
 
 #include <array>
 #include <atomic>
+#include <mutex>
 
 namespace zkr::platform {
 
@@ -24,11 +26,19 @@ struct Surface {
     void Drop();
 };
 
+enum class PathState { None, Open, Whole };
+
 struct DeviceContext final : Object {
     static constexpr ObjectKind kind = ObjectKind::DeviceContext;
+    enum class Owner { Surface, Screen, Memory }; // who releases it: Z_DeleteSurface, ReleaseDC or DeleteDC
 
     Surface* surface = nullptr; // selected, held
-    bool ofScreen = false;      // from GetDC, given back by ReleaseDC
+    Owner owner = Owner::Surface;
+
+    std::mutex mutex; // guards what follows
+    int polyFillMode = ALTERNATE;
+    PathState pathState = PathState::None;
+    Outline path;
 
     void Release() override;
 };

@@ -10,7 +10,18 @@
 
 namespace zkr::platform {
 
-enum class ObjectKind : uint16_t { None, Global, File, Mapping, Module, Palette, DeviceContext };
+enum class ObjectKind : uint16_t {
+    None,
+    Global,
+    File,
+    Mapping,
+    Module,
+    Palette,
+    DeviceContext,
+    Region,
+    Bitmap,
+    Brush
+};
 
 class Object {
   public:

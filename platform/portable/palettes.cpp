@@ -2,7 +2,6 @@
 #include "platform/faults.h"
 #include "platform/portable/graphics.h"
 #include "platform/portable/handle_table.h"
-#include "zkr13n/surface.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -111,12 +110,4 @@ UINT GetNearestPaletteIndex(HPALETTE handle, COLORREF colour) {
     return best;
 }
 
-BOOL DeleteObject(HGDIOBJ object) {
-    return CloseHandleOfKind(PaletteObject::kind, object) ? TRUE : FALSE;
-}
-
 } // namespace zkr::platform
-
-ReturnCode Z_CALL Z_DeleteObject(HANDLE object) {
-    return zkr::platform::DeleteObject(object) ? Z_SUCCESS : Z_ERROR_ARGUMENT;
-}
