@@ -130,9 +130,13 @@ ReturnCode GivePixels(BitmapHandle& bitmap, uint8_t* work, runs::RunWriter& writ
                       int32_t column, uint32_t pixels) {
     const auto start = static_cast<uint32_t>(column);
     if (IsCompressed(bitmap)) {
-        runs::RunReader reader = RunsOf(bitmap, row).Reader();
+        const RunList list = RunsOf(bitmap, row);
+        runs::RunReader reader = list.Reader();
         reader.Skip(start);
-        writer.AppendRuns(reader, pixels);
+        // The first row begins with the run that holds the column, the following ones with their first word.
+        const bool begins = writer.IsEmpty();
+        writer.AppendWords(begins ? reader.Word() : list.Runs, list.Runs + list.Words,
+                           begins && reader.Ones(), begins ? reader.Behind() : 0, pixels);
         return code::Success;
     }
     const uint32_t bytes = (start % 8 + pixels + 7) / 8;

@@ -91,7 +91,27 @@ class RunWriter {
         }
     }
 
+    // Appends pixels of words as they stand, so that empty runs among them come along: from the first word on, which
+    // has `ones` and of which so many pixels are left out, to the last one that is needed. The first word joins the
+    // last run where the colour is the same.
+    void AppendWords(const uint16_t* words, const uint16_t* end, bool ones, uint32_t leftOut,
+                     uint64_t pixels) {
+        for (bool joins = ones == ones_; words != end && pixels > 0; ++words, joins = false, ones = !ones) {
+            const uint64_t taken = std::min<uint64_t>(*words - leftOut, pixels);
+            leftOut = 0;
+            pixels -= taken;
+            if (joins) {
+                Append(taken, ones);
+                continue;
+            }
+            *++last_ = static_cast<uint16_t>(taken);
+            ones_ = ones;
+        }
+    }
+
     uint32_t Words() const { return static_cast<uint32_t>(last_ - first_) + 1; }
+    // Whether it has no pixels.
+    bool IsEmpty() const { return last_ == first_ && *first_ == 0; }
     // The colour of the last run.
     bool Ones() const { return ones_; }
 

@@ -138,7 +138,9 @@ Z_API ReturnCode Z_CALL Z_PutBitmapRowCompressed(BitmapHandle* bitmap, void* wor
  *
  * bitmap         in: an allocated bitmap
  * workBuffer     in, changed, may be null: as for Z_GetBitmapRowCompressed
- * destination    out: the row, at most 4 + 2 * (width + 1) bytes. The whole of a blank row of a
+ * destination    out: the row, at most 4 + 2 * (width + 1) bytes. From a run-compressed bitmap the runs come as
+ *                they are stored, the first and the last of them shortened, so that empty runs in lists that
+ *                were handed in may take up to 2 * (Width + 1) bytes for each row of the bitmap. The whole of a blank row of a
  *                run-compressed bitmap that has not been written since it was made is given in runs of 32767
  *                and the rest, and the lengths between them are not written: fill the buffer with zeros
  *                before.

@@ -112,12 +112,12 @@ TEST(BlankRows, AreGivenWholeAndInParts) {
         {32767, {32767}, {32767}, {32766}},
         {32768, {32768}, {32767, kept, 1}, {32767}},
         {65535, {65535}, {32767, kept, 32767, kept, 1}, {65534}},
-        {65536, {65535, 0, 1}, {32767, kept, 32767, kept, 2}, {65535}},
-        {70000, {65535, 0, 4465}, {32767, kept, 32767, kept, 4466}, {65535, 0, 4464}},
+        {65536, {65535, 0, 1}, {32767, kept, 32767, kept, 2}, {65534, 0, 1}},
+        {70000, {65535, 0, 4465}, {32767, kept, 32767, kept, 4466}, {65534, 0, 4465}},
         {131071,
          {65535, 0, 65535, 0, 1},
          {32767, kept, 32767, kept, 32767, kept, 32767, kept, 3},
-         {65535, 0, 65535}},
+         {65534, 0, 65535, 0, 1}},
     };
     for (const auto& c : cases) {
         Runs bitmap(c.Width, 2);
@@ -163,6 +163,26 @@ TEST(PartsOfRows, BeginWithZeros) {
         // Nothing is left at the border between old and new runs.
         ASSERT_EQ(Z_PutBitmapRowColCompressed(&bitmap, nullptr, ListOf({0, 3, 2}).data(), 0, 7, 5), 1);
         expect(0, 20, {3, 7, 2, 8});
+    }
+}
+
+// Empty runs of a list that was handed in come along, but for those that stand where the part begins.
+TEST(PartsOfRows, KeepRunsAsTheyStand) {
+    Bitmap bitmap(10, 2, 1);
+    ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryCompressed), 1);
+    Words rows = ListOf({2, 0, 3, 4, 0, 0, 1}); // 0000011110
+    for (const uint16_t word : ListOf({0, 1, 0, 9}))
+        rows.push_back(word);
+    ASSERT_EQ(Z_PutBitmapRowCompressed(&bitmap, nullptr, rows.data(), 0, 2), 1);
+    const struct {
+        int32_t Column, Width;
+        Words Expected;
+    } cases[] = {{0, 9, {2, 0, 3, 4}},    {1, 3, {1, 0, 2}},    {2, 5, {3, 2}},
+                 {6, 4, {0, 3, 0, 0, 1}}, {9, 3, {1, 1, 0, 1}}, {5, 7, {0, 4, 0, 0, 1, 1, 0, 1}}};
+    for (const auto& c : cases) {
+        Words list(c.Expected.size() + 2);
+        ASSERT_EQ(Z_GetBitmapRowColCompressed(&bitmap, nullptr, list.data(), 0, c.Column, c.Width), 1);
+        EXPECT_EQ(list, ListOf(c.Expected)) << c.Column << ", " << c.Width;
     }
 }
 
