@@ -1,5 +1,6 @@
 // The handle of a stream and the functions that take it.
 #include "core/flags.h"
+#include "core/predicates.h"
 #include "geometry/resize/row_stream.h"
 #include "geometry/resize/stepping.h"
 #include "zkr13n/allocation.h"

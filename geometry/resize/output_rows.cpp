@@ -2,6 +2,7 @@
 #include "geometry/resize/output_rows.h"
 
 #include "colour/colour_value.h"
+#include "core/predicates.h"
 #include "core/sizes.h"
 #include "geometry/row_tail.h"
 #include "platform/graphics.h"

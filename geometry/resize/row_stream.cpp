@@ -2,6 +2,7 @@
 #include "geometry/resize/row_stream.h"
 
 #include "core/flags.h"
+#include "core/predicates.h"
 #include "core/sizes.h"
 #include "geometry/resize/columns.h"
 #include "kernels/family.h"

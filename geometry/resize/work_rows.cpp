@@ -4,6 +4,7 @@
 
 #include "colour/colour_value.h"
 #include "core/exact_rows.h"
+#include "core/predicates.h"
 #include "core/sizes.h"
 #include "zkr13n/convert.h"
 #include "zkr13n/gray.h"

@@ -3,6 +3,7 @@
 
 #include "core/exact_rows.h"
 #include "core/flags.h"
+#include "core/predicates.h"
 #include "core/row_access.h"
 
 #include <algorithm>

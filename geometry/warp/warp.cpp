@@ -5,6 +5,7 @@
 #include "core/bitmap_lock.h"
 #include "core/exact_rows.h"
 #include "core/flags.h"
+#include "core/predicates.h"
 #include "core/progress.h"
 #include "core/return_codes.h"
 #include "core/row_access.h"
