@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 
 #if defined(__AVX2__)
 #include <immintrin.h>
@@ -152,8 +153,7 @@ template <typename Channel, size_t channels> struct LanesForm {
     static constexpr size_t PixelBytes = channels * sizeof(Channel);
 
     static Values Load(const uint8_t* row, size_t x) {
-        uint64_t pixel = 0;
-        std::memcpy(&pixel, row + x * PixelBytes, PixelBytes);
+        const uint64_t pixel = Read(row + x * PixelBytes);
         const __m128i packed = _mm_set_epi64x(0, static_cast<long long>(pixel));
         const __m128i wide = sizeof(Channel) == 1 ? _mm_cvtepu8_epi32(packed) : _mm_cvtepu16_epi32(packed);
         return {_mm256_cvtepi32_pd(wide)};
@@ -163,7 +163,44 @@ template <typename Channel, size_t channels> struct LanesForm {
         const __m128i words = _mm_packus_epi32(wide, wide);
         const __m128i packed = sizeof(Channel) == 1 ? _mm_packus_epi16(words, words) : words;
         const auto pixel = static_cast<uint64_t>(packed[0]);
-        std::memcpy(row + x * PixelBytes, &pixel, PixelBytes);
+        std::memcpy(row + x * PixelBytes, &pixel, First);
+        if constexpr (PixelBytes > First) {
+            const uint64_t rest = pixel >> First * 8;
+            std::memcpy(row + x * PixelBytes + First, &rest, PixelBytes - First);
+        }
+    }
+
+    // A pixel and the one to its right, of which one load takes in both where two more bytes are in the row.
+    static void LoadPair(const uint8_t* row, size_t x, bool hasRoom, Values& first, Values& second) {
+        if constexpr (PixelBytes == 3) {
+            if (hasRoom) {
+                const uint64_t both = ReadWhole<8>(row + x * 3);
+                const __m128i packed = _mm_set_epi64x(0, static_cast<long long>(both));
+                first = {_mm256_cvtepi32_pd(_mm_cvtepu8_epi32(packed))};
+                second = {_mm256_cvtepi32_pd(_mm_cvtepu8_epi32(_mm_srli_epi64(packed, 24)))};
+                return;
+            }
+        }
+        first = Load(row, x);
+        second = Load(row, x + 1);
+    }
+
+  private:
+    // Whole loads of a power of two: a value that is put together in memory waits for its parts.
+    static constexpr size_t First = PixelBytes == 3 ? 2 : PixelBytes == 6 ? 4 : PixelBytes;
+
+    template <size_t bytes> static uint64_t ReadWhole(const uint8_t* from) {
+        if constexpr (bytes == 1) return *from;
+        std::conditional_t<bytes == 2, uint16_t, std::conditional_t<bytes == 4, uint32_t, uint64_t>> value =
+            0;
+        std::memcpy(&value, from, bytes);
+        return value;
+    }
+    static uint64_t Read(const uint8_t* from) {
+        if constexpr (PixelBytes == First)
+            return ReadWhole<First>(from);
+        else
+            return ReadWhole<First>(from) | ReadWhole<PixelBytes - First>(from + First) << First * 8;
     }
 };
 

@@ -42,6 +42,7 @@ bool LocateNearest(const WarpMapping& mapping, const WarpSource& source, int32_t
 
 bool LocateAround(const WarpMapping& mapping, const WarpSource& source, int32_t x, WarpPiece& piece) {
     const double width = source.Width, height = source.Height, left = source.Left, top = source.Top;
+    double columns[WarpPiecePixels], rows[WarpPiecePixels];
     int32_t hits = 0;
     for (size_t i = 0; i < piece.Pixels; ++i) {
         const Place place = Map(mapping, x + static_cast<int32_t>(i));
@@ -49,18 +50,23 @@ bool LocateAround(const WarpMapping& mapping, const WarpSource& source, int32_t 
         const double row = (height - 1) * place.V + top;
         const bool inside =
             (column >= left - 1) & (column < left + width) & (row >= top - 1) & (row < top + height);
-        const double safeColumn = inside ? column : left, safeRow = inside ? row : top;
-        const int32_t wholeColumn = Floor(safeColumn), wholeRow = Floor(safeRow);
-        const double tx = safeColumn - wholeColumn, ty = safeRow - wholeRow;
-        piece.Column[i] = wholeColumn - source.Left;
-        piece.Row[i] = inside ? wholeRow - source.Top : WarpPiece::Outside;
+        columns[i] = inside ? column : left;
+        rows[i] = inside ? row : top;
+        piece.Row[i] = inside ? 0 : WarpPiece::Outside;
+        hits |= inside ? 1 : 0;
+    }
+    if (hits == 0) return false;
+    for (size_t i = 0; i < piece.Pixels; ++i) {
+        const int32_t column = Floor(columns[i]), row = Floor(rows[i]);
+        const double tx = columns[i] - column, ty = rows[i] - row;
+        piece.Column[i] = column - source.Left;
+        piece.Row[i] |= piece.Row[i] == 0 ? row - source.Top : 0;
         piece.Weight[0][i] = (1 - tx) * (1 - ty);
         piece.Weight[1][i] = tx * (1 - ty);
         piece.Weight[2][i] = (1 - tx) * ty;
         piece.Weight[3][i] = tx * ty;
-        hits |= inside ? 1 : 0;
     }
-    return hits != 0;
+    return true;
 }
 
 template <class Copier>
@@ -78,6 +84,18 @@ template <class Packing> struct ByValue {
     }
 };
 
+// A pixel and the one to its right; hasRoom tells that there is a third.
+template <class Form>
+void LoadPair(const uint8_t* row, size_t x, bool hasRoom, typename Form::Values& first,
+              typename Form::Values& second) {
+    if constexpr (requires { Form::LoadPair(row, x, hasRoom, first, second); }) {
+        Form::LoadPair(row, x, hasRoom, first, second);
+    } else {
+        first = Form::Load(row, x);
+        second = Form::Load(row, x + 1);
+    }
+}
+
 // Where a sample lies outside the rectangle, the pixel that is drawn over stands for it.
 template <class Form>
 void DrawBlend(const WarpSource& source, const WarpPiece& piece, uint8_t* target, size_t x) {
@@ -88,10 +106,9 @@ void DrawBlend(const WarpSource& source, const WarpPiece& piece, uint8_t* target
         const size_t at = static_cast<size_t>(source.Left) + column;
         typename Form::Values sample[4];
         if (column + 1 < width && row + 1 < height && column + 1 != 0 && row + 1 != 0) [[likely]] {
-            sample[0] = Form::Load(source.Rows[row], at);
-            sample[1] = Form::Load(source.Rows[row], at + 1);
-            sample[2] = Form::Load(source.Rows[row + 1], at);
-            sample[3] = Form::Load(source.Rows[row + 1], at + 1);
+            const bool hasRoom = column + 2 < width;
+            LoadPair<Form>(source.Rows[row], at, hasRoom, sample[0], sample[1]);
+            LoadPair<Form>(source.Rows[row + 1], at, hasRoom, sample[2], sample[3]);
         } else {
             for (uint32_t k = 0; k < 4; ++k) {
                 const uint32_t sampleColumn = column + (k & 1), sampleRow = row + (k >> 1);
