@@ -102,7 +102,7 @@ ReturnCode GiveRow(BitmapHandle& bitmap, uint8_t* work, uint16_t* destination, i
 
 ReturnCode TakeRow(BitmapHandle& bitmap, uint8_t* work, const uint16_t* source, int32_t row) {
     if (IsCompressed(bitmap))
-        return storage::StoreRow(bitmap, row, ListIn(source)) ? code::Success : code::OutOfMemory;
+        return storage::StoreRunList(bitmap, row, ListIn(source)) ? code::Success : code::OutOfMemory;
     std::memset(work, 0, bitmap.BytesPerLine);
     Z_ExpandRow(source, work, 0, bitmap.Width);
     return WriteExactly(bitmap, work, row, 0, bitmap.BytesPerLine);

@@ -21,12 +21,12 @@ namespace zkr {
 namespace {
 
 // How pixels are written: their bits, and how many of the last ones stay as the destination has them.
-struct PixelForm {
+struct WrittenForm {
     uint32_t Bits;
     uint32_t KeptBits;
 };
 
-PixelForm FormOf(const BitmapHandle& bitmap, bool keepTopBits) {
+WrittenForm FormOf(const BitmapHandle& bitmap, bool keepTopBits) {
     const bool isGray = bitmap.BitsPerPixel == 16 && bitmap.Order == Z_ORDER_GRAY;
     return {static_cast<uint32_t>(bitmap.BitsPerPixel),
             keepTopBits && !isGray ? static_cast<uint32_t>(DepthOf(bitmap.BitsPerPixel).AlphaBits) : 0};
@@ -46,7 +46,7 @@ void MergeBelowTopBit(uint8_t* target, const uint8_t* source, uint64_t count) {
 }
 
 template <typename Copy>
-void MergePixels(PixelForm form, BitPlace<uint8_t> target, BitPlace<const uint8_t> source, uint64_t count,
+void MergePixels(WrittenForm form, BitPlace<uint8_t> target, BitPlace<const uint8_t> source, uint64_t count,
                  Copy copy) {
     if (form.Bits < 8) return BitMerge<true>(target, source, count * form.Bits).Run(copy);
     if (form.KeptBits == 0) return BitMerge<false>(target, source, count * form.Bits).Run(copy);
@@ -75,7 +75,7 @@ Piece ClippedPiece(const BitmapHandle& bitmap, int32_t columnOffset, uint32_t st
 
 // Where a row is not in memory its bytes are fetched, merged and written back, a fixed buffer at a time; a
 // piece that fills whole bytes is only written.
-ReturnCode MergeThroughStorage(BitmapHandle& bitmap, int32_t row, const uint8_t* buffer, PixelForm form,
+ReturnCode MergeThroughStorage(BitmapHandle& bitmap, int32_t row, const uint8_t* buffer, WrittenForm form,
                                Piece piece) {
     const uint64_t bits = uint64_t{piece.Count} * form.Bits,
                    sourceBit = uint64_t{piece.SourceColumn} * form.Bits;
@@ -132,7 +132,7 @@ ReturnCode PutSegments(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row,
     if (storageClass == nullptr) return code::OutOfMemory;
     if (storageClass == &storage::Compressed)
         return MergeIntoRuns(bitmap, buffer, row, columnOffset, segments);
-    const PixelForm form = FormOf(bitmap, keepTopBits);
+    const WrittenForm form = FormOf(bitmap, keepTopBits);
     uint8_t* const data = storageClass->ReachRow(bitmap, row);
 
     for (size_t entry = 0; entry + 1 < segments.size(); entry += 2) {

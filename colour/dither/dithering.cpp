@@ -1,9 +1,9 @@
 // Beginning and end of a dithering run.
 #include "zkr13n/dither.h"
 
-#include "colour/colour_value.h"
 #include "colour/dither/dither_state.h"
-#include "colour/fixed_palettes.h"
+#include "colour/palettes/fixed_palettes.h"
+#include "colour/pixels/colour_value.h"
 #include "core/predicates.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"

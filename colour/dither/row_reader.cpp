@@ -2,8 +2,8 @@
 #include "colour/dither/row_reader.h"
 #include "core/predicates.h"
 
-#include "colour/colour_value.h"
 #include "colour/dither/dither_state.h"
+#include "colour/pixels/colour_value.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,7 +1,7 @@
 // Rows of any depth as pixels of four bytes: blue, green, red and one without meaning.
 #pragma once
 
-#include "colour/stages.h"
+#include "colour/convert/stages.h"
 #include "zkr13n/bitmap.h"
 
 #include <cstddef>

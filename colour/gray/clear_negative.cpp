@@ -1,5 +1,5 @@
 // Removes negative values from a bitmap of signed data: two's complement in the pixel's own width.
-#include "colour/colour_value.h"
+#include "colour/pixels/colour_value.h"
 #include "core/attachments.h"
 #include "core/exact_rows.h"
 #include "core/predicates.h"

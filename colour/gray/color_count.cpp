@@ -1,10 +1,10 @@
 // Counts the distinct colours of a bitmap: a bit for each colour that there can be, and the pixels of its
 // region one after the other until the answer is known.
-#include "colour/colour_value.h"
-#include "colour/gray_window.h"
+#include "colour/convert/stages.h"
+#include "colour/gray/gray_window.h"
+#include "colour/gray/level_table.h"
 #include "colour/kernels/colour_set.h"
-#include "colour/level_table.h"
-#include "colour/stages.h"
+#include "colour/pixels/colour_value.h"
 #include "core/predicates.h"
 #include "core/region_rows.h"
 #include "core/row_access.h"

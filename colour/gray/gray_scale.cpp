@@ -1,9 +1,9 @@
 // Brings a bitmap to gray of 8, 12 or 16 bits: what each source form needs is chosen once as a chain of row
 // kernels, through which the rows go into a new bitmap.
-#include "colour/colour_value.h"
-#include "colour/gray_window.h"
-#include "colour/level_table.h"
-#include "colour/stages.h"
+#include "colour/convert/stages.h"
+#include "colour/gray/gray_window.h"
+#include "colour/gray/level_table.h"
+#include "colour/pixels/colour_value.h"
 #include "core/predicates.h"
 #include "core/replacement.h"
 #include "core/row_access.h"
@@ -110,7 +110,7 @@ ReturnCode MakeGrayRecord(BitmapHandle& gray, const BitmapHandle& source, int32_
     return result == code::Success && bits == 8 ? Z_CreateBitmapGrayPalette(&gray) : result;
 }
 
-ReturnCode ConvertRows(BitmapHandle& source, BitmapHandle& gray, Stages& stages) {
+ReturnCode RunRows(BitmapHandle& source, BitmapHandle& gray, Stages& stages) {
     ScratchRow from(source), to(gray);
     if (!from || !to) return code::OutOfMemory;
     std::memset(to.data(), 0, gray.BytesPerLine);
@@ -139,7 +139,7 @@ ReturnCode ReplaceByGray(BitmapHandle& bitmap, int32_t bits) {
     ReturnCode result = MakeGrayRecord(replacement.record(), bitmap, bits);
     if (result != code::Success) return result;
     GrayStages gray(bitmap, bits, map, window, levels.Entries());
-    result = ConvertRows(bitmap, replacement.record(), gray.stages);
+    result = RunRows(bitmap, replacement.record(), gray.stages);
     if (result != code::Success) return result;
     replacement.record().Region = bitmap.Region;
     replacement.Commit();

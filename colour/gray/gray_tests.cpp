@@ -1,6 +1,7 @@
 // Whether a palette or a bitmap is gray, and in which order its levels stand.
-#include "colour/colour_value.h"
-#include "colour/gray_window.h"
+#include "colour/gray/gray_window.h"
+#include "colour/pixels/colour_value.h"
+#include "core/flags.h"
 #include "core/predicates.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"

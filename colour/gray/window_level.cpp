@@ -1,5 +1,5 @@
 // The level table: the window that a bitmap is shown through, and tables with the usual curves.
-#include "colour/colour_value.h"
+#include "colour/pixels/colour_value.h"
 #include "core/return_codes.h"
 #include "zkr13n/allocation.h"
 #include "zkr13n/levels.h"

@@ -9,7 +9,7 @@
 
 namespace zkr::kernels::spaces {
 
-struct Channels {
+struct SpacePixel {
     int32_t A, B, C, D; // D of CMYK alone
 };
 
@@ -67,20 +67,20 @@ template <int32_t full> constexpr int32_t From14(int32_t dividend, int32_t divis
     const int32_t within = Least(Greatest(dividend, 0), Scale14 * divisor);
     return PositiveQuotient(within, static_cast<uint32_t>(divisor)) * full >> 14;
 }
-template <int32_t full> constexpr Channels To14(Channels rgb) {
+template <int32_t full> constexpr SpacePixel To14(SpacePixel rgb) {
     return {To14<full>(rgb.A), To14<full>(rgb.B), To14<full>(rgb.C), 0};
 }
-constexpr int32_t Luma(Channels rgb) {
+constexpr int32_t Luma(SpacePixel rgb) {
     return PositiveQuotient(299 * rgb.C + 587 * rgb.B + 114 * rgb.A, 1000);
 }
 
 template <int32_t full> struct LumaDifferences {
-    static constexpr Channels From(Channels pixel) {
-        const Channels rgb = To14<full>(pixel);
+    static constexpr SpacePixel From(SpacePixel pixel) {
+        const SpacePixel rgb = To14<full>(pixel);
         const int32_t luma = Luma(rgb);
         return {luma, rgb.A - luma, rgb.C - luma, 0};
     }
-    static constexpr Channels ToRgb(Channels pixel) {
+    static constexpr SpacePixel ToRgb(SpacePixel pixel) {
         const int32_t blue = pixel.A + pixel.B;
         const int32_t red = pixel.A + pixel.C;
         const int32_t green = 1000 * pixel.A - 114 * blue - 299 * red;
@@ -89,14 +89,14 @@ template <int32_t full> struct LumaDifferences {
 };
 
 template <int32_t full> struct Yiq {
-    static constexpr Channels From(Channels pixel) {
-        const Channels rgb = To14<full>(pixel);
+    static constexpr SpacePixel From(SpacePixel pixel) {
+        const SpacePixel rgb = To14<full>(pixel);
         const auto [blue, green, red, none] = rgb;
         return {Luma(rgb), (596 * red - 275 * green - 321 * blue) / 1000,
                 (212 * red - 528 * green + 311 * blue) / 1000, none};
     }
     // Not quite the inverse.
-    static constexpr Channels ToRgb(Channels pixel) {
+    static constexpr SpacePixel ToRgb(SpacePixel pixel) {
         const auto [y, i, q, none] = pixel;
         return {From14<full>(1008 * y - 1110 * i + 1700 * q, 1000),
                 From14<full>(997 * y - 271 * i - 645 * q, 1000),
@@ -105,25 +105,25 @@ template <int32_t full> struct Yiq {
 };
 
 template <int32_t full> struct Cmyk {
-    static constexpr Channels From(Channels rgb) {
+    static constexpr SpacePixel From(SpacePixel rgb) {
         const int32_t cyan = full - rgb.C, magenta = full - rgb.B, yellow = full - rgb.A;
         const int32_t black = Least(Least(cyan, magenta), yellow);
         return {cyan - black, magenta - black, yellow - black, black};
     }
-    static constexpr Channels ToRgb(Channels pixel) {
+    static constexpr SpacePixel ToRgb(SpacePixel pixel) {
         const int32_t rest = full - pixel.D;
         return {Greatest(rest - pixel.C, 0), Greatest(rest - pixel.B, 0), Greatest(rest - pixel.A, 0), 0};
     }
 };
 
 template <int32_t full> struct Cmy {
-    static constexpr Channels From(Channels rgb) { return {full - rgb.C, full - rgb.B, full - rgb.A, 0}; }
-    static constexpr Channels ToRgb(Channels pixel) { return From(pixel); }
+    static constexpr SpacePixel From(SpacePixel rgb) { return {full - rgb.C, full - rgb.B, full - rgb.A, 0}; }
+    static constexpr SpacePixel ToRgb(SpacePixel pixel) { return From(pixel); }
 };
 
 // The hue is a ratio of the two larger channels, in thirds of a turn.
 template <int32_t full> struct Hsv {
-    static constexpr Channels From(Channels rgb) {
+    static constexpr SpacePixel From(SpacePixel rgb) {
         const auto [blue, green, red, none] = rgb;
         const int32_t least = Least(Least(red, green), blue);
         const int32_t most = Greatest(Greatest(red, green), blue);
@@ -136,7 +136,7 @@ template <int32_t full> struct Hsv {
         return {Select(most == least, 0, hue), saturation, most, none};
     }
 
-    static constexpr Channels ToRgb(Channels pixel) {
+    static constexpr SpacePixel ToRgb(SpacePixel pixel) {
         const auto [hue, saturation, value, none] = pixel;
         // Degrees of a turn, each of `degree` parts. Within its third of a turn a hue rises and falls.
         constexpr int32_t degree = full == 255 ? 1 : 257;
@@ -178,7 +178,7 @@ template <int32_t full> struct Hsv {
 template <int32_t full> struct Hls {
     static constexpr int32_t half = full / 2 + 1, third = full / 3, sixth = full / 6 + 1;
 
-    static constexpr Channels From(Channels rgb) {
+    static constexpr SpacePixel From(SpacePixel rgb) {
         const auto [blue, green, red, none] = rgb;
         const int32_t least = Least(Least(red, green), blue);
         const int32_t most = Greatest(Greatest(red, green), blue);
@@ -191,7 +191,7 @@ template <int32_t full> struct Hls {
         return {hue < 0 ? hue + full : hue, lightness, saturation, none};
     }
 
-    static constexpr Channels ToRgb(Channels pixel) {
+    static constexpr SpacePixel ToRgb(SpacePixel pixel) {
         const auto [hue, lightness, saturation, none] = pixel;
         const int32_t scaled = PartOf<full>(full + saturation, lightness);
         const int32_t upper =

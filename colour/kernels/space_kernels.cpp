@@ -45,14 +45,14 @@ template <typename Channel, size_t channels> struct Layout {
                     units, target, pixels);
     }
 
-    static Channels Read(const uint32_t* unit) {
+    static SpacePixel Read(const uint32_t* unit) {
         const auto channel = [unit](uint32_t i) {
             const uint32_t word = isByte ? unit[0] >> 8 * i : unit[i / 2] >> 16 * (i % 2);
             return static_cast<int32_t>(static_cast<Channel>(word));
         };
         return {channel(0), channel(1), channel(2), channels == 4 ? channel(3) : 0};
     }
-    static void Write(const Channels& pixel, uint32_t* unit) {
+    static void Write(const SpacePixel& pixel, uint32_t* unit) {
         const auto channel = [](int32_t value) {
             return static_cast<uint32_t>(static_cast<std::make_unsigned_t<Channel>>(value));
         };
@@ -66,7 +66,7 @@ template <typename Channel, size_t channels> struct Layout {
     }
 };
 
-template <class From, class To, Channels (*step)(Channels)>
+template <class From, class To, SpacePixel (*step)(SpacePixel)>
 void Run(const uint8_t* source, uint8_t* target, size_t pixels) {
     uint32_t from[PiecePixels * From::unitWords];
     uint32_t to[PiecePixels * To::unitWords];

@@ -2,9 +2,9 @@
 // channels.
 #pragma once
 
-#include "colour/gray_window.h"
-#include "colour/level_table.h"
-#include "colour/stages.h"
+#include "colour/convert/stages.h"
+#include "colour/gray/gray_window.h"
+#include "colour/gray/level_table.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,7 @@
 // Looks for a palette that has all colours before it quantises them.
 #include "colour/quantise/optimized_palette.h"
 
-#include "colour/colour_value.h"
+#include "colour/pixels/colour_value.h"
 #include "colour/quantise/palette_builder.h"
 #include "core/predicates.h"
 #include "core/progress.h"

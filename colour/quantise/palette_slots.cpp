@@ -1,8 +1,8 @@
 // Entries that stay and entries to be filled.
 #include "colour/quantise/palette_slots.h"
 
+#include "colour/palettes/system_palette.h"
 #include "colour/quantise/colour_key.h"
-#include "colour/system_palette.h"
 #include "zkr13n/palettes.h"
 
 #include <algorithm>

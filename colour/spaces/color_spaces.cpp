@@ -44,7 +44,7 @@ bool Parse(int32_t value, Format& format) {
 }
 
 // The pixels of a colour value whose bytes are three channels, first the lowest.
-kernels::spaces::Channels ChannelsOf(uint32_t colour) {
+kernels::spaces::SpacePixel PixelOf(uint32_t colour) {
     return {static_cast<int32_t>(colour & 0xFF), static_cast<int32_t>(colour >> 8 & 0xFF),
             static_cast<int32_t>(colour >> 16 & 0xFF), 0};
 }
@@ -93,12 +93,12 @@ ReturnCode Z_CALL Z_ConvertColorSpace(const void* source, void* target, int32_t 
 }
 
 uint32_t Z_CALL Z_RGBtoHSV(uint32_t color) {
-    const auto [red, green, blue, none] = ChannelsOf(color);
-    const kernels::spaces::Channels hsv = kernels::spaces::Hsv<255>::From({blue, green, red, none});
+    const auto [red, green, blue, none] = PixelOf(color);
+    const kernels::spaces::SpacePixel hsv = kernels::spaces::Hsv<255>::From({blue, green, red, none});
     return (color & 0xFF000000) | ColourOf(hsv.A, hsv.B, hsv.C);
 }
 
 uint32_t Z_CALL Z_HSVtoRGB(uint32_t color) {
-    const kernels::spaces::Channels bgr = kernels::spaces::Hsv<255>::ToRgb(ChannelsOf(color));
+    const kernels::spaces::SpacePixel bgr = kernels::spaces::Hsv<255>::ToRgb(PixelOf(color));
     return ColourOf(bgr.C, bgr.B, bgr.A);
 }

@@ -182,7 +182,7 @@ RunList RunsOf(const BitmapHandle& bitmap, int32_t row) {
     return {static_cast<const uint16_t*>(block.Heap.Payload(entry.Offset)), entry.Length};
 }
 
-bool StoreRow(BitmapHandle& bitmap, int32_t row, RunList list) {
+bool StoreRunList(BitmapHandle& bitmap, int32_t row, RunList list) {
     CompressedBlock& block = *CompressedBlockOf(bitmap);
     RowEntry& entry = block.Rows()[row];
     const uint64_t bytes = ListBytes(list.Words);
@@ -201,7 +201,7 @@ bool StoreRow(BitmapHandle& bitmap, int32_t row, RunList list) {
 bool RowRebuild::Store() {
     if (position_ == 0) return true;
     KeepTo(static_cast<uint32_t>(bitmap_.Width));
-    return StoreRow(bitmap_, row_, {CompressedBlockOf(bitmap_)->ScratchRow, writer_.Words()});
+    return StoreRunList(bitmap_, row_, {CompressedBlockOf(bitmap_)->ScratchRow, writer_.Words()});
 }
 
 bool MirrorRow(BitmapHandle& bitmap, int32_t row) {
@@ -218,7 +218,7 @@ bool MirrorRow(BitmapHandle& bitmap, int32_t row) {
         words = runs::MirroredWords(list.Runs, list.Words);
     }
     runs::MirrorRuns(list.Runs, list.Words, block.ScratchRow);
-    return StoreRow(bitmap, row, {block.ScratchRow, words});
+    return StoreRunList(bitmap, row, {block.ScratchRow, words});
 }
 
 const StorageClass Compressed = {

@@ -53,7 +53,7 @@ inline bool IsBlank(const BitmapHandle& bitmap, int32_t row) {
 
 // Gives a row another list, which lies outside the heap. False when memory is short; the row is as it was
 // then.
-bool StoreRow(BitmapHandle& bitmap, int32_t row, RunList list);
+bool StoreRunList(BitmapHandle& bitmap, int32_t row, RunList list);
 
 // Builds a row anew from left to right, of pixels that it has and of new ones.
 class RowRebuild {

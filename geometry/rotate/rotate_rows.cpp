@@ -2,7 +2,7 @@
 // small, whatever the angle; where the source does not lie in memory, that part is read into a window.
 #include "geometry/rotate/rotate_rows.h"
 
-#include "colour/fill_row.h"
+#include "colour/pixels/fill_row.h"
 #include "core/exact_rows.h"
 #include "core/predicates.h"
 #include "core/row_access.h"

@@ -12,7 +12,7 @@
 
 namespace zkr::test {
 
-struct PixelForm {
+struct PictureForm {
     int32_t Bits;
     int32_t Order;
 
@@ -20,13 +20,13 @@ struct PixelForm {
     std::string Name() const { return std::to_string(Bits) + " bits, order " + std::to_string(Order) + ": "; }
 };
 
-inline constexpr PixelForm AllForms[] = {{1, 0},  {2, 0},  {3, 0},  {4, 0},  {5, 0},  {6, 0},  {7, 0},
-                                         {8, 0},  {12, 2}, {16, 0}, {16, 1}, {16, 2}, {24, 0}, {24, 1},
-                                         {32, 0}, {32, 1}, {48, 0}, {48, 1}, {64, 0}, {64, 1}};
+inline constexpr PictureForm AllForms[] = {{1, 0},  {2, 0},  {3, 0},  {4, 0},  {5, 0},  {6, 0},  {7, 0},
+                                           {8, 0},  {12, 2}, {16, 0}, {16, 1}, {16, 2}, {24, 0}, {24, 1},
+                                           {32, 0}, {32, 1}, {48, 0}, {48, 1}, {64, 0}, {64, 1}};
 
 // Random pixels out of `values` different ones, and palettes with repetitions.
 struct ColourPicture : Bitmap {
-    ColourPicture(PixelForm form, int32_t width, int32_t height, uint64_t seed, int values = 1 << 20) {
+    ColourPicture(PictureForm form, int32_t width, int32_t height, uint64_t seed, int values = 1 << 20) {
         Seeded seeded(seed);
         RGBQUAD palette[256];
         for (RGBQUAD& entry : palette)

@@ -2,7 +2,7 @@
 // black or white at the ends among them.
 #pragma once
 
-#include "colour/reference_palettes.h"
+#include "colour/palettes/reference_palettes.h"
 #include "support/seeded.h"
 
 #include <vector>

@@ -2,7 +2,7 @@
 // entry i of its palette is (i, 255 - i, 7).
 #pragma once
 
-#include "colour/reference_palettes.h"
+#include "colour/palettes/reference_palettes.h"
 #include "zkr13n/surface.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // Z_ConvertBufferExt against the plain model of it: every source against every target, with every order,
 // palette form, gray window and flag.
 #include "colour/convert/reference_convert.h"
-#include "colour/reference_palettes.h"
+#include "colour/palettes/reference_palettes.h"
 #include "support/row_harness.h"
 #include "zkr13n/rows.h"
 #include "zkr13n/storage.h"

@@ -1,7 +1,7 @@
 // Conversions whose results are worked out by hand. They hold the library, and the model that the library is
 // compared with over whole rows, to numbers that neither of them made.
 #include "colour/convert/reference_convert.h"
-#include "colour/reference_palettes.h"
+#include "colour/palettes/reference_palettes.h"
 
 #include <gtest/gtest.h>
 

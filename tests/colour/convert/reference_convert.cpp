@@ -1,6 +1,6 @@
 #include "colour/convert/reference_convert.h"
 
-#include "colour/reference_palettes.h"
+#include "colour/palettes/reference_palettes.h"
 #include "support/pixel_bits.h"
 
 #include <cstring>

@@ -2,7 +2,7 @@
 // carried from pixel to pixel. Shares nothing with the library.
 #pragma once
 
-#include "colour/reference_palettes.h"
+#include "colour/palettes/reference_palettes.h"
 
 #include "support/pixel_bits.h"
 

@@ -1,7 +1,7 @@
 // Counts of distinct colours against sets of the colours that pixels stand for, kept in the order in which
 // they appear.
 #include "colour/pictures.h"
-#include "colour/pixel_model.h"
+#include "colour/pixels/pixel_model.h"
 
 #include "core/test_regions.h"
 #include "zkr13n/gray.h"
@@ -34,7 +34,7 @@ uint32_t Meaning(const PixelModel& model, uint64_t pixel, bool wanted) {
     return c.red << 16 | c.green << 8 | c.blue;
 }
 
-void ExpectCounts(ColourPicture& picture, PixelForm form, const Segments& segments) {
+void ExpectCounts(ColourPicture& picture, PictureForm form, const Segments& segments) {
     const PixelModel model(picture);
     for (const int32_t room : {-1, 0, 1, 3, 16, 256, 5000}) {
         std::set<uint32_t> met;
@@ -61,7 +61,7 @@ void ExpectCounts(ColourPicture& picture, PixelForm form, const Segments& segmen
 }
 
 TEST(ColourCount, IsThatOfASetAtEveryDepth) {
-    for (const PixelForm form : AllForms) {
+    for (const PictureForm form : AllForms) {
         for (const int values : {1, 2, 17, 255, 4000}) {
             ColourPicture picture(form, 61, 29, uint64_t(values), values);
             ExpectCounts(picture, form, Whole(picture));
@@ -77,7 +77,7 @@ TEST(ColourCount, FindsTheLastOfAllValues) {
 }
 
 TEST(ColourCount, GoesThroughWindowsAndTables) {
-    for (const PixelForm form : {PixelForm{12, 2}, PixelForm{16, 2}}) {
+    for (const PictureForm form : {PictureForm{12, 2}, PictureForm{16, 2}}) {
         for (const auto& [low, high] : {std::pair{0, form.Bits - 1}, {2, 9}, {0, 4}, {3, 11}}) {
             ColourPicture picture(form, 300, 20, 7);
             picture.LowBit = low, picture.HighBit = high;
@@ -93,7 +93,7 @@ TEST(ColourCount, GoesThroughWindowsAndTables) {
 
 TEST(ColourCount, StaysInsideTheRegion) {
     const RegionSlots slots;
-    for (const PixelForm form : AllForms) {
+    for (const PictureForm form : AllForms) {
         for (const RECT bounds : {RECT{0, 2, 40, 6}, {5, 2, 7, 6}}) { // row 4 of the second one is empty
             ColourPicture picture(form, 40, 9, 3);
             RegionSlots::Give(picture, {bounds});

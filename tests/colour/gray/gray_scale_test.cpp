@@ -1,6 +1,6 @@
 // Bitmaps brought to gray, pixel by pixel against the formulas.
 #include "colour/pictures.h"
-#include "colour/pixel_model.h"
+#include "colour/pixels/pixel_model.h"
 
 #include "core/dispatch.h"
 #include "zkr13n/gray.h"
@@ -22,7 +22,7 @@ uint64_t GrayOfPixel(const PixelModel& model, uint64_t pixel, int32_t bits) {
     return bits == 8 ? gray : bits == 12 ? (gray << 4) + gray / 17 : gray * 257;
 }
 
-void ExpectGray(ColourPicture& picture, PixelForm form, int32_t bits) {
+void ExpectGray(ColourPicture& picture, PictureForm form, int32_t bits) {
     SCOPED_TRACE(form.Name() + "to " + std::to_string(bits) + " bits");
     const PixelModel model(picture);
     std::vector<uint64_t> expected;
@@ -39,7 +39,7 @@ void ExpectGray(ColourPicture& picture, PixelForm form, int32_t bits) {
 }
 
 TEST(GrayScale, FollowsTheFormulaAtEveryDepth) {
-    for (const PixelForm form : AllForms) {
+    for (const PictureForm form : AllForms) {
         for (const int32_t bits : {8, 12, 16}) {
             ColourPicture wide(form, 1037, 2, 1), narrow(form, 1, 3, 2);
             if (form.Bits == bits && form.Order == Z_ORDER_GRAY) continue;
@@ -50,7 +50,7 @@ TEST(GrayScale, FollowsTheFormulaAtEveryDepth) {
 }
 
 TEST(GrayScale, ReadsThroughWindowsAndTables) {
-    for (const PixelForm form : {PixelForm{12, 2}, PixelForm{16, 2}}) {
+    for (const PictureForm form : {PictureForm{12, 2}, PictureForm{16, 2}}) {
         for (const auto& [low, high] : {std::pair{-1, -1}, {2, 9}, {0, 4}, {3, 11}}) {
             for (const int32_t bits : {8, 12, 16}) {
                 for (const uint32_t length : {0u, 65536u, 23u}) {

@@ -46,7 +46,7 @@ TEST(GrayTests, TellPalettesApart) {
 }
 
 TEST(GrayTests, TellBitmapsApart) {
-    for (const PixelForm form : AllForms) {
+    for (const PictureForm form : AllForms) {
         ColourPicture picture(form, 3, 3, 1);
         EXPECT_EQ(Z_IsGrayScaleBitmap(&picture), form.IsGrayWord() ? GRAY_ORDEREDNORMAL : GRAY_NO)
             << form.Name();
@@ -76,7 +76,7 @@ TEST(GrayTests, TellBitmapsApart) {
 
 // A row of one bitmap before and after.
 struct NegativeCase {
-    PixelForm Form;
+    PictureForm Form;
     int32_t Width;
     Bytes Before, After;
 };
@@ -132,7 +132,7 @@ TEST(NegativePixels, OfIndicesLieInThePalette) {
 }
 
 TEST(NegativePixels, AreThereOnlyInSignedData) {
-    for (const PixelForm form : {PixelForm{16, 1}, PixelForm{24, 1}}) {
+    for (const PictureForm form : {PictureForm{16, 1}, PictureForm{24, 1}}) {
         ColourPicture picture(form, 3, 2, 1);
         if (form.Bits == 16) picture.Flags |= flag::Signed;
         const Bytes rows = Rows(picture);

@@ -1,6 +1,6 @@
 // What histograms count of pixels of every form.
 #include "colour/pictures.h"
-#include "colour/pixel_model.h"
+#include "colour/pixels/pixel_model.h"
 #include "colour/quantise/histogram.h"
 #include "zkr13n/palettes.h"
 
@@ -18,7 +18,7 @@ uint16_t KeyOf(const PixelModel& model, uint64_t pixel) {
     return static_cast<uint16_t>(c.red / 8 * 1024 + c.green / 8 * 32 + c.blue / 8);
 }
 
-void ExpectKeys(ColourPicture& picture, PixelForm form) {
+void ExpectKeys(ColourPicture& picture, PictureForm form) {
     SCOPED_TRACE(form.Name());
     const PixelModel model(picture);
     std::vector<uint16_t> keys;
@@ -38,7 +38,7 @@ void ExpectKeys(ColourPicture& picture, PixelForm form) {
 }
 
 TEST(KeyReader, ReadsEveryForm) {
-    for (const PixelForm form : AllForms)
+    for (const PictureForm form : AllForms)
         for (const int32_t width : {1, 7, 530, 1030}) {
             ColourPicture picture(form, width, 3, static_cast<uint64_t>(width));
             ExpectKeys(picture, form);
@@ -46,7 +46,7 @@ TEST(KeyReader, ReadsEveryForm) {
 }
 
 TEST(KeyReader, GoesThroughWindowsAndLevelTables) {
-    for (const PixelForm form : {PixelForm{12, 2}, PixelForm{16, 2}})
+    for (const PictureForm form : {PictureForm{12, 2}, PictureForm{16, 2}})
         for (const auto& [low, high] : {std::pair{0, form.Bits - 1}, {2, 11}, {0, 4}, {3, 9}})
             for (const uint32_t length : {0u, 65536u, 40u}) {
                 ColourPicture picture(form, 300, 4, 7);

@@ -1,0 +1,59 @@
+// One map a thread, kept in the thread's settings together with copies of the palettes that it is for, so
+// that a palette that has changed in place is noticed.
+#include "colour/palettes/kept_palette_map.h"
+
+#include "colour/palettes/palette_map.h"
+#include "core/thread_settings.h"
+#include "zkr13n/allocation.h"
+
+#include <cstring>
+
+namespace zkr {
+
+namespace {
+
+// A palette as it was; without entries it is the gray levels.
+struct KeptPalette {
+    int32_t Count;
+    RGBQUAD Entries[256];
+
+    void Keep(const RGBQUAD* palette, int32_t entries) {
+        Count = palette == nullptr ? 0 : entries;
+        if (palette != nullptr) std::memcpy(Entries, palette, Bytes());
+    }
+    bool Is(const RGBQUAD* palette, int32_t entries) const {
+        if (palette == nullptr) return Count == 0;
+        return Count == entries && std::memcmp(Entries, palette, Bytes()) == 0;
+    }
+    size_t Bytes() const { return static_cast<size_t>(Count) * sizeof(RGBQUAD); }
+};
+
+struct KeptPaletteMap {
+    KeptPalette Source;
+    KeptPalette Target;
+    PaletteMap Map;
+};
+
+} // namespace
+
+const PaletteMap& PaletteMapFor(const RGBQUAD* source, int32_t sourceEntries, const RGBQUAD* target,
+                                int32_t targetEntries, PaletteMap& spare) {
+    ThreadSettings& settings = CurrentThreadSettings();
+    ThreadAttachment& attachment = settings.PaletteMap;
+    auto* kept = static_cast<KeptPaletteMap*>(attachment.Data);
+    if (kept != nullptr && kept->Source.Is(source, sourceEntries) && kept->Target.Is(target, targetEntries))
+        return kept->Map;
+    if (kept == nullptr && !IsFallbackRecord(settings)) {
+        kept = static_cast<KeptPaletteMap*>(Z_Malloc(sizeof(KeptPaletteMap)));
+        if (kept != nullptr) attachment = {kept, [](void* data) { Z_Free(data); }};
+    }
+    PaletteMap& map = kept != nullptr ? kept->Map : spare;
+    map.IsIdentity = BuildPaletteMap(source, sourceEntries, target, targetEntries, map.Index) == 1;
+    if (kept != nullptr) {
+        kept->Source.Keep(source, sourceEntries);
+        kept->Target.Keep(target, targetEntries);
+    }
+    return map;
+}
+
+} // namespace zkr
