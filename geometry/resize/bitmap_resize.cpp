@@ -1,5 +1,4 @@
 // The handle of a stream and the functions that take it.
-#include "core/flags.h"
 #include "core/predicates.h"
 #include "geometry/resize/row_stream.h"
 #include "geometry/resize/stepping.h"

@@ -1,7 +1,6 @@
 // Decides between conversion and dithering, and writes rows of the output.
 #include "geometry/resize/output_rows.h"
 
-#include "colour/pixels/colour_value.h"
 #include "core/predicates.h"
 #include "core/sizes.h"
 #include "geometry/row_tail.h"

@@ -1,7 +1,6 @@
 // The rows of a stream: means where they shrink, and where they grow what the method makes of the source rows around.
 #include "geometry/resize/row_stream.h"
 
-#include "core/flags.h"
 #include "core/predicates.h"
 #include "core/sizes.h"
 #include "geometry/resize/columns.h"

@@ -2,7 +2,6 @@
 // packed row, so that only those are converted that are wanted.
 #include "geometry/resize/work_rows.h"
 
-#include "colour/pixels/colour_value.h"
 #include "core/exact_rows.h"
 #include "core/predicates.h"
 #include "core/sizes.h"

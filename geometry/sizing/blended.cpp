@@ -1,0 +1,224 @@
+// Blended rows: means over rows weighted by the area that they cover, steps from row to row, or splines through four
+// rows. All take rows of the source that have the target's width already.
+#include "geometry/resize/columns.h"
+#include "geometry/sizing/blended_format.h"
+#include "geometry/sizing/sizing_work.h"
+#include "kernels/family.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zkr {
+
+namespace {
+
+using kernels::Chosen;
+using kernels::ResampleKernels;
+
+// Working rows as long as the target's.
+struct WorkSize {
+    size_t Bytes, Samples, Type;
+};
+
+class AreaRows {
+  public:
+    AreaRows(SampleRows& source, const WorkSize& size, int32_t oldHeight, int32_t newHeight)
+        : source_(source), size_(size), steps_(oldHeight, newHeight), fetched_(size.Bytes), made_(size.Bytes),
+          sums_(size.Samples) {}
+
+    explicit operator bool() const { return fetched_ && made_ && sums_; }
+
+    // A row on the border of two target rows belongs to both.
+    ReturnCode Make(int32_t, const uint8_t*& samples) {
+        const auto& kernels = Chosen<ResampleKernels>();
+        const kernels::AverageColumn rows = steps_.Next();
+        std::fill_n(sums_.data(), size_.Samples, 0.0);
+        ReturnCode result = Add(rows.First, rows.FirstWeight);
+        for (uint32_t i = 1; i <= rows.Whole && result == code::Success; ++i)
+            result = Add(rows.First + i, 1.0);
+        if (result == code::Success && rows.LastWeight != 0)
+            result = Add(rows.First + rows.Whole + 1, rows.LastWeight);
+        if (result != code::Success) return result;
+        kernels.DivideWeighted[size_.Type](sums_.data(), rows.Total, made_.data(), size_.Samples);
+        samples = made_.data();
+        return code::Success;
+    }
+
+  private:
+    ReturnCode Add(uint32_t row, double weight) {
+        if (row != row_) {
+            const ReturnCode result = source_.Fetch(static_cast<int32_t>(row), fetched_.data());
+            if (result != code::Success) return result;
+            row_ = row;
+        }
+        Chosen<ResampleKernels>().AddWeighted[size_.Type](fetched_.data(), weight, sums_.data(),
+                                                          size_.Samples);
+        return code::Success;
+    }
+
+    SampleRows& source_;
+    WorkSize size_;
+    AverageSteps steps_;
+    ScratchBuffer<uint8_t> fetched_, made_;
+    ScratchBuffer<double> sums_;
+    uint32_t row_ = UINT32_MAX; // the one that is fetched
+};
+
+class LinearRows {
+  public:
+    LinearRows(SampleRows& source, const WorkSize& size, int32_t oldHeight, int32_t newHeight)
+        : source_(source), size_(size), oldHeight_(oldHeight), newHeight_(newHeight), upper_(size.Bytes),
+          lower_(size.Bytes), made_(size.Bytes) {}
+
+    explicit operator bool() const { return upper_ && lower_ && made_; }
+
+    ReturnCode Make(int32_t row, const uint8_t*& samples) {
+        const kernels::LinearColumn place = LinearAt(row, oldHeight_, newHeight_);
+        const auto wanted = static_cast<int32_t>(place.First);
+        if (row == 0) {
+            const ReturnCode result = source_.Fetch(0, second_);
+            if (result != code::Success) return result;
+        }
+        for (; firstRow_ < wanted; ++firstRow_) {
+            std::swap(first_, second_);
+            const int32_t next = firstRow_ + 2;
+            if (next >= oldHeight_) continue;
+            const ReturnCode result = source_.Fetch(next, second_);
+            if (result != code::Success) return result;
+        }
+        samples = first_;
+        if (place.Weight == 0 || place.Second == place.First) return code::Success;
+        const auto& kernels = Chosen<ResampleKernels>();
+        const auto blend = size_.Type == 0 ? kernels.Blend[0] : kernels.BlendFalling;
+        blend(first_, second_, place.Weight, place.Span, made_.data(), size_.Samples);
+        samples = made_.data();
+        return code::Success;
+    }
+
+  private:
+    SampleRows& source_;
+    WorkSize size_;
+    int32_t oldHeight_, newHeight_;
+    ScratchBuffer<uint8_t> upper_, lower_, made_;
+    uint8_t* first_ = upper_.data();
+    uint8_t* second_ = lower_.data();
+    int32_t firstRow_ = -1;
+};
+
+class SplineRows {
+  public:
+    SplineRows(SampleRows& source, const WorkSize& size, int32_t oldHeight, int32_t newHeight)
+        : source_(source), size_(size), oldHeight_(oldHeight),
+          ratio_(SplineWindow::Ratio(oldHeight, newHeight)),
+          repeats_(SplineWindow::Repeats(ratio_)), rows_{ScratchBuffer<uint8_t>(size.Bytes),
+                                                         ScratchBuffer<uint8_t>(size.Bytes),
+                                                         ScratchBuffer<uint8_t>(size.Bytes),
+                                                         ScratchBuffer<uint8_t>(size.Bytes)},
+          made_(size.Bytes), bends_{ScratchBuffer<float>(size.Samples), ScratchBuffer<float>(size.Samples)} {
+        for (int i = 0; i < 4; ++i)
+            row_[i] = rows_[i].data();
+    }
+
+    explicit operator bool() const {
+        return rows_[0] && rows_[1] && rows_[2] && rows_[3] && made_ && bends_[0] && bends_[1];
+    }
+
+    // Whether a row is the one before once more.
+    bool Repeats(int32_t row) const { return row > 0 && row <= repeats_; }
+
+    ReturnCode Make(int32_t row, const uint8_t*& samples) {
+        const auto& kernels = Chosen<ResampleKernels>();
+        bool hasMoved = row == 0;
+        ReturnCode result = code::Success;
+        if (row == 0) {
+            result = Begin();
+        } else {
+            t_ += ratio_;
+            hasMoved = t_ >= 1.0f;
+            if (hasMoved) result = Move();
+        }
+        if (result != code::Success) return result;
+        float* const first = bends_[0].data();
+        float* const second = bends_[1].data();
+        if (hasMoved) {
+            const uint8_t* const rows[4] = {row_[0], row_[1], row_[2], row_[3]};
+            kernels.SolveRows[size_.Type](rows, first, second, size_.Samples);
+        }
+        samples = row_[1];
+        if (t_ <= 0) return code::Success;
+        kernels.EvaluateRows[size_.Type](row_[1], row_[2], first, second, t_, made_.data(), size_.Samples);
+        samples = made_.data();
+        return code::Success;
+    }
+
+  private:
+    // Where the source has no more rows the last one goes on.
+    ReturnCode FetchNext(int index) {
+        if (next_ < oldHeight_) return source_.Fetch(next_++, row_[index]);
+        std::copy_n(row_[index - 1], size_.Bytes, row_[index]);
+        return code::Success;
+    }
+
+    ReturnCode Begin() {
+        ReturnCode result = source_.Fetch(next_++, row_[0]);
+        if (result != code::Success) return result;
+        std::copy_n(row_[0], size_.Bytes, row_[1]);
+        result = FetchNext(2);
+        return result == code::Success ? FetchNext(3) : result;
+    }
+
+    ReturnCode Move() {
+        t_ -= 1.0f;
+        std::rotate(row_, row_ + 1, row_ + 4);
+        return FetchNext(3);
+    }
+
+    SampleRows& source_;
+    WorkSize size_;
+    int32_t oldHeight_;
+    float ratio_;
+    int32_t repeats_;
+    ScratchBuffer<uint8_t> rows_[4];
+    ScratchBuffer<uint8_t> made_;
+    ScratchBuffer<float> bends_[2];
+    uint8_t* row_[4] = {};
+    int32_t next_ = 0;
+    float t_ = 0;
+};
+
+template <class Rows>
+ReturnCode Fill(BitmapHandle& source, BitmapHandle& target, BlendedOutput& output, Rows&& rows) {
+    if (!rows) return code::OutOfMemory;
+    return FillRows(source, target, output.bytes(), [&](int32_t row) {
+        if constexpr (requires { rows.Repeats(row); })
+            if (rows.Repeats(row)) return code::Success;
+        const uint8_t* samples = nullptr;
+        const ReturnCode result = rows.Make(row, samples);
+        return result == code::Success ? output.Take(samples) : result;
+    });
+}
+
+} // namespace
+
+ReturnCode FillBlended(BitmapHandle& source, BitmapHandle& target, bool isSpline) {
+    const BlendFormat format = BlendFormat::Of(source, target, isSpline);
+    SampleRows rows;
+    ReturnCode result =
+        rows.Make(source, format, isSpline ? Interpolation::Spline : Interpolation::Linear, target.Width);
+    if (result != code::Success) return result;
+    BlendedOutput output;
+    result = output.Make(source, target, format);
+    if (result != code::Success) return result;
+    const uint64_t samples =
+        static_cast<uint64_t>(target.Width) * static_cast<uint32_t>(format.Samples.Channels);
+    const uint64_t bytes = samples * static_cast<uint32_t>(format.Samples.Bits / 8);
+    if (bytes > SIZE_MAX) return code::OutOfMemory;
+    const WorkSize size = {static_cast<size_t>(bytes), static_cast<size_t>(samples),
+                           format.Samples.TypeIndex()};
+    const int32_t from = source.Height, to = target.Height;
+    if (from > to) return Fill(source, target, output, AreaRows(rows, size, from, to));
+    if (isSpline) return Fill(source, target, output, SplineRows(rows, size, from, to));
+    return Fill(source, target, output, LinearRows(rows, size, from, to));
+}
+
+} // namespace zkr
