@@ -7,6 +7,7 @@
 #include "core/predicates.h"
 
 #include "core/rectangle.h"
+#include "core/replacement.h"
 #include "core/return_codes.h"
 #include "core/row_walk.h"
 #include "core/scratch.h"
@@ -70,44 +71,37 @@ ReturnCode CopyRows(BitmapHandle& target, BitmapHandle& source, const Cut& colum
         });
 }
 
-enum class Replaces { Nothing, TheSource };
+// How far a target has come: a copy that was stopped leaves the rows that it has done.
+struct Copied {
+    ReturnCode Status;
+    bool HasPixels; // or would have had, before the stop
+};
 
-// On failure, and when nothing replaces the source, a target of the library's own is freed.
-ReturnCode CopyInto(BitmapHandle& target, BitmapHandle& source, const Place& place, Replaces replaces) {
-    ReturnCode status = MoveRegion(target, source, place);
-    if (status != code::Success) {
-        Z_FreeBitmap(&target);
-        return status;
-    }
+Copied CopyInto(BitmapHandle& target, BitmapHandle& source, const Place& place) {
+    const ReturnCode moved = MoveRegion(target, source, place);
+    if (moved != code::Success) return {moved, false};
     const Cut columns(place.Left, place.Width, source.Width);
     const Cut rows(place.Top, place.Height, source.Height);
-    if (columns.Count == 0 || rows.Count == 0) {
-        if (replaces == Replaces::TheSource) Z_FreeBitmap(&target);
-        return code::Success;
-    }
+    if (columns.Count == 0 || rows.Count == 0) return {code::Success, false};
     const SourcePixels pixels(source, columns);
     ScratchBuffer<uint8_t> buffer(pixels.Bytes);
-    if (!buffer) {
-        Z_FreeBitmap(&target);
-        return code::OutOfMemory;
-    }
-    status = CopyRows(target, source, columns, rows, place.Height, pixels, buffer.data());
-    if (replaces == Replaces::TheSource) {
-        Z_FreeBitmap(&source);
-        Z_CopyBitmapHandle(&source, &target);
-    }
-    return status;
+    if (!buffer) return {code::OutOfMemory, false};
+    return {CopyRows(target, source, columns, rows, place.Height, pixels, buffer.data()), true};
 }
 
+// Without a destination the rectangle takes the source's place, unless it has nothing of the source.
 ReturnCode CopyRectangle(BitmapHandle* destination, BitmapHandle* source, const Place& place,
                          std::optional<int32_t> memoryType) {
     if (!IsAllocated(source)) return code::InvalidArgument;
+    BitmapReplacement replacement(source, Z_DUP_DATA | Z_DUP_PALETTE | Z_DUP_REGION);
     const bool replaces = destination == nullptr || destination == source;
-    BitmapHandle temporary;
-    BitmapHandle& target = replaces ? temporary : *destination;
+    BitmapHandle& target = replaces ? replacement.record() : *destination;
     const ReturnCode made = MakeEmptyCopy(target, *source, place.Width, place.Height, memoryType);
     if (made != code::Success) return made;
-    return CopyInto(target, *source, place, replaces ? Replaces::TheSource : Replaces::Nothing);
+    const Copied copied = CopyInto(target, *source, place);
+    if (replaces && copied.HasPixels) replacement.Commit();
+    if (!replaces && !copied.HasPixels && copied.Status != code::Success) Z_FreeBitmap(&target);
+    return copied.Status;
 }
 
 } // namespace

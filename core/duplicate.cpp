@@ -3,35 +3,17 @@
 #include "core/dispatch.h"
 #include "core/flags.h"
 #include "core/predicates.h"
+#include "core/record_like.h"
 #include "core/return_codes.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
 #include "zkr13n/playback.h"
-#include "zkr13n/storage.h"
 
 #include <cstring>
 
 namespace zkr {
 
 namespace {
-
-// What a duplicate takes over before its storage is chosen. The class flags among them name the storage that
-// it should get.
-void InheritForm(BitmapHandle& destination, const BitmapHandle& source) {
-    constexpr uint32_t inherited =
-        flag::RegionUnclipped | flag::Compressed | flag::SuperCompressed | flag::Disk | flag::Signed;
-    destination.Flags |= source.Flags & inherited;
-    destination.ViewPerspective = source.ViewPerspective;
-    destination.XResolution = source.XResolution;
-    destination.YResolution = source.YResolution;
-    destination.Order = source.Order;
-}
-
-int32_t MemoryTypeLike(const BitmapHandle& bitmap) {
-    if (HasFlag(bitmap, flag::Compressed)) return MemoryCompressed | MemoryConventional;
-    if (HasFlag(bitmap, flag::SuperCompressed)) return MemorySuperCompressed;
-    return HasFlag(bitmap, flag::Disk) ? MemoryDisk : MemoryConventional;
-}
 
 void InheritPalette(BitmapHandle& destination, const BitmapHandle& source, uint32_t flags) {
     destination.Flags = (destination.Flags & ~flag::PaletteIsBlock) | (source.Flags & flag::PaletteIsBlock);
@@ -71,11 +53,10 @@ void Z_CALL Z_CopyBitmapHandle(BitmapHandle* destination, const BitmapHandle* so
 ReturnCode Z_CALL Z_DupBitmapNewDim(BitmapHandle* destination, BitmapHandle* source, int32_t width,
                                     int32_t height, int32_t bitsPerPixel, uint32_t flags) {
     if (destination == nullptr || !IsAllocated(source)) return code::InvalidBitmap;
-    // A depth that is refused leaves a cleared record, which inherits all the same.
-    Z_InitBitmap(destination, width, height, bitsPerPixel);
-    InheritForm(*destination, *source);
+    // A refused depth makes a record all the same.
+    InitRecordLike(*destination, *source, width, height, bitsPerPixel, carry::RegionUnclipped | carry::Form);
     if ((flags & Z_DUP_DATA) != 0) {
-        const ReturnCode result = Z_AllocateBitmap(destination, MemoryTypeLike(*destination));
+        const ReturnCode result = Z_AllocateBitmap(destination, MemoryTypeOfForm(*destination));
         if (result != code::Success) return result;
     }
     InheritPalette(*destination, *source, flags);

@@ -2,6 +2,7 @@
 #include "core/copy.h"
 #include "core/flags.h"
 #include "core/predicates.h"
+#include "core/replacement.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "core/storage/budget.h"
@@ -107,44 +108,21 @@ ReturnCode AllocateRebuilt(BitmapHandle& bitmap, const MemoryInfo& wish) {
                                        .MaxMapped = Capped(wish.MaxMapped, tileCount - conventional)});
 }
 
-// Frees a rebuilt record that is not to be used; its palette and region are the original's.
-void Discard(BitmapHandle& rebuilt) {
-    const bool bareTiles = !HasFlag(rebuilt, flag::Allocated) && rebuilt.Addr != nullptr;
-    if (bareTiles) storage::Tiled.Release(rebuilt);
-    Z_FreeDuplicateBitmap(&rebuilt, Z_DUP_DATA);
-}
-
-// The original's record with the storage of the rebuilt one.
-BitmapHandle WithStorageOf(const BitmapHandle& original, const BitmapHandle& rebuilt) {
-    BitmapHandle result = original;
-    result.StorageHandle = rebuilt.StorageHandle;
-    result.Addr = rebuilt.Addr;
-    result.CurrentRowOffset = rebuilt.CurrentRowOffset;
-    result.CurrentRow = rebuilt.CurrentRow;
-    result.Size = rebuilt.Size;
-    result.AlignOffset = rebuilt.AlignOffset;
-    result.Flags = (original.Flags & ~storage::ClassFlags) | (rebuilt.Flags & storage::ClassFlags);
-    return result;
-}
-
 ReturnCode Rebuild(BitmapHandle& bitmap, const MemoryInfo& wish) {
-    BitmapHandle rebuilt;
+    BitmapReplacement replacement(&bitmap);
+    BitmapHandle& rebuilt = replacement.record();
     ReturnCode result =
         Z_DupBitmapNewDim(&rebuilt, &bitmap, bitmap.Width, bitmap.Height, bitmap.BitsPerPixel, 0);
     if (result != code::Success) return result;
     result = AllocateRebuilt(rebuilt, wish);
     if (result == code::Success) result = CopyBitmapDataExactly(&rebuilt, &bitmap);
-    if (result != code::Success) {
-        Discard(rebuilt);
-        return result;
+    if (result == code::Success) {
+        replacement.CommitStorage();
+        return code::Success;
     }
-    const BitmapHandle committed = WithStorageOf(bitmap, rebuilt);
-    Z_OsFree(rebuilt.PaintLUT);
-    bitmap.LevelLUT = nullptr;
-    bitmap.PaintLUT = nullptr;
-    Z_FreeDuplicateBitmap(&bitmap, Z_DUP_DATA);
-    bitmap = committed;
-    return code::Success;
+    const bool hasBareTiles = !HasFlag(rebuilt, flag::Allocated) && rebuilt.Addr != nullptr;
+    if (hasBareTiles) storage::Tiled.Release(rebuilt);
+    return result;
 }
 
 } // namespace

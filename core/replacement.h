@@ -1,5 +1,5 @@
-// A whole new record beside the caller's: committed over it when all went well, released otherwise, so that a
-// failure leaves the caller's bitmap as it was.
+// A whole new record beside the caller's: committed over it when all went well, or with what was done so far when a
+// stop leaves a part, and released otherwise, so that a failure leaves the caller's bitmap as it was.
 #pragma once
 
 #include "zkr13n/bitmap.h"
@@ -22,11 +22,11 @@ class BitmapReplacement {
 
     BitmapHandle& record() { return record_; }
 
-    void Commit() {
-        Z_FreeDuplicateBitmap(target_, owned_);
-        Z_CopyBitmapHandle(target_, &record_);
-        target_ = nullptr;
-    }
+    // The new record takes the place of the old one.
+    void Commit();
+
+    // The old record gets the storage of the new one, and the row size that belongs to it, and keeps all else.
+    void CommitStorage();
 
   private:
     BitmapHandle* target_; // null once committed

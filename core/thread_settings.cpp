@@ -4,6 +4,7 @@
 // linked in a list, so that an unloading library can release those of threads that live on.
 #include "core/thread_settings.h"
 
+#include "core/assertion.h"
 #include "core/dispatch.h"
 #include "core/spin_lock.h"
 #include "core/storage/filter_modules.h"
@@ -15,6 +16,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <utility>
 
 namespace zkr {
 
@@ -85,11 +87,20 @@ void DisarmHotKey(ThreadSettings& settings) {
     settings.HotKeyState = 0;
 }
 
+// The last one first, since a thing may rest on one that was there before it.
+void ReleaseAttachments(ThreadSettings& settings) {
+    for (size_t i = MostAttachments; i-- > 0;) {
+        const ThreadAttachment attachment = std::exchange(settings.Attachments[i], {});
+        if (attachment.Kind == nullptr) continue;
+        attachment.Kind->Release(attachment.Data);
+        Z_Free(attachment.Data);
+    }
+}
+
 void Release(Record* record) {
     Unlink(record);
     DisarmHotKey(record->Settings);
-    for (const ThreadAttachment& attachment : {record->Settings.PaletteSearch, record->Settings.PaletteMap})
-        if (attachment.Release != nullptr) attachment.Release(attachment.Data);
+    ReleaseAttachments(record->Settings);
     Z_Free(record);
 }
 
@@ -168,6 +179,21 @@ ThreadSettings& CurrentThreadSettings() {
 
 bool IsFallbackRecord(const ThreadSettings& settings) {
     return &settings == &fallback;
+}
+
+void* AttachmentOf(const AttachmentKind& kind) {
+    ThreadSettings& settings = CurrentThreadSettings();
+    for (ThreadAttachment& attachment : settings.Attachments) {
+        if (attachment.Kind == &kind) return attachment.Data;
+        if (attachment.Kind != nullptr) continue;
+        void* const memory = IsFallbackRecord(settings) ? nullptr : Z_Calloc(1, kind.Bytes);
+        if (memory == nullptr) return nullptr;
+        kind.Make(memory);
+        attachment = {&kind, memory};
+        return memory;
+    }
+    ZKR_ASSERT(!"there are more kinds than MostAttachments");
+    return nullptr;
 }
 
 uint32_t* CurrentMatchTable() {

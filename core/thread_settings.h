@@ -6,7 +6,9 @@
 #include "zkr13n/files.h"
 #include "zkr13n/frame.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <new>
 
 namespace zkr {
 
@@ -19,11 +21,17 @@ struct FileVector {
     decltype(&Z_OsClose) Close;
 };
 
-// Something that another room keeps for the thread; Release is called with Data when the thread ends.
-struct ThreadAttachment {
-    void* Data;
+// Things that other rooms keep for a thread, found by the address of what describes their kind.
+struct AttachmentKind {
+    size_t Bytes;
+    void (*Make)(void* memory); // the memory is zeroed
     void (*Release)(void* data);
 };
+struct ThreadAttachment {
+    const AttachmentKind* Kind; // null for none
+    void* Data;
+};
+inline constexpr size_t MostAttachments = 8; // of a thread, one for each kind there is
 
 // The row that is expected to be read after the one in a buffer.
 struct RowAhead {
@@ -55,15 +63,25 @@ struct ThreadSettings {
     char* TokenRest; // where Z_Strtok goes on
     RowAhead Ahead;
 
-    ThreadAttachment PaletteSearch; // the nearest-colour index of the palette last matched against
-    ThreadAttachment PaletteMap;    // the map between the two palettes last converted between
+    ThreadAttachment Attachments[MostAttachments];
 };
 
 // The record of the calling thread, or the static record; never fails.
 ThreadSettings& CurrentThreadSettings();
 
-// Whether the record is the shared static one, where nothing may be attached.
+// Whether the record is the shared static one, where nothing can be attached.
 bool IsFallbackRecord(const ThreadSettings& settings);
+
+// The calling thread's thing of a kind, made when it is first asked for and released when the thread ends; null where
+// memory is short or the thread has no record of its own.
+void* AttachmentOf(const AttachmentKind& kind);
+
+// The calling thread's T, likewise. T is made without arguments and has members that are zero unless told otherwise.
+template <typename T> T* OfThread() {
+    static constexpr AttachmentKind kind = {sizeof(T), [](void* memory) { new (memory) T(); },
+                                            [](void* data) { static_cast<T*>(data)->~T(); }};
+    return static_cast<T*>(AttachmentOf(kind));
+}
 
 // The match table that colour resolution finds and leaves for the calling thread.
 uint32_t* CurrentMatchTable();

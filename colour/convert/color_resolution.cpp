@@ -11,6 +11,7 @@
 #include "colour/quantise/palette_slots.h"
 #include "core/attachments.h"
 #include "core/predicates.h"
+#include "core/record_like.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "core/thread_settings.h"
@@ -101,9 +102,7 @@ class ColorResolution {
         }
         ReturnCode result = MakeForm();
         if (result == code::Success) result = request_.IsIndexed() ? ChoosePalette(given) : code::Success;
-        if (result == code::Success && target_ != &unstored_)
-            result =
-                Z_AllocateBitmap(target_, HasFlag(reading_, flag::Disk) ? MemoryDisk : MemoryConventional);
+        if (result == code::Success && target_ != &unstored_) result = AllocatePlainLike(*target_, reading_);
         if (result == code::Success) result = PassRows();
         return Finish(result);
     }
@@ -111,18 +110,15 @@ class ColorResolution {
   private:
     // Everything of the target but palette and storage.
     ReturnCode MakeForm() {
-        const ReturnCode result = Z_InitBitmap(target_, reading_.Width, reading_.Height, request_.Bits);
+        const ReturnCode result = InitRecordLike(*target_, reading_, reading_.Width, reading_.Height,
+                                                 request_.Bits, carry::RegionUnclipped);
         if (result != code::Success) return result;
-        target_->ViewPerspective = reading_.ViewPerspective;
-        target_->XResolution = reading_.XResolution;
-        target_->YResolution = reading_.YResolution;
         if (!request_.IsIndexed()) {
             target_->Order = request_.Has(COLORRES_ORDER_GRAY)  ? Z_ORDER_GRAY
                              : request_.Has(COLORRES_ORDER_BGR) ? Z_ORDER_BGR
                                                                 : Z_ORDER_RGB;
             if (target_->Order == Z_ORDER_GRAY) Z_InitGrayParams(target_);
         }
-        target_->Flags |= reading_.Flags & flag::RegionUnclipped;
         return CopyRegion(*target_, reading_, 0, 0);
     }
 

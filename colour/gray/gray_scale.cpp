@@ -5,6 +5,7 @@
 #include "colour/gray/level_table.h"
 #include "colour/pixels/colour_value.h"
 #include "core/predicates.h"
+#include "core/record_like.h"
 #include "core/replacement.h"
 #include "core/row_access.h"
 #include "core/row_walk.h"
@@ -95,18 +96,12 @@ class GrayStages {
 };
 
 ReturnCode MakeGrayRecord(BitmapHandle& gray, const BitmapHandle& source, int32_t bits) {
-    Z_InitBitmap(&gray, source.Width, source.Height, bits);
-    gray.Flags |= source.Flags & flag::RegionUnclipped;
-    gray.ViewPerspective = source.ViewPerspective;
-    gray.XResolution = source.XResolution;
-    gray.YResolution = source.YResolution;
-    Z_CopyPlaybackParms(&gray, &source);
+    InitRecordLike(gray, source, source.Width, source.Height, bits, carry::RegionUnclipped | carry::Playback);
     if (bits > 8) {
         gray.Order = Z_ORDER_GRAY;
         Z_InitGrayParams(&gray);
     }
-    const ReturnCode result =
-        Z_AllocateBitmap(&gray, HasFlag(source, flag::Disk) ? MemoryDisk : MemoryConventional);
+    const ReturnCode result = AllocatePlainLike(gray, source);
     return result == code::Success && bits == 8 ? Z_CreateBitmapGrayPalette(&gray) : result;
 }
 

@@ -4,7 +4,6 @@
 
 #include "colour/palettes/palette_map.h"
 #include "core/thread_settings.h"
-#include "zkr13n/allocation.h"
 
 #include <cstring>
 
@@ -14,7 +13,7 @@ namespace {
 
 // A palette as it was; without entries it is the gray levels.
 struct KeptPalette {
-    int32_t Count;
+    int32_t Count = -1; // none is kept
     RGBQUAD Entries[256];
 
     void Keep(const RGBQUAD* palette, int32_t entries) {
@@ -38,15 +37,9 @@ struct KeptPaletteMap {
 
 const PaletteMap& PaletteMapFor(const RGBQUAD* source, int32_t sourceEntries, const RGBQUAD* target,
                                 int32_t targetEntries, PaletteMap& spare) {
-    ThreadSettings& settings = CurrentThreadSettings();
-    ThreadAttachment& attachment = settings.PaletteMap;
-    auto* kept = static_cast<KeptPaletteMap*>(attachment.Data);
+    auto* kept = OfThread<KeptPaletteMap>();
     if (kept != nullptr && kept->Source.Is(source, sourceEntries) && kept->Target.Is(target, targetEntries))
         return kept->Map;
-    if (kept == nullptr && !IsFallbackRecord(settings)) {
-        kept = static_cast<KeptPaletteMap*>(Z_Malloc(sizeof(KeptPaletteMap)));
-        if (kept != nullptr) attachment = {kept, [](void* data) { Z_Free(data); }};
-    }
     PaletteMap& map = kept != nullptr ? kept->Map : spare;
     map.IsIdentity = BuildPaletteMap(source, sourceEntries, target, targetEntries, map.Index) == 1;
     if (kept != nullptr) {

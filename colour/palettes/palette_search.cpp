@@ -90,19 +90,8 @@ void PaletteSearch::MatchRow(const uint8_t* quads, uint8_t* indices, size_t pixe
 
 PaletteSearch* PaletteSearchFor(const RGBQUAD* palette, int32_t entries) {
     if (entries < 1 || entries > 256) return nullptr;
-    ThreadSettings& settings = CurrentThreadSettings();
-    auto* search = static_cast<PaletteSearch*>(settings.PaletteSearch.Data);
-    if (search == nullptr) {
-        if (IsFallbackRecord(settings)) return nullptr;
-        void* memory = Z_Malloc(sizeof(PaletteSearch));
-        if (memory == nullptr) return nullptr;
-        search = new (memory) PaletteSearch;
-        settings.PaletteSearch = {search, [](void* data) {
-                                      static_cast<PaletteSearch*>(data)->~PaletteSearch();
-                                      Z_Free(data);
-                                  }};
-    }
-    if (!search->IsFor(palette, entries)) search->Prepare(palette, entries);
+    auto* search = OfThread<PaletteSearch>();
+    if (search != nullptr && !search->IsFor(palette, entries)) search->Prepare(palette, entries);
     return search;
 }
 

@@ -7,6 +7,7 @@
 #include "core/depth.h"
 #include "core/flags.h"
 #include "core/predicates.h"
+#include "core/record_like.h"
 #include "core/row_access.h"
 #include "core/row_walk.h"
 #include "core/scratch.h"
@@ -57,13 +58,9 @@ TakeAlpha TakerFor(int32_t bits, int32_t alphaBits) {
 
 ReturnCode MakeAlphaRecord(BitmapHandle& alpha, BitmapHandle& source) {
     const bool deep = source.BitsPerPixel == 64 && Z_IsSupportLocked(Z_SUPPORT_EXTGRAY) == 0;
-    Z_InitBitmap(&alpha, source.Width, source.Height, deep ? 16 : 8);
+    InitRecordLike(alpha, source, source.Width, source.Height, deep ? 16 : 8, carry::RegionUnclipped);
     if (deep) alpha.Order = Z_ORDER_GRAY;
-    alpha.ViewPerspective = source.ViewPerspective;
-    alpha.XResolution = source.XResolution;
-    alpha.YResolution = source.YResolution;
-    ReturnCode result =
-        Z_AllocateBitmap(&alpha, HasFlag(source, flag::Disk) ? MemoryDisk : MemoryConventional);
+    const ReturnCode result = AllocatePlainLike(alpha, source);
     if (result != code::Success) return result;
     alpha.Palette = Z_CreateGrayPalette(8); // at 16 bits too
     if (alpha.Palette == nullptr) return code::OutOfMemory;

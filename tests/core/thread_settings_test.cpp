@@ -19,10 +19,13 @@ namespace {
 using namespace zkr;
 namespace fault = platform::fault;
 
-std::atomic<int> released = 0;
-void CountRelease(void* data) {
-    released += *static_cast<int*>(data);
-}
+std::atomic<int> alive = 0;
+struct Counted {
+    Counted() { ++alive; }
+    ~Counted() { --alive; }
+    int Weight = 0;
+};
+struct Other : Counted {};
 
 TEST(ThreadSettings, WithoutMemoryAThreadSeesZeros) {
     std::thread([] {
@@ -42,17 +45,25 @@ TEST(ThreadSettings, WithoutMemoryAThreadSeesZeros) {
 }
 
 TEST(ThreadSettings, AnAttachmentGoesWithItsThread) {
-    int weight = 1;
-    released = 0;
-    std::thread([&] { CurrentThreadSettings().PaletteSearch = {&weight, CountRelease}; }).join();
-    EXPECT_EQ(released, 1);
     std::thread([&] {
-        CurrentThreadSettings().PaletteSearch = {&weight, CountRelease};
-        Z_IntShutdown();
-        EXPECT_EQ(released, 2);
-        Z_GetDefaultDithering();
+        OfThread<Counted>()->Weight = 5;
+        OfThread<Other>()->Weight = 7;
+        EXPECT_EQ(OfThread<Counted>()->Weight, 5);
+        std::thread([] { EXPECT_EQ(OfThread<Counted>()->Weight, 0) << "each thread has its own"; }).join();
+        EXPECT_EQ(alive, 2);
     }).join();
-    EXPECT_EQ(released, 2);
+    EXPECT_EQ(alive, 0);
+    std::thread([&] {
+        OfThread<Counted>();
+        Z_IntShutdown();
+        EXPECT_EQ(alive, 0);
+        Z_GetDefaultDithering();
+        fault::Arm(fault::Heap, 1, true);
+        EXPECT_EQ(OfThread<Counted>(), nullptr);
+        fault::Disarm();
+        EXPECT_NE(OfThread<Counted>(), nullptr);
+    }).join();
+    EXPECT_EQ(alive, 0);
 }
 
 // The stop of the library takes the dispatch table away; whoever needs it next has it again.
