@@ -4,6 +4,7 @@
 #include "failure.h"
 
 #include "zkr13n/copy.h"
+#include "zkr13n/flip.h"
 #include "zkr13n/palettes.h"
 #include "zkr13n/rows.h"
 #include "zkr13n/storage.h"
@@ -16,7 +17,6 @@ namespace zkr::app {
 
 namespace {
 
-constexpr int32_t ViewTopLeft = 0; // rows are stored from the top, pixels from the left
 constexpr uint32_t TileFlags =
     Z_THRESHOLD_TILE_SIZE | Z_THRESHOLD_CONVENTIONAL_TILES | Z_THRESHOLD_MAPPED_TILES;
 
@@ -50,11 +50,11 @@ bool CanLiveIn(StorageClass kind, int bits) {
 }
 
 Bitmap::Bitmap(const std::string& name, const PixelFormat& format, int width, int height,
-               const Storage& storage)
+               const Storage& storage, int32_t view)
     : name_(name), format_(format) {
     const auto create = [&](int32_t type, void* data, size_t dataSize) {
         Check(Z_CreateBitmap(&handle_, type, width, height, format_.bits, format_.order,
-                             format_.PaletteOrNull(), ViewTopLeft, data, dataSize),
+                             format_.PaletteOrNull(), view, data, dataSize),
               name_);
     };
     if (!CanLiveIn(storage.kind, format_.bits)) {
@@ -114,6 +114,10 @@ void Bitmap::ReadForm() {
     Z_GetBitmapPaletteEntries(&handle_, 0, handle_.ColorsUsed, format_.palette.data());
 }
 
+void Bitmap::StandUpright() {
+    Check(Z_ChangeBitmapViewPerspective(nullptr, &handle_, VIEW_TOP_LEFT), name_);
+}
+
 Bitmap::~Bitmap() {
     Z_FreeBitmap(&handle_);
 }
@@ -124,6 +128,19 @@ void Bitmap::GetRow(int row, void* buffer) {
 
 void Bitmap::PutRow(int row, const void* buffer) {
     Check(Z_PutBitmapRow(&handle_, buffer, row, RowBytes()), name_);
+}
+
+const char* NameOfView(int32_t view) {
+    switch (view) {
+    case VIEW_TOP_RIGHT: return "mirrored";
+    case VIEW_BOTTOM_LEFT: return "flipped";
+    case VIEW_BOTTOM_RIGHT: return "turned by 180 degrees";
+    case VIEW_RIGHT_TOP: return "turned by 90 degrees clockwise";
+    case VIEW_LEFT_TOP: return "flipped, then turned by 90 degrees clockwise";
+    case VIEW_RIGHT_BOTTOM: return "flipped, then turned by 270 degrees clockwise";
+    case VIEW_LEFT_BOTTOM: return "turned by 270 degrees clockwise";
+    default: return "as it is stored";
+    }
 }
 
 std::string SizeOf(const Bitmap& bitmap) {

@@ -28,7 +28,8 @@ struct Storage {
 class Bitmap {
   public:
     // `name` is the file or step that messages name. Throws Failure with the library's message.
-    Bitmap(const std::string& name, const PixelFormat& format, int width, int height, const Storage& storage);
+    Bitmap(const std::string& name, const PixelFormat& format, int width, int height, const Storage& storage,
+           int32_t view = VIEW_TOP_LEFT);
     Bitmap(Bitmap&& other) noexcept;
     // Takes over what the library has made.
     Bitmap(const std::string& name, const BitmapHandle& made);
@@ -46,6 +47,8 @@ class Bitmap {
     BitmapHandle* Handle() { return &handle_; }
     // Learns the format anew from the record, after the library has changed the bitmap.
     void ReadForm();
+    // Brings the stored rows to the view from top left, so that rows and columns are those of the picture as seen.
+    void StandUpright();
     // Says that the fourth channel is alpha.
     void MarkAlpha() { format_.alpha = format_.bits == 32 || format_.bits == 64; }
 
@@ -62,6 +65,9 @@ class Bitmap {
 
 // "conventional", "tiled: 3 memory, 2 views, 7 file": the class that a bitmap has in fact.
 std::string StorageOf(Bitmap& bitmap);
+
+// What makes a picture of a view stand upright: "turned by 90 degrees clockwise".
+const char* NameOfView(int32_t view);
 
 // "640 x 480 pixels".
 std::string SizeOf(const Bitmap& bitmap);

@@ -22,7 +22,8 @@ void RowConverter::Convert() {
 }
 
 Bitmap Converted(Bitmap& source, const PixelFormat& format, const Storage& storage) {
-    Bitmap target(source.Name(), format, source.Width(), source.Height(), storage);
+    Bitmap target(source.Name(), format, source.Width(), source.Height(), storage,
+                  source.Handle()->ViewPerspective);
     RowConverter converter(source.Name(), source.Format(), target.Format(), source.Width());
     RowProgress progress(source.Name(), source.Height());
     for (int row = 0; row < source.Height(); ++row) {

@@ -1,29 +1,86 @@
-// The temporary name holds the process number, so that two programs never share one.
+// A file without a name is linked into its folder when it is whole. A link cannot replace an older file, so that it then
+// takes a temporary name, which is renamed at once; no signal comes between. Where the file system has no files without a
+// name, the temporary name is there from the beginning. It holds the process number, so that two programs never share one.
 #include "output_file.h"
 
 #include "failure.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zkr::app {
 
-OutputFile::OutputFile(const std::string& path)
-    : path_(path), temporary_(path + "." + std::to_string(getpid()) + ".part"),
-      file_(std::fopen(temporary_.c_str(), "wbx")) {
-    if (file_ == nullptr) throw Failure(path_, std::strerror(errno));
+namespace {
+
+constexpr mode_t Mode = 0666;
+
+std::string FolderOf(const std::string& path) {
+    const std::string folder = std::filesystem::path(path).parent_path().string();
+    return folder.empty() ? "." : folder;
+}
+
+class SignalsHeld {
+  public:
+    SignalsHeld() {
+        sigset_t all;
+        sigfillset(&all);
+        sigprocmask(SIG_BLOCK, &all, &before_);
+    }
+    ~SignalsHeld() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+    SignalsHeld(const SignalsHeld&) = delete;
+    SignalsHeld& operator=(const SignalsHeld&) = delete;
+
+  private:
+    sigset_t before_;
+};
+
+} // namespace
+
+OutputFile::OutputFile(const std::string& path) : path_(path) {
+    int file = open(FolderOf(path).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, Mode);
+    const bool nameless = file >= 0;
+    if (!nameless && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
+        temporary_ = path + "." + std::to_string(getpid()) + ".part";
+        file = open(temporary_.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, Mode);
+        if (file < 0) temporary_.clear();
+    }
+    if (file < 0) Fail();
+    file_.reset(fdopen(file, "wb"));
+    if (file_ == nullptr) Fail();
 }
 
 OutputFile::~OutputFile() {
     if (!temporary_.empty()) unlink(temporary_.c_str());
 }
 
+void OutputFile::Fail() const {
+    throw Failure(path_, std::strerror(errno));
+}
+
 void OutputFile::Commit() {
-    const bool whole = std::fflush(file_.get()) == 0 && std::ferror(file_.get()) == 0;
-    if (!whole || std::fclose(file_.release()) != 0 || std::rename(temporary_.c_str(), path_.c_str()) != 0) {
-        throw Failure(path_, std::strerror(errno));
+    if (std::fflush(file_.get()) != 0 || std::ferror(file_.get()) != 0) Fail();
+    const SignalsHeld held;
+    if (temporary_.empty()) {
+        const std::string nameless = "/proc/self/fd/" + std::to_string(fileno(file_.get()));
+        const auto link = [&](const std::string& name) {
+            return linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+        };
+        if (!link(path_)) {
+            const std::string beside = path_ + "." + std::to_string(getpid()) + ".part";
+            if (errno != EEXIST || !link(beside)) Fail();
+            temporary_ = beside;
+        }
     }
+    if (std::fclose(file_.release()) != 0) {
+        if (temporary_.empty()) unlink(path_.c_str());
+        Fail();
+    }
+    if (!temporary_.empty() && std::rename(temporary_.c_str(), path_.c_str()) != 0) Fail();
     temporary_.clear();
 }
 

@@ -1,5 +1,4 @@
-// OutputFile: a file that appears whole or not at all. It is written under a temporary name beside its place
-// and renamed by Commit(); without that it vanishes.
+// OutputFile: a file that appears whole or not at all. It has no name while it is written; Commit() gives it its own.
 #pragma once
 
 #include "picture_reader.h"
@@ -19,8 +18,10 @@ class OutputFile {
     void Commit();
 
   private:
+    [[noreturn]] void Fail() const;
+
     std::string path_;
-    std::string temporary_;
+    std::string temporary_; // the name of a file that has one already, else empty
     File file_;
 };
 

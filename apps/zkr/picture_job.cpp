@@ -41,7 +41,7 @@ void ChangePicture(const EditOptions& options, const char* doing,
     const auto reader = OpenPicture(options.input);
     const auto read = [&] {
         const StatusBar bar("reading   ");
-        return ReadPicture(*reader, options.input, {.kind = options.storage});
+        return ReadUpright(*reader, options.input, {.kind = options.storage});
     };
     Bitmap picture = read();
     {

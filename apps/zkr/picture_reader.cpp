@@ -10,6 +10,7 @@
 #include <cstring>
 #include <filesystem>
 #include <string_view>
+#include <sys/stat.h>
 #include <vector>
 
 namespace zkr::app {
@@ -24,6 +25,14 @@ size_t PictureReader::BufferBytes() const {
 void ReadExactly(std::FILE* file, const std::string& path, void* buffer, size_t bytes) {
     if (std::fread(buffer, 1, bytes, file) == bytes) return;
     throw Failure(path, std::ferror(file) != 0 ? std::strerror(errno) : "the file ends too early");
+}
+
+void RefuseMissingBytes(std::FILE* file, const std::string& path, uint64_t rowBytes, uint64_t rows,
+                        uint64_t bytesOfByte) {
+    struct stat status = {};
+    if (fstat(fileno(file), &status) != 0 || !S_ISREG(status.st_mode)) return;
+    const uint64_t most = static_cast<uint64_t>(status.st_size) * bytesOfByte;
+    if (most / rowBytes < rows) throw Failure(path, "the file ends too early for the size that it tells");
 }
 
 std::unique_ptr<PictureReader> OpenPicture(const std::string& path) {
@@ -47,7 +56,7 @@ std::unique_ptr<PictureReader> OpenPicture(const std::string& path) {
 
 Bitmap ReadPicture(PictureReader& reader, const std::string& path, const Storage& storage) {
     const PictureInfo& info = reader.Info();
-    Bitmap bitmap(path, info.format, info.width, info.height, storage);
+    Bitmap bitmap(path, info.format, info.width, info.height, storage, info.view);
     reader.Start();
     std::vector<uint8_t> row(std::max<size_t>(reader.BufferBytes(), bitmap.RowBytes()));
     for (int pass = 0; pass < info.passes; ++pass) {
@@ -60,6 +69,12 @@ Bitmap ReadPicture(PictureReader& reader, const std::string& path, const Storage
         }
     }
     reader.Finish();
+    return bitmap;
+}
+
+Bitmap ReadUpright(PictureReader& reader, const std::string& path, const Storage& storage) {
+    Bitmap bitmap = ReadPicture(reader, path, storage);
+    bitmap.StandUpright();
     return bitmap;
 }
 

@@ -15,6 +15,8 @@ struct PictureInfo {
     int width = 0;
     int height = 0;
     PixelFormat format;
+    int colours = 0;              // entries of the palette that the file has
+    int32_t view = VIEW_TOP_LEFT; // VIEW_...
     int passes = 1; // how often all rows are read; each pass refines what the ones before have left
 };
 
@@ -43,6 +45,12 @@ using File = std::unique_ptr<std::FILE, FileCloser>;
 // Reads exactly `bytes` or throws.
 void ReadExactly(std::FILE* file, const std::string& path, void* buffer, size_t bytes);
 
+// Throws where a file is too short for its dimensions: what it holds needs `rowBytes` for each of `rows` once it is
+// unpacked, and `bytesOfByte` is the most that a byte of the file can become. Only files that know their size are
+// looked at.
+void RefuseMissingBytes(std::FILE* file, const std::string& path, uint64_t rowBytes, uint64_t rows,
+                        uint64_t bytesOfByte = 1);
+
 std::unique_ptr<PictureReader> OpenPng(const std::string& path, File file);
 std::unique_ptr<PictureReader> OpenJpeg(const std::string& path, File file);
 std::unique_ptr<PictureReader> OpenPortable(const std::string& path, File file);
@@ -51,6 +59,8 @@ std::unique_ptr<PictureReader> OpenJbig(const std::string& path);
 // Finds out what the file is by its first bytes; JBIG, which has no mark of its own, by the name's end.
 std::unique_ptr<PictureReader> OpenPicture(const std::string& path);
 
+// The bitmap has the view that the file tells; ReadUpright() turns what does not stand upright.
 Bitmap ReadPicture(PictureReader& reader, const std::string& path, const Storage& storage);
+Bitmap ReadUpright(PictureReader& reader, const std::string& path, const Storage& storage);
 
 } // namespace zkr::app

@@ -25,8 +25,10 @@ void OnInterrupt(int) {
 } // namespace
 
 void StatusBar::WatchInterrupts() {
-    std::signal(SIGINT, OnInterrupt);
-    std::signal(SIGTERM, OnInterrupt);
+    // What was ignored for this program, as nohup does, stays so.
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        if (std::signal(signal, SIG_IGN) != SIG_IGN) std::signal(signal, OnInterrupt);
+    }
 }
 
 StatusBar::StatusBar(std::string title) : title_(std::move(title)), onTerminal_(isatty(STDERR_FILENO) != 0) {

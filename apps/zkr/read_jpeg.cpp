@@ -2,10 +2,12 @@
 #include "picture_reader.h"
 
 #include "c_error_trap.h"
+#include "exif_view.h"
 
 #include <jpeglib.h>
 
 #include <jerror.h>
+#include <string_view>
 
 namespace zkr::app {
 
@@ -27,6 +29,7 @@ class JpegReader : public PictureReader {
         trap_.Run([this] {
             jpeg_create_decompress(&jpeg_);
             jpeg_stdio_src(&jpeg_, file_.get());
+            jpeg_save_markers(&jpeg_, ExifMarker, 0xFFFF);
             jpeg_read_header(&jpeg_, TRUE);
         });
         Describe();
@@ -57,6 +60,8 @@ class JpegReader : public PictureReader {
     }
 
     void Describe() {
+        RefuseShortFile();
+        info_.view = View();
         info_.kind = jpeg_.progressive_mode ? "JPEG, progressive" : "JPEG";
         info_.width = static_cast<int>(jpeg_.image_width);
         info_.height = static_cast<int>(jpeg_.image_height);
@@ -67,6 +72,22 @@ class JpegReader : public PictureReader {
             jpeg_.out_color_space = JCS_RGB;
         }
     }
+
+    // Each block of 8 x 8 samples takes a bit of the file at least; a sample covers at most 4 x 4 pixels.
+    void RefuseShortFile() const {
+        constexpr uint64_t mostPixelsOfByte = 8 * 8 * 8 * 4 * 4;
+        RefuseMissingBytes(file_.get(), path_, jpeg_.image_width, jpeg_.image_height, mostPixelsOfByte);
+    }
+
+    int32_t View() const {
+        for (jpeg_saved_marker_ptr marker = jpeg_.marker_list; marker != nullptr; marker = marker->next) {
+            const std::string_view content(reinterpret_cast<const char*>(marker->data), marker->data_length);
+            if (content.starts_with("Exif")) return ViewOfExif(marker->data, marker->data_length);
+        }
+        return VIEW_TOP_LEFT;
+    }
+
+    static constexpr int ExifMarker = JPEG_APP0 + 1;
 
     std::string path_;
     File file_;

@@ -86,12 +86,16 @@ class PngReader : public PictureReader {
         const int depth = png_get_bit_depth(png_, png_info_);
         const int type = png_get_color_type(png_, png_info_);
         const bool keyed = png_get_valid(png_, png_info_, PNG_INFO_tRNS) != 0;
+        size_t fileRowBytes = 1;
         trap_.Run([&] {
             info_.passes = png_set_interlace_handling(png_);
+            fileRowBytes = png_get_rowbytes(png_, png_info_);
             if (depth == 16) png_set_swap(png_);
             if (keyed) png_set_expand(png_);
             if (keyed || type == PNG_COLOR_TYPE_GRAY_ALPHA) png_set_gray_to_rgb(png_);
         });
+        constexpr uint64_t deflate = 1032; // the best that it can do
+        RefuseMissingBytes(file_.get(), path_, fileRowBytes, static_cast<uint64_t>(info_.height), deflate);
         PixelFormat& format = info_.format;
         if (type == PNG_COLOR_TYPE_PALETTE && !keyed) {
             format.bits = depth;
@@ -107,7 +111,10 @@ class PngReader : public PictureReader {
     void DescribeGray(int depth) {
         PixelFormat& format = info_.format;
         format.bits = depth == 8 ? 0 : depth;
-        if (depth < 8) format.palette = GrayPalette(depth);
+        if (depth < 8) {
+            format.palette = GrayPalette(depth);
+            info_.colours = 1 << depth;
+        }
         if (depth < 16) return;
         format.order = Z_ORDER_GRAY;
         png_color_8p significant = nullptr;
@@ -122,6 +129,7 @@ class PngReader : public PictureReader {
         png_colorp colours = nullptr;
         int count = 0;
         png_get_PLTE(png_, png_info_, &colours, &count);
+        info_.colours = count;
         Palette result(size_t{1} << bits);
         for (size_t index = 0; index < result.size() && index < static_cast<size_t>(count); ++index) {
             const png_color& colour = colours[index];

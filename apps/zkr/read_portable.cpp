@@ -26,12 +26,16 @@ class PortableReader : public PictureReader {
         if (info_.kind == "PBM") {
             info_.format.bits = 1;
             info_.format.palette = {{255, 255, 255, 0}, {0, 0, 0, 0}};
+            info_.colours = 2;
         } else {
             largest_ = static_cast<uint32_t>(ReadNumber(65535));
             if (largest_ == 0) throw Failure(path_, "the largest gray value is 0");
             info_.format.bits = largest_ < 256 ? 0 : largest_ == 4095 ? 12 : 16;
             if (largest_ >= 256) info_.format.order = Z_ORDER_GRAY;
         }
+        const auto width = static_cast<uint64_t>(info_.width);
+        const uint64_t rowBytes = info_.kind == "PBM" ? (width + 7) / 8 : largest_ < 256 ? width : 2 * width;
+        RefuseMissingBytes(file_, path_, rowBytes, static_cast<uint64_t>(info_.height));
     }
 
     size_t BufferBytes() const override {

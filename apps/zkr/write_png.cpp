@@ -112,10 +112,11 @@ class PngWriter {
     void WritePalette() {
         png_color colours[PNG_MAX_PALETTE_LENGTH];
         const Palette& palette = bitmap_.Format().palette;
-        for (size_t index = 0; index < palette.size(); ++index) {
+        const size_t count = std::min<size_t>(palette.size(), bitmap_.Handle()->ColorsUsed);
+        for (size_t index = 0; index < count; ++index) {
             colours[index] = {palette[index].rgbRed, palette[index].rgbGreen, palette[index].rgbBlue};
         }
-        png_set_PLTE(png_, info_, colours, static_cast<int>(palette.size()));
+        png_set_PLTE(png_, info_, colours, static_cast<int>(count));
     }
 
     void WriteSignificantBits() {
@@ -142,6 +143,7 @@ class PngWriter {
 } // namespace
 
 void WritePng(Bitmap& bitmap, const std::string& path) {
+    bitmap.StandUpright();
     PngWriter(bitmap, path).Write();
 }
 

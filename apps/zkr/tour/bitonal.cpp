@@ -15,7 +15,7 @@ namespace {
 
 Bitmap ReadPage(const std::string& path) {
     const StatusBar bar("page");
-    return ReadPicture(*OpenPicture(path), path, Storage{});
+    return ReadUpright(*OpenPicture(path), path, Storage{});
 }
 
 void Run(Tour& tour) {

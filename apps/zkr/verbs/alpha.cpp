@@ -25,7 +25,7 @@ void Run(const AlphaOptions& options) {
             picture = AlphaOf(picture);
             return;
         }
-        Bitmap mask = ReadPicture(*OpenPicture(options.mask), options.mask, Storage{});
+        Bitmap mask = ReadUpright(*OpenPicture(options.mask), options.mask, Storage{});
         SetAlpha(picture, mask);
     });
 }

@@ -83,7 +83,7 @@ void Run(const ConvertOptions& options) {
 
     const auto read = [&] {
         const StatusBar bar("reading   ");
-        return ReadPicture(*reader, options.input, sourceFits ? storage : Storage{});
+        return ReadUpright(*reader, options.input, sourceFits ? storage : Storage{});
     };
     const auto convert = [&] {
         Bitmap source = read();

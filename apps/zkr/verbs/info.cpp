@@ -31,8 +31,9 @@ void Run(const InfoOptions& options) {
     std::printf("  file     %s%s, %" PRIuMAX " bytes\n", info.kind.c_str(),
                 info.passes > 1 ? ", interlaced" : "", std::filesystem::file_size(options.picture));
     std::printf("  size     %d x %d pixels\n", info.width, info.height);
+    if (info.view != VIEW_TOP_LEFT) std::printf("  shown    %s\n", NameOfView(info.view));
     std::printf("  pixels   %s%s\n", ShortName(format).c_str(), format.alpha ? ", with alpha" : "");
-    if (format.IsIndexed()) std::printf("  palette  %zu colours\n", format.palette.size());
+    if (format.IsIndexed()) std::printf("  palette  %d colours\n", info.colours);
     std::printf("  bitmap   %" PRIu32 " bytes a row, %zu bytes\n", plan.BytesPerLine, plan.Size);
 }
 

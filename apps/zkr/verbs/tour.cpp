@@ -36,7 +36,7 @@ constexpr const Station* Stations[] = {
 
 Bitmap ReadPhoto(const std::string& path) {
     const StatusBar bar("reading");
-    Bitmap picture = ReadPicture(*OpenPicture(path), path, Storage{});
+    Bitmap picture = ReadUpright(*OpenPicture(path), path, Storage{});
     const PixelFormat colour = {.bits = 24, .order = Z_ORDER_RGB};
     return picture.Format().bits == 24 ? std::move(picture) : Converted(picture, colour, Storage{});
 }

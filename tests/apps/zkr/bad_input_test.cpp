@@ -3,8 +3,9 @@
 #include "picture_files.h"
 #include "run_program.h"
 
-#include <algorithm>
+#include <csignal>
 #include <filesystem>
+#include <zlib.h>
 
 namespace {
 
@@ -159,6 +160,30 @@ TEST_F(BadInputTest, AnInterruptLeavesNothingBehind) {
     for (size_t i = 0; i < 3000 * 3000; ++i)
         page += static_cast<char>(Scattered(i));
     WriteText("big.pgm", page);
-    Refuses({"convert", Path("big.pgm"), Path("out.png"), "--bits", "64"}, Path("out.png") + ": ",
-            "user aborted", {.interruptWriting = true});
+    const std::vector<std::string> words = {"convert", Path("big.pgm"), Path("out.png"), "--bits", "64"};
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        Refuses(words, Path("out.png") + ": ", "user aborted", {.signalWriting = signal});
+    // A program that is ended at once has no time for anything.
+    const std::vector<std::string> before = FilesInFolder();
+    EXPECT_EQ(RunZkr(words, {.signalWriting = SIGKILL}).status, 128 + SIGKILL);
+    EXPECT_EQ(FilesInFolder(), before);
+}
+
+TEST_F(BadInputTest, DimensionsThatTheBytesCannotHold) {
+    // 2097151 x 2097151 pixels of 32 bits, 17.6 TB; and one row of 2 GB.
+    const std::string huge("\x00\x1F\xFF\xFF\x00\x1F\xFF\xFF", 8);
+    WritePng(Path("small.png"), PictureOf(2, 2, 8, PNG_COLOR_TYPE_RGB_ALPHA, Scattered));
+    std::string header = ReadText("small.png").substr(12, 17); // from the chunk's name to its sum
+    header.replace(4, huge.size(), huge);
+    const auto sum =
+        crc32(0, reinterpret_cast<const Bytef*>(header.data()), static_cast<uInt>(header.size()));
+    for (int shift = 24; shift >= 0; shift -= 8)
+        header += static_cast<char>(sum >> shift);
+    Damaged("small.png", "huge.png", whole, 12, header);
+    WriteText("wide.pgm", "P5 2147483647 1 255\n1234");
+    Damaged("good.jpg", "vast.jpg", whole, ReadText("good.jpg").find("\xFF\xC0") + 5, "\xFF\xDC\xFF\xDC");
+    for (const char* name : {"huge.png", "wide.pgm", "vast.jpg"}) {
+        Refuses({"convert", name, "out.png", "--bits", "24", "--storage", "disk"}, std::string(name) + ": ",
+                "ends too early for the size", {.memoryBytes = 1l << 28});
+    }
 }

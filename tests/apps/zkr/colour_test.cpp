@@ -48,6 +48,21 @@ TEST_F(ColourTest, FewColoursStayAsTheyAre) {
     }
 }
 
+TEST_F(ColourTest, AnyNumberOfColours) {
+    const Picture picture = PictureOf(64, 64, 8, PNG_COLOR_TYPE_RGB, Scattered);
+    for (const size_t count : {1u, 2u, 5u, 20u, 100u, 255u, 256u}) {
+        for (const char* method : {"nearest", "floyd-steinberg"}) {
+            const Picture reduced =
+                Made("colors", picture, {"--colors", std::to_string(count), "--dither", method});
+            EXPECT_EQ(reduced.palette.size(), count) << method;
+            for (const uint16_t index : reduced.samples)
+                ASSERT_LT(index, count) << method;
+            EXPECT_NE(Succeeds({"info", Path("out.png")}).find("  palette  " + std::to_string(count) + " "),
+                      std::string::npos);
+        }
+    }
+}
+
 TEST_F(ColourTest, EveryMethodAndPaletteKeepsTheMeanGray) {
     const Picture picture = PictureOf(64, 64, 8, PNG_COLOR_TYPE_RGB, [](size_t i) { return i / 3 % 64 * 4; });
     for (const char* method : {"floyd-steinberg", "stucki", "burkes", "sierra", "stevenson-arce", "jarvis",

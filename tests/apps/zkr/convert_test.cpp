@@ -151,6 +151,32 @@ TEST_F(ConvertTest, ReadsPortableAndJpegPictures) {
               PictureOf(21, 11, 8, PNG_COLOR_TYPE_RGB, [](size_t) { return 255u; }));
 }
 
+// Where the quarters of a picture come to stand, by orientation: left and right of the top, then of the bottom.
+TEST_F(ConvertTest, PicturesOfCamerasStandUpright) {
+    const std::string upright[] = {"ABCD", "ABCD", "BADC", "DCBA", "CDAB",
+                                   "ACBD", "CADB", "DBCA", "BDAC", "ABCD"};
+    const uint8_t quarters[] = {32, 96, 160, 224};
+    for (int orientation = 0; orientation < 10; ++orientation) {
+        SCOPED_TRACE(orientation);
+        WriteJpegOfQuarters(Path("camera.jpg"), quarters, orientation, orientation % 2 == 0);
+        const bool turned = orientation >= 5 && orientation <= 8;
+        const int across = turned ? 16 : 32, down = turned ? 32 : 16;
+        const auto quarterAt = [&](size_t i) -> uint32_t {
+            const int x = static_cast<int>(i) % across, y = static_cast<int>(i) / across;
+            const size_t place = (y < down / 2 ? 0u : 2u) + (x < across / 2 ? 0u : 1u);
+            return quarters[upright[orientation][place] - 'A'];
+        };
+        EXPECT_EQ(ConvertedFile("camera.jpg", {"--bits", "0"}),
+                  PictureOf(across, down, 8, PNG_COLOR_TYPE_GRAY, quarterAt));
+    }
+    // Rectangles are those of the picture as seen.
+    WriteJpegOfQuarters(Path("camera.jpg"), quarters, 6, false);
+    EXPECT_NE(Succeeds({"info", Path("camera.jpg")}).find("turned by 90 degrees"), std::string::npos);
+    Succeeds({"crop", Path("camera.jpg"), Path("out.png"), "--top", "16", "--width", "8", "--height", "16"});
+    EXPECT_EQ(ReadPng(Path("out.png")),
+              PictureOf(8, 16, 8, PNG_COLOR_TYPE_GRAY, [](size_t) { return 224u; }));
+}
+
 TEST_F(ConvertTest, InfoTellsDepthSizeAndBytes) {
     WritePng(Path("in.png"), PictureOf(10, 3, 4, PNG_COLOR_TYPE_GRAY, Scattered), {.interlaced = true});
     const std::string text = Succeeds({"info", Path("in.png")});

@@ -113,7 +113,12 @@ Picture ReadPng(const std::string& path) {
     return picture;
 }
 
-void WriteFlatJpeg(const std::string& path, int width, int height, int channels, uint8_t value) {
+namespace {
+
+using JpegSample = std::function<uint8_t(int x, int y)>;
+
+void WriteJpeg(const std::string& path, int width, int height, int channels, const JpegSample& sample,
+               const std::string& exif) {
     std::FILE* file = std::fopen(path.c_str(), "wb");
     jpeg_error_mgr errors;
     jpeg_compress_struct jpeg;
@@ -127,11 +132,43 @@ void WriteFlatJpeg(const std::string& path, int width, int height, int channels,
     jpeg_set_defaults(&jpeg);
     jpeg_set_quality(&jpeg, 100, TRUE);
     jpeg_start_compress(&jpeg, TRUE);
-    std::vector<JSAMPLE> samples(static_cast<size_t>(width * channels), value);
+    if (!exif.empty())
+        jpeg_write_marker(&jpeg, JPEG_APP0 + 1, reinterpret_cast<const JOCTET*>(exif.data()),
+                          static_cast<unsigned>(exif.size()));
+    std::vector<JSAMPLE> samples(static_cast<size_t>(width * channels));
     JSAMPROW row = samples.data();
-    for (int y = 0; y < height; ++y)
+    for (int y = 0; y < height; ++y) {
+        for (size_t i = 0; i < samples.size(); ++i)
+            samples[i] = sample(static_cast<int>(i) / channels, y);
         jpeg_write_scanlines(&jpeg, &row, 1);
+    }
     jpeg_finish_compress(&jpeg);
     jpeg_destroy_compress(&jpeg);
     std::fclose(file);
+}
+
+// Numbers of two or four bytes in an order of bytes.
+std::string Number(size_t bytes, unsigned value, bool bigEndian) {
+    std::string text;
+    for (size_t i = 0; i < bytes; ++i)
+        text += static_cast<char>(value >> 8 * (bigEndian ? bytes - 1 - i : i));
+    return text;
+}
+
+} // namespace
+
+void WriteFlatJpeg(const std::string& path, int width, int height, int channels, uint8_t value) {
+    WriteJpeg(
+        path, width, height, channels, [value](int, int) { return value; }, "");
+}
+
+void WriteJpegOfQuarters(const std::string& path, const uint8_t (&quarters)[4], int orientation,
+                         bool bigEndian) {
+    const auto number = [bigEndian](size_t bytes, unsigned value) { return Number(bytes, value, bigEndian); };
+    // One directory, at 8, with one entry: tag, type (a short), count, value.
+    const std::string exif = std::string("Exif\0\0", 6) + (bigEndian ? "MM" : "II") + number(2, 42) +
+                             number(4, 8) + number(2, 1) + number(2, 0x112) + number(2, 3) + number(4, 1) +
+                             number(2, static_cast<unsigned>(orientation)) + number(2, 0) + number(4, 0);
+    WriteJpeg(
+        path, 32, 16, 1, [&](int x, int y) { return quarters[y / 8 * 2 + x / 16]; }, exif);
 }

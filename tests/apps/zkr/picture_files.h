@@ -38,3 +38,7 @@ Picture ReadPng(const std::string& path);
 
 // A JPEG of one value in all samples, of 1 (gray), 3 (colour) or 4 channels.
 void WriteFlatJpeg(const std::string& path, int width, int height, int channels, uint8_t value);
+
+// A gray JPEG of four flat quarters, 16 x 8 pixels each, rows from the top, and EXIF data that note an orientation.
+void WriteJpegOfQuarters(const std::string& path, const uint8_t (&quarters)[4], int orientation,
+                         bool bigEndian);

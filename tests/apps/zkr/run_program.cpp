@@ -25,11 +25,14 @@ std::string ContentOf(const std::string& path) {
 [[noreturn]] void BecomeProgram(const std::string& folder, const std::vector<std::string>& arguments,
                                 const RunLimits& limits, int out, int err) {
     if (chdir(folder.c_str()) != 0) _exit(126);
-    if (limits.fileBytes >= 0) {
-        const auto bytes = static_cast<rlim_t>(limits.fileBytes);
-        const rlimit limit = {bytes, bytes};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
+    const auto limit = [](__rlimit_resource resource, long most) {
+        const rlimit bounds = {static_cast<rlim_t>(most), static_cast<rlim_t>(most)};
+        if (most >= 0) setrlimit(resource, &bounds);
+    };
+    limit(RLIMIT_FSIZE, limits.fileBytes);
+#if !defined(__SANITIZE_ADDRESS__) // which reserves more than there is
+    limit(RLIMIT_AS, limits.memoryBytes);
+#endif
     std::vector<char*> words = {const_cast<char*>("zkr")};
     for (const std::string& argument : arguments)
         words.push_back(const_cast<char*>(argument.c_str()));
@@ -59,10 +62,15 @@ ProgramTest::~ProgramTest() {
     std::filesystem::remove(folder_.string() + ".err");
 }
 
-bool ProgramTest::IsWriting() const {
-    const std::vector<std::string> files = FilesInFolder();
-    return std::any_of(files.begin(), files.end(),
-                       [](const std::string& name) { return name.ends_with(".part"); });
+// A file that is being written has no name yet, which its link in the process's folder shows.
+bool ProgramTest::IsWriting(pid_t child) const {
+    std::error_code gone;
+    for (const auto& file :
+         std::filesystem::directory_iterator("/proc/" + std::to_string(child) + "/fd", gone)) {
+        const std::string target = std::filesystem::read_symlink(file.path(), gone).string();
+        if (target.starts_with(folder_.string() + "/") && target.ends_with(" (deleted)")) return true;
+    }
+    return false;
 }
 
 std::vector<std::string> ProgramTest::FilesInFolder() const {
@@ -83,16 +91,16 @@ Outcome ProgramTest::RunZkr(const std::vector<std::string>& arguments, const Run
     const pid_t child = fork();
     if (child == 0) BecomeProgram(folder_.string(), arguments, limits, out, err);
     int status = 0;
-    if (limits.interruptWriting) {
+    if (limits.signalWriting != 0) {
         // The child is not yet waited for, so its number is safe to signal even when it has ended.
         const auto ended = [child] {
             siginfo_t what = {};
             return waitid(P_PID, static_cast<id_t>(child), &what, WEXITED | WNOHANG | WNOWAIT) != 0 ||
                    what.si_pid != 0;
         };
-        while (!ended() && !IsWriting())
+        while (!ended() && !IsWriting(child))
             usleep(1000);
-        kill(child, SIGINT);
+        kill(child, limits.signalWriting);
     }
     waitpid(child, &status, 0);
     close(out);

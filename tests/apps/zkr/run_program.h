@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 // The words of a command line, which blanks part.
@@ -16,8 +17,9 @@ struct Outcome {
 };
 
 struct RunLimits {
-    long fileBytes = -1;           // the largest file that the program may write
-    bool interruptWriting = false; // as soon as the program has begun to write a file
+    long fileBytes = -1;   // the largest file that the program may write
+    long memoryBytes = -1; // that it may take up
+    int signalWriting = 0; // sent as soon as the program has begun to write a file
 };
 
 // A test with an empty folder, which is gone afterwards.
@@ -40,7 +42,7 @@ class ProgramTest : public testing::Test {
     std::string Succeeds(const std::vector<std::string>& arguments) const;
 
   private:
-    bool IsWriting() const;
+    bool IsWriting(pid_t child) const;
 
     std::filesystem::path folder_;
 };
