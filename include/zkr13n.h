@@ -36,6 +36,8 @@
 #include "zkr13n/platform_types.h"
 #include "zkr13n/playback.h"
 #include "zkr13n/region.h"
+#include "zkr13n/region_colours.h"
+#include "zkr13n/region_shapes.h"
 #include "zkr13n/resize.h"
 #include "zkr13n/rotate.h"
 #include "zkr13n/rows.h"

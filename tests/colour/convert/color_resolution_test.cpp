@@ -309,7 +309,7 @@ TEST(ColorResolution, LeavesTheSourceWholeWhenStopped) {
             for (size_t stop = 1; stop <= 11; ++stop) {
                 ColourPicture picture({16, 1}, 9, 5, 3, 40);
                 picture.DitheringMethod = 3;
-                int ofTheCaller = 0; // a dithering run and a region
+                RegionHandle ofTheCaller{}; // a dithering run and a region that selects nothing
                 picture.DitherData = picture.Region = &ofTheCaller;
                 BitmapHandle before = picture, other{};
                 const Bytes rows = Rows(picture);
@@ -322,6 +322,7 @@ TEST(ColorResolution, LeavesTheSourceWholeWhenStopped) {
                 picture.CurrentRow = before.CurrentRow, picture.CurrentRowOffset = before.CurrentRowOffset;
                 EXPECT_EQ(std::memcmp(static_cast<BitmapHandle*>(&picture), &before, sizeof before), 0);
                 EXPECT_FALSE(IsAllocated(&other) || other.Palette != nullptr);
+                picture.Region = nullptr;
             }
 }
 

@@ -1,0 +1,244 @@
+// Rotation and shear. A turned region is looked up pixel by pixel in a picture of its bits, along lines whose walk is
+// that of a turning bitmap; a row is looked up only as far as it meets the region's bounds.
+#include "regions/turns.h"
+
+#include "core/flags.h"
+#include "core/views.h"
+#include "regions/bit_picture.h"
+#include "regions/moves.h"
+#include "zkr13n/rotate.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+
+namespace zkr {
+
+namespace {
+
+using kernels::BitRowKernels;
+using kernels::BitRowWords;
+using kernels::TurnedCoordinate;
+
+constexpr int64_t FullTurn = 36000; // hundredths of a degree
+constexpr int64_t Unit = TurnedCoordinate::Unit;
+
+// What a place of the turned bitmap was before: the old centre plus (dx cos - dy sin, dx sin + dy cos) / Unit.
+struct Turn {
+    Turn(const BitmapHandle& bitmap, int32_t oldWidth, int32_t oldHeight, int32_t angle)
+        : Sine(Z_SinValue(angle)), Cosine(Z_CosValue(angle)), OldX(oldWidth / 2), OldY(oldHeight / 2),
+          NewX(bitmap.Width / 2), NewY(bitmap.Height / 2) {}
+
+    int32_t Sine, Cosine;
+    int32_t OldX, OldY, NewX, NewY; // centres
+
+    // Walks along a row from the first column of an area.
+    TurnedCoordinate SourceX(int64_t column, int64_t row) const {
+        return StartOf(OldX, (column - NewX) * Cosine - (row - NewY) * Sine, Cosine);
+    }
+    TurnedCoordinate SourceY(int64_t column, int64_t row) const {
+        return StartOf(OldY, (column - NewX) * Sine + (row - NewY) * Cosine, Sine);
+    }
+    // Where the region's bounds come to lie, and two pixels more on each side.
+    Rectangle AreaOf(const Rectangle& bounds) const;
+
+  private:
+    static TurnedCoordinate StartOf(int32_t centre, int64_t distance, int32_t step) {
+        return {Saturated(centre + distance / Unit), static_cast<int32_t>(distance % Unit), step};
+    }
+};
+
+Rectangle Turn::AreaOf(const Rectangle& bounds) const {
+    constexpr int64_t margin = 2;
+    int64_t left = INT64_MAX, top = INT64_MAX, right = INT64_MIN, bottom = INT64_MIN;
+    for (const int64_t x : {int64_t{bounds.Left}, int64_t{bounds.Right} - 1}) {
+        for (const int64_t y : {int64_t{bounds.Top}, int64_t{bounds.Bottom} - 1}) {
+            const int64_t dx = x - OldX, dy = y - OldY;
+            const int64_t column = NewX + (dx * Cosine + dy * Sine) / Unit;
+            const int64_t row = NewY + (dy * Cosine - dx * Sine) / Unit;
+            left = std::min(left, column);
+            right = std::max(right, column);
+            top = std::min(top, row);
+            bottom = std::max(bottom, row);
+        }
+    }
+    return {Saturated(left - margin), Saturated(top - margin), Saturated(right + 1 + margin),
+            Saturated(bottom + 1 + margin)};
+}
+
+// The same walk, from row to row.
+void StepToNextRow(TurnedCoordinate& coordinate, int32_t step) {
+    const TurnedCoordinate down = TurnedCoordinate{coordinate.Whole, coordinate.Remainder, step}.From(1);
+    coordinate.Whole = down.Whole;
+    coordinate.Remainder = down.Remainder;
+}
+
+struct Steps {
+    int64_t First, End;
+};
+
+// The first of some steps at which a coordinate that only rises, or only falls, has passed a line.
+int64_t FirstBeyond(const TurnedCoordinate& coordinate, int64_t line, Steps steps) {
+    while (steps.First < steps.End) {
+        const int64_t middle = steps.First + (steps.End - steps.First) / 2;
+        const int64_t at = coordinate.At(middle);
+        if (coordinate.Step < 0 ? at < line : at >= line)
+            steps.End = middle;
+        else
+            steps.First = middle + 1;
+    }
+    return steps.First;
+}
+
+// The steps at which a coordinate lies from `first` to before `end`.
+Steps StepsWithin(const TurnedCoordinate& coordinate, int64_t first, int64_t end, Steps steps) {
+    const bool falls = coordinate.Step < 0;
+    const int64_t enters = FirstBeyond(coordinate, falls ? end : first, steps);
+    return {enters, FirstBeyond(coordinate, falls ? first : end, {enters, steps.End})};
+}
+
+class TurnedRegion {
+  public:
+    TurnedRegion(const RegionHandle& region, const Turn& turn, const Rectangle& area)
+        : region_(region), turn_(turn), area_(area),
+          picture_(BitRowWords(static_cast<size_t>(BoundsOf(region).Width())), BoundsOf(region).Height()),
+          row_(BitRowWords(static_cast<size_t>(area.Width()))) {}
+
+    ReturnCode Make(OwnedRegion& result) {
+        if (!picture_ || !row_) return code::OutOfMemory;
+        RegionBuilder builder;
+        ReturnCode status = builder.Begin(area_, region_.SegmentBytes / sizeof(int32_t));
+        if (status != code::Success) return status;
+        DrawPicture();
+        TurnedCoordinate x = turn_.SourceX(area_.Left, area_.Top), y = turn_.SourceY(area_.Left, area_.Top);
+        for (int64_t row = area_.Top; row < area_.Bottom && status == code::Success; ++row) {
+            status = builder.EndRow(MakeRow(x, y, builder.Room()));
+            StepToNextRow(x, -turn_.Sine);
+            StepToNextRow(y, turn_.Cosine);
+        }
+        if (status == code::Success) builder.Finish(result);
+        return status;
+    }
+
+  private:
+    void DrawPicture() {
+        const Rectangle bounds = BoundsOf(region_);
+        for (int64_t row = bounds.Top; row < bounds.Bottom; ++row) {
+            const Runs runs = RowRuns(region_, row);
+            kernels_.BitsOfRuns(runs.data(), runs.size(), bounds.Left, picture_.Row(row - bounds.Top),
+                                static_cast<size_t>(bounds.Width()));
+        }
+    }
+
+    size_t MakeRow(const TurnedCoordinate& x, const TurnedCoordinate& y, int32_t* ends) {
+        const Rectangle bounds = BoundsOf(region_);
+        Steps steps = StepsWithin(x, bounds.Left, bounds.Right, {0, area_.Width()});
+        steps = StepsWithin(y, bounds.Top, bounds.Bottom, steps);
+        if (steps.First >= steps.End) return 0;
+        constexpr int64_t most = BitRowKernels::TurnedPixels;
+        for (int64_t done = steps.First; done < steps.End; done += most) {
+            TurnedCoordinate column = x.From(done), row = y.From(done);
+            column.Whole -= bounds.Left;
+            row.Whole -= bounds.Top;
+            kernels_.TurnedBits(picture_.Picture(), column, row,
+                                static_cast<size_t>(std::min(most, steps.End - done)),
+                                row_.data() + (done - steps.First) / 64);
+        }
+        return kernels_.RunsOfBits(row_.data(), static_cast<size_t>(steps.End - steps.First),
+                                   static_cast<int32_t>(area_.Left + steps.First), ends);
+    }
+
+    const RegionHandle& region_;
+    const Turn& turn_;
+    const Rectangle area_;
+    const BitRowKernels& kernels_ = kernels::Chosen<BitRowKernels>();
+    BitPictureBuffer picture_;
+    ScratchBuffer<uint64_t> row_;
+};
+
+// Moves the rows of a region by distances that grow from row to row.
+class Slide {
+  public:
+    Slide(int64_t firstRow, int32_t sine, int32_t cosine)
+        : cosine_(cosine), whole_(sine / cosine), part_(sine % cosine) {
+        shift_ = firstRow * whole_ + firstRow * part_ / cosine_;
+        remainder_ = firstRow * part_ % cosine_;
+        if (remainder_ < 0) {
+            remainder_ += cosine_;
+            --shift_;
+        }
+    }
+    int64_t shift() const { return shift_; }
+    void Step() {
+        shift_ += whole_;
+        remainder_ += part_;
+        if (remainder_ > cosine_) {
+            ++shift_;
+            remainder_ -= cosine_;
+        }
+    }
+
+  private:
+    int64_t cosine_, whole_, part_, shift_, remainder_;
+};
+
+// Calls visit(row, shift) for each row of a bitmap's region, in the order in which shifts grow, while it gives true.
+template <typename Visitor> bool SlideRows(const BitmapHandle& bitmap, int32_t angle, Visitor visit) {
+    const RegionHandle& region = *RegionOf(bitmap);
+    const bool downwards = IsMirroredView(bitmap.ViewPerspective);
+    const int64_t first = downwards ? region.Top : int64_t{bitmap.Height} - region.Bottom;
+    Slide slide(first, Z_SinValue(angle), Z_CosValue(angle));
+    for (int32_t i = 0; i < region.Bottom - region.Top; ++i, slide.Step())
+        if (!visit(downwards ? region.Top + i : region.Bottom - 1 - i, slide.shift())) return false;
+    return true;
+}
+
+} // namespace
+
+ReturnCode RotateRegion(BitmapHandle* bitmap, int32_t oldWidth, int32_t oldHeight, int32_t angleHundredths) {
+    if (bitmap == nullptr) return code::InvalidBitmap;
+    RegionHandle* const region = RegionOf(*bitmap);
+    if (region == nullptr) return code::Success;
+    int64_t angle = (FullTurn - angleHundredths % FullTurn) % FullTurn;
+    if (angle == 0 || IsEmpty(*region)) return code::Success;
+    if (IsMirroredView(bitmap->ViewPerspective)) angle = FullTurn - angle;
+
+    const Turn turn(*bitmap, oldWidth, oldHeight, static_cast<int32_t>(angle));
+    Rectangle area = Rectangle::Whole(*bitmap);
+    if (HasFlag(*bitmap, flag::RegionUnclipped)) area = Union(area, turn.AreaOf(BoundsOf(*region)));
+    OwnedRegion turned;
+    const ReturnCode status = TurnedRegion(*region, turn, area).Make(turned);
+    if (status == code::Success) ReplaceRuns(*region, turned);
+    return status;
+}
+
+ReturnCode ShearRegion(BitmapHandle* bitmap, int32_t angleHundredths) {
+    if (bitmap == nullptr) return code::InvalidBitmap;
+    RegionHandle* const region = RegionOf(*bitmap);
+    if (region == nullptr || IsEmpty(*region)) return code::Success;
+    const auto angle = static_cast<int32_t>(std::abs(int64_t{angleHundredths}) % FullTurn);
+    if (Z_CosValue(angle) == 0) return code::InvalidArgument;
+
+    int64_t left = INT64_MAX, right = INT64_MIN;
+    const bool fits = SlideRows(*bitmap, angle, [&](int32_t row, int64_t shift) {
+        const Runs runs = RowRuns(*region, row);
+        if (runs.empty()) return true;
+        left = std::min(left, runs.front() + shift);
+        right = std::max(right, runs.back() + shift);
+        return FitsInt32(left) && FitsInt32(right);
+    });
+    if (!fits) return code::InvalidArgument;
+    SlideRows(*bitmap, angle, [&](int32_t row, int64_t shift) {
+        const RegionRowEntry& entry = region->RowTable[row - region->Top];
+        int32_t* const ends = region->Segments + entry.Offset / sizeof(int32_t);
+        for (uint32_t i = 0; i < entry.Count; ++i)
+            ends[i] = static_cast<int32_t>(ends[i] + shift);
+        return true;
+    });
+    region->Left = static_cast<int32_t>(left);
+    region->Right = static_cast<int32_t>(right);
+    DropRegionCaches(*region);
+    return ClipToBitmap(*bitmap, *region);
+}
+
+} // namespace zkr

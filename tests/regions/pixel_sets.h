@@ -1,0 +1,111 @@
+// Regions as sets of pixels, for tests that hold them against a slow model: a window of pixels around the origin, and
+// the checks of the one form in which a set may be stored.
+#pragma once
+
+#include "regions/run_store.h"
+#include "support/seeded.h"
+
+#include <gtest/gtest.h>
+
+#include <bitset>
+#include <functional>
+
+namespace zkr::test {
+
+struct PixelSet {
+    static constexpr int32_t Low = -40, High = 88, Side = High - Low;
+    std::bitset<size_t{Side} * Side> Bits;
+
+    static bool IsInside(int64_t x, int64_t y) { return x >= Low && x < High && y >= Low && y < High; }
+    static size_t Index(int64_t x, int64_t y) { return static_cast<size_t>((y - Low) * Side + x - Low); }
+    bool Has(int64_t x, int64_t y) const { return IsInside(x, y) && Bits[Index(x, y)]; }
+    void Add(int64_t x, int64_t y) {
+        ASSERT_TRUE(IsInside(x, y)) << x << ", " << y << " lies outside the model's window";
+        Bits[Index(x, y)] = true;
+    }
+    bool operator==(const PixelSet&) const = default;
+
+    // The pixels of which something is true.
+    static PixelSet Where(const std::function<bool(int32_t x, int32_t y)>& holds) {
+        PixelSet set;
+        for (int32_t y = Low; y < High; ++y)
+            for (int32_t x = Low; x < High; ++x)
+                if (holds(x, y)) set.Bits[Index(x, y)] = true;
+        return set;
+    }
+    static PixelSet Of(const Rectangle& area) {
+        return Where([&](int32_t x, int32_t y) { return area.Holds(x, y); });
+    }
+    // Runs of random lengths in some of the rows of a rectangle.
+    static PixelSet Random(Seeded& seeded, const Rectangle& area) {
+        PixelSet set;
+        const int32_t longest = seeded.Between(1, 9);
+        for (int32_t y = area.Top; y < area.Bottom; ++y) {
+            if (seeded.Between(0, 3) == 0) continue;
+            for (int32_t x = area.Left + seeded.Between(0, longest); x < area.Right;) {
+                const int32_t end = std::min(x + seeded.Between(1, longest), area.Right);
+                for (; x < end; ++x)
+                    set.Add(x, y);
+                x += seeded.Between(1, longest);
+            }
+        }
+        return set;
+    }
+};
+
+inline void ExpectStoredForm(const RegionHandle& region) {
+    const size_t rows = region.RowTableBytes / sizeof(RegionRowEntry);
+    ASSERT_EQ(rows, static_cast<size_t>(int64_t{region.Bottom} - region.Top));
+    if (rows == 0) {
+        ASSERT_EQ(BoundsOf(region), Rectangle{});
+        ASSERT_TRUE(region.RowTable == nullptr && region.Segments == nullptr && region.SegmentBytes == 0);
+        return;
+    }
+    int32_t left = INT32_MAX, right = INT32_MIN;
+    size_t entries = 0;
+    for (size_t row = 0; row < rows; ++row) {
+        const RegionRowEntry& entry = region.RowTable[row];
+        ASSERT_EQ(entry.Count % 2, 0u);
+        if (entry.Count == 0) {
+            ASSERT_TRUE(entry.Offset == 0 && row > 0 && row + 1 < rows) << "row " << row;
+            continue;
+        }
+        ASSERT_TRUE(entry.Offset % 4 == 0 &&
+                    uint64_t{entry.Offset} + uint64_t{entry.Count} * 4 <= region.SegmentBytes);
+        const int32_t* const ends = region.Segments + entry.Offset / 4;
+        for (uint32_t i = 1; i < entry.Count; ++i)
+            ASSERT_LT(ends[i - 1], ends[i]) << "row " << row;
+        left = std::min(left, ends[0]);
+        right = std::max(right, ends[entry.Count - 1]);
+        entries += entry.Count;
+    }
+    ASSERT_EQ(entries * sizeof(int32_t), region.SegmentBytes);
+    ASSERT_TRUE(left == region.Left && right == region.Right);
+}
+
+inline PixelSet SetOf(const RegionHandle& region) {
+    ExpectStoredForm(region);
+    PixelSet set;
+    for (int64_t row = region.Top; row < region.Bottom; ++row) {
+        const Runs runs = RowRuns(region, row);
+        for (size_t i = 0; i < runs.size(); i += 2)
+            for (int64_t x = runs[i]; x < runs[i + 1]; ++x)
+                set.Add(x, row);
+    }
+    return set;
+}
+
+inline RegionHandle* RegionFrom(const PixelSet& set) {
+    RegionBuilder builder;
+    EXPECT_EQ(builder.Begin({PixelSet::Low, PixelSet::Low, PixelSet::High, PixelSet::High}), code::Success);
+    for (int32_t y = PixelSet::Low; y < PixelSet::High; ++y) {
+        for (int32_t x = PixelSet::Low; x < PixelSet::High; ++x)
+            if (set.Has(x, y)) builder.AddRun(x, x + 1);
+        EXPECT_EQ(builder.EndRow(), code::Success);
+    }
+    OwnedRegion region;
+    builder.Finish(region);
+    return region.Release();
+}
+
+} // namespace zkr::test
