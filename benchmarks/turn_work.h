@@ -1,0 +1,28 @@
+// The works of flips, turns and rotation.
+#pragma once
+
+namespace bench {
+
+enum TurnWork {
+    Turn8 = 2500,
+    Turn24,
+    Turn32,
+    Turn48,
+    TurnPage,
+    TurnRunsOfPage,
+    HalfTurnPage,
+    MirrorPage,
+    FlipRows24,
+    MirrorRows24,
+    HalfTurn24,
+    Rotate24Nearest,
+    Rotate24Linear,
+    Rotate24Cubic,
+    Rotate48Linear,
+    RotatePage
+};
+
+// Clockwise.
+inline constexpr int RotationDegrees = 30;
+
+} // namespace bench
