@@ -137,7 +137,8 @@ void RegisterAll() {
         Touch(to.data());
     });
     for (const auto& [number, entry] : Entries()) {
-        Register(NameOf(number, Ours), entry.Ours.Run);
+        benchmark::internal::Benchmark* work = Register(NameOf(number, Ours), entry.Ours.Run);
+        if (entry.Ours.Elsewhere) work->UseRealTime();
         for (const Peer& peer : entry.Peers) {
             if (!peer.Run) continue;
             benchmark::internal::Benchmark* registered = Register(NameOf(number, peer.Name), peer.Run);

@@ -28,6 +28,7 @@ struct Work {
     size_t Bytes; // read and written, for the ratio to memcpy
     Body Run;
     Quality Decibels = {};
+    bool Elsewhere = false; // as for a peer
 };
 
 // Works are reported in the order of their numbers.
@@ -87,7 +88,8 @@ enum WorkNumber {
     GrayScale24,
     RgbToHsv,
     HsvToRgb,
-    RgbToLuma
+    RgbToLuma,
+    Threads = 9000
 };
 
 // Works of dithering, of the photograph in 24 bits.

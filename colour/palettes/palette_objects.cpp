@@ -68,6 +68,8 @@ uint32_t Z_CALL Z_GetPaletteEntries(HPALETTE palette, uint32_t start, uint32_t c
 
 uint32_t Z_CALL Z_SetPaletteEntries(HPALETTE palette, uint32_t start, uint32_t count, const RGBQUAD* source) {
     if (palette == nullptr || source == nullptr || start > MostStart) return 0;
+    const uint32_t size = Z_GetPaletteSize(palette);
+    count = std::min(count, size - std::min(size, start)); // what lies behind in the source is not read
     uint32_t done = 0;
     while (done < count) {
         PALETTEENTRY some[MostEntries];

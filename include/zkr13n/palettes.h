@@ -85,9 +85,9 @@ Z_API uint32_t Z_CALL Z_GetPaletteEntries(HPALETTE palette, uint32_t start, uint
  * palette  in: the object to change
  * start    in: the first entry
  * count    in: how many
- * source   in: count RGBQUADs
+ * source   in: count RGBQUADs; those that would come behind the palette's end are not read
  *
- * The number of entries written; 0 for a null palette.
+ * The number of entries written, fewer than count where the palette ends; 0 for a null palette.
  */
 Z_API uint32_t Z_CALL Z_SetPaletteEntries(HPALETTE palette, uint32_t start, uint32_t count,
                                           const RGBQUAD* source);

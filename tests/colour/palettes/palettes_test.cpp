@@ -105,6 +105,7 @@ TEST(PaletteObjects, GiveAndTakeRanges) {
     const Entries change = {EntryOf(9, 8, 7, 1), EntryOf(6, 5, 4)};
     EXPECT_EQ(Z_SetPaletteEntries(palette, 1, 2, change.data()), 2u);
     EXPECT_EQ(Z_SetPaletteEntries(palette, 4, 2, change.data()), 1u);
+    EXPECT_EQ(Z_SetPaletteEntries(palette, 4, 600, change.data()), 1u) << "nor is what is behind two read";
     EXPECT_EQ(Contents(palette), (std::vector{Words(entries)[0], Words(change)[0], Words(change)[1],
                                               Words(entries)[3], Words(change)[0]}));
     EXPECT_EQ(Z_SetPaletteEntries(nullptr, 0, 1, change.data()), 0u);
