@@ -5,6 +5,7 @@
 #include "zkr13n/color_resolution.h"
 
 #include "colour/convert/color_resolution_rows.h"
+#include "colour/convert/palette_choice.h"
 #include "colour/palettes/fixed_palettes.h"
 #include "colour/pixels/colour_value.h"
 #include "colour/quantise/optimized_palette.h"
@@ -28,7 +29,8 @@ namespace zkr {
 
 namespace {
 
-enum class PaletteChoice { None, Optimized, Fixed, Cube, User, Invalid };
+// Where the flags hold the dithering method.
+constexpr uint32_t MethodShift = 16, MethodMask = 0xFF;
 
 struct Request {
     int32_t Bits;
@@ -39,30 +41,13 @@ struct Request {
     RowReceiver Receiver;
 
     bool Has(uint32_t flag) const { return (Flags & flag) != 0; }
-    bool IsIndexed() const { return Bits <= 8; }
+    bool IsIndexed() const { return Bits <= MostIndexedBits; }
 };
 
-PaletteChoice ChoiceOf(const Request& request) {
-    if (!request.IsIndexed()) return PaletteChoice::None;
-    const bool canBeCube = request.Bits == 8;
-    switch (request.Flags & 0x3FF) {
-    case 0x000:
-    case 0x002:
-    case 0x008:
-    case 0x00A:
-    case 0x200:
-    case 0x202:
-    case 0x208:
-    case 0x20A: return PaletteChoice::Optimized;
-    case 0x001: return PaletteChoice::Fixed;
-    case 0x041: return canBeCube ? PaletteChoice::Cube : PaletteChoice::Fixed;
-    case 0x040: return canBeCube ? PaletteChoice::Cube : PaletteChoice::Invalid;
-    case 0x010:
-    case 0x030:
-        return request.Palette != nullptr || request.Handle != nullptr ? PaletteChoice::User
-                                                                       : PaletteChoice::Invalid;
-    default: return PaletteChoice::Invalid;
-    }
+bool CanChoose(const Request& request) {
+    const bool hasPalette = request.Palette != nullptr || request.Handle != nullptr;
+    const PaletteChoice choice = ChoiceOf(request.Flags, request.Bits);
+    return choice != PaletteChoice::Invalid && (choice != PaletteChoice::User || hasPalette);
 }
 
 ReturnCode CheckRequest(const BitmapHandle* source, Request& request) {
@@ -79,7 +64,7 @@ ReturnCode CheckRequest(const BitmapHandle* source, Request& request) {
     request.Flags &= ~uint32_t{COLORRES_ORDER_BGR | COLORRES_ORDER_GRAY};
     if (request.Handle != nullptr && request.Has(COLORRES_HANDLE_AS_USER))
         request.Flags = (request.Flags & ~uint32_t{COLORRES_HANDLE_AS_USER}) | COLORRES_USER_PALETTE;
-    return ChoiceOf(request) == PaletteChoice::Invalid ? code::InvalidArgument : code::Success;
+    return CanChoose(request) ? code::Success : code::InvalidArgument;
 }
 
 class ColorResolution {
@@ -94,7 +79,7 @@ class ColorResolution {
     ColorResolution& operator=(const ColorResolution&) = delete;
 
     ReturnCode Run() {
-        RGBQUAD ofHandle[256];
+        RGBQUAD ofHandle[MostEntries];
         const RGBQUAD* given = request_.Palette;
         if (request_.IsIndexed() && request_.Handle != nullptr) {
             if (!ReadPaletteHandle(request_.Handle, ofHandle, request_.Colors)) return code::InvalidArgument;
@@ -123,14 +108,14 @@ class ColorResolution {
     }
 
     ReturnCode ChoosePalette(const RGBQUAD* given) {
-        std::fill(palette_, palette_ + 256, RGBQUAD{});
+        std::fill(palette_, palette_ + MostEntries, RGBQUAD{});
         isDithered_ = true;
-        switch (ChoiceOf(request_)) {
+        switch (ChoiceOf(request_.Flags, request_.Bits)) {
         case PaletteChoice::Optimized: return Optimize(given);
         case PaletteChoice::User:
             if (request_.Has(COLORRES_USE_MATCH_TABLE)) table_ = CurrentMatchTable();
             return SetPalette(given, request_.Colors);
-        case PaletteChoice::Cube: return SetPalette(CubePalette216.data(), 256);
+        case PaletteChoice::Cube: return SetPalette(CubePalette216.data(), MostEntries);
         default: return SetPalette(FixedPalette(request_.Bits).data(), 1u << request_.Bits);
         }
     }
@@ -154,7 +139,7 @@ class ColorResolution {
             request_.Bits < reading_.BitsPerPixel || wanted <= reading_.ColorsUsed || !slots.IsOneRun();
         if (wanted > 0) {
             uint32_t count = wanted;
-            RGBQUAD found[256];
+            RGBQUAD found[MostEntries];
             OptimizedPalette optimized;
             const bool wantsTable = slots.IsOneRun() && !request_.Has(COLORRES_NO_MATCH_TABLE);
             const ReturnCode result = BuildOptimizedPalette(reading_, found, count, wantsTable, optimized,
@@ -169,7 +154,7 @@ class ColorResolution {
                 if (slots.IsOneRun()) isDithered_ = false;
             }
         }
-        std::copy_n(slots.entries(), 256, palette_);
+        std::copy_n(slots.entries(), MostEntries, palette_);
         return CreatePalette(colors);
     }
 
@@ -179,7 +164,7 @@ class ColorResolution {
         if (!isDithered_) return ResolveByConversion(reading_, *target_, stored, palette_, request_.Receiver);
         const int32_t method = reading_.DitheringMethod;
         void* const earlierRun = reading_.DitherData;
-        reading_.DitheringMethod = static_cast<int32_t>(request_.Flags >> 16 & 0xFF);
+        reading_.DitheringMethod = static_cast<int32_t>(request_.Flags >> MethodShift & MethodMask);
         ReturnCode result =
             Z_StartDitheringExt(&reading_, palette_, target_->ColorsUsed, request_.Bits, table_);
         reading_.DitheringMethod = method;
@@ -208,8 +193,8 @@ class ColorResolution {
     BitmapHandle* target_;
     BitmapHandle unstored_ = {}; // the target's form where there is no target
     Request request_;
-    BitmapHandle reading_; // the source's record as it was
-    RGBQUAD palette_[256]; // of an indexed target
+    BitmapHandle reading_;         // the source's record as it was
+    RGBQUAD palette_[MostEntries]; // of an indexed target
     bool isDithered_ = false;
     uint32_t* table_ = nullptr;
     bool ownsTable_ = false; // made here, rather than the thread's

@@ -1,6 +1,7 @@
 // Z_ColorResBitmapList: one palette and one match table for all items of a list.
 #include "zkr13n/color_resolution.h"
 
+#include "colour/convert/palette_choice.h"
 #include "colour/quantise/colour_key.h"
 #include "colour/quantise/optimized_palette.h"
 #include "colour/quantise/palette_slots.h"
@@ -17,11 +18,9 @@ namespace zkr {
 
 namespace {
 
-constexpr uint32_t ChoiceMask = 0x3FF;
-
-bool IsMade(uint32_t choice) {
-    return choice == 0 || choice == COLORRES_OPTIMIZED_PALETTE || choice == COLORRES_SYSTEM_COLORS ||
-           choice == (COLORRES_OPTIMIZED_PALETTE | COLORRES_SYSTEM_COLORS);
+// Whether one palette is made for all items: where each item is to be searched without a match table, each has its own.
+bool IsMadeForAll(const uint32_t flags, int32_t bits) {
+    return ChoiceOf(flags, bits) == PaletteChoice::Optimized && (flags & COLORRES_NO_MATCH_TABLE) == 0;
 }
 
 // The thread's match table while items are worked on; released with the object.
@@ -58,7 +57,7 @@ struct ListRequest {
 
 // Makes the palette of all items and turns the request into one for that palette as it is.
 ReturnCode BuildListPalette(BitmapList list, ListRequest& request, RGBQUAD* shared, SharedTable& table) {
-    RGBQUAD ofHandle[256];
+    RGBQUAD ofHandle[MostEntries];
     const RGBQUAD* given = request.Palette;
     if (request.Handle != nullptr) {
         if (!ReadPaletteHandle(request.Handle, ofHandle, request.Colors)) return code::InvalidArgument;
@@ -68,7 +67,7 @@ ReturnCode BuildListPalette(BitmapList list, ListRequest& request, RGBQUAD* shar
     uint32_t* made = nullptr;
     uint32_t colors = request.Colors;
     if (const uint32_t wanted = slots.freeCount(); wanted > 0) {
-        RGBQUAD found[256];
+        RGBQUAD found[MostEntries];
         uint32_t count = wanted;
         OptimizedPalette optimized;
         const ReturnCode result = BuildOptimizedPalette(list, found, count, slots.IsOneRun(), optimized);
@@ -79,22 +78,23 @@ ReturnCode BuildListPalette(BitmapList list, ListRequest& request, RGBQUAD* shar
         if (!optimized.Quantised) colors -= wanted - count;
     }
     if (!table.Set(made)) return code::OutOfMemory;
-    std::copy_n(slots.entries(), 256, shared);
+    std::copy_n(slots.entries(), MostEntries, shared);
     if (request.Palette != nullptr) std::copy_n(shared, request.Colors, request.Palette);
-    request = {request.Bits, (request.Flags & ~ChoiceMask) | COLORRES_USER_PALETTE | COLORRES_USE_MATCH_TABLE,
-               shared, nullptr, colors};
+    request = {request.Bits,
+               (request.Flags & ~ChoiceFlags) | COLORRES_USER_PALETTE | COLORRES_USE_MATCH_TABLE, shared,
+               nullptr, colors};
     return code::Success;
 }
 
 ReturnCode Prepare(BitmapList list, uint32_t items, ListRequest& request, RGBQUAD* shared,
                    SharedTable& table) {
-    if (request.Bits > 8) return code::Success;
+    if (request.Bits > MostIndexedBits) return code::Success;
     const uint32_t most = 1u << request.Bits;
     if (request.Colors == 0 || request.Colors > most) request.Colors = most;
     request.Flags &= ~uint32_t{COLORRES_ORDER_GRAY};
-    const uint32_t choice = request.Flags & ChoiceMask;
-    if (IsMade(choice))
+    if (IsMadeForAll(request.Flags, request.Bits))
         return items == 0 ? code::InvalidBitmap : BuildListPalette(list, request, shared, table);
+    const uint32_t choice = request.Flags & ChoiceFlags;
     if (choice != COLORRES_USER_PALETTE && choice != COLORRES_HANDLE_AS_USER) return code::Success;
     request.Flags |= COLORRES_USE_MATCH_TABLE;
     return table.Set(nullptr) ? code::Success : code::OutOfMemory;
@@ -125,7 +125,7 @@ ReturnCode Z_CALL Z_ColorResBitmapList(BitmapList list, int32_t bitsPerPixel, ui
     ReturnCode result = Z_GetBitmapListCount(list, &items);
     if (result != code::Success) return result;
     ListRequest request{bitsPerPixel, flags, palette, paletteHandle, colors};
-    RGBQUAD shared[256];
+    RGBQUAD shared[MostEntries];
     SharedTable table;
     result = Prepare(list, items, request, shared, table);
     for (uint32_t i = 0; i < items && result == code::Success; ++i)

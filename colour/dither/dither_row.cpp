@@ -2,7 +2,6 @@
 #include "colour/dither/dither_state.h"
 
 #include "colour/dither/row_reader.h"
-#include "colour/dither/thresholds.h"
 #include "kernels/family.h"
 #include "zkr13n/palettes.h"
 
@@ -69,15 +68,17 @@ IndexRule RuleOf(const DitherState& state) {
 // An ordered method at work on one line.
 class OrderedLine {
   public:
-    explicit OrderedLine(const DitherState& state) {
-        const ThresholdMatrix& matrix = state.Method == DitherOrdered ? DispersedDots : ClusteredDots;
-        const uint8_t(&thresholds)[ThresholdSide] = matrix.Rows[state.LineCounter % ThresholdSide];
+    explicit OrderedLine(const DitherState& state) { // which is not run where the method is no ordered one
+        using kernels::ThresholdSide;
+        const kernels::ThresholdMatrix* matrix = MethodOf(state).Thresholds;
+        if (matrix == nullptr) return;
+        const uint8_t(&thresholds)[ThresholdSide] = matrix->Rows[state.LineCounter % ThresholdSide];
         comparesGray_ = state.PaletteKind == PaletteFixed1;
         comparesChannels_ = state.PaletteKind == PaletteFixed4;
         const size_t bytesEach = comparesGray_ ? 1 : 4;
         for (size_t i = 0; i < kernels::PatternBytes; ++i) {
             const uint8_t m = thresholds[i / bytesEach % ThresholdSide];
-            const int32_t shift = ThresholdShift(m, FinenessBits(state));
+            const int32_t shift = kernels::ThresholdShift(m, FinenessBits(state));
             thresholds_[i] = m;
             up_[i] = static_cast<uint8_t>(std::max(shift, 0));
             down_[i] = static_cast<uint8_t>(std::max(-shift, 0));
@@ -108,8 +109,8 @@ class OrderedLine {
 
     const kernels::ConvertKernels& convert_ = kernels::Chosen<kernels::ConvertKernels>();
     const kernels::DitherKernels& dither_ = kernels::Chosen<kernels::DitherKernels>();
-    bool comparesGray_;
-    bool comparesChannels_;
+    bool comparesGray_ = false;
+    bool comparesChannels_ = false;
     uint8_t thresholds_[kernels::PatternBytes];
     uint8_t up_[kernels::PatternBytes];
     uint8_t down_[kernels::PatternBytes];
@@ -118,7 +119,7 @@ class OrderedLine {
 // Begins a line of a diffusing method: takes the sums of the first pixels out of the uppermost row and moves
 // the rows up there.
 kernels::ErrorState StartLine(const DitherState& state) {
-    const kernels::Taps& taps = kernels::DiffusionTaps[state.Method];
+    const kernels::Taps& taps = MethodOf(state).Diffusion;
     kernels::ErrorState line = {};
     for (int32_t row = 0; row < taps.Rows; ++row)
         line.Rows[row] = reinterpret_cast<int32_t(*)[4]>(state.BlueRows[row]) + taps.Margin;
@@ -136,9 +137,8 @@ kernels::ErrorState StartLine(const DitherState& state) {
 
 // A row that has become wider ends where the error rows end.
 size_t WidthOf(const DitherState& state, const BitmapHandle& bitmap) {
-    const int32_t widest = state.ErrorRowCount > 0
-                               ? state.ErrorRowLength - 2 * kernels::DiffusionTaps[state.Method].Margin
-                               : bitmap.Width;
+    const int32_t widest =
+        state.ErrorRowCount > 0 ? state.ErrorRowLength - 2 * MethodOf(state).Diffusion.Margin : bitmap.Width;
     return static_cast<size_t>(std::clamp(bitmap.Width, 0, std::max(widest, 0)));
 }
 
@@ -175,7 +175,7 @@ void PrepareIndex(DitherState& state) {
     index.Colours = state.TargetPalette;
     index.Weighted = state.Weighted;
     if (state.ErrorRowCount == 0) return;
-    const int32_t weight = kernels::DiffusionTaps[state.Method].Weight(0, 1);
+    const int32_t weight = MethodOf(state).Diffusion.Weight(0, 1);
     for (size_t i = 0; i < std::size(state.Weighted); ++i) {
         const RGBQUAD& colour = state.TargetPalette[i];
         const int32_t channels[4] = {colour.rgbBlue, colour.rgbGreen, colour.rgbRed, colour.rgbReserved};
@@ -186,7 +186,7 @@ void PrepareIndex(DitherState& state) {
 
 void DitherRow(DitherState& state, const BitmapHandle& bitmap, const uint8_t* source, uint8_t* target) {
     const bool diffuses = state.ErrorRowCount > 0;
-    const bool ordered = IsOrdered(state.Method);
+    const bool ordered = MethodOf(state).IsOrdered();
     const size_t width = WidthOf(state, bitmap);
     const kernels::DitherKernels& kernels = kernels::Chosen<kernels::DitherKernels>();
     const auto rule = static_cast<size_t>(state.Rule);

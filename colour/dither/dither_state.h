@@ -56,8 +56,8 @@ struct DitherState {
 inline bool UsesMatchTable(const DitherState& state) {
     return state.PaletteKind == PaletteOwnTable || state.PaletteKind == PaletteUserTable;
 }
-inline bool IsOrdered(int32_t method) {
-    return method == DitherOrdered || method == DitherClustered;
+inline const kernels::DitherMethod& MethodOf(const DitherState& state) {
+    return kernels::DitherMethods[state.Method];
 }
 
 // Makes the parts of a state that say which index a colour gets, from palettes, kind and method.

@@ -101,7 +101,7 @@ void NewRun::MakeMatchPalette(const RGBQUAD* palette) {
 
 // One block for the rows of all channels that belong to the same line.
 bool NewRun::MakeErrorRows(int32_t width) {
-    const kernels::Taps& taps = kernels::DiffusionTaps[state_->Method];
+    const kernels::Taps& taps = MethodOf(*state_).Diffusion;
     const int64_t cells = int64_t{std::max(width, 0)} + 2 * taps.Margin;
     if (cells > INT32_MAX) return false;
     state_->ErrorRowCount = taps.Rows;
@@ -142,16 +142,16 @@ void NewRun::SetGrayWindow(const BitmapHandle& bitmap) {
 ReturnCode NewRun::Make(const BitmapHandle& bitmap, const TargetRequest& target) {
     if (state_ == nullptr) return code::OutOfMemory;
     if (!IsSupportedDepth(bitmap.BitsPerPixel)) return code::InvalidArgument;
-    if (target.Colors == 0 || target.Colors > 256) return code::InvalidArgument;
+    if (target.Colors == 0 || target.Colors > MostEntries) return code::InvalidArgument;
     if (!ChoosePalette(target)) return code::OutOfMemory;
 
-    if (bitmap.DitheringMethod < DitherNone || bitmap.DitheringMethod > DitherClustered)
+    if (bitmap.DitheringMethod < 0 || static_cast<size_t>(bitmap.DitheringMethod) >= kernels::MethodCount)
         return code::InvalidArgument;
     state_->Method = bitmap.DitheringMethod;
     state_->SourceBits = bitmap.BitsPerPixel;
-    if (bitmap.BitsPerPixel <= 8) Z_GetBitmapPaletteEntries(&bitmap, 0, 256, state_->SourcePalette);
-    if (state_->Method != DitherNone && !IsOrdered(state_->Method) && !MakeErrorRows(bitmap.Width))
-        return code::OutOfMemory;
+    if (bitmap.BitsPerPixel <= MostIndexedBits)
+        Z_GetBitmapPaletteEntries(&bitmap, 0, MostEntries, state_->SourcePalette);
+    if (MethodOf(*state_).Diffuses() && !MakeErrorRows(bitmap.Width)) return code::OutOfMemory;
     if (state_->MatchTable != nullptr) FillMatchTable();
     if (IsGray(bitmap)) SetGrayWindow(bitmap);
     PrepareIndex(*state_);
@@ -165,7 +165,7 @@ ReturnCode NewRun::Make(const BitmapHandle& bitmap, const TargetRequest& target)
 using namespace zkr;
 
 ReturnCode Z_CALL Z_StartDithering(BitmapHandle* bitmap, const RGBQUAD* palette, uint32_t colors) {
-    if (colors == 0 || colors > 256) return code::InvalidArgument;
+    if (colors == 0 || colors > MostEntries) return code::InvalidArgument;
     return Z_StartDitheringExt(bitmap, palette, colors, BitsOfColors(colors), nullptr);
 }
 

@@ -164,11 +164,11 @@ template <size_t rows> inline void StoreCells(Cells at, SumLanes<rows> cells) {
 // been met. Cells enter with what the row below them holds, so that all rows have moved up by one when the
 // line ends.
 template <size_t method, size_t rows, int32_t row,
-          class = std::make_integer_sequence<int32_t, 2 * DiffusionTaps[method].Margin>>
+          class = std::make_integer_sequence<int32_t, 2 * DitherMethods[method].Diffusion.Margin>>
 class Window;
 template <size_t method, size_t rows, int32_t row, int32_t... cell>
 class Window<method, rows, row, std::integer_sequence<int32_t, cell...>> {
-    static constexpr const Taps& t = DiffusionTaps[method];
+    static constexpr const Taps& t = DitherMethods[method].Diffusion;
     static constexpr int32_t last = 2 * t.Margin;
     using Sums = SumLanes<rows>;
 
@@ -192,11 +192,11 @@ class Window<method, rows, row, std::integer_sequence<int32_t, cell...>> {
 };
 
 template <size_t method, size_t rows,
-          class Rows = std::make_integer_sequence<int32_t, DiffusionTaps[method].Rows>>
+          class Rows = std::make_integer_sequence<int32_t, DitherMethods[method].Diffusion.Rows>>
 class Windows;
 template <size_t method, size_t rows, int32_t... row>
 class Windows<method, rows, std::integer_sequence<int32_t, row...>> : Window<method, rows, row + 1>... {
-    static constexpr const Taps& t = DiffusionTaps[method];
+    static constexpr const Taps& t = DitherMethods[method].Diffusion;
     using Sums = SumLanes<rows>;
 
   public:
@@ -223,7 +223,7 @@ class Windows<method, rows, std::integer_sequence<int32_t, row...>> : Window<met
 // rows, so that the steps of two can be done in turn: while one waits for its colours the other goes on.
 // Places are those of the first row's pixel.
 template <size_t method, size_t rows, class Choose> class Strand {
-    static constexpr const Taps& t = DiffusionTaps[method];
+    static constexpr const Taps& t = DitherMethods[method].Diffusion;
     static constexpr int32_t nearPower =
         NearPowerOfTwo(t.Weight(0, 1)); // the only shift on the way to the next pixel
     using Sums = SumLanes<rows>;
@@ -290,7 +290,7 @@ template <size_t method, size_t rows, class Choose, size_t... strand>
     const auto end = static_cast<ptrdiff_t>(pixels);
     (strands[strand].Store(work + strand * rows, below, end - Behind(strand * rows)), ...);
     for (size_t row = 0; row < sizeof...(strand) * rows; ++row)
-        for (int32_t level = 0; level < DiffusionTaps[method].Rows; ++level)
+        for (int32_t level = 0; level < DitherMethods[method].Diffusion.Rows; ++level)
             work[row].Errors.Rows[level] += pixels;
 }
 
@@ -334,13 +334,15 @@ constexpr void PlaceDiffusion(DiffuseKernel (&kernels)[IndexRules]) {
 // Rows go together where lanes have room for several; in two strands, unless one alone has more sums to keep
 // than there are registers.
 template <size_t method> constexpr void PlaceDiffusions(DitherKernels& kernels) {
-    constexpr size_t strands = DiffusionTaps[method].Margin < 3 ? 2 : 1;
-    static_assert(RowsInLanes * strands <= MostRowsTogether);
-    PlaceDiffusion<method, 1, 1>(kernels.Diffuse[method]);
     kernels.RowsTogether[method] = 1;
-    if constexpr (RowsInLanes > 1) {
-        kernels.RowsTogether[method] = RowsInLanes * strands;
-        PlaceDiffusion<method, RowsInLanes, strands>(kernels.DiffuseTogether[method]);
+    if constexpr (DitherMethods[method].Diffuses()) {
+        constexpr size_t strands = DitherMethods[method].Diffusion.Margin < 3 ? 2 : 1;
+        static_assert(RowsInLanes * strands <= MostRowsTogether);
+        PlaceDiffusion<method, 1, 1>(kernels.Diffuse[method]);
+        if constexpr (RowsInLanes > 1) {
+            kernels.RowsTogether[method] = RowsInLanes * strands;
+            PlaceDiffusion<method, RowsInLanes, strands>(kernels.DiffuseTogether[method]);
+        }
     }
 }
 
@@ -351,7 +353,7 @@ template <size_t... method> constexpr DitherKernels MakeKernels(std::index_seque
     kernels.Index[static_cast<size_t>(IndexRule::Slices)] = IndexRow<SliceRule>;
     kernels.Index[static_cast<size_t>(IndexRule::Cube)] = IndexRow<CubeRule>;
     kernels.Index[static_cast<size_t>(IndexRule::Table)] = IndexRow<TableRule>;
-    (PlaceDiffusions<method + 1>(kernels), ...);
+    (PlaceDiffusions<method>(kernels), ...);
     kernels.Shift = Shift;
     kernels.Compare = Compare;
     return kernels;
@@ -361,6 +363,6 @@ template <size_t... method> constexpr DitherKernels MakeKernels(std::index_seque
 
 template <>
 constinit const DitherKernels
-    Compiled<DitherKernels, ThisSet>::Table = MakeKernels(std::make_index_sequence<DiffusionMethods - 1>());
+    Compiled<DitherKernels, ThisSet>::Table = MakeKernels(std::make_index_sequence<MethodCount>());
 
 } // namespace zkr::kernels

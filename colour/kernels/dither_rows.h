@@ -1,4 +1,4 @@
-// Kernels of dithering, and the taps that the error diffusion kernels are made from. They work on pixels of
+// The methods of dithering, and the kernels that are made from them. They work on pixels of
 // four bytes (blue, green, red and one that is ignored) and give one index a byte.
 //
 // Errors are kept for three channels at a time: a cell is four 32-bit numbers, blue, green, red and one
@@ -6,6 +6,7 @@
 // once, when the pixel comes.
 #pragma once
 
+#include "colour/kernels/thresholds.h"
 #include "zkr13n/platform_types.h"
 
 #include <cstddef>
@@ -29,21 +30,35 @@ struct Taps {
     constexpr int32_t Weight(int32_t row, int32_t column) const { return Weights[row][column + FarthestTap]; }
 };
 
-// By method, of which 1 to 6 diffuse errors: Floyd and Steinberg (1976), Stucki (1981), Burkes (1988), Sierra
-// (1989), Stevenson and Arce (1985), Jarvis, Judice and Ninke (1976).
-inline constexpr Taps DiffusionTaps[] = {
-    {},
-    {16, 1, 1, {{0, 0, 0, 0, 7}, {0, 0, 3, 5, 1}}},
-    {42, 2, 2, {{0, 0, 0, 0, 8, 4}, {0, 2, 4, 8, 4, 2}, {0, 1, 2, 4, 2, 1}}},
-    {32, 1, 2, {{0, 0, 0, 0, 8, 4}, {0, 2, 4, 8, 4, 2}}},
-    {32, 2, 2, {{0, 0, 0, 0, 5, 3}, {0, 2, 4, 5, 4, 2}, {0, 0, 2, 3, 2, 0}}},
-    {200,
-     3,
-     3,
-     {{0, 0, 0, 0, 0, 32, 0}, {12, 0, 26, 0, 30, 0, 16}, {0, 12, 0, 26, 0, 12, 0}, {5, 0, 12, 0, 12, 0, 5}}},
-    {48, 2, 2, {{0, 0, 0, 0, 7, 5}, {0, 3, 5, 7, 5, 3}, {0, 1, 3, 5, 3, 1}}},
+// A method diffuses errors, or compares with thresholds, or takes the nearest colour.
+struct DitherMethod {
+    Taps Diffusion = {};                         // a divisor of 0 where nothing is diffused
+    const ThresholdMatrix* Thresholds = nullptr; // null where nothing is compared
+
+    constexpr bool Diffuses() const { return Diffusion.Divisor != 0; }
+    constexpr bool IsOrdered() const { return Thresholds != nullptr; }
 };
-inline constexpr size_t DiffusionMethods = std::size(DiffusionTaps);
+
+// By number: the nearest colour; Floyd and Steinberg (1976), Stucki (1981), Burkes (1988), Sierra (1989), Stevenson and
+// Arce (1985), Jarvis, Judice and Ninke (1976); dispersed dots, clustered dots.
+inline constexpr DitherMethod DitherMethods[] = {
+    {},
+    {.Diffusion = {16, 1, 1, {{0, 0, 0, 0, 7}, {0, 0, 3, 5, 1}}}},
+    {.Diffusion = {42, 2, 2, {{0, 0, 0, 0, 8, 4}, {0, 2, 4, 8, 4, 2}, {0, 1, 2, 4, 2, 1}}}},
+    {.Diffusion = {32, 1, 2, {{0, 0, 0, 0, 8, 4}, {0, 2, 4, 8, 4, 2}}}},
+    {.Diffusion = {32, 2, 2, {{0, 0, 0, 0, 5, 3}, {0, 2, 4, 5, 4, 2}, {0, 0, 2, 3, 2, 0}}}},
+    {.Diffusion = {200,
+                   3,
+                   3,
+                   {{0, 0, 0, 0, 0, 32, 0},
+                    {12, 0, 26, 0, 30, 0, 16},
+                    {0, 12, 0, 26, 0, 12, 0},
+                    {5, 0, 12, 0, 12, 0, 5}}}},
+    {.Diffusion = {48, 2, 2, {{0, 0, 0, 0, 7, 5}, {0, 3, 5, 7, 5, 3}, {0, 1, 3, 5, 3, 1}}}},
+    {.Thresholds = &DispersedDots},
+    {.Thresholds = &ClusteredDots},
+};
+inline constexpr size_t MethodCount = std::size(DitherMethods);
 
 // How a colour becomes an index.
 enum class IndexRule : uint8_t {
@@ -113,11 +128,11 @@ inline constexpr size_t PatternBytes = 32;
 
 struct DitherKernels {
     IndexKernel Index[IndexRules];
-    DiffuseKernel Diffuse[DiffusionMethods][IndexRules]; // null for method 0
+    DiffuseKernel Diffuse[MethodCount][IndexRules]; // null where a method does not diffuse
 
     // The same for rows together; 1 where they are to go one by one, and there is no kernel.
-    size_t RowsTogether[DiffusionMethods];
-    DiffuseKernel DiffuseTogether[DiffusionMethods][IndexRules];
+    size_t RowsTogether[MethodCount];
+    DiffuseKernel DiffuseTogether[MethodCount][IndexRules];
 
     // Adds up and subtracts down, one of which is 0 in each place; bytes stay within 0 to 255.
     void (*Shift)(uint8_t* bytes, size_t count, const uint8_t* up, const uint8_t* down);

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace zkr {
+namespace zkr::kernels {
 
 inline constexpr int32_t ThresholdSide = 8;
 
@@ -38,7 +38,7 @@ inline constexpr ThresholdMatrix ClusteredDots = {{
 
 // The move of a channel that a threshold m gives where the palette is as fine as that of so many bits per
 // pixel; none for other numbers of bits.
-constexpr int32_t ThresholdShift(int32_t m, int32_t bits) {
+static constexpr int32_t ThresholdShift(int32_t m, int32_t bits) {
     switch (bits) {
     case 1: return m - 128;
     case 2: return (m >> 1) - 64;
@@ -52,4 +52,4 @@ constexpr int32_t ThresholdShift(int32_t m, int32_t bits) {
     }
 }
 
-} // namespace zkr
+} // namespace zkr::kernels
