@@ -41,6 +41,7 @@
 #include "zkr13n/resize.h"
 #include "zkr13n/rotate.h"
 #include "zkr13n/rows.h"
+#include "zkr13n/shear.h"
 #include "zkr13n/sizing.h"
 #include "zkr13n/storage.h"
 #include "zkr13n/surface.h"

@@ -1,6 +1,8 @@
 // Quarter turns: each row of the source becomes a column of the result. Rows are taken in bands, so that the result
 // grows by whole bytes and by more than one pixel of a row at a time. A result that does not lie in memory is made
 // band by band in a buffer, and the source is gone through once for each.
+#include "geometry/rotate/quarter_turn.h"
+
 #include "core/bitmap_lock.h"
 #include "core/exact_rows.h"
 #include "core/predicates.h"
@@ -172,6 +174,15 @@ ReturnCode TurnInto(BitmapHandle& target, BitmapHandle& source, int32_t directio
 
 } // namespace
 
+ReturnCode MakeQuarterTurn(BitmapHandle& result, BitmapHandle& source, int32_t direction, uint32_t owned,
+                           uint32_t start, uint32_t end) {
+    const ReturnCode status =
+        Z_DupBitmapNewDim(&result, &source, source.Height, source.Width, source.BitsPerPixel, owned);
+    if (status != code::Success) return status;
+    std::swap(result.XResolution, result.YResolution);
+    return TurnInto(result, source, direction, start, end);
+}
+
 } // namespace zkr::geometry
 
 using namespace zkr;
@@ -180,11 +191,7 @@ ReturnCode Z_CALL Z_RotateBitmap90(BitmapHandle* bitmap, int32_t direction, uint
     if (!IsAllocated(bitmap)) return code::InvalidBitmap;
     BitmapReplacement replacement(bitmap);
     BitmapHandle& result = replacement.record();
-    ReturnCode status =
-        Z_DupBitmapNewDim(&result, bitmap, bitmap->Height, bitmap->Width, bitmap->BitsPerPixel, Z_DUP_DATA);
-    if (status != code::Success) return status;
-    std::swap(result.XResolution, result.YResolution);
-    status = geometry::TurnInto(result, *bitmap, direction, start, end);
+    ReturnCode status = geometry::MakeQuarterTurn(result, *bitmap, direction, Z_DUP_DATA, start, end);
     if (status == code::Success)
         status = geometry::TurnRegion(result, *bitmap, direction == 0 ? -9000 : 9000);
     if (status == code::Success) replacement.Commit();
