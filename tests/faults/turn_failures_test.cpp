@@ -1,8 +1,10 @@
-// Flips, turns, rotations and changes of view, with each call of the system failing in turn.
+// Flips, turns, rotations, shears, warps and changes of view, with each call of the system failing in turn.
 #include "faults/fault_driver.h"
 
 #include "zkr13n/flip.h"
 #include "zkr13n/rotate.h"
+#include "zkr13n/shear.h"
+#include "zkr13n/warp.h"
 
 namespace zkr::test {
 namespace {
@@ -46,6 +48,13 @@ TEST(TurnFailures, OfWholeBitmaps) {
         Z_FreeBitmap(&g.Made);
         return Z_ChangeBitmapViewPerspective(&g.Made, &g.Subject, 5);
     };
+    const auto slideRows = [](Ground& g) { return Z_ShearBitmap(&g.Subject, -2000, 1, 0); };
+    const auto slideColumns = [](Ground& g) { return Z_ShearBitmap(&g.Subject, 2000, 0, 0); };
+    const auto warp = [](Ground& g) {
+        const WarpPoints points = {{0, 0}, {18, 3}, {15, 36}, {2, 20}};
+        return Z_CombineBitmapWarp(&g.Subject, &points, &g.Subject, 0, 0, 19, 37,
+                                   WARP_REQUIRED | WARP_BILINEAR);
+    };
     const std::vector<ReturnCode> files = {Memory, Seek, Read, Write};
     add("memory: turn", {Memory}, With(MemoryConventional, 24), turn);
     add("memory: rotation", {Memory}, With(MemoryConventional, 16), rotate);
@@ -56,6 +65,14 @@ TEST(TurnFailures, OfWholeBitmaps) {
     add("disk: copy in a view", files, With(MemoryDisk, 8), copy);
     add("runs: turn", {Memory}, With(MemoryCompressed, 1), turn);
     add("runs: rotation", {Memory}, With(MemoryCompressed, 1), rotate, Kept::Rows);
+    add("memory: shear", {Memory}, With(MemoryConventional, 5), slideColumns);
+    add("disk: shear of rows", files, With(MemoryDisk, 24), slideRows);
+    add("disk: shear of columns", files, With(MemoryDisk, 12), slideColumns);
+    add("runs: shear of rows", {Memory}, With(MemoryCompressed, 1), slideRows);
+    add("runs: shear of columns", {Memory}, With(MemoryCompressed, 1), slideColumns);
+    add("memory: warp", {Memory}, With(MemoryConventional, 24), warp);
+    add("disk: warp", files, With(MemoryDisk, 24), warp, Kept::Nothing);
+    add("runs: warp", {Memory}, With(MemoryCompressed, 1), warp, Kept::Nothing);
     RunAll(scenarios);
 }
 

@@ -1,10 +1,13 @@
-// Parity cases of views, flips, turns and rotation.
+// Parity cases of views, flips, turns, rotation, shear and warp.
 #include "parity/subject.h"
 
 #include "zkr13n/flip.h"
 #include "zkr13n/rotate.h"
+#include "zkr13n/shear.h"
 #include "zkr13n/views.h"
+#include "zkr13n/warp.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace zkr::test {
@@ -51,8 +54,35 @@ void BufferCase(Seeded& seeded, Digest& digest) {
     digest.Add(target.data(), target.size());
 }
 
-constexpr Family Families[] = {
-    {"views", 600, ViewsCase}, {"rotate", 1500, RotateCase}, {"buffer-turns", 200, BufferCase}};
+void ShearCase(Seeded& seeded, Digest& digest) {
+    Subject picture(seeded);
+    const int angle = seeded.Below(4) == 0 ? static_cast<int>(seeded.Next()) : seeded.Between(-8999, 8999);
+    digest.Add(
+        Z_ShearBitmap(&picture, angle, seeded.Below(2), static_cast<uint32_t>(seeded.Next()) & 0x05FFFFFF));
+    AddPixels(digest, picture);
+}
+
+// Onto itself, so that palettes and depths agree.
+void WarpCase(Seeded& seeded, Digest& digest) {
+    Subject picture(seeded);
+    const int across = std::max(picture.Width, picture.Height);
+    WarpPoints points;
+    POINT* const corners = &points.TopLeft;
+    for (int i = 0; i < 4; ++i)
+        corners[i] = {seeded.Below(across / 2 + 1) + (i == 1 || i == 2 ? across / 2 : 0),
+                      seeded.Below(across / 4 + 1) + (i >= 2 ? across / 4 : 0)};
+    const int left = seeded.Below(across), top = seeded.Below(across);
+    const uint32_t flags = WARP_REQUIRED | static_cast<uint32_t>(seeded.Below(2));
+    digest.Add(Z_CombineBitmapWarp(&picture, &points, &picture, left, top, seeded.Between(1, across),
+                                   seeded.Between(1, across), flags));
+    AddPixels(digest, picture);
+}
+
+constexpr Family Families[] = {{"views", 600, ViewsCase},
+                               {"rotate", 1500, RotateCase},
+                               {"buffer-turns", 200, BufferCase},
+                               {"shear", 500, ShearCase},
+                               {"warp", 3000, WarpCase}};
 
 } // namespace
 
