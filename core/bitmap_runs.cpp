@@ -90,9 +90,18 @@ void GiveList(uint16_t* destination, RunList list) {
     std::memcpy(destination + CountWords, list.Runs, list.Words * sizeof(uint16_t));
 }
 
+// Lists of a width that the bitmap does not have any more are cut.
+void GiveStoredRow(BitmapHandle& bitmap, uint16_t* destination, int32_t row) {
+    if (!storage::HasWiderLists(bitmap)) return GiveList(destination, RunsOf(bitmap, row));
+    runs::RunWriter writer(destination + CountWords, false);
+    runs::RunReader reader = RunsOf(bitmap, row).Reader();
+    writer.AppendRuns(reader, static_cast<uint32_t>(bitmap.Width));
+    runs::SetRunCount(destination, writer.Words());
+}
+
 ReturnCode GiveRow(BitmapHandle& bitmap, uint8_t* work, uint16_t* destination, int32_t row) {
     if (IsCompressed(bitmap)) {
-        GiveList(destination, RunsOf(bitmap, row));
+        GiveStoredRow(bitmap, destination, row);
         return code::Success;
     }
     const ReturnCode status = ReadExactly(bitmap, work, row, 0, bitmap.BytesPerLine, code::WriteFailed);
@@ -123,7 +132,7 @@ void GiveWholeRow(BitmapHandle& bitmap, uint16_t* destination, int32_t row) {
     if (storage::IsBlank(bitmap, row))
         GiveBlankRow(destination, bitmap.Width);
     else
-        GiveList(destination, RunsOf(bitmap, row));
+        GiveStoredRow(bitmap, destination, row);
 }
 
 ReturnCode GivePixels(BitmapHandle& bitmap, uint8_t* work, runs::RunWriter& writer, int32_t row,

@@ -34,6 +34,7 @@ bool MakeLists(CompressedBlock& block, int32_t width) {
     block.ScratchRow = static_cast<uint16_t*>(Z_Malloc(static_cast<size_t>(bytes)));
     if (block.ScratchRow == nullptr) return false;
     block.BlankRowRuns = block.ScratchRow + scratchWords;
+    block.Width = width;
     runs::RunWriter writer(block.BlankRowRuns, false);
     writer.Append(static_cast<uint64_t>(width), false);
     block.BlankRowLength = writer.Words();

@@ -23,6 +23,7 @@ struct alignas(8) CompressedBlock {
     uint16_t* ScratchRow;   // room for the longest list that a row can have
     uint16_t* BlankRowRuns; // the list of a blank row, in the same memory
     uint32_t BlankRowLength;
+    int32_t Width; // that the lists were made for; the record's own may have become smaller
     PrivateHeap Heap;
 
     RowEntry* Rows() { return reinterpret_cast<RowEntry*>(this + 1); }
@@ -49,6 +50,11 @@ RunList RunsOf(const BitmapHandle& bitmap, int32_t row);
 // Whether a row has no list of its own.
 inline bool IsBlank(const BitmapHandle& bitmap, int32_t row) {
     return CompressedBlockOf(bitmap)->Rows()[row].Offset == 0;
+}
+
+// Whether lists can be longer than the record's width tells.
+inline bool HasWiderLists(const BitmapHandle& bitmap) {
+    return CompressedBlockOf(bitmap)->Width > bitmap.Width;
 }
 
 // Gives a row another list, which lies outside the heap. False when memory is short; the row is as it was

@@ -1,6 +1,8 @@
 // The tuning of tiles and the change of a live bitmap's class, with no pixel and nothing of the record lost.
 #include "core/storage_faults.h"
 #include "zkr13n/allocation.h"
+#include "zkr13n/compressed_rows.h"
+#include "zkr13n/copy.h"
 #include "zkr13n/palettes.h"
 
 namespace zkr::test {
@@ -144,6 +146,60 @@ TEST_F(Rebuilds, RefuseWhatCannotBe) {
     EXPECT_EQ(Set(bitmap, {.TileSize = 41}, TileSize), code::InvalidBitmap) << "another size of tiles";
     EXPECT_EQ(InfoOf(bitmap), (Info{MemoryTiled, 40, 6, 6, 0, 0}));
     EXPECT_EQ(Rows(bitmap), pixels);
+}
+
+// A caller may make Width smaller. Storage that is made afterwards has rows of the new width, and no list of the old
+// width goes to those who made room for the new one.
+TEST(MemoryInfo, StorageFollowsAWidthThatBecameSmaller) {
+    constexpr int32_t before = 64, width = 16, height = 100;
+    for (const int32_t bits : {1, 24}) {
+        for (const Storage& storage : AllStorages()) {
+            for (const int32_t type : std::initializer_list<int32_t>{MemoryConventional, MemoryDisk,
+                                                                     MemoryCompressed | MemoryConventional}) {
+                Bytes userData;
+                Bitmap bitmap(before, height, bits);
+                Allocate(bitmap, storage, userData);
+                const uint32_t wide = bitmap.BytesPerLine, used = width * static_cast<uint32_t>(bits) / 8;
+                Bytes row(wide, 0x55);
+                for (int32_t y = 0; y < height; ++y)
+                    Z_PutBitmapRow(&bitmap, row.data(), y, wide);
+                bitmap.Width = width;
+                const bool changes = InfoOf(bitmap).Type != type;
+                ASSERT_EQ(Set(bitmap, {.Type = type}, Type), 1) << storage.Name;
+                EXPECT_EQ(bitmap.BytesPerLine, !changes ? wide : bits == 1 ? 4u : 48u) << storage.Name;
+
+                Bitmap copy;
+                ASSERT_EQ(Z_CopyBitmap(&copy, &bitmap), 1) << storage.Name;
+                for (BitmapHandle* each :
+                     {static_cast<BitmapHandle*>(&bitmap), static_cast<BitmapHandle*>(&copy)}) {
+                    for (int32_t y : {0, height / 2, height - 1}) {
+                        Bytes read(each->BytesPerLine);
+                        Z_GetBitmapRow(each, read.data(), y, each->BytesPerLine);
+                        EXPECT_EQ(Bytes(read.begin(), read.begin() + used), Bytes(used, 0x55))
+                            << storage.Name;
+                        Z_PutBitmapRow(each, read.data(), y, each->BytesPerLine);
+                    }
+                }
+                Z_FreeBitmap(&bitmap);
+                ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryConventional), 1);
+                for (int32_t y = 0; y < height; ++y)
+                    Z_PutBitmapRow(&bitmap, row.data(), y, bitmap.BytesPerLine);
+            }
+        }
+    }
+    Bitmap runs(before, 1, 1);
+    ASSERT_EQ(Z_AllocateBitmap(&runs, MemoryCompressed | MemoryConventional), 1);
+    const Bytes row(8, 0x55);
+    Z_PutBitmapRow(&runs, row.data(), 0, 8);
+    runs.Width = 3;
+    const std::vector<uint16_t> expected = {3, 0, 1, 1, 1, 0xEEEE};
+    for (const bool byColumn : {false, true}) {
+        std::vector<uint16_t> list(expected.size(), 0xEEEE);
+        EXPECT_EQ(byColumn ? Z_GetBitmapRowColCompressed(&runs, nullptr, list.data(), 0, 0, 3)
+                           : Z_GetBitmapRowCompressed(&runs, nullptr, list.data(), 0, 1),
+                  1);
+        EXPECT_EQ(list, expected);
+    }
 }
 
 } // namespace
