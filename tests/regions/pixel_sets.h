@@ -9,6 +9,7 @@
 
 #include <bitset>
 #include <functional>
+#include <ostream>
 
 namespace zkr::test {
 
@@ -24,6 +25,13 @@ struct PixelSet {
         Bits[Index(x, y)] = true;
     }
     bool operator==(const PixelSet&) const = default;
+
+    friend void PrintTo(const PixelSet& set, std::ostream* out) {
+        *out << set.Bits.count() << " pixels";
+        for (int32_t y = Low, left = 8; y < High; ++y)
+            for (int32_t x = Low; x < High && left > 0; ++x)
+                if (set.Has(x, y)) *out << (left-- == 8 ? ", first " : "; ") << x << ", " << y;
+    }
 
     // The pixels of which something is true.
     static PixelSet Where(const std::function<bool(int32_t x, int32_t y)>& holds) {
