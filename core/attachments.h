@@ -13,6 +13,6 @@ void ReleaseRegion(BitmapHandle& bitmap);
 
 // Gives target a copy of source's region, moved by (dx, dy), over whatever its field holds. Nobody may follow what
 // a copy that fails leaves there, so that the field is cleared.
-ReturnCode CopyRegion(BitmapHandle& target, BitmapHandle& source, int32_t dx, int32_t dy);
+[[nodiscard]] ReturnCode CopyRegion(BitmapHandle& target, BitmapHandle& source, int32_t dx, int32_t dy);
 
 } // namespace zkr

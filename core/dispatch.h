@@ -16,10 +16,11 @@ namespace zkr {
 namespace no_region {
 
 // Mirrors the region left to right, within the bitmap's width.
-ReturnCode ReverseRegion(BitmapHandle* bitmap);
+[[nodiscard]] ReturnCode ReverseRegion(BitmapHandle* bitmap);
 // Puts a copy of source's region, moved by (dx, dy) and cut to destination unless RegionUnclipped, into destination,
 // whose Region field is overwritten and not freed. After a failure nobody may follow what stands there.
-ReturnCode CopyBitmapRegion(BitmapHandle* destination, BitmapHandle* source, int32_t dx, int32_t dy);
+[[nodiscard]] ReturnCode CopyBitmapRegion(BitmapHandle* destination, BitmapHandle* source, int32_t dx,
+                                          int32_t dy);
 ReturnCode Z_CALL SetBitmapRgnFromMask(BitmapHandle* bitmap, const RegionXform* xform, BitmapHandle* mask,
                                        uint32_t mode);
 // The most entries that GetBitmapClipSegments writes for a row, two for each segment.
@@ -30,18 +31,20 @@ ReturnCode Z_CALL GetBitmapClipSegments(BitmapHandle* bitmap, int32_t row, int32
                                         uint32_t* count);
 // Scales the region by xNumerator / bitmap->Width and yNumerator / bitmap->Height: for a bitmap that is to become as
 // large as the numerators, and still has its old size.
-ReturnCode ScaleBitmapRegion(BitmapHandle* bitmap, int32_t xNumerator, int32_t yNumerator);
+[[nodiscard]] ReturnCode ScaleBitmapRegion(BitmapHandle* bitmap, int32_t xNumerator, int32_t yNumerator);
 // Takes the record over, whatever the result; null removes the bitmap's region.
-ReturnCode CombineRegion(BitmapHandle* bitmap, const RegionXform* xform, RegionHandle* record, uint32_t mode);
+[[nodiscard]] ReturnCode CombineRegion(BitmapHandle* bitmap, const RegionXform* xform, RegionHandle* record,
+                                       uint32_t mode);
 // The region's bounds in storage coordinates or, with a transform, in the caller's; the whole bitmap without a region.
 ReturnCode Z_CALL GetBitmapRgnBounds(BitmapHandle* bitmap, const RegionXform* xform, RECT* bounds);
 ReturnCode Z_CALL CopyZircRgn(RegionHandle** destination, const RegionHandle* source);
-ReturnCode OffsetRegion(RegionHandle* record, int32_t dx, int32_t dy);
+[[nodiscard]] ReturnCode OffsetRegion(RegionHandle* record, int32_t dx, int32_t dy);
 // Mirrors a record top to bottom, within the given number of rows.
-ReturnCode FlipRegion(RegionHandle* record, int32_t height);
-ReturnCode ShearRegion(BitmapHandle* bitmap, int32_t angleHundredths);
+[[nodiscard]] ReturnCode FlipRegion(RegionHandle* record, int32_t height);
+[[nodiscard]] ReturnCode ShearRegion(BitmapHandle* bitmap, int32_t angleHundredths);
 // For a bitmap that has its new dimensions already; the old ones and the angle are the caller's.
-ReturnCode RotateRegion(BitmapHandle* bitmap, int32_t oldWidth, int32_t oldHeight, int32_t angleHundredths);
+[[nodiscard]] ReturnCode RotateRegion(BitmapHandle* bitmap, int32_t oldWidth, int32_t oldHeight,
+                                      int32_t angleHundredths);
 // owned: 1 where the caller has to delete the region.
 ReturnCode Z_CALL IntGetBitmapRgnHandle(BitmapHandle* bitmap, const RegionXform* xform, HRGN* region,
                                         int32_t* owned);
@@ -52,7 +55,7 @@ ReturnCode Z_CALL SetBitmapRgnRect(BitmapHandle* bitmap, const RegionXform* xfor
 int32_t Z_CALL IsPtInBitmapRgn(BitmapHandle* bitmap, int32_t row, int32_t column);
 ReturnCode Z_CALL CreateMaskFromBitmapRgn(BitmapHandle* bitmap, BitmapHandle* mask);
 // FlipRegion of the bitmap's own record, within its height.
-ReturnCode FlipBitmapRegion(BitmapHandle* bitmap);
+[[nodiscard]] ReturnCode FlipBitmapRegion(BitmapHandle* bitmap);
 // The region is the caller's to delete.
 ReturnCode Z_CALL GetBitmapRgnHandle(BitmapHandle* bitmap, const RegionXform* xform, HRGN* region);
 

@@ -54,7 +54,8 @@ ReturnCode Z_CALL Z_DupBitmapNewDim(BitmapHandle* destination, BitmapHandle* sou
                                     int32_t height, int32_t bitsPerPixel, uint32_t flags) {
     if (destination == nullptr || !IsAllocated(source)) return code::InvalidBitmap;
     // A refused depth makes a record all the same.
-    InitRecordLike(*destination, *source, width, height, bitsPerPixel, carry::RegionUnclipped | carry::Form);
+    static_cast<void>(InitRecordLike(*destination, *source, width, height, bitsPerPixel,
+                                     carry::RegionUnclipped | carry::Form));
     if ((flags & Z_DUP_DATA) != 0) {
         const ReturnCode result = Z_AllocateBitmap(destination, MemoryTypeOfForm(*destination));
         if (result != code::Success) return result;

@@ -10,9 +10,9 @@
 
 namespace zkr {
 
-ReturnCode ReadExactly(BitmapHandle& bitmap, uint8_t* buffer, int32_t row, int32_t column, uint32_t bytes,
-                       ReturnCode shortfall = code::ReadFailed);
-ReturnCode WriteExactly(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row, int32_t column,
-                        uint32_t bytes);
+[[nodiscard]] ReturnCode ReadExactly(BitmapHandle& bitmap, uint8_t* buffer, int32_t row, int32_t column,
+                                     uint32_t bytes, ReturnCode shortfall = code::ReadFailed);
+[[nodiscard]] ReturnCode WriteExactly(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row,
+                                      int32_t column, uint32_t bytes);
 
 } // namespace zkr

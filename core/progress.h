@@ -18,15 +18,15 @@ struct StatusReceiver {
     static StatusReceiver Status(); // of Z_SetStatusCallBack
     static StatusReceiver Copy();   // of Z_SetCopyStatusCallBack
 
-    ReturnCode Report(int32_t percent) const {
+    [[nodiscard]] ReturnCode Report(int32_t percent) const {
         return Callback != nullptr ? Callback(percent, UserData) : code::Success;
     }
 };
 
 // Of an operation that has nothing to do: its beginning and its end, whatever the callback says.
 inline void ReportDone(StatusReceiver receiver) {
-    receiver.Report(0);
-    receiver.Report(100);
+    static_cast<void>(receiver.Report(0));
+    static_cast<void>(receiver.Report(100));
 }
 
 // A percentage that advances by equal parts of a range, in whole numbers: what a part does not fill is
@@ -68,8 +68,10 @@ class Progress {
     Progress(StatusReceiver receiver, int32_t rows, PercentRange range = {})
         : receiver_(receiver), counter_(range.Start, range.End, rows) {}
 
-    ReturnCode Begin() const { return receiver_.Report(counter_.Percent()); }
-    ReturnCode Step() { return counter_.Advance(1) ? receiver_.Report(counter_.Percent()) : code::Success; }
+    [[nodiscard]] ReturnCode Begin() const { return receiver_.Report(counter_.Percent()); }
+    [[nodiscard]] ReturnCode Step() {
+        return counter_.Advance(1) ? receiver_.Report(counter_.Percent()) : code::Success;
+    }
 
   private:
     StatusReceiver receiver_;
@@ -88,10 +90,10 @@ class ProgressStage {
 
     // Reports start, and silences the thread's callback unless that one stops the operation. The range from
     // start to end is told in total units.
-    ReturnCode Begin(int32_t start = 0, int32_t end = 100, int32_t total = 100);
+    [[nodiscard]] ReturnCode Begin(int32_t start = 0, int32_t end = 100, int32_t total = 100);
 
     // From an inner percentage of 100 on the thread's callback stays restored.
-    ReturnCode Report(int32_t innerPercent);
+    [[nodiscard]] ReturnCode Report(int32_t innerPercent);
 
   private:
     void Silence();

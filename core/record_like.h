@@ -19,13 +19,13 @@ inline constexpr uint32_t Playback = 1
 
 // Whatever the record held is overwritten. The result is that of Z_InitBitmap; a depth that is refused leaves a cleared
 // record, which takes over the same things.
-ReturnCode InitRecordLike(BitmapHandle& record, const BitmapHandle& source, int32_t width, int32_t height,
-                          int32_t bitsPerPixel, uint32_t carried);
+[[nodiscard]] ReturnCode InitRecordLike(BitmapHandle& record, const BitmapHandle& source, int32_t width,
+                                        int32_t height, int32_t bitsPerPixel, uint32_t carried);
 
 // The memory type that makes storage of the form that a record's flags tell.
 int32_t MemoryTypeOfForm(const BitmapHandle& record);
 
 // Gives a record storage where the source has its own: in a file, or else in memory, without runs and strips.
-ReturnCode AllocatePlainLike(BitmapHandle& record, const BitmapHandle& source);
+[[nodiscard]] ReturnCode AllocatePlainLike(BitmapHandle& record, const BitmapHandle& source);
 
 } // namespace zkr

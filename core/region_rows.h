@@ -23,7 +23,7 @@ class RegionRows {
 
     // Asks for bounds and makes room for segments; the bounds are cut to the bitmap, and have no rows where they lie
     // beside it.
-    ReturnCode Begin();
+    [[nodiscard]] ReturnCode Begin();
 
     int32_t top() const { return top_; }
     int32_t rows() const { return rows_; }
@@ -31,7 +31,7 @@ class RegionRows {
     bool IsEmpty() const { return room_ == 0; }
 
     // Pairs of columns inside the bitmap, ends not included; valid until the next call. A pair may be empty.
-    ReturnCode SegmentsOf(int32_t row, std::span<const uint32_t>& segments);
+    [[nodiscard]] ReturnCode SegmentsOf(int32_t row, std::span<const uint32_t>& segments);
 
   private:
     BitmapHandle& bitmap_;

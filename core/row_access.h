@@ -13,7 +13,8 @@ inline uint8_t* ReachRow(BitmapHandle& bitmap, int32_t row) {
 }
 
 // The bytes of a row, valid until the next access to the bitmap.
-inline ReturnCode FetchRow(BitmapHandle& bitmap, int32_t row, uint8_t* buffer, const uint8_t*& data) {
+[[nodiscard]] inline ReturnCode FetchRow(BitmapHandle& bitmap, int32_t row, uint8_t* buffer,
+                                         const uint8_t*& data) {
     data = ReachRow(bitmap, row);
     if (data != nullptr) return code::Success;
     data = buffer;
@@ -21,7 +22,8 @@ inline ReturnCode FetchRow(BitmapHandle& bitmap, int32_t row, uint8_t* buffer, c
 }
 
 // Calls make(bytes) for a place where a row is to be made, and brings the row home.
-template <typename Make> ReturnCode StoreRow(BitmapHandle& bitmap, int32_t row, uint8_t* buffer, Make make) {
+template <typename Make>
+[[nodiscard]] ReturnCode StoreRow(BitmapHandle& bitmap, int32_t row, uint8_t* buffer, Make make) {
     if (uint8_t* data = ReachRow(bitmap, row)) {
         make(data);
         return code::Success;

@@ -46,7 +46,7 @@ class RowWalk {
 
     // Calls visit(row) for the first `rows` rows; it returns a ReturnCode or a Visited. A result of the status callback
     // other than code::Success ends the walk, too. A walk that has all that it needs reports the range's end.
-    template <typename Visitor> ReturnCode Run(int32_t rows, Visitor visit) const {
+    template <typename Visitor> [[nodiscard]] ReturnCode Run(int32_t rows, Visitor visit) const {
         const BitmapLock lock(bitmap_), otherLock(other_);
         Progress progress(receiver_, parts_ > 0 ? parts_ : rows, range_);
         ReturnCode status = progress.Begin();

@@ -10,7 +10,7 @@ namespace zkr {
 
 // As Z_PutBitmapRowSegments without an offset, all bits being written. Long pieces of a large bitmap go to
 // memory past the cache: other threads see them once EndStream (core/row_copy.h) has been called.
-ReturnCode StreamSegments(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row,
-                          std::span<const uint32_t> segments);
+[[nodiscard]] ReturnCode StreamSegments(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row,
+                                        std::span<const uint32_t> segments);
 
 } // namespace zkr

@@ -13,11 +13,11 @@ struct RowReceiver {
 
 // `form` is the target's record; stored is the same, or null where no pixels are kept. The source has a
 // dithering run.
-ReturnCode ResolveByDithering(BitmapHandle& source, BitmapHandle& form, BitmapHandle* stored,
-                              const RowReceiver& receiver);
+[[nodiscard]] ReturnCode ResolveByDithering(BitmapHandle& source, BitmapHandle& form, BitmapHandle* stored,
+                                            const RowReceiver& receiver);
 
 // palette has 256 entries; of a target above 8 bits it plays no part.
-ReturnCode ResolveByConversion(BitmapHandle& source, BitmapHandle& form, BitmapHandle* stored,
-                               const RGBQUAD* palette, const RowReceiver& receiver);
+[[nodiscard]] ReturnCode ResolveByConversion(BitmapHandle& source, BitmapHandle& form, BitmapHandle* stored,
+                                             const RGBQUAD* palette, const RowReceiver& receiver);
 
 } // namespace zkr

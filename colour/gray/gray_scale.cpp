@@ -96,7 +96,8 @@ class GrayStages {
 };
 
 ReturnCode MakeGrayRecord(BitmapHandle& gray, const BitmapHandle& source, int32_t bits) {
-    InitRecordLike(gray, source, source.Width, source.Height, bits, carry::RegionUnclipped | carry::Playback);
+    static_cast<void>(InitRecordLike(gray, source, source.Width, source.Height, bits,
+                                     carry::RegionUnclipped | carry::Playback));
     if (bits > 8) {
         gray.Order = Z_ORDER_GRAY;
         Z_InitGrayParams(&gray);

@@ -58,7 +58,8 @@ TakeAlpha TakerFor(int32_t bits, int32_t alphaBits) {
 
 ReturnCode MakeAlphaRecord(BitmapHandle& alpha, BitmapHandle& source) {
     const bool deep = source.BitsPerPixel == 64 && Z_IsSupportLocked(Z_SUPPORT_EXTGRAY) == 0;
-    InitRecordLike(alpha, source, source.Width, source.Height, deep ? 16 : 8, carry::RegionUnclipped);
+    static_cast<void>(
+        InitRecordLike(alpha, source, source.Width, source.Height, deep ? 16 : 8, carry::RegionUnclipped));
     if (deep) alpha.Order = Z_ORDER_GRAY;
     const ReturnCode result = AllocatePlainLike(alpha, source);
     if (result != code::Success) return result;

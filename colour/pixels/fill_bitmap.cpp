@@ -27,8 +27,8 @@ ReturnCode WriteRows(BitmapHandle& bitmap, const uint8_t* pixels, RegionRows& re
     for (int32_t index = 0; index < region.rows() && status == code::Success; ++index) {
         const int32_t row = region.top() + index;
         std::span<const uint32_t> segments;
-        region.SegmentsOf(row, segments);
-        StreamSegments(bitmap, pixels, row, segments);
+        static_cast<void>(region.SegmentsOf(row, segments));
+        static_cast<void>(StreamSegments(bitmap, pixels, row, segments));
         if (eachRow) status = progress.Step();
     }
     EndStream();

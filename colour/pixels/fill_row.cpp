@@ -119,9 +119,9 @@ void Merge(uint8_t& target, uint8_t value, uint32_t kept) {
 
 } // namespace
 
-ReturnCode FillRowWithColor(const BitmapHandle& bitmap, uint32_t colour, uint8_t* row, int32_t count) {
+void FillRowWithColor(const BitmapHandle& bitmap, uint32_t colour, uint8_t* row, int32_t count) {
     const int32_t bits = bitmap.BitsPerPixel;
-    if (!IsSupportedDepth(bits) || count <= 0) return code::Success;
+    if (!IsSupportedDepth(bits) || count <= 0) return;
 
     ColourValue value(colour);
     const bool keepsExtendedGray = IsGray(bitmap) && !HasActiveLevelTable(bitmap);
@@ -136,7 +136,6 @@ ReturnCode FillRowWithColor(const BitmapHandle& bitmap, uint32_t colour, uint8_t
         const uint8_t kept = fillsByte ? 0 : UnusedInLastByte(bits, static_cast<size_t>(count));
         Merge(row[wholeBytes], pattern.Bytes[wholeBytes % pattern.Length], kept);
     }
-    return code::Success;
 }
 
 } // namespace zkr

@@ -7,7 +7,7 @@ namespace zkr {
 
 // Writes count pixels of a colour value, in the bitmap's format, from the first pixel of row on. At 3, 5, 6,
 // 7 and 12 bits the bits behind the last pixel stay; at 1, 2 and 4 bits its byte is filled. A depth that does
-// not exist is left alone. Always 1.
-ReturnCode FillRowWithColor(const BitmapHandle& bitmap, uint32_t colour, uint8_t* row, int32_t count);
+// not exist is left alone.
+void FillRowWithColor(const BitmapHandle& bitmap, uint32_t colour, uint8_t* row, int32_t count);
 
 } // namespace zkr

@@ -20,10 +20,10 @@ class ViewedRows {
     int32_t height() const { return isTurned_ ? bitmap_.Width : bitmap_.Height; }
 
     // The first bytes of a row of the wanted view; the buffer holds a whole row of either view.
-    ReturnCode Read(uint8_t* buffer, int32_t row, uint32_t bytes);
+    [[nodiscard]] ReturnCode Read(uint8_t* buffer, int32_t row, uint32_t bytes);
 
   private:
-    ReturnCode ReadColumn(uint8_t* buffer, int32_t column, uint32_t bytes);
+    [[nodiscard]] ReturnCode ReadColumn(uint8_t* buffer, int32_t column, uint32_t bytes);
 
     BitmapHandle& bitmap_;
     bool isValid_ = true;

@@ -27,7 +27,7 @@ class Histogram {
     void Add(const uint16_t* keys, size_t pixels);
 
     // Adds all pixels of a bitmap.
-    ReturnCode Add(BitmapHandle& bitmap);
+    [[nodiscard]] ReturnCode Add(BitmapHandle& bitmap);
 
     uint32_t Population(uint32_t key) const { return populations_[key]; }
     void SetPopulation(uint32_t key, uint32_t population) { populations_[key] = population; }

@@ -14,11 +14,11 @@ struct OptimizedPalette {
 
 // Finds up to `colors` entries, 1 to 256, for a bitmap and sets colors to their number. A match table is made
 // where it is wanted, of the run-time heap for the caller to free; after a failure there is none.
-ReturnCode BuildOptimizedPalette(BitmapHandle& bitmap, RGBQUAD* paletteOut, uint32_t& colors, bool wantsTable,
-                                 OptimizedPalette& found, bool fewPeels);
+[[nodiscard]] ReturnCode BuildOptimizedPalette(BitmapHandle& bitmap, RGBQUAD* paletteOut, uint32_t& colors,
+                                               bool wantsTable, OptimizedPalette& found, bool fewPeels);
 
 // The same for the items of a list.
-ReturnCode BuildOptimizedPalette(BitmapList list, RGBQUAD* paletteOut, uint32_t& colors, bool wantsTable,
-                                 OptimizedPalette& found);
+[[nodiscard]] ReturnCode BuildOptimizedPalette(BitmapList list, RGBQUAD* paletteOut, uint32_t& colors,
+                                               bool wantsTable, OptimizedPalette& found);
 
 } // namespace zkr

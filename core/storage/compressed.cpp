@@ -50,7 +50,7 @@ void ReleaseBlock(CompressedBlock* block) {
 void Release(BitmapHandle& bitmap) {
     if (bitmap.Addr == nullptr) return;
     ReleaseBlock(CompressedBlockOf(bitmap));
-    UpdatePlainSize(bitmap);
+    static_cast<void>(UpdatePlainSize(bitmap));
 }
 
 // Size follows whatever may have made the heap grow.

@@ -17,7 +17,7 @@ struct FilterEntries {
 enum class Filter : int32_t { Colour = 0, Bitonal = 1 };
 
 // Adds a user. ColourFilterMissing or FaxFilterMissing where the module cannot be had.
-ReturnCode AcquireFilter(Filter filter);
+[[nodiscard]] ReturnCode AcquireFilter(Filter filter);
 
 // Takes a user away. The module stays loaded.
 void ReleaseFilter(Filter filter);

@@ -30,8 +30,8 @@ inline size_t LocateRow(BitmapHandle& bitmap, int32_t row) {
     return offset;
 }
 
-inline ReturnCode ReadMemory(BitmapHandle& bitmap, uint8_t* buffer, int32_t row, ptrdiff_t columnOffset,
-                             uint32_t bytes) {
+[[nodiscard]] inline ReturnCode ReadMemory(BitmapHandle& bitmap, uint8_t* buffer, int32_t row,
+                                           ptrdiff_t columnOffset, uint32_t bytes) {
     const size_t offset = LocateRow(bitmap, row);
     const auto* data = static_cast<const uint8_t*>(bitmap.Addr);
     if (data == nullptr) return code::InvalidBitmap;
@@ -39,8 +39,8 @@ inline ReturnCode ReadMemory(BitmapHandle& bitmap, uint8_t* buffer, int32_t row,
     return static_cast<ReturnCode>(bytes);
 }
 
-inline ReturnCode WriteMemory(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row,
-                              ptrdiff_t columnOffset, uint32_t bytes) {
+[[nodiscard]] inline ReturnCode WriteMemory(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row,
+                                            ptrdiff_t columnOffset, uint32_t bytes) {
     const size_t offset = LocateRow(bitmap, row);
     auto* data = static_cast<uint8_t*>(bitmap.Addr);
     if (data == nullptr) return code::InvalidBitmap;
@@ -50,9 +50,10 @@ inline ReturnCode WriteMemory(BitmapHandle& bitmap, const uint8_t* buffer, int32
 }
 
 // The same in the form of the storage interface.
-ReturnCode ReadMemoryRow(BitmapHandle& bitmap, uint8_t* buffer, int32_t row, int32_t column, uint32_t bytes);
-ReturnCode WriteMemoryRow(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row, int32_t column,
-                          uint32_t bytes);
+[[nodiscard]] ReturnCode ReadMemoryRow(BitmapHandle& bitmap, uint8_t* buffer, int32_t row, int32_t column,
+                                       uint32_t bytes);
+[[nodiscard]] ReturnCode WriteMemoryRow(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row,
+                                        int32_t column, uint32_t bytes);
 uint8_t* ReachMemoryRow(BitmapHandle& bitmap, int32_t row);
 
 } // namespace zkr::storage

@@ -60,17 +60,17 @@ inline const StorageClass* ClassOf(const BitmapHandle& bitmap) {
 
 // Each gives an initialised record its storage: StorageHandle, Addr and, where the class has its own rule,
 // Size and AlignOffset are set on success, nothing on failure.
-ReturnCode BuildConventional(BitmapHandle& bitmap);
-ReturnCode BuildTiled(BitmapHandle& bitmap);
-ReturnCode BuildDisk(BitmapHandle& bitmap);
-ReturnCode BuildCompressed(BitmapHandle& bitmap);
-ReturnCode BuildSuperCompressed(BitmapHandle& bitmap);
+[[nodiscard]] ReturnCode BuildConventional(BitmapHandle& bitmap);
+[[nodiscard]] ReturnCode BuildTiled(BitmapHandle& bitmap);
+[[nodiscard]] ReturnCode BuildDisk(BitmapHandle& bitmap);
+[[nodiscard]] ReturnCode BuildCompressed(BitmapHandle& bitmap);
+[[nodiscard]] ReturnCode BuildSuperCompressed(BitmapHandle& bitmap);
 
 // Storage that lies in one piece counts AlignOffset into its bytes once its height has been changed.
 uint64_t PlainBytes(const BitmapHandle& bitmap, int32_t height);
 void SetPlainHeight(BitmapHandle& bitmap, int32_t height, uint64_t bytes);
 
 // Size by the plain rule: BytesPerLine * Height.
-ReturnCode UpdatePlainSize(BitmapHandle& bitmap);
+[[nodiscard]] ReturnCode UpdatePlainSize(BitmapHandle& bitmap);
 
 } // namespace zkr::storage

@@ -227,7 +227,7 @@ void Release(BitmapHandle& bitmap) {
     SuperBlock* block = BlockOf(bitmap);
     if (block == nullptr) return;
     ReleaseStrips(bitmap, *block, 0);
-    UpdatePlainSize(bitmap); // a record of no Size could not be given storage again
+    static_cast<void>(UpdatePlainSize(bitmap)); // a record of no Size could not be given storage again
     ReleaseFilter(block->FilterIndex);
     FreeBlock(block);
 }

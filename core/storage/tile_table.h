@@ -72,7 +72,7 @@ struct TilePlan {
 
 // Makes the table and all tiles for the record's dimensions: memory tiles first, then temporary files. Memory
 // tiles that cannot be made become file tiles. On failure (OutOfMemory, OutOfDiskSpace) nothing is left.
-ReturnCode MakeTiles(BitmapHandle& bitmap, const TilePlan& plan);
+[[nodiscard]] ReturnCode MakeTiles(BitmapHandle& bitmap, const TilePlan& plan);
 
 // Room for so many tiles; the table may move. On failure the old one stays.
 bool ResizeTable(BitmapHandle& bitmap, uint32_t tileCount);
@@ -102,7 +102,7 @@ void UnmapOldest(TileTable& table);
 bool ResizeTile(TileTable& table, uint32_t index, uint64_t oldBytes, uint64_t newBytes);
 
 // Move a tile between file and memory. On failure the tile stays as it was.
-ReturnCode MoveTileToMemory(TileTable& table, uint32_t index, uint64_t bytes);
-ReturnCode MoveTileToFile(TileTable& table, uint32_t index, uint64_t bytes);
+[[nodiscard]] ReturnCode MoveTileToMemory(TileTable& table, uint32_t index, uint64_t bytes);
+[[nodiscard]] ReturnCode MoveTileToFile(TileTable& table, uint32_t index, uint64_t bytes);
 
 } // namespace zkr::storage

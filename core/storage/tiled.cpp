@@ -85,7 +85,7 @@ uint8_t* ReachRow(BitmapHandle& bitmap, int32_t row) {
 
 void SetHeight(BitmapHandle& bitmap, uint64_t height) {
     bitmap.Height = static_cast<int32_t>(height);
-    UpdatePlainSize(bitmap);
+    static_cast<void>(UpdatePlainSize(bitmap));
 }
 
 // Gives the last tile the length that it has in a bitmap of the new height.

@@ -34,7 +34,7 @@ TEST(Progress, CarriesOverTheLargestHeights) {
     const Reports reports(Z_SetStatusCallBack);
     Progress progress(StatusReceiver::Status(), INT32_MAX);
     for (int32_t row = 0; row < 21474837; ++row) // the first row at which 100 rows make a whole of the height
-        progress.Step();
+        static_cast<void>(progress.Step());
     EXPECT_EQ(reports.Seen, std::vector<int32_t>{1});
 }
 
