@@ -40,8 +40,8 @@ std::string Line(const char* name, int number, uint64_t digest) {
 }
 
 auto AllFamilies() {
-    return std::array{CoreFamilies(), PixelFamilies(),      ColourFamilies(),
-                      GrayFamilies(), ResolutionFamilies(), TurnFamilies()};
+    return std::array{CoreFamilies(),       PixelFamilies(), ColourFamilies(), GrayFamilies(),
+                      ResolutionFamilies(), TurnFamilies(),  ResizeFamilies()};
 }
 
 // The digest of every case; those of the families are printed.
