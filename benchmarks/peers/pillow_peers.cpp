@@ -1,8 +1,9 @@
 // Pillow finding colours for the photograph, matching it against the 256 given ones (not exact), with
-// and without diffusion, and diffusing it to black and white. It runs in a Python process of its own, which
+// and without diffusion, diffusing it to black and white, and reducing it. It runs in a Python process of its own, which
 // reads the picture once and answers each line with one more pass of the kind that the line names; what the
 // pipe costs is microseconds.
 #include "../pictures.h"
+#include "../resize_work.h"
 #include "../work.h"
 
 #include <cstdio>
@@ -37,6 +38,8 @@ passes = {
     b'match': lambda: picture.quantize(palette=palette, dither=Image.Dither.NONE),
     b'diffuse': lambda: picture.quantize(palette=palette, dither=Image.Dither.FLOYDSTEINBERG),
     b'bitonal': lambda: picture.convert('1'),
+    b'box': lambda: picture.resize((int(sys.argv[3]), int(sys.argv[4])), Image.Resampling.BOX),
+    b'eighth': lambda: picture.reduce(8),
 }
 while line := source.readline():
     made = passes[line.strip()]()
@@ -52,12 +55,15 @@ class Python {
         if (pipe(toChild) != 0 || pipe(fromChild) != 0) return;
         const std::string width = std::to_string(PhotographWidth);
         const std::string height = std::to_string(PhotographHeight);
+        const std::string reducedWidth = std::to_string(ReducedWidth);
+        const std::string reducedHeight = std::to_string(ReducedHeight);
         if (fork() == 0) {
             dup2(toChild[0], 0);
             dup2(fromChild[1], 1);
             close(toChild[1]);
             close(fromChild[0]);
-            execlp("/usr/bin/python3", "python3", "-c", Program, width.c_str(), height.c_str(), nullptr);
+            execlp("/usr/bin/python3", "python3", "-c", Program, width.c_str(), height.c_str(),
+                   reducedWidth.c_str(), reducedHeight.c_str(), nullptr);
             _exit(1);
         }
         close(toChild[0]);
@@ -102,6 +108,8 @@ const Adds adds([] {
     AddPillow(From24ToPalette, "Pillow, not exact", 0.4, "match");
     AddPillow(BitonalFloydSteinberg, "Pillow, one channel", 1, "bitonal");
     AddPillow(PaletteFloydSteinberg, "Pillow", 2, "diffuse");
+    AddPillow(AreaReduced24, "Pillow box", 1.5, "box");
+    AddPillow(AreaEighth24, "Pillow reduce", 0.5, "eighth");
     AddPillow(Optimised, "Pillow octree", 1.7, "octree", [] { return Pillow().Pass("octree?"); });
     AddPeer(Optimised,
             {"Pillow median cut, untimed", 0, {}, 1, true, [] { return Pillow().Pass("median"); }});
