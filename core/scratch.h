@@ -1,6 +1,7 @@
 // Working memory of one operation: from Z_Malloc, released at the end of the scope.
 #pragma once
 
+#include "core/assertion.h"
 #include "zkr13n/allocation.h"
 #include "zkr13n/bitmap.h"
 
@@ -26,7 +27,10 @@ template <typename T> class ScratchBuffer {
 
     explicit operator bool() const { return data_ != nullptr; }
     T* data() { return data_; }
-    T& operator[](size_t index) { return data_[index]; }
+    T& operator[](size_t index) {
+        ZKR_ASSERT(data_ != nullptr);
+        return data_[index];
+    }
 
   private:
     T* data_;

@@ -79,6 +79,7 @@ class Stages {
     // What the last stage makes of some pixels of a row, at most a piece, from one that is a multiple of 8 on: in a
     // working row, or without stages where they are.
     const uint8_t* Read(const uint8_t* row, size_t first, size_t pixels) {
+        ZKR_ASSERT(count_ == 0 || pixels <= PiecePixels);
         const uint8_t* source = PixelsAt(row, first);
         for (size_t i = 0; i < count_; ++i)
             source = Run(i, source, work_[i & 1], pixels);
@@ -109,7 +110,10 @@ class Stages {
         kernels::RowParameters Parameters;
     };
 
-    const uint8_t* PixelsAt(const uint8_t* row, size_t pixel) const { return row + pixel / 8 * sourceBits_; }
+    const uint8_t* PixelsAt(const uint8_t* row, size_t pixel) const {
+        ZKR_ASSERT(pixel % 8 == 0);
+        return row + pixel / 8 * sourceBits_;
+    }
 
     const uint8_t* Run(size_t index, const uint8_t* source, uint8_t* target, size_t pixels) const {
         stages_[index].Kernel(source, target, pixels, stages_[index].Parameters);

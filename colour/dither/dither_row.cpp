@@ -2,6 +2,7 @@
 #include "colour/dither/dither_state.h"
 
 #include "colour/dither/row_reader.h"
+#include "core/assertion.h"
 #include "kernels/family.h"
 #include "zkr13n/palettes.h"
 
@@ -225,6 +226,7 @@ void DitherRowsTogether(DitherState& state, const BitmapHandle& bitmap, const ui
         return;
     }
     const size_t width = WidthOf(state, bitmap);
+    ZKR_ASSERT(count <= kernels::MostRowsTogether);
     const size_t lowestLag = (count - 1) * RowLag;
     const kernels::DitherKernels& kernels = kernels::Chosen<kernels::DitherKernels>();
     const auto rule = static_cast<size_t>(state.Rule);

@@ -2,6 +2,8 @@
 // keeps in its settings.
 #include "colour/palettes/palette_search.h"
 
+#include "core/assertion.h"
+#include "core/depth.h"
 #include "core/thread_settings.h"
 #include "zkr13n/allocation.h"
 
@@ -27,6 +29,7 @@ PaletteSearch::~PaletteSearch() {
 }
 
 void PaletteSearch::Prepare(const RGBQUAD* palette, int32_t entries, const kernels::MatchKernels& kernels) {
+    ZKR_ASSERT(entries >= 1 && entries <= static_cast<int32_t>(MostEntries));
     kernels_ = &kernels;
     entries_ = entries;
     std::memcpy(palette_, palette, static_cast<size_t>(entries) * sizeof(RGBQUAD));
@@ -40,6 +43,7 @@ bool PaletteSearch::IsFor(const RGBQUAD* palette, int32_t entries) const {
 }
 
 bool PaletteSearch::MakeRoom() {
+    ZKR_ASSERT(cubes_ < kernels::CubesInSpace);
     const int32_t room = std::max(FirstRoom, room_ * 2);
     void* winners = Z_Realloc(winners_, static_cast<size_t>(room) * kernels::CubeColours);
     if (winners == nullptr) return false;
