@@ -41,7 +41,7 @@ void AddressIndex::Shard::Spread(AddressNode** buckets, size_t count) {
 }
 
 void AddressIndex::Shard::Add(AddressNode& node) {
-    const std::scoped_lock lock(Mutex);
+    const std::scoped_lock lock(Lock);
     if (++count_ > bucketCount_ * 2) {
         auto* larger = static_cast<AddressNode**>(std::calloc(bucketCount_ * 4, sizeof(AddressNode*)));
         if (larger != nullptr) Spread(larger, bucketCount_ * 4);
@@ -60,12 +60,12 @@ void AddressIndex::Shard::Unlink(AddressNode& node) {
 }
 
 void AddressIndex::Shard::Remove(AddressNode& node) {
-    const std::scoped_lock lock(Mutex);
+    const std::scoped_lock lock(Lock);
     Unlink(node);
 }
 
 AddressNode* AddressIndex::Shard::Take(const void* address) {
-    const std::scoped_lock lock(Mutex);
+    const std::scoped_lock lock(Lock);
     AddressNode* node = Look(address);
     if (node != nullptr) Unlink(*node);
     return node;
@@ -73,12 +73,12 @@ AddressNode* AddressIndex::Shard::Take(const void* address) {
 
 void AddressIndex::LockAll() {
     for (Shard& shard : shards_)
-        shard.Mutex.lock();
+        shard.Lock.lock();
 }
 
 void AddressIndex::UnlockAll() {
     for (Shard& shard : shards_)
-        shard.Mutex.unlock();
+        shard.Lock.unlock();
 }
 
 } // namespace zkr::platform

@@ -3,6 +3,8 @@
 // a thread allocates lies together, so that threads seldom meet at a shard.
 #pragma once
 
+#include "platform/portable/latch.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
@@ -21,7 +23,7 @@ class AddressIndex {
     // Calls visit(node) under the lock for one node of this address; whether there was one.
     template <typename Visit> bool Find(const void* address, Visit visit) {
         Shard& shard = ShardOf(address);
-        const std::scoped_lock lock(shard.Mutex);
+        const std::scoped_lock lock(shard.Lock);
         AddressNode* node = shard.Look(address);
         if (node != nullptr) visit(*node);
         return node != nullptr;
@@ -39,7 +41,7 @@ class AddressIndex {
 
     class alignas(64) Shard {
       public:
-        std::mutex Mutex;
+        Latch Lock;
 
         void Add(AddressNode& node);
         void Remove(AddressNode& node);

@@ -4,6 +4,7 @@
 
 #include "platform/faults.h"
 #include "platform/portable/fork.h"
+#include "platform/portable/latch.h"
 
 #include <array>
 #include <atomic>
@@ -44,7 +45,7 @@ constexpr size_t LineBytes = 64;
 static_assert(BatchSlots * sizeof(Slot) % LineBytes == 0 && FirstChunkSlots % BatchSlots == 0);
 
 struct alignas(LineBytes) Stripe {
-    std::mutex mutex;
+    Latch latch;
     uint32_t firstFree = NoSlot;
     uint32_t unused = 0; // slots of the last batch that have never been taken
     uint32_t unusedEnd = 0;
@@ -84,7 +85,7 @@ struct Table {
     // A slot of the stripe, and a new batch for it where it may grow; its index, or NoSlot.
     uint32_t Take(uint32_t home, bool grows) {
         Stripe& stripe = stripes[home];
-        const std::scoped_lock lock(stripe.mutex);
+        const std::scoped_lock lock(stripe.latch);
         uint32_t index = stripe.firstFree;
         if (index != NoSlot) {
             stripe.firstFree = Find(index)->nextFree;
@@ -108,7 +109,7 @@ struct Table {
 
     void GiveBack(uint32_t index, Slot& slot) {
         Stripe& stripe = stripes[slot.home];
-        const std::scoped_lock lock(stripe.mutex);
+        const std::scoped_lock lock(stripe.latch);
         slot.nextFree = stripe.firstFree;
         stripe.firstFree = index;
         --stripe.live;
@@ -121,13 +122,13 @@ const ForkPart forkPart(
     ForkOrder::Inner,
     [] {
         for (Stripe& stripe : table.stripes)
-            stripe.mutex.lock();
+            stripe.latch.lock();
         table.growth.lock();
     },
     [](bool) {
         table.growth.unlock();
         for (Stripe& stripe : table.stripes)
-            stripe.mutex.unlock();
+            stripe.latch.unlock();
     });
 
 uint32_t OwnStripe() {
@@ -223,7 +224,7 @@ bool CloseHandleOfKind(ObjectKind kind, HANDLE handle) {
 uint32_t CountHandles() {
     uint32_t live = 0;
     for (Stripe& stripe : table.stripes) {
-        const std::scoped_lock lock(stripe.mutex);
+        const std::scoped_lock lock(stripe.latch);
         live += stripe.live;
     }
     return live;
