@@ -98,7 +98,7 @@ ReturnCode PixelTest::TakeColours(const BitmapHandle& bitmap, const ColourRange&
         std::swap(channels_.Outside[0], channels_.Outside[2]);
         return code::Success;
     }
-    stages_ = &plan_.emplace(request_).stages();
+    stages_ = &plan_.emplace(request_).Chain();
     if (range.IsHsv)
         toHsv_ =
             kernels::Chosen<kernels::SpaceKernels>().FromRgb[0][static_cast<size_t>(kernels::Space::Hsv)];

@@ -134,7 +134,7 @@ class ColorResolution {
     ReturnCode Optimize(const RGBQUAD* given) {
         uint32_t colors = request_.Colors;
         PaletteSlots slots(colors, request_.Has(COLORRES_SYSTEM_COLORS), given);
-        const uint32_t wanted = slots.freeCount();
+        const uint32_t wanted = slots.FreeCount();
         isDithered_ =
             request_.Bits < reading_.BitsPerPixel || wanted <= reading_.ColorsUsed || !slots.IsOneRun();
         if (wanted > 0) {
@@ -154,7 +154,7 @@ class ColorResolution {
                 if (slots.IsOneRun()) isDithered_ = false;
             }
         }
-        std::copy_n(slots.entries(), MostEntries, palette_);
+        std::copy_n(slots.Entries(), MostEntries, palette_);
         return CreatePalette(colors);
     }
 

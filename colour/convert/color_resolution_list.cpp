@@ -66,7 +66,7 @@ ReturnCode BuildListPalette(BitmapList list, ListRequest& request, RGBQUAD* shar
     PaletteSlots slots(request.Colors, (request.Flags & COLORRES_SYSTEM_COLORS) != 0, given);
     uint32_t* made = nullptr;
     uint32_t colors = request.Colors;
-    if (const uint32_t wanted = slots.freeCount(); wanted > 0) {
+    if (const uint32_t wanted = slots.FreeCount(); wanted > 0) {
         RGBQUAD found[MostEntries];
         uint32_t count = wanted;
         OptimizedPalette optimized;
@@ -78,7 +78,7 @@ ReturnCode BuildListPalette(BitmapList list, ListRequest& request, RGBQUAD* shar
         if (!optimized.Quantised) colors -= wanted - count;
     }
     if (!table.Set(made)) return code::OutOfMemory;
-    std::copy_n(slots.entries(), MostEntries, shared);
+    std::copy_n(slots.Entries(), MostEntries, shared);
     if (request.Palette != nullptr) std::copy_n(shared, request.Colors, request.Palette);
     request = {request.Bits,
                (request.Flags & ~ChoiceFlags) | COLORRES_USER_PALETTE | COLORRES_USE_MATCH_TABLE, shared,

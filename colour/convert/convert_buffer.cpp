@@ -49,9 +49,9 @@ ReturnCode Z_CALL Z_ConvertBufferExt(void* row, int32_t width, int32_t sourceBit
                                 sourcePalette, targetPalette, flags,      lowBit,      highBit};
     if (row == nullptr || !zkr::CheckConversion(request)) return zkr::code::InvalidArgument;
     zkr::ConvertPlan plan(request);
-    if (plan.stages().Count() == 0) return zkr::code::Success;
-    if (zkr::SourceBytes(request) >= zkr::SmallestNotedRow) plan.stages().ReadAhead(zkr::TakeRowAhead(row));
-    zkr::RunInPlace(plan.stages(), request, static_cast<uint8_t*>(row));
+    if (plan.Chain().Count() == 0) return zkr::code::Success;
+    if (zkr::SourceBytes(request) >= zkr::SmallestNotedRow) plan.Chain().ReadAhead(zkr::TakeRowAhead(row));
+    zkr::RunInPlace(plan.Chain(), request, static_cast<uint8_t*>(row));
     return zkr::code::Success;
 }
 

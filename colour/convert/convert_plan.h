@@ -42,7 +42,7 @@ class ConvertPlan {
     ConvertPlan(const ConvertPlan&) = delete;
     ConvertPlan& operator=(const ConvertPlan&) = delete;
 
-    Stages& stages() { return stages_; }
+    Stages& Chain() { return stages_; }
 
   private:
     void PlanIndices();

@@ -48,7 +48,7 @@ class Tally {
   public:
     Tally(RGBQUAD* palette, uint32_t room, uint64_t stop) : palette_(palette), room_(room), stop_(stop) {}
 
-    uint32_t count() const { return static_cast<uint32_t>(count_); }
+    uint32_t Count() const { return static_cast<uint32_t>(count_); }
 
     bool WantsColours() const { return palette_ != nullptr; }
 
@@ -279,6 +279,6 @@ ReturnCode Z_CALL Z_GetBitmapColorCountExt(BitmapHandle* bitmap, uint32_t* color
     const ReturnCode status = WalkRegion(*bitmap, scan);
     if (status != code::Success) return status;
     scan.Finish();
-    *colors = tally.count();
+    *colors = tally.Count();
     return code::Success;
 }

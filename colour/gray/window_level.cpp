@@ -49,7 +49,7 @@ class LevelWriter {
   public:
     LevelWriter(RGBQUAD* table, uint32_t length) : table_(table), length_(length) {}
 
-    int64_t last() const { return length_ - 1; }
+    int64_t Last() const { return length_ - 1; }
 
     // From start up to but not including end.
     void Fill(int64_t start, int64_t end, ColourValue colour) {
@@ -64,7 +64,7 @@ class LevelWriter {
             table_[start] = {first.Blue(), first.Green(), first.Red(), reserved};
         }
         const int64_t steps = end - start;
-        for (int64_t i = std::max<int64_t>(start + 1, 0); i <= std::min(end, last()); ++i) {
+        for (int64_t i = std::max<int64_t>(start + 1, 0); i <= std::min(end, Last()); ++i) {
             const auto channel = [&](int32_t from, int32_t to) {
                 return static_cast<uint8_t>(from + (to - from) * (i - start) / steps);
             };
@@ -119,11 +119,11 @@ ReturnCode Z_CALL Z_WindowLevelFillLUT(RGBQUAD* table, uint32_t length, uint32_t
     if (inside != 0) {
         levels.Fill(0, a - 1, Black);
         levels.Ramp(a, b, first, second);
-        levels.Fill(b + 1, levels.last(), White);
+        levels.Fill(b + 1, levels.Last(), White);
     } else {
         levels.Fill(0, a, first);
         if (a + 1 < b) levels.Ramp(a + 1, b - 1, Black, White);
-        levels.Fill(b, levels.last(), second);
+        levels.Fill(b, levels.Last(), second);
     }
     return code::Success;
 }

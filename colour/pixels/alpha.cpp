@@ -151,7 +151,7 @@ class GrayCopy {
         const ReturnCode result = Z_CopyBitmap(&record_, &source);
         return result == code::Success ? Z_GrayScaleBitmap(&record_, bits) : result;
     }
-    BitmapHandle& record() { return record_; }
+    BitmapHandle& Record() { return record_; }
 
   private:
     BitmapHandle record_{};
@@ -160,8 +160,8 @@ class GrayCopy {
 ReturnCode MergeRows(BitmapHandle& bitmap, BitmapHandle& alpha) {
     ViewedRows rows(alpha, bitmap.ViewPerspective);
     if (!rows.IsValid()) return code::InvalidArgument;
-    const auto width = static_cast<uint32_t>(std::min(rows.width(), bitmap.Width));
-    const int32_t height = std::min(rows.height(), bitmap.Height);
+    const auto width = static_cast<uint32_t>(std::min(rows.Width(), bitmap.Width));
+    const int32_t height = std::min(rows.Height(), bitmap.Height);
     const Merge merge(alpha.BitsPerPixel, bitmap.BitsPerPixel);
     const uint32_t alphaBytes = merge.HasBits ? (width + 7) / 8 : width;
     const uint32_t bytes = width * merge.PixelBytes;
@@ -199,5 +199,5 @@ ReturnCode Z_CALL Z_SetBitmapAlpha(BitmapHandle* bitmap, BitmapHandle* alpha) {
     if (CanBeUsedDirectly(*alpha, *bitmap)) return MergeRows(*bitmap, *alpha);
     GrayCopy copy;
     const ReturnCode made = copy.Make(*alpha, bitmap->BitsPerPixel == 64 ? 16 : 8);
-    return made == code::Success ? MergeRows(*bitmap, copy.record()) : made;
+    return made == code::Success ? MergeRows(*bitmap, copy.Record()) : made;
 }

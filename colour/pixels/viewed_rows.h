@@ -16,8 +16,8 @@ class ViewedRows {
     ViewedRows(BitmapHandle& bitmap, int32_t viewPerspective);
 
     bool IsValid() const { return isValid_; }
-    int32_t width() const { return isTurned_ ? bitmap_.Height : bitmap_.Width; }
-    int32_t height() const { return isTurned_ ? bitmap_.Width : bitmap_.Height; }
+    int32_t Width() const { return isTurned_ ? bitmap_.Height : bitmap_.Width; }
+    int32_t Height() const { return isTurned_ ? bitmap_.Width : bitmap_.Height; }
 
     // The first bytes of a row of the wanted view; the buffer holds a whole row of either view.
     [[nodiscard]] ReturnCode Read(uint8_t* buffer, int32_t row, uint32_t bytes);

@@ -33,8 +33,8 @@ class Histogram {
     void SetPopulation(uint32_t key, uint32_t population) { populations_[key] = population; }
 
     // The distinct colours, which others may put into another order.
-    int32_t* colours() { return colours_.data(); }
-    uint32_t colourCount() const { return colourCount_; }
+    int32_t* Colours() { return colours_.data(); }
+    uint32_t ColourCount() const { return colourCount_; }
 
     // Hands over the table of ColourKeys cells, of the run-time heap.
     uint32_t* TakeTable();

@@ -116,7 +116,7 @@ ReturnCode BuildOptimizedPalette(BitmapHandle& bitmap, RGBQUAD* paletteOut, uint
     if (TakeColoursThatThereAre(bitmap, paletteOut, colors)) return code::Success;
     PaletteBuilder builder(colors, fewPeels);
     if (!builder) return code::OutOfMemory;
-    const ReturnCode result = builder.histogram().Add(bitmap);
+    const ReturnCode result = builder.Counts().Add(bitmap);
     if (result == code::Success) Quantise(builder, paletteOut, wantsTable, found);
     return result;
 }
@@ -139,7 +139,7 @@ ReturnCode BuildOptimizedPalette(BitmapList list, RGBQUAD* paletteOut, uint32_t&
     if (!builder) return code::OutOfMemory;
     for (uint32_t i = 0; i < items && result == code::Success; ++i) {
         result = GetItem(list, i, item);
-        if (result == code::Success) result = builder.histogram().Add(item);
+        if (result == code::Success) result = builder.Counts().Add(item);
     }
     if (result == code::Success) Quantise(builder, paletteOut, wantsTable, found);
     return result;

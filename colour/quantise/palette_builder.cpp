@@ -36,7 +36,7 @@ PaletteBuilder::PaletteBuilder(uint32_t colorsWanted, bool fewPeels)
 
 void PaletteBuilder::Build(RGBQUAD* paletteOut) {
     boxes_[0] = {};
-    boxes_[0].Count = histogram_.colourCount();
+    boxes_[0].Count = histogram_.ColourCount();
     boxCount_ = 1;
     Peel();
     Split();
@@ -55,7 +55,7 @@ uint32_t* PaletteBuilder::TakeMatchTable() {
 }
 
 std::span<int32_t> PaletteBuilder::ColoursOf(const ColourBox& box) {
-    return {histogram_.colours() + box.First, box.Count};
+    return {histogram_.Colours() + box.First, box.Count};
 }
 
 ColourSums PaletteBuilder::SumsOf(const ColourBox& box) {
@@ -141,7 +141,7 @@ void PaletteBuilder::SplitBox(ColourBox& box) {
 uint32_t PaletteBuilder::Partition(const ColourBox& box) {
     const int32_t channel = box.WidestChannel();
     const uint32_t mean = box.Mean[channel];
-    int32_t* const colours = histogram_.colours();
+    int32_t* const colours = histogram_.Colours();
     const auto isLow = [&](uint32_t place) {
         return ChannelOf(static_cast<uint32_t>(colours[place]), channel) <= mean;
     };

@@ -17,7 +17,7 @@ class PaletteBuilder {
     explicit operator bool() const { return histogram_ && boxes_ && sortOrder_; }
 
     // Bitmaps go in here, at least one.
-    Histogram& histogram() { return histogram_; }
+    Histogram& Counts() { return histogram_; }
 
     // Writes colorsWanted entries, in ascending order as far as there are boxes, zeroes behind them.
     void Build(RGBQUAD* paletteOut);

@@ -19,7 +19,7 @@ class PaletteSlots {
     // wanted. Then the entries of palette, where it is not null, that are not free.
     PaletteSlots(uint32_t colors, bool withSystemColors, const RGBQUAD* palette);
 
-    uint32_t freeCount() const { return freeCount_; }
+    uint32_t FreeCount() const { return freeCount_; }
 
     // Whether the free entries lie side by side; not where there is none.
     bool IsOneRun() const { return isOneRun_; }
@@ -33,7 +33,7 @@ class PaletteSlots {
     void MoveTable(uint32_t* table) const;
 
     // 256 of them; those behind the palette are like free ones.
-    RGBQUAD* entries() { return entries_; }
+    RGBQUAD* Entries() { return entries_; }
 
   private:
     RGBQUAD entries_[256];

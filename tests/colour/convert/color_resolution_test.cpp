@@ -219,7 +219,7 @@ TEST(ColorResolution, MapsEveryColourToItsBox) {
         for (const auto& [first, count] : {std::pair{0u, 256u}, {0u, 64u}, {77u, 100u}, {250u, 6u}}) {
             ColourPicture picture({16, Z_ORDER_BGR}, 100, 40, 9);
             PaletteBuilder builder(count, few);
-            ASSERT_EQ(builder.histogram().Add(picture), Z_SUCCESS);
+            ASSERT_EQ(builder.Counts().Add(picture), Z_SUCCESS);
             Palette built{};
             builder.Build(built.data());
             uint32_t* table = builder.TakeMatchTable();
@@ -409,7 +409,7 @@ TEST(ColorResolutionOfLists, SharesOnePalette) {
         for (const PictureForm form : {Bgr24, PictureForm{8, 0}, PictureForm{16, 2}, PictureForm{64, 0}}) {
             list.Add(form, 4000);
             ColourPicture same(form, 40, 10, 5, 4000);
-            ASSERT_EQ(builder.histogram().Add(same), Z_SUCCESS);
+            ASSERT_EQ(builder.Counts().Add(same), Z_SUCCESS);
         }
         Palette built{}, slots = Slots(first, 64);
         builder.Build(built.data());

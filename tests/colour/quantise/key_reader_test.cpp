@@ -28,10 +28,10 @@ void ExpectKeys(ColourPicture& picture, PictureForm form) {
     Histogram wanted, got;
     wanted.Add(keys.data(), keys.size());
     ASSERT_EQ(got.Add(picture), code::Success);
-    ASSERT_EQ(got.colourCount(), wanted.colourCount());
-    for (uint32_t i = 0; i < wanted.colourCount(); ++i) {
-        const int32_t colour = wanted.colours()[i];
-        ASSERT_EQ(got.colours()[i], colour) << "the " << i << "th in order";
+    ASSERT_EQ(got.ColourCount(), wanted.ColourCount());
+    for (uint32_t i = 0; i < wanted.ColourCount(); ++i) {
+        const int32_t colour = wanted.Colours()[i];
+        ASSERT_EQ(got.Colours()[i], colour) << "the " << i << "th in order";
         ASSERT_EQ(got.Population(static_cast<uint32_t>(colour)),
                   wanted.Population(static_cast<uint32_t>(colour)));
     }

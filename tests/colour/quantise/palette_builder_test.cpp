@@ -154,7 +154,7 @@ void ExpectAsSlow(const Keys& keys, uint32_t wanted, bool fewPeels) {
     ASSERT_TRUE(builder);
     // In pieces, as rows come.
     for (size_t i = 0; i < keys.size(); i += 700)
-        builder.histogram().Add(keys.data() + i, std::min<size_t>(700, keys.size() - i));
+        builder.Counts().Add(keys.data() + i, std::min<size_t>(700, keys.size() - i));
     std::vector<RGBQUAD> palette(wanted + 1, RGBQUAD{1, 2, 3, 4});
     builder.Build(palette.data());
     for (uint32_t i = 0; i < wanted; ++i) {
