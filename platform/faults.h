@@ -20,10 +20,11 @@ enum Kind : uint32_t {
     FileSeek = 1u << 7,  // SetFilePointer, SetFilePointerEx
     FileEnd = 1u << 8,   // SetEndOfFile
     Palette = 1u << 9,   // CreatePalette
-    Device = 1u << 10,   // GetDC and the making of surfaces and device contexts
+    Device = 1u << 10,   // GetDC, SaveDC, the making of device contexts, bitmaps and brushes
     Thread = 1u << 11,   // FlsAlloc, FlsSetValue
     Module = 1u << 12,   // LoadLibraryA
     Region = 1u << 13,   // the making of regions, CombineRgn, GetRegionData, paths
+    Drawing = 1u << 14,  // calls that draw, and GetDIBits
 
     AllMemory = Heap | Global | Mapping | View,
     AllFiles = FileOpen | FileRead | FileWrite | FileSeek | FileEnd,

@@ -62,10 +62,10 @@ Z_API ReturnCode Z_CALL Z_DeleteSurface(HDC context);
 Z_API ReturnCode Z_CALL Z_SetScreenSurface(HDC context);
 
 /*
- * Deletes an object of the platform that belongs to the host, as the palette objects and regions do that
+ * Deletes an object of the platform that belongs to the host, as the palette objects, regions and bitmaps do that
  * functions of the library return. Not for what a bitmap holds: Z_FreeBitmap releases that.
  *
- * object  in: a palette object or a region
+ * object  in: a palette object, a region or a bitmap
  *
  * 1 on success. Z_ERROR_ARGUMENT: null, an object that is deleted already, or no object of these kinds;
  * nothing is changed.

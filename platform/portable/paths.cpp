@@ -14,14 +14,6 @@ template <typename Result> Result Refuse(Result result) {
 
 } // namespace
 
-int SetPolyFillMode(HDC handle, int mode) {
-    const Pin<DeviceContext> context(handle);
-    if (!context) return 0;
-    if (mode != ALTERNATE && mode != WINDING) return Refuse(0);
-    const std::scoped_lock lock(context->mutex);
-    return std::exchange(context->polyFillMode, mode);
-}
-
 BOOL BeginPath(HDC handle) {
     const Pin<DeviceContext> context(handle);
     if (!context) return FALSE;
@@ -68,7 +60,7 @@ HRGN PathToRegion(HDC handle) {
     context->pathState = PathState::None;
     PixelSet set;
     const bool made =
-        !fault::Due(fault::Region) && context->path.Fill(context->polyFillMode == ALTERNATE, set);
+        !fault::Due(fault::Region) && context->path.Fill(context->state.polyFillMode == ALTERNATE, set);
     context->path.Clear();
     if (made) return MakeRegion(std::move(set));
     SetLastError(ERROR_NOT_ENOUGH_MEMORY);

@@ -256,11 +256,13 @@ TEST(Regions, HoldHundredsOfThousandsOfRectangles) {
 TEST(Regions, RefuseWhatIsNone) {
     HRGN region = CreateRectRgn(0, 0, 4, 4);
     RECT box{7, 7, 7, 7};
+#ifndef _WIN32 // Wine asks neither
     RGNDATA data{};
     data.rdh = {sizeof(RGNDATAHEADER), RDH_RECTANGLES, 2, 0, {}};
     EXPECT_EQ(ExtCreateRegion(nullptr, sizeof(RGNDATAHEADER), &data), nullptr) << "more than there is";
     const POINT points[3] = {{0, 0}, {5, 0}, {0, 5}};
     EXPECT_EQ(CreatePolygonRgn(points, 3, 7), nullptr);
+#endif
     EXPECT_TRUE(DeleteObject(region));
     EXPECT_EQ(GetRgnBox(region, &box), ERROR) << "deleted";
     EXPECT_EQ(OffsetRgn(region, 1, 1), ERROR);

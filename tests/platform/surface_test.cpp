@@ -64,8 +64,8 @@ TEST_F(Surfaces, ShowTheirRowsFromTheTop) {
         ASSERT_EQ(Z_CreateSurface(&description_, &context), Z_SUCCESS);
         {
             const Pin<DeviceContext> pin(context);
-            EXPECT_EQ(pin->surface->topRow, pixels_.data() + (topDown ? 0 : 36));
-            EXPECT_EQ(pin->surface->pitch, topDown ? 12 : -12);
+            EXPECT_EQ(pin->device->topRow, pixels_.data() + (topDown ? 0 : 36));
+            EXPECT_EQ(pin->device->pitch, topDown ? 12 : -12);
         }
         EXPECT_EQ(Z_DeleteSurface(context), Z_SUCCESS);
     }
@@ -90,7 +90,7 @@ TEST_F(Surfaces, ServeAsAPaletteDisplay) {
     {
         const Pin<DeviceContext> pin(screen);
         ASSERT_TRUE(pin) << "contexts of the screen outlive its surface";
-        EXPECT_EQ(pin->surface->topRow, nullptr) << "but let go of the host's pixels";
+        EXPECT_EQ(pin->device->topRow, nullptr) << "but let go of the host's pixels";
     }
     EXPECT_EQ(ReleaseDC(nullptr, screen), 1);
     screen = GetDC(nullptr);
