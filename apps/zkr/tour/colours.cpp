@@ -49,8 +49,8 @@ Palette ReduceByAll(Tour& tour, int bits) {
         const double milliseconds = watch.Milliseconds();
         Bitmap back = Converted(reduced, tour.photo.Format(), Storage{});
         const std::string closeness = Closeness(Psnr(tour.photo, back));
-        tour.Print({count + ", " + method.title, ShortName(reduced.Format()), StorageOf(reduced),
-                    reduced.Bytes(), milliseconds, closeness});
+        tour.Print({count + ", " + method.title, std::to_string(bits) + " optimized palette",
+                    StorageOf(reduced), reduced.Bytes(), milliseconds, closeness});
         tour.Write(reduced, "colours-" + count + "-" + method.word + ".png");
         section.cells.push_back(Tour::Cell(back, method.title, closeness));
         palette = reduced.Format().palette;

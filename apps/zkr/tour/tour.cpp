@@ -8,9 +8,14 @@
 
 namespace zkr::app {
 
+void Tour::PrintHead(const char* title) const {
+    std::printf("\n%s\n  %-24s %-19s %-32s %9s %9s  %s\n", title, "step", "pixels", "storage class", "bytes",
+                "ms", "result");
+}
+
 void Tour::Print(const TourStep& step) {
     StatusBar::Wipe();
-    std::printf("  %-24s %-16s %-32s %9zu %9.1f  %s\n", step.step.c_str(), step.pixels.c_str(),
+    std::printf("  %-24s %-19s %-32s %9zu %9.1f  %s\n", step.step.c_str(), step.pixels.c_str(),
                 step.storage.c_str(), step.bytes, step.milliseconds, step.result.c_str());
     std::fflush(stdout);
     wrongSteps += step.wrong ? 1 : 0;

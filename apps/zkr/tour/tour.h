@@ -30,6 +30,7 @@ struct Tour {
     std::vector<std::string> storageLines = {}; // of the photograph, for the sheet
     int wrongSteps = 0;
 
+    void PrintHead(const char* title) const;
     void Print(const TourStep& step);
     // A cell with a small copy of a bitmap of the photograph's format.
     static ContactSheet::Cell Cell(Bitmap& bitmap, const std::string& title, const std::string& text);

@@ -28,6 +28,9 @@ void Describe(CLI::App& verb, TourOptions& options) {
         ->type_name("DIR");
 }
 
+constexpr const char* Decibels = "dB tells how close a result is to the photograph (peak signal to noise "
+                                 "ratio); equal is without any difference";
+
 constexpr const Station* Stations[] = {
 #define ZKR_STATION(Name) &Name##Station,
 #include "apps/zkr/tour/stations.list"
@@ -48,16 +51,15 @@ void Run(const TourOptions& options) {
     }
     const std::string picture =
         std::filesystem::path(options.picture).filename().string() + ", " + SizeOf(photo);
-    std::printf("%s\n", picture.c_str());
+    std::printf("%s\n%s\n", picture.c_str(), Decibels);
 
     Tour tour = {std::move(photo), options.page, options.out,
-                 ContactSheet("ZKR13N: one picture in every depth", picture)};
+                 ContactSheet("ZKR13N: one picture in every depth", picture + ". " + Decibels)};
     for (const Station* station : Stations) {
-        std::printf("\n%s\n  %-24s %-16s %-32s %9s %9s  %s\n", station->title, "step", "pixels",
-                    "storage class", "bytes", "ms", "result");
+        tour.PrintHead(station->title);
         station->run(tour);
     }
-    std::printf("\nPictures are in %s\n", options.out.c_str());
+    std::printf("\nPictures are in %s; contact-sheet.png shows all of them\n", options.out.c_str());
     if (tour.wrongSteps > 0) {
         throw Failure(options.picture,
                       std::to_string(tour.wrongSteps) + " steps did not give back what went in");
