@@ -63,8 +63,10 @@ std::string Told(const CLI::App& verb, const CLI::ParseError& error) {
     if (!rest.empty()) return "'" + rest.front() + "' is one word too many";
     const std::string told = error.what();
     if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) == nullptr) return told;
-    const bool often = told.find("At Most") != told.npos;
-    return told.substr(0, told.find(':')) + (often ? " is given too often" : " needs a value");
+    const auto has = [&told](const char* part) { return told.find(part) != told.npos; };
+    return told.substr(0, told.find(':')) + (has("At Most")    ? " is given too often"
+                                             : has("At least") ? " needs more values"
+                                                               : " needs a value");
 }
 
 // What is wrong where no verb was found.

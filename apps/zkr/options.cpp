@@ -36,6 +36,8 @@ bool ParseNumbers(const std::string& text, std::span<int> numbers) {
     return true;
 }
 
+constexpr const char* PointForm = "a point of two whole numbers, X,Y";
+
 std::string Brief(double number) {
     char text[32];
     std::snprintf(text, sizeof text, "%g", number);
@@ -123,7 +125,22 @@ CLI::Option* AddColour(CLI::App& verb, const std::string& name, uint32_t& target
 }
 
 CLI::Option* AddPoint(CLI::App& verb, const std::string& name, Point& target, const std::string& help) {
-    return AddValue(verb, name, target, ParsePoint, "X,Y", "a point of two whole numbers, X,Y", help);
+    return AddValue(verb, name, target, ParsePoint, "X,Y", PointForm, help);
+}
+
+CLI::Option* AddPoints(CLI::App& verb, const std::string& name, std::vector<Point>& target, int count,
+                       const std::string& help) {
+    const auto set = [&target, name](const std::vector<std::string>& given) {
+        target.clear();
+        for (const std::string& text : given) {
+            const std::optional<Point> point = ParsePoint(text);
+            if (!point) throw CLI::ValidationError(name, "'" + text + "' is not " + PointForm);
+            target.push_back(*point);
+        }
+    };
+    return verb.add_option_function<std::vector<std::string>>(name, set, help)
+        ->expected(count)
+        ->type_name("X,Y");
 }
 
 void AddSize(CLI::App& verb, int& width, int& height, bool required, const std::string& of) {

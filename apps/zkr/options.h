@@ -76,6 +76,9 @@ CLI::Option* AddAngle(CLI::App& verb, const std::string& name, int& hundredths, 
 
 CLI::Option* AddColour(CLI::App& verb, const std::string& name, uint32_t& target, const std::string& help);
 CLI::Option* AddPoint(CLI::App& verb, const std::string& name, Point& target, const std::string& help);
+// `count` points behind one option: --points 0,0 10,0 10,10 0,10.
+CLI::Option* AddPoints(CLI::App& verb, const std::string& name, std::vector<Point>& target, int count,
+                       const std::string& help);
 
 // --width and --height, both or none of them; `of` is whose they are.
 void AddSize(CLI::App& verb, int& width, int& height, bool required, const std::string& of);

@@ -24,6 +24,10 @@ std::string FolderOf(const std::string& path) {
     return folder.empty() ? "." : folder;
 }
 
+std::string BesideOf(const std::string& path) {
+    return path + "." + std::to_string(getpid()) + ".part";
+}
+
 class SignalsHeld {
   public:
     SignalsHeld() {
@@ -39,17 +43,24 @@ class SignalsHeld {
     sigset_t before_;
 };
 
+// -1 where there are no such files, or no way to link them.
+int OpenNameless(const std::string& folder) {
+    if (access("/proc/self/fd", X_OK) != 0) return -1;
+    return open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, Mode);
+}
+
 } // namespace
 
 OutputFile::OutputFile(const std::string& path) : path_(path) {
-    int file = open(FolderOf(path).c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, Mode);
-    const bool nameless = file >= 0;
-    if (!nameless && (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL)) {
-        temporary_ = path + "." + std::to_string(getpid()) + ".part";
+    int file = OpenNameless(FolderOf(path));
+    if (file < 0) {
+        temporary_ = BesideOf(path);
         file = open(temporary_.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, Mode);
-        if (file < 0) temporary_.clear();
+        if (file < 0) {
+            temporary_.clear();
+            Fail();
+        }
     }
-    if (file < 0) Fail();
     file_.reset(fdopen(file, "wb"));
     if (file_ == nullptr) Fail();
 }
@@ -71,9 +82,8 @@ void OutputFile::Commit() {
             return linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
         };
         if (!link(path_)) {
-            const std::string beside = path_ + "." + std::to_string(getpid()) + ".part";
-            if (errno != EEXIST || !link(beside)) Fail();
-            temporary_ = beside;
+            if (errno != EEXIST || !link(BesideOf(path_))) Fail();
+            temporary_ = BesideOf(path_);
         }
     }
     if (std::fclose(file_.release()) != 0) {
