@@ -28,8 +28,8 @@ void Describe(CLI::App& verb, TourOptions& options) {
         ->type_name("DIR");
 }
 
-constexpr const char* Decibels = "dB tells how close a result is to the photograph (peak signal to noise "
-                                 "ratio); equal is without any difference";
+constexpr const char* Decibels =
+    "dB tells how close a result is to the photograph: its peak signal to noise ratio";
 
 constexpr const Station* Stations[] = {
 #define ZKR_STATION(Name) &Name##Station,
