@@ -150,6 +150,18 @@ TEST(FullDisk, IsToldAndLosesNothing) {
     }
     EXPECT_EQ(Rows(bitmap), before);
 }
+
+TEST(FullDisk, IsNotPromisedMoreThanItHas) {
+    const TemporaryDirectory directory;
+    Bitmap enormous(2400000, 2440000, 24); // 17.6 TB
+    if (std::filesystem::space(directory.Path()).available > enormous.Size) GTEST_SKIP() << "it has";
+    for (const int32_t type : {int32_t{MemoryDisk}, int32_t{MemoryNoTiled}})
+        EXPECT_EQ(Z_AllocateBitmap(&enormous, type), code::OutOfMemory);
+    Bitmap bitmap(9000, 100, 8);
+    ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryDisk), 1);
+    EXPECT_EQ(Z_ChangeBitmapHeight(&bitmap, 2000000000), code::OutOfMemory);
+    EXPECT_EQ(bitmap.Height, 100);
+}
 #endif
 
 } // namespace

@@ -30,6 +30,7 @@ class TemporaryDirectory {
         std::error_code ignored;
         std::filesystem::remove_all(path_, ignored);
     }
+    const std::filesystem::path& Path() const { return path_; }
     bool IsEmpty() const { return std::filesystem::is_empty(path_); }
 
   private:
