@@ -6,6 +6,7 @@
 #include "core/bitmap_lock.h"
 #include "core/dispatch.h"
 #include "core/predicates.h"
+#include "core/rectangle.h"
 #include "core/return_codes.h"
 #include "core/sizes.h"
 #include "zkr13n/gray.h"
@@ -21,7 +22,7 @@ namespace zkr {
 namespace {
 
 bool IsInside(const BitmapHandle& bitmap, int32_t row, int32_t column) {
-    return row >= 0 && row < bitmap.Height && column >= 0 && column < bitmap.Width;
+    return Rectangle::Whole(bitmap).Holds(column, row);
 }
 
 // The first bytes of a pixel that mean its colour, low byte first from 12 bits on.
