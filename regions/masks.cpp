@@ -61,7 +61,7 @@ ReturnCode FillMask(BitmapHandle& bitmap, BitmapHandle& mask) {
 
 // From a bitmap's coordinates to those of a picture drawn into a rectangle.
 RegionXform XformInto(const BitmapHandle& bitmap, const RECT& destination) {
-    const Rectangle area = Rectangle::Of(destination);
+    const zkr::Rectangle area = zkr::Rectangle::Of(destination);
     return {view::TopLeft,
             Saturated(area.Width()),
             ViewedWidth(bitmap),
@@ -72,7 +72,7 @@ RegionXform XformInto(const BitmapHandle& bitmap, const RECT& destination) {
 }
 
 // The part of a bitmap in a rectangle as a bitmap of its own, as far as regions need one. The region belongs to it.
-ReturnCode TakePart(BitmapHandle& bitmap, const Rectangle& source, BitmapHandle& part) {
+ReturnCode TakePart(BitmapHandle& bitmap, const zkr::Rectangle& source, BitmapHandle& part) {
     const int64_t dx = -int64_t{source.Left}, dy = -int64_t{source.Top};
     if (!FitsInt32(dx) || !FitsInt32(dy)) return code::InvalidArgument;
     part = bitmap;
