@@ -4,7 +4,7 @@
 // last row is done both images exist, and whatever fails, the source's record is put back.
 #include "zkr13n/color_resolution.h"
 
-#include "colour/convert/color_resolution_rows.h"
+#include "colour/convert/colour_resolution_rows.h"
 #include "colour/convert/palette_choice.h"
 #include "colour/palettes/fixed_palettes.h"
 #include "colour/pixels/colour_value.h"

@@ -1,5 +1,5 @@
 // Walks over the source and makes the target's rows by dithering or conversion.
-#include "colour/convert/color_resolution_rows.h"
+#include "colour/convert/colour_resolution_rows.h"
 
 #include "colour/dither/dither_state.h"
 #include "colour/gray/gray_window.h"
