@@ -34,6 +34,8 @@ uint64_t RowSize(int32_t width, int32_t bits) {
 
 } // namespace zkr
 
+using namespace zkr;
+
 ReturnCode Z_CALL Z_ConvertBuffer(void* row, int32_t width, int32_t sourceBits, int32_t targetBits,
                                   int32_t sourceOrder, int32_t targetOrder, const RGBQUAD* sourcePalette,
                                   const RGBQUAD* targetPalette) {
@@ -45,19 +47,19 @@ ReturnCode Z_CALL Z_ConvertBufferExt(void* row, int32_t width, int32_t sourceBit
                                      int32_t sourceOrder, int32_t targetOrder, const RGBQUAD* sourcePalette,
                                      const RGBQUAD* targetPalette, uint32_t flags, int32_t lowBit,
                                      int32_t highBit) {
-    zkr::ConvertRequest request{width,         sourceBits,    targetBits, sourceOrder, targetOrder,
-                                sourcePalette, targetPalette, flags,      lowBit,      highBit};
-    if (row == nullptr || !zkr::CheckConversion(request)) return zkr::code::InvalidArgument;
-    zkr::ConvertPlan plan(request);
-    if (plan.Chain().Count() == 0) return zkr::code::Success;
-    if (zkr::SourceBytes(request) >= zkr::SmallestNotedRow) plan.Chain().ReadAhead(zkr::TakeRowAhead(row));
-    zkr::RunInPlace(plan.Chain(), request, static_cast<uint8_t*>(row));
-    return zkr::code::Success;
+    ConvertRequest request{width,         sourceBits,    targetBits, sourceOrder, targetOrder,
+                           sourcePalette, targetPalette, flags,      lowBit,      highBit};
+    if (row == nullptr || !CheckConversion(request)) return code::InvalidArgument;
+    ConvertPlan plan(request);
+    if (plan.Chain().Count() == 0) return code::Success;
+    if (SourceBytes(request) >= SmallestNotedRow) plan.Chain().ReadAhead(TakeRowAhead(row));
+    RunInPlace(plan.Chain(), request, static_cast<uint8_t*>(row));
+    return code::Success;
 }
 
 size_t Z_CALL Z_CalcConvertSize(int32_t firstWidth, int32_t firstBits, int32_t secondWidth,
                                 int32_t secondBits) {
-    const uint64_t size = std::max({zkr::RowSize(firstWidth, firstBits), zkr::RowSize(secondWidth, firstBits),
-                                    zkr::RowSize(secondWidth, secondBits)});
+    const uint64_t size = std::max(
+        {RowSize(firstWidth, firstBits), RowSize(secondWidth, firstBits), RowSize(secondWidth, secondBits)});
     return static_cast<size_t>(std::min<uint64_t>(size, std::numeric_limits<size_t>::max()));
 }

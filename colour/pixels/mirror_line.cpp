@@ -106,26 +106,28 @@ template <class Field> void MirrorFields(uint8_t* row, size_t width) {
 
 } // namespace zkr
 
+using namespace zkr;
+
 ReturnCode Z_CALL Z_MirrorLine(void* row, int32_t width, int32_t bits) {
-    if (row == nullptr || width <= 0) return zkr::code::Success;
+    if (row == nullptr || width <= 0) return code::Success;
     auto* bytes = static_cast<uint8_t*>(row);
     const auto pixels = static_cast<size_t>(width);
     switch (bits) {
-    case 1: zkr::MirrorDividing<1>(bytes, pixels); break;
-    case 2: zkr::MirrorDividing<2>(bytes, pixels); break;
-    case 3: zkr::MirrorFields<zkr::CrossingField<3>>(bytes, pixels); break;
-    case 4: zkr::MirrorDividing<4>(bytes, pixels); break;
-    case 5: zkr::MirrorFields<zkr::CrossingField<5>>(bytes, pixels); break;
-    case 6: zkr::MirrorFields<zkr::CrossingField<6>>(bytes, pixels); break;
-    case 7: zkr::MirrorFields<zkr::CrossingField<7>>(bytes, pixels); break;
-    case 8: zkr::MirrorWhole<1>(bytes, pixels); break;
-    case 12: zkr::MirrorFields<zkr::GrayField>(bytes, pixels); break;
-    case 16: zkr::MirrorWhole<2>(bytes, pixels); break;
-    case 24: zkr::MirrorWhole<3>(bytes, pixels); break;
-    case 32: zkr::MirrorWhole<4>(bytes, pixels); break;
-    case 48: zkr::MirrorWhole<6>(bytes, pixels); break;
-    case 64: zkr::MirrorWhole<8>(bytes, pixels); break;
+    case 1: MirrorDividing<1>(bytes, pixels); break;
+    case 2: MirrorDividing<2>(bytes, pixels); break;
+    case 3: MirrorFields<CrossingField<3>>(bytes, pixels); break;
+    case 4: MirrorDividing<4>(bytes, pixels); break;
+    case 5: MirrorFields<CrossingField<5>>(bytes, pixels); break;
+    case 6: MirrorFields<CrossingField<6>>(bytes, pixels); break;
+    case 7: MirrorFields<CrossingField<7>>(bytes, pixels); break;
+    case 8: MirrorWhole<1>(bytes, pixels); break;
+    case 12: MirrorFields<GrayField>(bytes, pixels); break;
+    case 16: MirrorWhole<2>(bytes, pixels); break;
+    case 24: MirrorWhole<3>(bytes, pixels); break;
+    case 32: MirrorWhole<4>(bytes, pixels); break;
+    case 48: MirrorWhole<6>(bytes, pixels); break;
+    case 64: MirrorWhole<8>(bytes, pixels); break;
     default: break;
     }
-    return zkr::code::Success;
+    return code::Success;
 }
