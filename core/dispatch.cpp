@@ -79,7 +79,7 @@ ReturnCode CombineRegion(BitmapHandle* bitmap, const RegionXform*, RegionHandle*
 ReturnCode Z_CALL GetBitmapRgnBounds(BitmapHandle* bitmap, const RegionXform*, RECT* bounds) {
     if (bitmap == nullptr) return code::InvalidBitmap;
     if (bounds == nullptr) return code::InvalidArgument;
-    *bounds = Rectangle::Whole(*bitmap).AsRect();
+    *bounds = PixelRect::Whole(*bitmap).AsRect();
     return code::Success;
 }
 
@@ -123,7 +123,7 @@ ReturnCode Z_CALL SetBitmapRgnRect(BitmapHandle* bitmap, const RegionXform*, con
 }
 
 int32_t Z_CALL IsPtInBitmapRgn(BitmapHandle* bitmap, int32_t row, int32_t column) {
-    return bitmap != nullptr && Rectangle::Whole(*bitmap).Holds(column, row) ? 1 : 0;
+    return bitmap != nullptr && PixelRect::Whole(*bitmap).Holds(column, row) ? 1 : 0;
 }
 
 ReturnCode Z_CALL CreateMaskFromBitmapRgn(BitmapHandle* bitmap, BitmapHandle* mask) {

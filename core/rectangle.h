@@ -18,19 +18,20 @@ constexpr bool FitsInt32(int64_t value) {
     return value == Saturated(value);
 }
 
-// Right and Bottom are not part of it. A rectangle that ends where it begins, or before, is empty.
-struct Rectangle {
+// Right and Bottom are not part of it. A rectangle that ends where it begins, or before, is empty. It is no Rectangle, which
+// is a drawing call of Windows.
+struct PixelRect {
     int32_t Left;
     int32_t Top;
     int32_t Right;
     int32_t Bottom;
 
     // Edges beyond the 32 bits stand at their end, where no bitmap reaches.
-    static constexpr Rectangle At(int32_t left, int32_t top, int64_t width, int64_t height) {
+    static constexpr PixelRect At(int32_t left, int32_t top, int64_t width, int64_t height) {
         return {left, top, Saturated(left + width), Saturated(top + height)};
     }
-    static constexpr Rectangle Of(const RECT& rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
-    static constexpr Rectangle Whole(const BitmapHandle& bitmap) {
+    static constexpr PixelRect Of(const RECT& rect) { return {rect.left, rect.top, rect.right, rect.bottom}; }
+    static constexpr PixelRect Whole(const BitmapHandle& bitmap) {
         return {0, 0, bitmap.Width, bitmap.Height};
     }
 
@@ -42,26 +43,26 @@ struct Rectangle {
     constexpr bool Holds(int32_t column, int32_t row) const {
         return column >= Left && column < Right && row >= Top && row < Bottom;
     }
-    friend constexpr bool operator==(const Rectangle&, const Rectangle&) = default;
+    friend constexpr bool operator==(const PixelRect&, const PixelRect&) = default;
 };
 
 // What two rectangles share; all zero when that is nothing.
-constexpr Rectangle Intersection(const Rectangle& a, const Rectangle& b) {
-    const Rectangle shared = {std::max(a.Left, b.Left), std::max(a.Top, b.Top), std::min(a.Right, b.Right),
+constexpr PixelRect Intersection(const PixelRect& a, const PixelRect& b) {
+    const PixelRect shared = {std::max(a.Left, b.Left), std::max(a.Top, b.Top), std::min(a.Right, b.Right),
                               std::min(a.Bottom, b.Bottom)};
-    return shared.IsEmpty() ? Rectangle{} : shared;
+    return shared.IsEmpty() ? PixelRect{} : shared;
 }
 
 // The smallest rectangle around two; an empty one adds nothing.
-constexpr Rectangle Union(const Rectangle& a, const Rectangle& b) {
-    if (a.IsEmpty()) return b.IsEmpty() ? Rectangle{} : b;
+constexpr PixelRect Union(const PixelRect& a, const PixelRect& b) {
+    if (a.IsEmpty()) return b.IsEmpty() ? PixelRect{} : b;
     if (b.IsEmpty()) return a;
     return {std::min(a.Left, b.Left), std::min(a.Top, b.Top), std::max(a.Right, b.Right),
             std::max(a.Bottom, b.Bottom)};
 }
 
 // Whether all edges stay within 32 bits; the rectangle is only moved if they do.
-constexpr bool Move(Rectangle& rectangle, int32_t dx, int32_t dy) {
+constexpr bool Move(PixelRect& rectangle, int32_t dx, int32_t dy) {
     const int64_t left = int64_t{rectangle.Left} + dx, right = int64_t{rectangle.Right} + dx;
     const int64_t top = int64_t{rectangle.Top} + dy, bottom = int64_t{rectangle.Bottom} + dy;
     if (!FitsInt32(left) || !FitsInt32(right) || !FitsInt32(top) || !FitsInt32(bottom)) return false;

@@ -12,7 +12,7 @@ ReturnCode RegionRows::Begin() {
     RECT bounds{};
     ReturnCode result = Dispatch().GetBitmapRgnBounds(&bitmap_, nullptr, &bounds);
     if (result != code::Success) return result;
-    const Rectangle inside = Intersection(Rectangle::Of(bounds), Rectangle::Whole(bitmap_));
+    const PixelRect inside = Intersection(PixelRect::Of(bounds), PixelRect::Whole(bitmap_));
     top_ = inside.Top;
     rows_ = static_cast<int32_t>(inside.Height());
 

@@ -26,7 +26,7 @@ ReturnCode MergeWithPresent(const BitmapHandle& bitmap, OwnedRegion& record, uin
     const RegionHandle* present = mode == Z_RGN_SETNOT ? nullptr : RegionOf(bitmap);
     OwnedRegion whole;
     if (present == nullptr) {
-        Rectangle area = Rectangle::Whole(bitmap);
+        PixelRect area = PixelRect::Whole(bitmap);
         if (HasFlag(bitmap, flag::RegionUnclipped)) area = Union(area, BoundsOf(*record));
         const ReturnCode status = RectRegion(whole, area);
         if (status != code::Success) return status;

@@ -139,7 +139,7 @@ class Flood {
 
     ReturnCode Build(OwnedRegion& result) {
         RegionBuilder builder;
-        ReturnCode status = builder.Begin(Rectangle::Whole(bitmap_));
+        ReturnCode status = builder.Begin(PixelRect::Whole(bitmap_));
         const auto runsOfBits = kernels::Chosen<kernels::BitRowKernels>().RunsOfBits;
         for (int32_t row = 0; row < bitmap_.Height && status == code::Success; ++row)
             status = builder.EndRow(

@@ -61,7 +61,7 @@ ReturnCode FillMask(BitmapHandle& bitmap, BitmapHandle& mask) {
 
 // From a bitmap's coordinates to those of a picture drawn into a rectangle.
 RegionXform XformInto(const BitmapHandle& bitmap, const RECT& destination) {
-    const zkr::Rectangle area = zkr::Rectangle::Of(destination);
+    const zkr::PixelRect area = zkr::PixelRect::Of(destination);
     return {view::TopLeft,
             Saturated(area.Width()),
             ViewedWidth(bitmap),
@@ -72,7 +72,7 @@ RegionXform XformInto(const BitmapHandle& bitmap, const RECT& destination) {
 }
 
 // The part of a bitmap in a rectangle as a bitmap of its own, as far as regions need one. The region belongs to it.
-ReturnCode TakePart(BitmapHandle& bitmap, const zkr::Rectangle& source, BitmapHandle& part) {
+ReturnCode TakePart(BitmapHandle& bitmap, const zkr::PixelRect& source, BitmapHandle& part) {
     const int64_t dx = -int64_t{source.Left}, dy = -int64_t{source.Top};
     if (!FitsInt32(dx) || !FitsInt32(dy)) return code::InvalidArgument;
     part = bitmap;
@@ -120,7 +120,7 @@ ReturnCode Z_CALL Z_GetResizedRgnHandle(BitmapHandle* bitmap, const RECT* source
         return Z_IntGetBitmapRgnHandle(bitmap, &xform, platformRegion, owned);
     }
     BitmapHandle part{};
-    ReturnCode status = TakePart(*bitmap, Rectangle::Of(*sourceRectangle), part);
+    ReturnCode status = TakePart(*bitmap, PixelRect::Of(*sourceRectangle), part);
     if (status != code::Success) return status;
     const OwnedRegion region(RegionOf(part));
     const RegionXform xform = XformInto(part, *destinationRectangle);

@@ -18,7 +18,7 @@ std::span<RegionRowEntry> RowEntries(RegionHandle& region) {
     return {region.RowTable, region.RowTableBytes / sizeof(RegionRowEntry)};
 }
 
-void SetBounds(RegionHandle& region, const Rectangle& bounds) {
+void SetBounds(RegionHandle& region, const PixelRect& bounds) {
     region.Left = bounds.Left;
     region.Top = bounds.Top;
     region.Right = bounds.Right;
@@ -30,7 +30,7 @@ void SetBounds(RegionHandle& region, const Rectangle& bounds) {
 ReturnCode OffsetRegion(RegionHandle* region, int32_t dx, int32_t dy) {
     if (region == nullptr) return code::InvalidArgument;
     if (IsEmpty(*region) || (dx == 0 && dy == 0)) return code::Success;
-    Rectangle bounds = BoundsOf(*region);
+    PixelRect bounds = BoundsOf(*region);
     if (!Move(bounds, dx, dy)) return code::InvalidArgument;
     if (dx != 0)
         for (int32_t& x : EndPoints(*region))
@@ -75,9 +75,9 @@ ReturnCode ReverseRegion(BitmapHandle* bitmap) {
     return code::Success;
 }
 
-ReturnCode ClipRegion(RegionHandle* region, const Rectangle& rectangle) {
+ReturnCode ClipRegion(RegionHandle* region, const PixelRect& rectangle) {
     if (region == nullptr) return code::InvalidArgument;
-    const Rectangle area = Intersection(BoundsOf(*region), rectangle);
+    const PixelRect area = Intersection(BoundsOf(*region), rectangle);
     if (area == BoundsOf(*region)) return code::Success;
     if (area.IsEmpty()) {
         EmptyRegion(*region);
@@ -104,7 +104,7 @@ ReturnCode ClipRegion(RegionHandle* region, const Rectangle& rectangle) {
 
 ReturnCode ClipToBitmap(const BitmapHandle& bitmap, RegionHandle& region) {
     return HasFlag(bitmap, flag::RegionUnclipped) ? code::Success
-                                                  : ClipRegion(&region, Rectangle::Whole(bitmap));
+                                                  : ClipRegion(&region, PixelRect::Whole(bitmap));
 }
 
 } // namespace zkr

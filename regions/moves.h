@@ -16,7 +16,7 @@ ReturnCode FlipRegion(RegionHandle* region, int32_t height);
 ReturnCode ReverseRegion(BitmapHandle* bitmap);
 
 // Takes away what lies outside of a rectangle.
-ReturnCode ClipRegion(RegionHandle* region, const Rectangle& rectangle);
+ReturnCode ClipRegion(RegionHandle* region, const PixelRect& rectangle);
 
 // Cuts a bitmap's region to the bitmap, unless its flag says that this is done by those who read it.
 ReturnCode ClipToBitmap(const BitmapHandle& bitmap, RegionHandle& region);

@@ -144,7 +144,7 @@ ReturnCode RegionOfPixels(BitmapHandle& bitmap, PixelTest& test, OwnedRegion& re
     ScratchBuffer<uint64_t> bits(kernels::BitRowWords(width));
     RegionBuilder builder;
     if (!buffer || !bits) return code::OutOfMemory;
-    ReturnCode status = builder.Begin(Rectangle::Whole(bitmap));
+    ReturnCode status = builder.Begin(PixelRect::Whole(bitmap));
     const auto runsOfBits = kernels::Chosen<kernels::BitRowKernels>().RunsOfBits;
     const BitmapLock lock(&bitmap);
     for (int32_t y = 0; y < bitmap.Height && status == code::Success; ++y) {

@@ -30,10 +30,10 @@ bool MoveKept(const BitmapHandle& bitmap, RegionHandle& region, const RegionXfor
 }
 
 ReturnCode MakeWhole(const BitmapHandle* bitmap, const RegionXform& xform, HRGN* platformRegion) {
-    RECT whole = Rectangle::Whole(*bitmap).AsRect();
+    RECT whole = PixelRect::Whole(*bitmap).AsRect();
     const ReturnCode status = TransformRect(bitmap, &xform, &whole);
     if (status != code::Success) return status;
-    if (Rectangle::Of(whole).IsEmpty()) whole = {}; // the platform would exchange the edges
+    if (PixelRect::Of(whole).IsEmpty()) whole = {}; // the platform would exchange the edges
     const HRGN made = platform::CreateRectRgn(whole.left, whole.top, whole.right, whole.bottom);
     if (made == nullptr) return code::OutOfMemory;
     *platformRegion = made;

@@ -15,7 +15,7 @@ namespace {
 constexpr size_t HeaderRectangles = sizeof(platform::RGNDATAHEADER) / sizeof(RECT);
 static_assert(sizeof(platform::RGNDATAHEADER) == 32 && sizeof(RECT) == 16);
 
-void SetHeader(platform::RGNDATAHEADER& header, size_t count, const Rectangle& bound) {
+void SetHeader(platform::RGNDATAHEADER& header, size_t count, const PixelRect& bound) {
     header.dwSize = sizeof(platform::RGNDATAHEADER);
     header.iType = RDH_RECTANGLES;
     header.nCount = static_cast<uint32_t>(count);
@@ -27,7 +27,7 @@ void SetHeader(platform::RGNDATAHEADER& header, size_t count, const Rectangle& b
 // the rectangles: it takes the place of two that have been used, or of the two spare ones before the first.
 class RectangleList {
   public:
-    RectangleList(RECT* rectangles, size_t count, const Rectangle& bound)
+    RectangleList(RECT* rectangles, size_t count, const PixelRect& bound)
         : next_(rectangles), count_(count), bound_(bound) {}
 
     HRGN Make() { return Make(count_, MostAtOnce); }
@@ -54,7 +54,7 @@ class RectangleList {
 
     HRGN MakeAtOnce(size_t count) {
         platform::RGNDATAHEADER header;
-        const Rectangle bound = {bound_.Left, next_[0].top, bound_.Right, next_[count - 1].bottom};
+        const PixelRect bound = {bound_.Left, next_[0].top, bound_.Right, next_[count - 1].bottom};
         SetHeader(header, count, bound);
         RECT* const data = next_ - HeaderRectangles;
         std::memcpy(data, &header, sizeof(header));
@@ -67,7 +67,7 @@ class RectangleList {
 
     RECT* next_;
     size_t count_;
-    Rectangle bound_;
+    PixelRect bound_;
 };
 
 bool AreEqual(const Runs& a, const Runs& b) {
@@ -76,7 +76,7 @@ bool AreEqual(const Runs& a, const Runs& b) {
 
 // Writes the rectangles of equal rows as the transform shows them; gives their number.
 size_t ListRectangles(const BitmapHandle* bitmap, const RegionHandle& region, const RegionXform* xform,
-                      RECT* rectangles, Rectangle& bound) {
+                      RECT* rectangles, PixelRect& bound) {
     size_t count = 0;
     bound = {};
     for (int32_t row = region.Top, next; row < region.Bottom; row = next) {
@@ -87,7 +87,7 @@ size_t ListRectangles(const BitmapHandle* bitmap, const RegionHandle& region, co
         for (size_t i = 0; i < runs.size(); i += 2) {
             RECT rectangle = {runs[i], row, runs[i + 1], next};
             TransformRect(bitmap, xform, &rectangle);
-            const Rectangle shown = Rectangle::Of(rectangle);
+            const PixelRect shown = PixelRect::Of(rectangle);
             if (shown.IsEmpty()) continue;
             bound = Union(bound, shown);
             rectangles[count++] = rectangle;
@@ -108,7 +108,7 @@ bool LieInBands(std::span<const RECT> rectangles) {
     return true;
 }
 
-ReturnCode BuildBands(std::span<const RECT> rectangles, const Rectangle& box, OwnedRegion& result) {
+ReturnCode BuildBands(std::span<const RECT> rectangles, const PixelRect& box, OwnedRegion& result) {
     RegionBuilder builder;
     ReturnCode status = builder.Begin(box, rectangles.size() * 2);
     int64_t row = box.Top;
@@ -141,7 +141,7 @@ ReturnCode RegionToPlatform(const BitmapHandle* bitmap, const RegionHandle* regi
     ScratchBuffer<RECT> list(most + HeaderRectangles);
     if (!list) return code::OutOfMemory;
     RECT* const rectangles = list.data() + HeaderRectangles;
-    Rectangle bound;
+    PixelRect bound;
     const size_t count = ListRectangles(bitmap, *region, xform, rectangles, bound);
     std::sort(rectangles, rectangles + count,
               [](const RECT& a, const RECT& b) { return a.top != b.top ? a.top < b.top : a.left < b.left; });
@@ -169,7 +169,7 @@ ReturnCode RegionFromPlatform(HRGN platformRegion, OwnedRegion& result) {
         return code::InvalidArgument;
     const std::span<const RECT> rectangles(data.data() + HeaderRectangles, header.nCount);
     if (!LieInBands(rectangles)) return code::InvalidArgument;
-    return BuildBands(rectangles, Rectangle::Of(box), result);
+    return BuildBands(rectangles, PixelRect::Of(box), result);
 }
 
 } // namespace zkr

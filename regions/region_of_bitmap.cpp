@@ -25,8 +25,8 @@ uint32_t CopyCut(Runs runs, int32_t width, int32_t* ends) {
     return static_cast<uint32_t>(runs.size());
 }
 
-Rectangle BoundsOfRegion(const BitmapHandle& bitmap) {
-    return bitmap.Region == nullptr ? Rectangle::Whole(bitmap) : BoundsOf(*RegionOf(bitmap));
+PixelRect BoundsOfRegion(const BitmapHandle& bitmap) {
+    return bitmap.Region == nullptr ? PixelRect::Whole(bitmap) : BoundsOf(*RegionOf(bitmap));
 }
 
 } // namespace
@@ -98,7 +98,7 @@ ReturnCode Z_CALL Z_GetBitmapRgnBoundsClip(BitmapHandle* bitmap, const RegionXfo
     if (bitmap != nullptr && rectangle == nullptr) return code::InvalidArgument;
     const ReturnCode status = Z_GetBitmapRgnBounds(bitmap, xform, &bounds);
     if (status == code::Success)
-        *rectangle = Intersection(Rectangle::Of(bounds), Rectangle::Whole(*bitmap)).AsRect();
+        *rectangle = Intersection(PixelRect::Of(bounds), PixelRect::Whole(*bitmap)).AsRect();
     return status;
 }
 
@@ -119,7 +119,7 @@ ReturnCode Z_CALL Z_GetBitmapRgnArea(const BitmapHandle* bitmap, uint32_t* area)
 int32_t Z_CALL Z_IsPtInBitmapRgn(BitmapHandle* bitmap, int32_t row, int32_t column) {
     if (bitmap == nullptr) return 0;
     const RegionHandle* const region = RegionOf(*bitmap);
-    if (region == nullptr) return Rectangle::Whole(*bitmap).Holds(column, row) ? 1 : 0;
+    if (region == nullptr) return PixelRect::Whole(*bitmap).Holds(column, row) ? 1 : 0;
     const Runs runs = RowRuns(*region, row);
     // An odd number of end points at or before a pixel means that it is inside.
     return static_cast<int32_t>((std::upper_bound(runs.begin(), runs.end(), column) - runs.begin()) & 1);
@@ -129,7 +129,7 @@ ReturnCode Z_CALL Z_OffsetBitmapRgn(BitmapHandle* bitmap, int32_t rowOffset, int
     if (bitmap == nullptr) return code::InvalidBitmap;
     OwnedRegion whole;
     if (bitmap->Region == nullptr) {
-        const ReturnCode status = RectRegion(whole, Rectangle::Whole(*bitmap));
+        const ReturnCode status = RectRegion(whole, PixelRect::Whole(*bitmap));
         if (status != code::Success) return status;
     }
     RegionHandle* const region = whole ? whole.get() : RegionOf(*bitmap);

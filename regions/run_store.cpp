@@ -64,7 +64,7 @@ void ReplaceRuns(RegionHandle& region, OwnedRegion& built) {
     Z_OsFree(built.Release());
 }
 
-ReturnCode RegionBuilder::Begin(const Rectangle& rectangle, uint64_t expectedEntries, uint64_t rowEntries) {
+ReturnCode RegionBuilder::Begin(const PixelRect& rectangle, uint64_t expectedEntries, uint64_t rowEntries) {
     region_.Reset(NewRecord());
     capacity_ = used_ = pending_ = 0;
     row_ = rectangle.Top;
@@ -147,11 +147,11 @@ void RegionBuilder::Finish(OwnedRegion& result) {
     result.Reset(region_.Release());
 }
 
-ReturnCode RectRegion(OwnedRegion& result, const Rectangle& rectangle) {
+ReturnCode RectRegion(OwnedRegion& result, const PixelRect& rectangle) {
     RegionBuilder builder;
     const int64_t rows = rectangle.IsEmpty() ? 0 : rectangle.Height();
     ReturnCode status =
-        builder.Begin(rows == 0 ? Rectangle{} : rectangle, static_cast<uint64_t>(rows) * 2, 2);
+        builder.Begin(rows == 0 ? PixelRect{} : rectangle, static_cast<uint64_t>(rows) * 2, 2);
     for (int64_t row = 0; row < rows && status == code::Success; ++row) {
         builder.AddRun(rectangle.Left, rectangle.Right);
         status = builder.EndRow();

@@ -24,7 +24,7 @@ inline Runs RowRuns(const RegionHandle& region, int64_t row) {
     return {region.Segments + entry.Offset / sizeof(int32_t), entry.Count};
 }
 
-inline Rectangle BoundsOf(const RegionHandle& region) {
+inline PixelRect BoundsOf(const RegionHandle& region) {
     return {region.Left, region.Top, region.Right, region.Bottom};
 }
 inline bool IsEmpty(const RegionHandle& region) {
@@ -84,7 +84,7 @@ class RegionBuilder {
 
     // expectedEntries: end points of the whole region as far as the caller can tell. rowEntries: the most that one
     // row can take, where that is known to be less than the width allows.
-    ReturnCode Begin(const Rectangle& rectangle, uint64_t expectedEntries = 0,
+    ReturnCode Begin(const PixelRect& rectangle, uint64_t expectedEntries = 0,
                      uint64_t rowEntries = std::numeric_limits<uint64_t>::max());
 
     // Runs of the current row, from left to right; one that touches its predecessor joins it, an empty one is
@@ -123,7 +123,7 @@ class RegionBuilder {
 };
 
 // A rectangle as a region: one run in each row. An inverted one is empty.
-ReturnCode RectRegion(OwnedRegion& result, const Rectangle& rectangle);
+ReturnCode RectRegion(OwnedRegion& result, const PixelRect& rectangle);
 
 // A copy with the runs and the platform region of its source, but without its mask.
 ReturnCode DuplicateRegion(OwnedRegion& result, const RegionHandle& source);

@@ -57,7 +57,7 @@ ReturnCode ScaleRows(const RegionHandle& region, const Axis& x, const Axis& y, R
 
 ReturnCode Scale(RegionHandle& region, const Axis& x, const Axis& y) {
     if (IsEmpty(region)) return code::Success;
-    const Rectangle area = {x(region.Left), y(region.Top), x(region.Right), y(region.Bottom)};
+    const PixelRect area = {x(region.Left), y(region.Top), x(region.Right), y(region.Bottom)};
     if (area.IsEmpty()) {
         EmptyRegion(region);
         return code::Success;

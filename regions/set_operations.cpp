@@ -10,7 +10,7 @@ namespace zkr {
 namespace {
 
 // Where the result may have pixels.
-template <SetOperation operation> Rectangle AreaOf(const RegionHandle& a, const RegionHandle& b) {
+template <SetOperation operation> PixelRect AreaOf(const RegionHandle& a, const RegionHandle& b) {
     if constexpr (operation == SetOperation::Intersect) return Intersection(BoundsOf(a), BoundsOf(b));
     if constexpr (!Keeps(operation, false, true)) return BoundsOf(a);
     return Union(BoundsOf(a), BoundsOf(b));
@@ -18,7 +18,7 @@ template <SetOperation operation> Rectangle AreaOf(const RegionHandle& a, const 
 
 template <SetOperation operation>
 ReturnCode Combine(OwnedRegion& result, const RegionHandle& a, const RegionHandle& b) {
-    const Rectangle area = AreaOf<operation>(a, b);
+    const PixelRect area = AreaOf<operation>(a, b);
     RegionBuilder builder;
     const uint64_t entries = (uint64_t{a.SegmentBytes} + b.SegmentBytes) / sizeof(int32_t);
     const uint64_t expected = std::max(a.SegmentBytes, b.SegmentBytes) / sizeof(int32_t);

@@ -15,7 +15,7 @@ ReturnCode CombineShape(BitmapHandle* bitmap, const RegionXform* xform, HRGN sha
 
 // The platform would exchange the edges of an inverted rectangle, which holds nothing here.
 template <typename Make> HRGN MakeWithin(const RECT& rectangle, Make make) {
-    return Rectangle::Of(rectangle).IsEmpty() ? platform::CreateRectRgn(0, 0, 0, 0) : make(rectangle);
+    return PixelRect::Of(rectangle).IsEmpty() ? platform::CreateRectRgn(0, 0, 0, 0) : make(rectangle);
 }
 
 } // namespace
@@ -24,7 +24,7 @@ ReturnCode Z_CALL Z_SetBitmapRgnRect(BitmapHandle* bitmap, const RegionXform* xf
                                      uint32_t mode) {
     if (rectangle == nullptr) return code::InvalidArgument;
     OwnedRegion record;
-    const ReturnCode status = RectRegion(record, Rectangle::Of(*rectangle));
+    const ReturnCode status = RectRegion(record, PixelRect::Of(*rectangle));
     return status == code::Success ? CombineRegion(bitmap, xform, record.Release(), mode) : status;
 }
 

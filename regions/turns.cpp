@@ -40,7 +40,7 @@ struct Turn {
         return StartOf(OldY, (column - NewX) * Sine + (row - NewY) * Cosine, Sine);
     }
     // Where the region's bounds come to lie, and two pixels more on each side.
-    Rectangle AreaOf(const Rectangle& bounds) const;
+    PixelRect AreaOf(const PixelRect& bounds) const;
 
   private:
     static TurnedCoordinate StartOf(int32_t centre, int64_t distance, int32_t step) {
@@ -48,7 +48,7 @@ struct Turn {
     }
 };
 
-Rectangle Turn::AreaOf(const Rectangle& bounds) const {
+PixelRect Turn::AreaOf(const PixelRect& bounds) const {
     constexpr int64_t margin = 2;
     int64_t left = INT64_MAX, top = INT64_MAX, right = INT64_MIN, bottom = INT64_MIN;
     for (const int64_t x : {int64_t{bounds.Left}, int64_t{bounds.Right} - 1}) {
@@ -99,7 +99,7 @@ Steps StepsWithin(const TurnedCoordinate& coordinate, int64_t first, int64_t end
 
 class TurnedRegion {
   public:
-    TurnedRegion(const RegionHandle& region, const Turn& turn, const Rectangle& area)
+    TurnedRegion(const RegionHandle& region, const Turn& turn, const PixelRect& area)
         : region_(region), turn_(turn), area_(area),
           picture_(BitRowWords(static_cast<size_t>(BoundsOf(region).Width())), BoundsOf(region).Height()),
           row_(BitRowWords(static_cast<size_t>(area.Width()))) {}
@@ -122,7 +122,7 @@ class TurnedRegion {
 
   private:
     void DrawPicture() {
-        const Rectangle bounds = BoundsOf(region_);
+        const PixelRect bounds = BoundsOf(region_);
         for (int64_t row = bounds.Top; row < bounds.Bottom; ++row) {
             const Runs runs = RowRuns(region_, row);
             kernels_.BitsOfRuns(runs.data(), runs.size(), bounds.Left, picture_.Row(row - bounds.Top),
@@ -131,7 +131,7 @@ class TurnedRegion {
     }
 
     size_t MakeRow(const TurnedCoordinate& x, const TurnedCoordinate& y, int32_t* ends) {
-        const Rectangle bounds = BoundsOf(region_);
+        const PixelRect bounds = BoundsOf(region_);
         Steps steps = StepsWithin(x, bounds.Left, bounds.Right, {0, area_.Width()});
         steps = StepsWithin(y, bounds.Top, bounds.Bottom, steps);
         if (steps.First >= steps.End) return 0;
@@ -150,7 +150,7 @@ class TurnedRegion {
 
     const RegionHandle& region_;
     const Turn& turn_;
-    const Rectangle area_;
+    const PixelRect area_;
     const BitRowKernels& kernels_ = kernels::Chosen<BitRowKernels>();
     BitPictureBuffer picture_;
     ScratchBuffer<uint64_t> row_;
@@ -204,7 +204,7 @@ ReturnCode RotateRegion(BitmapHandle* bitmap, int32_t oldWidth, int32_t oldHeigh
     if (IsMirroredView(bitmap->ViewPerspective)) angle = FullTurn - angle;
 
     const Turn turn(*bitmap, oldWidth, oldHeight, static_cast<int32_t>(angle));
-    Rectangle area = Rectangle::Whole(*bitmap);
+    PixelRect area = PixelRect::Whole(*bitmap);
     if (HasFlag(*bitmap, flag::RegionUnclipped)) area = Union(area, turn.AreaOf(BoundsOf(*region)));
     OwnedRegion turned;
     const ReturnCode status = TurnedRegion(*region, turn, area).Make(turned);

@@ -22,7 +22,7 @@ namespace zkr {
 namespace {
 
 bool IsInside(const BitmapHandle& bitmap, int32_t row, int32_t column) {
-    return Rectangle::Whole(bitmap).Holds(column, row);
+    return PixelRect::Whole(bitmap).Holds(column, row);
 }
 
 // The first bytes of a pixel that mean its colour, low byte first from 12 bits on.

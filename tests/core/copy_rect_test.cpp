@@ -12,12 +12,12 @@ namespace {
 
 constexpr int Depths[] = {1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 24, 32, 48, 64};
 
-struct Rectangle {
+struct PixelRect {
     int32_t Left, Top, Width, Height;
 };
 
 // The rows of the copy: zeros but for what the source has.
-Bytes Expected(const BitmapHandle& source, const Bytes& rows, const Rectangle& r) {
+Bytes Expected(const BitmapHandle& source, const Bytes& rows, const PixelRect& r) {
     BitmapHandle copy;
     Z_InitBitmap(&copy, r.Width, r.Height, source.BitsPerPixel);
     Bytes expected(copy.Size);
@@ -45,7 +45,7 @@ TEST(CopyRect, IsExactAtEveryDepthAndPhase) {
         Source source(431, 3, bits);
         for (int32_t left = -17; left <= 17; ++left) {
             for (const int32_t width : {1, 2, 3, 5, 8, 9, 17, 64, 131, 300, 414, 431, 448, 470}) {
-                const Rectangle r = {left, left % 3, width, 2 + width % 3};
+                const PixelRect r = {left, left % 3, width, 2 + width % 3};
                 Bitmap copy;
                 ASSERT_EQ(Z_CopyBitmapRect(&copy, &source, r.Left, r.Top, r.Width, r.Height), 1);
                 ASSERT_EQ(Rows(copy), Expected(source, source.Pixels, r))
@@ -56,7 +56,7 @@ TEST(CopyRect, IsExactAtEveryDepthAndPhase) {
 }
 
 TEST(CopyRect, GoesFromEveryStorageToEveryType) {
-    const Rectangle r = {-3, 2, 30, 8};
+    const PixelRect r = {-3, 2, 30, 8};
     for (const Storage& storage : AllStorages()) {
         for (const int bits : {1, 3, 12, 24}) {
             Source source(37, 11, bits, storage);
@@ -82,7 +82,7 @@ TEST(CopyRect, GoesFromEveryStorageToEveryType) {
 TEST(CopyRect, OfNothingIsBlankAndReplacesNothing) {
     Source source(20, 10, 8);
     constexpr int32_t lowest = INT32_MIN, highest = INT32_MAX;
-    for (const auto& [left, top, width, height] : {Rectangle{20, 0, 5, 5},
+    for (const auto& [left, top, width, height] : {PixelRect{20, 0, 5, 5},
                                                    {0, 10, 5, 5},
                                                    {-5, 0, 5, 5},
                                                    {3, -6, 4, 6},
@@ -104,7 +104,7 @@ TEST(CopyRect, OfNothingIsBlankAndReplacesNothing) {
 // the source's place.
 TEST(CopyRect, ReportsAndStops) {
     Source source(9, 6, 24);
-    const Rectangle r = {0, 3, 9, 8};
+    const PixelRect r = {0, 3, 9, 8};
     Bytes expected = Expected(source, source.Pixels, r);
     {
         Bitmap copy;
@@ -157,7 +157,7 @@ TEST(CopyRect, TakesTheRegionAlong) {
 
 TEST(Trim, CutsToWhatTheBitmapHas) {
     constexpr int32_t highest = INT32_MAX;
-    for (const auto& [given, cut] : {std::pair{Rectangle{-4, 2, 10, 4}, Rectangle{0, 2, 6, 4}},
+    for (const auto& [given, cut] : {std::pair{PixelRect{-4, 2, 10, 4}, PixelRect{0, 2, 6, 4}},
                                      {{13, -1, highest, highest}, {13, 0, 7, 10}},
                                      {{0, 0, 20, 10}, {0, 0, 20, 10}}}) {
         Source bitmap(20, 10, 3);
@@ -168,8 +168,8 @@ TEST(Trim, CutsToWhatTheBitmapHas) {
     }
     Source bitmap(20, 10, 3);
     constexpr int32_t lowest = INT32_MIN;
-    for (const Rectangle& r :
-         {Rectangle{20, 0, 4, 4}, {0, 0, 0, 3}, {5, 5, -1, 3}, {lowest, 0, lowest, 4}, {-9, 0, 9, 2}})
+    for (const PixelRect& r :
+         {PixelRect{20, 0, 4, 4}, {0, 0, 0, 3}, {5, 5, -1, 3}, {lowest, 0, lowest, 4}, {-9, 0, 9, 2}})
         EXPECT_EQ(Z_TrimBitmap(&bitmap, r.Left, r.Top, r.Width, r.Height), code::InvalidDimensions);
     EXPECT_EQ(Rows(bitmap), bitmap.Pixels);
 }

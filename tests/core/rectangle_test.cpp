@@ -27,20 +27,20 @@ TEST(Views, SetsFollowWhatAViewIsMadeOf) {
 }
 
 TEST(Rectangles, EdgesDoNotWrap) {
-    const Rectangle far = Rectangle::At(Most - 1, 10, Most, 5);
-    EXPECT_EQ(far, (Rectangle{Most - 1, 10, Most, 15}));
-    EXPECT_EQ((Rectangle{Least, 0, Most, 1}.Width()), 0xFFFFFFFF);
-    EXPECT_TRUE((Rectangle{5, 5, 5, 9}.IsEmpty()));
-    EXPECT_EQ(Intersection({0, 0, 5, 5}, {5, 0, 9, 9}), Rectangle{});
-    EXPECT_EQ(Intersection({-4, 2, 5, 5}, {0, 0, 9, 4}), (Rectangle{0, 2, 5, 4}));
-    EXPECT_EQ(Union({7, 7, 7, 9}, {1, 2, 3, 4}), (Rectangle{1, 2, 3, 4}));
-    EXPECT_EQ(Union({0, 0, 1, 1}, {-5, 9, 3, 12}), (Rectangle{-5, 0, 3, 12}));
+    const PixelRect far = PixelRect::At(Most - 1, 10, Most, 5);
+    EXPECT_EQ(far, (PixelRect{Most - 1, 10, Most, 15}));
+    EXPECT_EQ((PixelRect{Least, 0, Most, 1}.Width()), 0xFFFFFFFF);
+    EXPECT_TRUE((PixelRect{5, 5, 5, 9}.IsEmpty()));
+    EXPECT_EQ(Intersection({0, 0, 5, 5}, {5, 0, 9, 9}), PixelRect{});
+    EXPECT_EQ(Intersection({-4, 2, 5, 5}, {0, 0, 9, 4}), (PixelRect{0, 2, 5, 4}));
+    EXPECT_EQ(Union({7, 7, 7, 9}, {1, 2, 3, 4}), (PixelRect{1, 2, 3, 4}));
+    EXPECT_EQ(Union({0, 0, 1, 1}, {-5, 9, 3, 12}), (PixelRect{-5, 0, 3, 12}));
 
-    Rectangle moved{1, 2, 3, 4};
+    PixelRect moved{1, 2, 3, 4};
     EXPECT_FALSE(Move(moved, 0, Most - 3));
-    EXPECT_EQ(moved, (Rectangle{1, 2, 3, 4}));
+    EXPECT_EQ(moved, (PixelRect{1, 2, 3, 4}));
     EXPECT_TRUE(Move(moved, Least, Most - 4));
-    EXPECT_EQ(moved, (Rectangle{Least + 1, Most - 2, Least + 3, Most}));
+    EXPECT_EQ(moved, (PixelRect{Least + 1, Most - 2, Least + 3, Most}));
 }
 
 TEST(Rectangles, CutsKeepWhatLiesOnTheLine) {

@@ -41,11 +41,11 @@ struct PixelSet {
                 if (holds(x, y)) set.Bits[Index(x, y)] = true;
         return set;
     }
-    static PixelSet Of(const Rectangle& area) {
+    static PixelSet Of(const PixelRect& area) {
         return Where([&](int32_t x, int32_t y) { return area.Holds(x, y); });
     }
     // Runs of random lengths in some of the rows of a rectangle.
-    static PixelSet Random(Seeded& seeded, const Rectangle& area) {
+    static PixelSet Random(Seeded& seeded, const PixelRect& area) {
         PixelSet set;
         const int32_t longest = seeded.Between(1, 9);
         for (int32_t y = area.Top; y < area.Bottom; ++y) {
@@ -65,7 +65,7 @@ inline void ExpectStoredForm(const RegionHandle& region) {
     const size_t rows = region.RowTableBytes / sizeof(RegionRowEntry);
     ASSERT_EQ(rows, static_cast<size_t>(int64_t{region.Bottom} - region.Top));
     if (rows == 0) {
-        ASSERT_EQ(BoundsOf(region), Rectangle{});
+        ASSERT_EQ(BoundsOf(region), PixelRect{});
         ASSERT_TRUE(region.RowTable == nullptr && region.Segments == nullptr && region.SegmentBytes == 0);
         return;
     }

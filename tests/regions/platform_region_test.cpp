@@ -172,8 +172,8 @@ TEST(PlatformRegion, FallsAsAPartIsDrawn) {
         if (owned != 0) platform::DeleteObject(region);
         return rects;
     };
-    const auto isOne = [](const std::vector<RECT>& rects, const Rectangle& expected) {
-        return rects.size() == 1 && Rectangle::Of(rects[0]) == expected;
+    const auto isOne = [](const std::vector<RECT>& rects, const PixelRect& expected) {
+        return rects.size() == 1 && PixelRect::Of(rects[0]) == expected;
     };
     EXPECT_TRUE(isOne(ask(&part, twice, 1), {100, 200, 120, 212}));
     EXPECT_TRUE(isOne(ask(nullptr, twice, 1), {100, 200, 120, 212}));

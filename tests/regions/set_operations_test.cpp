@@ -20,7 +20,7 @@ const std::pair<ReturnCode (*)(OwnedRegion&, const RegionHandle&, const RegionHa
      {SubtractRegions, [](bool a, bool b) { return a && !b; }},
      {XorRegions, [](bool a, bool b) { return a != b; }}};
 
-Rectangle RandomArea(Seeded& seeded, int32_t low, int32_t high) {
+PixelRect RandomArea(Seeded& seeded, int32_t low, int32_t high) {
     const int32_t left = seeded.Between(low, high), top = seeded.Between(low, high);
     return {left, top, left + seeded.Between(0, 30), top + seeded.Between(0, 12)};
 }
@@ -48,7 +48,7 @@ TEST(Moves, MoveEveryPixel) {
     for (int round = 0; round < 2000; ++round) {
         const PixelSet set = PixelSet::Random(seeded, RandomArea(seeded, -8, 20));
         const int32_t dx = seeded.Between(-9, 9), dy = seeded.Between(-9, 9), size = seeded.Between(20, 40);
-        const Rectangle clip = RandomArea(seeded, -10, 30);
+        const PixelRect clip = RandomArea(seeded, -10, 30);
         BitmapHandle bitmap{};
         bitmap.Width = size;
         const auto expectMoved = [&](const char* name, auto move, auto source) {
@@ -146,7 +146,7 @@ TEST(Moves, RefuseToLeave32Bits) {
     EXPECT_EQ(OffsetRegion(region.get(), 0, 1), code::InvalidArgument);
     EXPECT_EQ(FlipRegion(region.get(), INT32_MIN), code::InvalidArgument);
     EXPECT_EQ(ReverseRegion(&bitmap), code::InvalidArgument);
-    EXPECT_EQ(BoundsOf(*region), (Rectangle{INT32_MIN, INT32_MAX - 3, INT32_MAX, INT32_MAX}));
+    EXPECT_EQ(BoundsOf(*region), (PixelRect{INT32_MIN, INT32_MAX - 3, INT32_MAX, INT32_MAX}));
     EXPECT_EQ(OffsetRegion(nullptr, 0, 0), code::InvalidArgument);
     EXPECT_EQ(ClipRegion(region.get(), {0, 0, INT32_MAX, INT32_MAX}), code::Success);
     EXPECT_EQ(region->Left, 0);
@@ -160,7 +160,7 @@ TEST(CombineRegion, KeepsToItsModes) {
         bitmap.Height = seeded.Between(1, 20);
         const bool hasRegion = seeded.Between(0, 2) != 0, isUnclipped = seeded.Between(0, 3) == 0;
         if (isUnclipped) bitmap.Flags = flag::RegionUnclipped;
-        const Rectangle whole = Rectangle::Whole(bitmap);
+        const PixelRect whole = PixelRect::Whole(bitmap);
         PixelSet present = PixelSet::Of(whole);
         const PixelSet given = PixelSet::Random(seeded, RandomArea(seeded, -8, 20));
         RegionHandle* const record = RegionFrom(given);

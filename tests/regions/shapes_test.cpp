@@ -200,7 +200,7 @@ TEST(RegionOfBitmap, TellsRuns) {
         sheet.Region = RegionFrom(set);
         uint32_t most = 0;
         ASSERT_EQ(Z_GetBitmapClipSegmentsMax(&sheet, &most), 1);
-        const Rectangle bounds = BoundsOf(*RegionOf(sheet));
+        const PixelRect bounds = BoundsOf(*RegionOf(sheet));
         ASSERT_EQ(most, static_cast<uint32_t>(bounds.Width() + 1) & ~1u);
         uint32_t area = 0;
         ASSERT_EQ(Z_GetBitmapRgnArea(&sheet, &area), 1);
@@ -250,10 +250,10 @@ TEST(RegionOfBitmap, DiffersFromNone) {
 
     sheet.Region = RegionFrom(PixelSet::Of({-5, 3, 4, 20}));
     EXPECT_EQ(Z_GetBitmapRgnBoundsClip(&sheet, nullptr, &bounds), 1);
-    EXPECT_EQ(Rectangle::Of(bounds), (Rectangle{0, 3, 4, 7}));
+    EXPECT_EQ(PixelRect::Of(bounds), (PixelRect{0, 3, 4, 7}));
     const RegionXform away = {0, 1, 1, 1, 1, 50, 0};
     EXPECT_EQ(Z_GetBitmapRgnBoundsClip(&sheet, &away, &bounds), 1);
-    EXPECT_EQ(Rectangle::Of(bounds), Rectangle{});
+    EXPECT_EQ(PixelRect::Of(bounds), PixelRect{});
     EXPECT_EQ(Z_GetBitmapRgnBounds(&sheet, &away, nullptr), code::InvalidArgument);
     EXPECT_EQ(Z_GetBitmapRgnBoundsClip(nullptr, &away, nullptr), code::InvalidBitmap);
 }

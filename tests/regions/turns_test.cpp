@@ -36,14 +36,14 @@ struct TurnCase {
     bool IsUnclipped;
 };
 
-PixelSet Turned(const PixelSet& set, const Rectangle& bounds, const TurnCase& turn) {
+PixelSet Turned(const PixelSet& set, const PixelRect& bounds, const TurnCase& turn) {
     int32_t angle = ((-turn.Angle) % 36000 + 36000) % 36000;
     if (angle == 0) return set;
     if (IsMirroredView(turn.View)) angle = 36000 - angle;
     const int32_t sine = Z_SinValue(angle), cosine = Z_CosValue(angle);
     const int32_t cx = turn.Width / 2, cy = turn.Height / 2;
     const int32_t oldX = turn.OldWidth / 2, oldY = turn.OldHeight / 2;
-    Rectangle area = {0, 0, turn.Width, turn.Height};
+    PixelRect area = {0, 0, turn.Width, turn.Height};
     if (turn.IsUnclipped)
         for (const int32_t x : {bounds.Left - oldX, bounds.Right - 1 - oldX})
             for (const int32_t y : {bounds.Top - oldY, bounds.Bottom - 1 - oldY}) {
