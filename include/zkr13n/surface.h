@@ -1,7 +1,7 @@
 /*
  * Surfaces: the display of systems that have none of their own. A host describes pixels in its memory and
  * gets a device context, which every function of the library that takes an HDC accepts; one surface can serve
- * as the screen of the process. And the end of the platform's objects that a host owns. On Windows the
+ * as the screen of the process. And the platform's regions, palettes and blocks of memory that a host owns. On Windows the
  * system's own functions do this and the family does not exist.
  */
 #ifndef ZKR13N_SURFACE_H
@@ -62,10 +62,37 @@ Z_API ReturnCode Z_CALL Z_DeleteSurface(HDC context);
 Z_API ReturnCode Z_CALL Z_SetScreenSurface(HDC context);
 
 /*
- * Deletes an object of the platform that belongs to the host, as the palette objects, regions and bitmaps do that
+ * Selects a palette into the device context of a surface and realizes it. Indices of pictures that are painted
+ * by index mean its entries from now on. On a palette display its colours also take the entries of the system
+ * palette that are not static, as far as there is room; a host shows the pixels with what Z_GetSurfaceColors
+ * tells.
+ *
+ * context  in: what Z_CreateSurface gave
+ * palette  in: the palette, which stays the host's, or null for the default one of 20 colours. One that is
+ *          deleted while it is selected counts as the default one
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: not a live device context of Z_CreateSurface, or no palette; nothing is
+ * changed.
+ */
+Z_API ReturnCode Z_CALL Z_SelectSurfacePalette(HDC context, HPALETTE palette);
+
+/*
+ * Tells what the indices in a surface's pixels stand for now.
+ *
+ * context  in: what Z_CreateSurface gave
+ * colors   out: the first colours, as many as there is room for; may be null with a room of 0
+ * count    in: the room in colors, 0 and more; out: the number of indices, 2^BitsPerPixel, or 0 above 8 bits
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: not a live device context of Z_CreateSurface, a null count, a negative room,
+ * null colors with room; nothing is written then.
+ */
+Z_API ReturnCode Z_CALL Z_GetSurfaceColors(HDC context, RGBQUAD* colors, int32_t* count);
+
+/*
+ * Deletes an object of the platform that belongs to the host, as the palettes, regions and bitmaps do that
  * functions of the library return. Not for what a bitmap holds: Z_FreeBitmap releases that.
  *
- * object  in: a palette object, a region or a bitmap
+ * object  in: a palette, a region or a bitmap of the platform
  *
  * 1 on success. Z_ERROR_ARGUMENT: null, an object that is deleted already, or no object of these kinds;
  * nothing is changed.
@@ -97,6 +124,54 @@ Z_API ReturnCode Z_CALL Z_CreatePlatformRegion(const RECT* rects, int32_t count,
  * nothing is written then.
  */
 Z_API ReturnCode Z_CALL Z_GetPlatformRegionRects(HRGN region, RECT* rects, int32_t* count);
+
+/*
+ * Allocates a global block: memory with a handle, in which device-independent bitmaps are exchanged.
+ *
+ * size      in: bytes; 0 makes a block without memory
+ * blockOut  out: the block, filled with zeros and not locked, released by Z_FreeGlobalBlock
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: a null blockOut. Z_ERROR_MEMORY: memory is short; blockOut is not written.
+ */
+Z_API ReturnCode Z_CALL Z_AllocGlobalBlock(size_t size, HGLOBAL* blockOut);
+
+/*
+ * Gives the address of a global block, which stays until the block is freed. Each lock wants an unlock.
+ *
+ * block     in: the block
+ * bytesOut  out: its first byte
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: no live block or one without memory, or a null bytesOut; nothing is changed.
+ */
+Z_API ReturnCode Z_CALL Z_LockGlobalBlock(HGLOBAL block, void** bytesOut);
+
+/*
+ * Takes one lock from a global block.
+ *
+ * block  in: the block
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: no live block, or one that is not locked.
+ */
+Z_API ReturnCode Z_CALL Z_UnlockGlobalBlock(HGLOBAL block);
+
+/*
+ * Tells the size of a global block.
+ *
+ * block    in: the block
+ * sizeOut  out: bytes
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: no live block, or a null sizeOut; nothing is written then.
+ */
+Z_API ReturnCode Z_CALL Z_GetGlobalBlockSize(HGLOBAL block, size_t* sizeOut);
+
+/*
+ * Frees a global block that belongs to the host, locked or not.
+ *
+ * block  in: the block; not one that a bitmap has taken over
+ *
+ * 1 on success. Z_ERROR_ARGUMENT: no live block.
+ */
+Z_API ReturnCode Z_CALL Z_FreeGlobalBlock(HGLOBAL block);
 
 Z_END_DECLS
 

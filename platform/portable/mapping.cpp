@@ -86,7 +86,7 @@ struct Mapping final : Object {
     int descriptor = -1;       // of a file mapping
     bool temporary = false;    // the descriptor counts among those of temporary files
     bool writes = true;
-    std::atomic<uint32_t> references{1}; // the handle and the views
+    std::atomic<uint32_t> references{1}; // the handles and the views
 
     bool TakeMemory() {
         if (size < SmallBlock) {
@@ -227,6 +227,28 @@ BOOL UnmapViewOfFile(const void* address) {
     view->mapping->Release();
     delete view;
     fault::Released();
+    return TRUE;
+}
+
+BOOL DuplicateHandle(HANDLE from, HANDLE handle, HANDLE to, HANDLE* out, DWORD, BOOL inherit, DWORD options) {
+    const Pin<Mapping> mapping(handle);
+    if (!mapping) return FALSE;
+    if (from != GetCurrentProcess() || to != from || out == nullptr || inherit != FALSE ||
+        options != DUPLICATE_SAME_ACCESS) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    if (fault::Due(fault::Mapping)) {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return FALSE;
+    }
+    mapping->references.fetch_add(1, std::memory_order_relaxed);
+    HANDLE further = InsertHandle(Mapping::kind, *mapping);
+    if (further == nullptr) {
+        mapping->Release();
+        return FALSE;
+    }
+    *out = further;
     return TRUE;
 }
 

@@ -19,6 +19,8 @@ inline constexpr uint32_t SEC_NOCACHE = 0x10000000;
 inline constexpr uint32_t FILE_MAP_WRITE = 0x0002;
 inline constexpr uint32_t FILE_MAP_READ = 0x0004;
 
+inline constexpr uint32_t DUPLICATE_SAME_ACCESS = 2;
+
 } // namespace zkr
 
 namespace zkr::platform {
@@ -72,6 +74,14 @@ HANDLE CreateFileMappingA(HANDLE file, void* security, DWORD protection, DWORD s
 // the disk first, where the file system can, so that a full disk fails here and not on a later store.
 void* MapViewOfFile(HANDLE mapping, DWORD access, DWORD offsetHigh, DWORD offsetLow, size_t bytes);
 BOOL UnmapViewOfFile(const void* address);
+
+// This process, for DuplicateHandle.
+inline HANDLE GetCurrentProcess() {
+    return INVALID_HANDLE_VALUE;
+}
+// A further handle of a mapping, within this process and with the same access.
+BOOL DuplicateHandle(HANDLE from, HANDLE handle, HANDLE to, HANDLE* out, DWORD access, BOOL inherit,
+                     DWORD options);
 
 // Closes a file or a mapping.
 BOOL CloseHandle(HANDLE handle);

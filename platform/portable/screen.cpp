@@ -108,6 +108,14 @@ int ReleaseDC(HWND, HDC handle) {
 
 using namespace zkr::platform;
 
+namespace {
+
+bool IsOfHost(const Pin<DeviceContext>& context) {
+    return context && context->owner == DeviceContext::Owner::Surface;
+}
+
+} // namespace
+
 ReturnCode Z_CALL Z_CreateSurface(const SurfaceDescription* description, HDC* contextOut) {
     if (description == nullptr || contextOut == nullptr) return Z_ERROR_ARGUMENT;
     const ReturnCode result = Check(*description);
@@ -125,10 +133,7 @@ ReturnCode Z_CALL Z_CreateSurface(const SurfaceDescription* description, HDC* co
 
 ReturnCode Z_CALL Z_DeleteSurface(HDC handle) {
     const Pin<DeviceContext> context(handle);
-    if (!context || context->owner != DeviceContext::Owner::Surface ||
-        !CloseHandleOfKind(DeviceContext::kind, handle)) {
-        return Z_ERROR_ARGUMENT;
-    }
+    if (!IsOfHost(context) || !CloseHandleOfKind(DeviceContext::kind, handle)) return Z_ERROR_ARGUMENT;
     Surface& surface = *context->device;
     ReplaceScreen(&surface, nullptr);
     const std::scoped_lock lock(surface.mutex);
@@ -142,7 +147,30 @@ ReturnCode Z_CALL Z_SetScreenSurface(HDC handle) {
         return Z_SUCCESS;
     }
     const Pin<DeviceContext> context(handle);
-    if (!context || context->owner != DeviceContext::Owner::Surface) return Z_ERROR_ARGUMENT;
+    if (!IsOfHost(context)) return Z_ERROR_ARGUMENT;
     ReplaceScreen(nullptr, context->device.Get());
+    return Z_SUCCESS;
+}
+
+ReturnCode Z_CALL Z_SelectSurfacePalette(HDC handle, HPALETTE palette) {
+    const Pin<DeviceContext> context(handle);
+    if (palette == nullptr) palette = static_cast<HPALETTE>(StockHandle(ObjectKind::Palette));
+    if (!IsOfHost(context) || SelectPalette(handle, palette, zkr::FALSE) == nullptr) return Z_ERROR_ARGUMENT;
+    RealizePalette(handle);
+    return Z_SUCCESS;
+}
+
+ReturnCode Z_CALL Z_GetSurfaceColors(HDC handle, RGBQUAD* colors, int32_t* count) {
+    const Pin<DeviceContext> context(handle);
+    if (!IsOfHost(context) || count == nullptr || *count < 0 || (colors == nullptr && *count > 0))
+        return Z_ERROR_ARGUMENT;
+    const ContextLock lock(*context);
+    const Surface& surface = *context->device;
+    const int size = surface.bitsPerPixel > 8 ? 0 : 1 << surface.bitsPerPixel;
+    std::transform(surface.table.begin(), surface.table.begin() + std::min(size, *count), colors,
+                   [](const PALETTEENTRY& entry) {
+                       return RGBQUAD{entry.peBlue, entry.peGreen, entry.peRed, 0};
+                   });
+    *count = size;
     return Z_SUCCESS;
 }

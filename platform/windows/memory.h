@@ -24,6 +24,8 @@ using ::GlobalMemoryStatus;
 using ::GlobalMemoryStatusEx;
 
 ZKR_MAKING(CreateFileMappingA, Mapping, nullptr, ERROR_COMMITMENT_LIMIT);
+ZKR_MAKING(DuplicateHandle, Mapping, FALSE, ERROR_NOT_ENOUGH_MEMORY);
+using ::GetCurrentProcess;
 ZKR_MAKING(MapViewOfFile, View, nullptr, ERROR_NOT_ENOUGH_MEMORY);
 ZKR_RELEASING(UnmapViewOfFile, TRUE);
 

@@ -1,5 +1,8 @@
 // Drawing calls against pixel by pixel models, on bitmaps of every depth.
 #include "canvas.h"
+#include "platform/faults.h"
+#include "platform/files.h"
+#include "platform/memory.h"
 #include "region_pixels.h"
 
 #include <cmath>
@@ -295,6 +298,81 @@ TEST(Drawing, ReadsBitmapsAsBlocks) {
             }
         }
     }
+}
+
+TEST(Drawing, SharesPixelsWithAMapping) {
+    constexpr DWORD Offset = 65536 + 12; // within the second piece of the mapping
+    HANDLE mapping =
+        CreateFileMappingA(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE | SEC_COMMIT, 0, 1 << 20, nullptr);
+    HANDLE section = nullptr;
+    ASSERT_TRUE(DuplicateHandle(GetCurrentProcess(), mapping, GetCurrentProcess(), &section, 0, FALSE,
+                                DUPLICATE_SAME_ACCESS));
+    EXPECT_NE(section, mapping);
+    auto* view = static_cast<uint8_t*>(MapViewOfFile(mapping, FILE_MAP_WRITE, 0, 0, 0));
+    DibInfo info(10, -8, 24);
+    void* bits = nullptr;
+    HBITMAP bitmap = CreateDIBSection(nullptr, info.Get(), DIB_RGB_COLORS, &bits, section, Offset);
+    ASSERT_NE(bitmap, nullptr);
+    HDC context = CreateCompatibleDC(nullptr);
+    HGDIOBJ old = SelectObject(context, bitmap);
+    HBRUSH brush = CreateSolidBrush(0x030201);
+    HGDIOBJ oldBrush = SelectObject(context, brush);
+    EXPECT_TRUE(PatBlt(context, 2, 1, 1, 1, PATCOPY));
+    GdiFlush();
+    const uint8_t* pixel = view + Offset + info.RowBytes() + 6;
+    EXPECT_TRUE(pixel[0] == 3 && pixel[1] == 2 && pixel[2] == 1 && pixel[3] == 0);
+    EXPECT_EQ(static_cast<uint8_t*>(bits)[info.RowBytes() + 6], 3);
+    DIBSECTION record{};
+    EXPECT_EQ(GetObjectA(bitmap, sizeof record, &record), static_cast<int>(sizeof record));
+    EXPECT_EQ(record.dshSection, section);
+    EXPECT_EQ(record.dsOffset, Offset);
+    SelectObject(context, oldBrush);
+    SelectObject(context, old);
+    EXPECT_TRUE(DeleteDC(context));
+    EXPECT_TRUE(DeleteObject(bitmap));
+    EXPECT_TRUE(DeleteObject(brush));
+    EXPECT_TRUE(CloseHandle(section));
+    EXPECT_TRUE(UnmapViewOfFile(view));
+    EXPECT_TRUE(CloseHandle(mapping));
+}
+
+// Every call that may fail fails once; what was made is there to be released, and nothing else.
+TEST(Drawing, LeavesNothingBehindWhereTheSystemFails) {
+    const int64_t before = fault::Live();
+    const RECT rect{1, 2, 9, 12};
+    const POINT points[4] = {{0, 0}, {9, 0}, {9, 9}, {0, 9}};
+    for (uint32_t nth = 1; nth < 100; ++nth) {
+        fault::Arm(fault::Region | fault::Device | fault::Drawing, nth);
+        HDC context = CreateCompatibleDC(nullptr);
+        HBITMAP bitmap = CreateBitmap(8, 8, 1, 1, PatternRows),
+                second = CreateCompatibleBitmap(context, 4, 4);
+        HBRUSH brush = CreatePatternBrush(bitmap), solid = CreateSolidBrush(7);
+        HRGN regions[] = {CreateEllipticRgnIndirect(&rect),       CreateRectRgnIndirect(&rect),
+                          CreatePolygonRgn(points, 4, WINDING),   CreateRectRgn(0, 0, 4, 4),
+                          CreateRoundRectRgn(0, 0, 20, 20, 5, 5), nullptr};
+        CombineRgn(regions[0], regions[1], regions[2], RGN_XOR);
+        GetRegionData(regions[0], 0, nullptr);
+        BeginPath(context);
+        PolyBezier(context, points, 4);
+        EndPath(context);
+        regions[5] = PathToRegion(context);
+        HGDIOBJ old = SelectObject(context, bitmap);
+        if (SaveDC(context) != 0) RestoreDC(context, -1);
+        PatBlt(context, 0, 0, 8, 8, PATCOPY);
+        PaintRgn(context, regions[0]);
+        BitBlt(context, 0, 0, 4, 4, context, 4, 4, SRCCOPY);
+        if (old != nullptr) SelectObject(context, old);
+        const bool done = !fault::Fired();
+        fault::Disarm();
+        for (HRGN region : regions)
+            DeleteObject(region);
+        for (HGDIOBJ object : {HGDIOBJ{bitmap}, HGDIOBJ{second}, HGDIOBJ{brush}, HGDIOBJ{solid}})
+            DeleteObject(object);
+        DeleteDC(context);
+        ASSERT_EQ(fault::Live(), before) << nth;
+        if (done) return;
+    }
+    FAIL() << "it never came to an end";
 }
 
 TEST(Drawing, TellsOfBitmaps) {

@@ -6,7 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
+#include <thread>
 #include <vector>
 
 namespace zkr {
@@ -111,6 +113,160 @@ TEST_F(Surfaces, TheHostDeletesItsObjects) {
     EXPECT_EQ(Z_GetPaletteSize(palette), 0u);
     EXPECT_EQ(Z_DeleteObject(palette), Z_ERROR_ARGUMENT);
     EXPECT_EQ(Z_DeleteSurface(context), Z_SUCCESS);
+}
+
+TEST_F(Surfaces, TellTheirMeasures) {
+    for (const auto& [bits, colours] : {std::pair{1, 2}, {4, 16}, {8, 256}, {16, -1}, {24, -1}, {32, -1}}) {
+        std::vector<uint8_t> pixels(4000 * 3);
+        description_ = {sizeof description_, 960, 3, bits, 4000, 1, pixels.data(), nullptr, 0, 0};
+        HDC context = nullptr;
+        ASSERT_EQ(Z_CreateSurface(&description_, &context), Z_SUCCESS);
+        EXPECT_EQ(GetDeviceCaps(context, HORZSIZE), 254) << "10 inches";
+        EXPECT_EQ(GetDeviceCaps(context, VERTSIZE), 1) << "0.79";
+        EXPECT_EQ(GetDeviceCaps(context, LOGPIXELSX), 96);
+        EXPECT_EQ(GetDeviceCaps(context, BITSPIXEL) * GetDeviceCaps(context, PLANES), bits);
+        EXPECT_EQ(GetDeviceCaps(context, NUMCOLORS), colours);
+        EXPECT_EQ(GetDeviceCaps(context, TECHNOLOGY), DT_RASDISPLAY);
+        HBITMAP bitmap = CreateCompatibleBitmap(context, 7, 7);
+        HDC memory = CreateCompatibleDC(context);
+        EXPECT_EQ(GetDeviceCaps(memory, BITSPIXEL), 1) << "the bitmap of one pixel";
+        SelectObject(memory, bitmap);
+        EXPECT_EQ(GetDeviceCaps(memory, BITSPIXEL), bits);
+        EXPECT_TRUE(DeleteDC(memory));
+        EXPECT_EQ(Z_DeleteObject(bitmap), Z_SUCCESS);
+        EXPECT_EQ(Z_DeleteObject(bitmap), Z_ERROR_ARGUMENT);
+        EXPECT_EQ(Z_DeleteSurface(context), Z_SUCCESS);
+    }
+}
+
+TEST_F(Surfaces, BringAPaletteIntoTheDisplays) {
+    struct {
+        WORD version = 0x300, count = 200;
+        PALETTEENTRY entries[200];
+    } palette;
+    for (unsigned i = 0; i < 200; ++i)
+        palette.entries[i] = {static_cast<BYTE>(i), 200, static_cast<BYTE>(i), 0};
+    const RGBQUAD& shown = colors_[5]; // a static colour: it needs no second entry
+    palette.entries[3] = {shown.rgbRed, shown.rgbGreen, shown.rgbBlue, 0};
+    HPALETTE handle = CreatePalette(reinterpret_cast<LOGPALETTE*>(&palette));
+    HDC context = nullptr;
+    ASSERT_EQ(Z_CreateSurface(&description_, &context), Z_SUCCESS);
+    EXPECT_EQ(Z_SelectSurfacePalette(context, reinterpret_cast<HPALETTE>(context)), Z_ERROR_ARGUMENT);
+    ASSERT_EQ(Z_SelectSurfacePalette(context, handle), Z_SUCCESS);
+    std::vector<RGBQUAD> now(256);
+    int32_t count = 256;
+    ASSERT_EQ(Z_GetSurfaceColors(context, now.data(), &count), Z_SUCCESS);
+    EXPECT_EQ(count, 256);
+    for (unsigned i = 0; i < 256; ++i) {
+        const bool taken = i >= 10 && i < 10 + 199;
+        const unsigned entry = i - 10 < 3 ? i - 10 : i - 9;
+        EXPECT_EQ(now[i].rgbRed, taken ? entry : colors_[i].rgbRed) << i;
+        EXPECT_EQ(now[i].rgbGreen, taken ? 200 : colors_[i].rgbGreen) << i;
+    }
+
+    // Painted by index: entry 3 is the static colour 5.
+    struct {
+        BITMAPINFOHEADER header{40, 1, -4, 1, 8, 0, 0, 0, 0, 0, 0};
+        WORD indices[256] = {0, 3, 7, 199};
+    } info;
+    const uint8_t rows[16] = {0, 9, 9, 9, 1, 9, 9, 9, 2, 9, 9, 9, 3, 9, 9, 9};
+    EXPECT_NE(StretchDIBits(context, 4, 0, 1, 4, 0, 0, 1, 4, rows, reinterpret_cast<BITMAPINFO*>(&info),
+                            DIB_PAL_COLORS, SRCCOPY),
+              0);
+    const uint8_t wanted[4] = {10, 5, 10 + 6, 10 + 198};
+    for (size_t y = 0; y < 4; ++y)
+        EXPECT_EQ(pixels_[(3 - y) * 12 + 4], wanted[y]) << y;
+    EXPECT_EQ(Z_DeleteObject(handle), Z_SUCCESS);
+    EXPECT_EQ(Z_SelectSurfacePalette(context, nullptr), Z_SUCCESS);
+    EXPECT_EQ(Z_DeleteSurface(context), Z_SUCCESS);
+    EXPECT_EQ(Z_GetSurfaceColors(context, now.data(), &count), Z_ERROR_ARGUMENT);
+}
+
+TEST_F(Surfaces, RefuseBlocksThatAreNone) {
+    HDC context = nullptr;
+    ASSERT_EQ(Z_CreateSurface(&description_, &context), Z_SUCCESS);
+    const std::vector<uint8_t> before = pixels_;
+    const BITMAPINFOHEADER cases[] = {
+        {12, 4, 4, 1, 24, 0, 0, 0, 0, 0, 0}, {40, 0, 4, 1, 24, 0, 0, 0, 0, 0, 0},
+        {40, 4, 0, 1, 24, 0, 0, 0, 0, 0, 0}, {40, -4, 4, 1, 24, 0, 0, 0, 0, 0, 0},
+        {40, 4, 4, 2, 24, 0, 0, 0, 0, 0, 0}, {40, 4, 4, 1, 12, 0, 0, 0, 0, 0, 0},
+        {40, 4, 4, 1, 8, 1, 0, 0, 0, 0, 0},  {40, 4, -0x7FFFFFFF - 1, 1, 24, 0, 0, 0, 0, 0, 0},
+    };
+    for (const BITMAPINFOHEADER& header : cases) {
+        BITMAPINFO info{header, {}};
+        EXPECT_EQ(
+            StretchDIBits(context, 0, 0, 4, 4, 0, 0, 4, 4, pixels_.data(), &info, DIB_RGB_COLORS, SRCCOPY), 0)
+            << &header - cases;
+        EXPECT_EQ(CreateDIBSection(context, &info, DIB_RGB_COLORS, nullptr, nullptr, 0), nullptr);
+    }
+    EXPECT_EQ(pixels_, before);
+    EXPECT_EQ(Z_DeleteSurface(context), Z_SUCCESS);
+    EXPECT_FALSE(PatBlt(context, 0, 0, 4, 4, BLACKNESS));
+    EXPECT_EQ(SelectObject(context, context), nullptr);
+}
+
+// Threads draw on the screen while its host takes the surface away and frees the pixels.
+TEST_F(Surfaces, AreLetGoUnderTheHandsOfThreads) {
+    std::atomic<bool> stop{false};
+    std::atomic<HRGN> shared{nullptr};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 3; ++i) {
+        threads.emplace_back([&, i] {
+            while (!stop) {
+                HDC screen = GetDC(nullptr), memory = CreateCompatibleDC(screen);
+                HBITMAP bitmap = CreateCompatibleBitmap(screen, 50, 50);
+                HGDIOBJ old = SelectObject(memory, bitmap);
+                HRGN region = CreateRectRgn(i, i, 30, 30);
+                SelectClipRgn(screen, region);
+                if (HRGN other = shared.exchange(region)) {
+                    CombineRgn(other, other, region, RGN_XOR);
+                    DeleteObject(other);
+                }
+                BitBlt(memory, 0, 0, 50, 50, screen, 0, 0, SRCCOPY);
+                BitBlt(screen, 1, 1, 50, 50, memory, 0, 0, SRCCOPY);
+                BitBlt(screen, 2, 1, 30, 30, screen, 0, 0, SRCCOPY);
+                SelectObject(memory, old);
+                DeleteDC(memory);
+                DeleteObject(bitmap);
+                ReleaseDC(nullptr, screen);
+            }
+        });
+    }
+    for (int round = 0; round < 300; ++round) {
+        std::vector<uint8_t> pixels(60 * 40);
+        description_ = {sizeof description_, 60, 40, 8, 60, 1, pixels.data(), colors_.data(), 256, 20};
+        HDC context = nullptr;
+        ASSERT_EQ(Z_CreateSurface(&description_, &context), Z_SUCCESS);
+        EXPECT_EQ(Z_SetScreenSurface(context), Z_SUCCESS);
+        std::this_thread::yield();
+        EXPECT_EQ(Z_DeleteSurface(context), Z_SUCCESS);
+    }
+    stop = true;
+    for (std::thread& thread : threads)
+        thread.join();
+    DeleteObject(shared);
+}
+
+TEST(GlobalBlocks, AreLentToHosts) {
+    HGLOBAL block = nullptr;
+    ASSERT_EQ(Z_AllocGlobalBlock(100, &block), Z_SUCCESS);
+    size_t size = 0;
+    EXPECT_EQ(Z_GetGlobalBlockSize(block, &size), Z_SUCCESS);
+    EXPECT_EQ(size, 100u);
+    void* bytes = nullptr;
+    ASSERT_EQ(Z_LockGlobalBlock(block, &bytes), Z_SUCCESS);
+    EXPECT_EQ(static_cast<uint8_t*>(bytes)[99], 0);
+    EXPECT_EQ(Z_UnlockGlobalBlock(block), Z_SUCCESS);
+    EXPECT_EQ(Z_UnlockGlobalBlock(block), Z_ERROR_ARGUMENT);
+    EXPECT_EQ(Z_FreeGlobalBlock(block), Z_SUCCESS);
+    EXPECT_EQ(Z_FreeGlobalBlock(block), Z_ERROR_ARGUMENT);
+    EXPECT_EQ(Z_LockGlobalBlock(block, &bytes), Z_ERROR_ARGUMENT);
+    EXPECT_EQ(Z_GetGlobalBlockSize(block, &size), Z_ERROR_ARGUMENT);
+    EXPECT_EQ(Z_AllocGlobalBlock(SIZE_MAX, &block), Z_ERROR_MEMORY);
+    ASSERT_EQ(Z_AllocGlobalBlock(0, &block), Z_SUCCESS);
+    EXPECT_EQ(Z_GetGlobalBlockSize(block, &size), Z_SUCCESS);
+    EXPECT_EQ(size, 0u);
+    EXPECT_EQ(Z_FreeGlobalBlock(block), Z_SUCCESS);
 }
 
 } // namespace
