@@ -4,6 +4,7 @@
 
 #include "zkr13n/flip.h"
 #include "zkr13n/rotate.h"
+#include "zkr13n/shear.h"
 
 namespace zkr::app {
 
@@ -22,6 +23,15 @@ uint32_t FlagOf(RotationMethod method) {
 void Rotate(Bitmap& bitmap, const Rotation& rotation) {
     const uint32_t flags = FlagOf(rotation.method) | (rotation.grow ? uint32_t{ROTATE_RESIZE} : 0);
     Check(Z_RotateBitmap(bitmap.Handle(), rotation.hundredths, flags, rotation.fill), bitmap.Name());
+}
+
+void Shear(Bitmap& bitmap, const Shearing& shearing) {
+    const ReturnCode result =
+        Z_ShearBitmap(bitmap.Handle(), shearing.hundredths, shearing.vertical ? 0 : 1, shearing.fill);
+    if (result == Z_ERROR_ARGUMENT)
+        throw Failure(bitmap.Name(),
+                      "would become too large: a sheared row or column has at most 32768 bytes");
+    Check(result, bitmap.Name());
 }
 
 void Flip(Bitmap& bitmap) {

@@ -1,4 +1,4 @@
-// Turning and mirroring, for verbs and the tour. Bitmaps stand upright: their first row is the top of the picture.
+// Turning, mirroring and shearing, for verbs and the tour. Bitmaps stand upright: their first row is the top of the picture.
 #pragma once
 
 #include "bitmap.h"
@@ -16,7 +16,14 @@ struct Rotation {
     uint32_t fill = 0x00FFFFFF; // 0x00BBGGRR, of what lies outside the picture; alpha 0
 };
 
+struct Shearing {
+    int hundredths = 0;         // of a degree, the top to the right, or the right side down
+    bool vertical = false;      // slide columns instead of rows
+    uint32_t fill = 0x00FFFFFF; // as of a rotation
+};
+
 void Rotate(Bitmap& bitmap, const Rotation& rotation);
+void Shear(Bitmap& bitmap, const Shearing& shearing);
 void Flip(Bitmap& bitmap);   // upside down
 void Mirror(Bitmap& bitmap); // left to right
 

@@ -1,4 +1,4 @@
-// The verbs that turn and mirror: pictures whose results are known pixel by pixel, or by their corners.
+// The verbs that turn, mirror, shear and warp: pictures whose results are known pixel by pixel, or by their corners.
 #include "picture_files.h"
 #include "run_program.h"
 
@@ -66,4 +66,25 @@ TEST_F(TurnTest, CornersAreFilled) {
         EXPECT_NEAR(turned.samples[middle], 7, 2) << method;
     }
     EXPECT_EQ(Made("rotate", picture, {"--angle", "12.5"}).width, 64);
+}
+
+TEST_F(TurnTest, ShearAndWarpPlaceEachPixel) {
+    const Picture picture = PictureOf(width, height, 8, PNG_COLOR_TYPE_RGB, Scattered);
+    const Picture slid = Made("shear", picture, {"--angle", "45", "--fill", "000000"});
+    ASSERT_EQ(slid.width, width + height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const int aside = height - 1 - y; // the lowest row stays
+            EXPECT_EQ(slid.samples[static_cast<size_t>(y * slid.width + x + aside) * 3],
+                      picture.samples[static_cast<size_t>(y * width + x) * 3]);
+        }
+
+    WritePng(Path("in.png"), picture);
+    Succeeds({"warp", Path("in.png"), Path("in.png"), Path("out.png"), "--points", "22,0", "0,0", "0,16",
+              "22,16", "--method", "nearest"});
+    EXPECT_EQ(ReadPng(Path("out.png")).samples,
+              Moved(picture, width, height, [](int x, int y) { return Place(width - 1 - x, y); }));
+    Refuses(
+        {"warp", Path("in.png"), Path("in.png"), Path("out.png"), "--points", "0,0", "23,0", "9,9", "0,9"},
+        Path("in.png") + ": ", "outside");
 }

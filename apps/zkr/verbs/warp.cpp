@@ -1,0 +1,71 @@
+// zkr warp: a picture drawn into a quadrilateral of another.
+#include "apps/zkr/convert.h"
+#include "apps/zkr/options.h"
+#include "apps/zkr/picture_job.h"
+#include "apps/zkr/picture_reader.h"
+#include "apps/zkr/progress.h"
+#include "apps/zkr/warp_work.h"
+#include "apps/zkr/write_png.h"
+
+namespace zkr::app {
+
+namespace {
+
+struct WarpOptions {
+    std::string input, scene, output;
+    Warping warping;
+    bool isNearest = false;
+};
+
+const Words<bool> Methods = {{"nearest", true}, {"linear", false}};
+
+void Describe(CLI::App& verb, WarpOptions& options) {
+    AddInput(verb, "IN", options.input, "the picture that is drawn");
+    AddInput(verb, "SCENE", options.scene, "the picture that it is drawn into");
+    AddOutput(verb, options.output);
+    const auto set = [&options](const std::vector<std::string>& given) {
+        for (size_t i = 0; i < given.size(); ++i) {
+            const std::optional<Point> point = ParsePoint(given[i]);
+            if (!point) throw CLI::ValidationError("--points", "'" + given[i] + "' is not a point X,Y");
+            options.warping.points[i] = *point;
+        }
+    };
+    verb.add_option_function<std::vector<std::string>>(
+            "--points", set,
+            "where the corners go, in pixels of the scene, clockwise from the\n"
+            "top left one; must be given")
+        ->expected(4)
+        ->required()
+        ->type_name("X,Y X,Y X,Y X,Y");
+    AddWord(verb, "--method", options.isNearest, Methods, "how pixels are found, linear by default");
+}
+
+Bitmap Read(const std::string& path) {
+    const auto reader = OpenPicture(path);
+    const StatusBar bar("reading   ");
+    return ReadUpright(*reader, path, Storage{});
+}
+
+void Run(const WarpOptions& options) {
+    CheckOutputName(options.output);
+    Bitmap picture = Read(options.input), scene = Read(options.scene);
+    {
+        const StatusBar bar("warping   ");
+        const PixelFormat format = MeetingFormat(scene.Format(), picture.Format());
+        scene = Converted(scene, format, Storage{});
+        picture = Converted(picture, format, Storage{});
+        Warping warping = options.warping;
+        warping.blend = !options.isNearest;
+        Warp(scene, picture, warping);
+    }
+    const StatusBar bar("writing   ");
+    WritePng(scene, options.output);
+}
+
+} // namespace
+
+constexpr Verb WarpVerb =
+    VerbOf<WarpOptions, Describe, Run>("warp", "Draw a picture into a quadrilateral of another",
+                                       "warp photo.png photo.png scene.png --points 5,5 55,10 50,40 8,45");
+
+} // namespace zkr::app
