@@ -1,19 +1,24 @@
 // A row's way through the source is cut where it enters and leaves the source, and where it comes so near to an edge
-// that neighbours lie outside. The cuts are exact divisions; between them no pixel is tested.
+// that neighbours lie outside. Between the cuts no pixel is tested, and two pixels at a time are interpolated with
+// their channels in lanes; at the edges they are taken one by one.
 #include "geometry/kernels/rotate_kernels.h"
 
 #include "geometry/kernels/rotate_forms.h"
+#include "geometry/kernels/rotate_spans.h"
 #include "kernels/family.h"
 
 #include <algorithm>
+#include <type_traits>
+
+#if defined(__AVX2__)
+#include <immintrin.h>
+#endif
 
 namespace zkr::kernels {
 namespace {
 
-// Fields of 1 to 7 bits from the top of each byte; a byte in the result.
-struct BitsForm {
-    static constexpr size_t TargetBytes = 1;
-};
+typedef float FourFloats __attribute__((vector_size(16)));
+typedef float EightFloats __attribute__((vector_size(32)));
 
 inline const uint8_t* RowOf(const RotateSource& source, int32_t y) {
     return source.Source + y * source.Stride;
@@ -23,103 +28,104 @@ inline bool Holds(const RotateSource& source, int32_t x, int32_t y) {
     return x >= source.Left && x < source.Right && y >= source.Top && y < source.Bottom;
 }
 
-// ---- one pixel, wherever it lies ----
-
 template <class Form>
 inline void CopyPixel(const RotateSource& source, uint8_t* target, const uint8_t* row, int32_t x) {
-    if constexpr (std::is_same_v<Form, BitsForm>) {
-        const ptrdiff_t first = static_cast<ptrdiff_t>(x) * source.Bits;
-        const auto bit = static_cast<int32_t>(first & 7);
-        const uint8_t* const byte = row + (first >> 3);
-        const bool crosses = bit + source.Bits > 8;
-        const uint32_t pair = static_cast<uint32_t>(byte[0]) << 8 | (crosses ? byte[1] : 0u);
-        *target = static_cast<uint8_t>(pair >> (16 - bit - source.Bits) & ((1u << source.Bits) - 1));
-    } else {
-        Form::Copy(target, row, x);
-    }
-}
-
-template <class Form>
-inline void ReadOrFill(const RotateSource& source, int32_t x, int32_t y, int32_t (&values)[Form::Channels]) {
-    if (Holds(source, x, y))
-        Form::Read(RowOf(source, y), x, values);
+    if constexpr (std::is_same_v<Form, BitsForm>)
+        *target = BitsForm::Value(row, x, source.Bits);
     else
-        Form::Read(source.Fill, 0, values);
+        Form::Copy(target, row, x);
 }
 
-// Each axis moves the value towards the neighbour on the side of the fraction, in the row or column of the nearest
-// pixel.
+template <class Form> inline Four ReadOrFill(const RotateSource& source, int32_t x, int32_t y) {
+    return Holds(source, x, y) ? Form::Read(RowOf(source, y), x) : Form::Read(source.Fill, 0);
+}
+
+// ---- interpolation, of one pixel or two
+
+// The value moved towards a neighbour; distance is that from the pixel's centre.
+template <typename Lanes> inline Lanes Blended(Lanes value, Lanes neighbour, Lanes distance) {
+    const Lanes product = (neighbour - value) * distance;
+    // Truncated, where a shift would round down.
+    return value + ((product + (product >> 31 & (RotateUnit - 1))) >> RotateFractionBits);
+}
+
+// The weights of a spline through four samples between the second and the third, at t from 0 to 1.
+template <typename Lanes> struct SplineWeights {
+    Lanes First, Second, FirstCurve, SecondCurve;
+
+    explicit SplineWeights(Lanes t) {
+        const Lanes a = 1.0f - t;
+        First = a;
+        Second = t;
+        FirstCurve = (a * a * a - a) / 6.0f;
+        SecondCurve = (t * t * t - t) / 6.0f;
+    }
+    SplineWeights() = default;
+};
+
+// The curvature at the third sample takes the second one itself where one would expect that one's curvature. All
+// sums and differences of samples are exact.
+template <typename Lanes, typename Whole>
+inline Whole SplineOf(const SplineWeights<Lanes>& weights, Lanes s0, Lanes s1, Lanes s2, Lanes s3,
+                      int32_t most) {
+    const Lanes e = s1 + s3 - (s2 + s2);
+    const Lanes curve = (6.0f * e - s1) * 0.266667f;
+    const Lanes m2 = reinterpret_cast<Lanes>(reinterpret_cast<Whole>(curve) & (e != 0.0f));
+    const Lanes m1 = (s0 + s2 - (s1 + s1)) * 1.5f - m2 / 4.0f;
+    const Lanes value =
+        weights.First * s1 + weights.Second * s2 + weights.FirstCurve * m1 + weights.SecondCurve * m2 + 0.5f;
+    Whole whole = __builtin_convertvector(value, Whole);
+    whole = whole < 0 ? Whole{} : whole;
+    return whole > most ? Whole{} + most : whole;
+}
+
+// ---- one pixel, wherever it lies
+
 template <class Form>
 inline void LinearPixel(const RotateSource& source, const RotatePosition& at, uint8_t* target) {
-    int32_t value[Form::Channels], other[Form::Channels];
-    Form::Read(RowOf(source, at.Y), at.X, value);
+    Four value = Form::Read(RowOf(source, at.Y), at.X);
     const auto blend = [&](int32_t x, int32_t y, int32_t fraction) {
         if (fraction == 0) return;
-        ReadOrFill<Form>(source, x, y, other);
-        const int32_t distance = fraction < 0 ? -fraction : fraction;
-        for (int32_t i = 0; i < Form::Channels; ++i)
-            value[i] += (other[i] - value[i]) * distance / RotateUnit;
+        value =
+            Blended(value, ReadOrFill<Form>(source, x, y), Four{} + (fraction < 0 ? -fraction : fraction));
     };
     blend(at.X + (at.FractionX > 0 ? 1 : -1), at.Y, at.FractionX);
     blend(at.X, at.Y + (at.FractionY > 0 ? 1 : -1), at.FractionY);
     Form::Write(target, value);
 }
 
-// A spline through four samples, between the second and the third. The curvature at the third takes the sample itself
-// where one would expect that at the second.
-struct SplineWeights {
-    float First, Second, FirstCurve, SecondCurve;
+inline FourFloats PlaceOf(int32_t fraction) {
+    const int32_t folded = fraction < 0 ? fraction + RotateUnit : fraction;
+    return FourFloats{} + static_cast<float>(folded) / static_cast<float>(RotateUnit);
+}
 
-    explicit SplineWeights(int32_t fraction) {
-        const float t = static_cast<float>(fraction) / static_cast<float>(RotateUnit);
-        const float a = 1.0f - t;
-        First = a;
-        Second = t;
-        FirstCurve = (a * a * a - a) / 6.0f;
-        SecondCurve = (t * t * t - t) / 6.0f;
-    }
-};
-
-inline int32_t SplineOf(const SplineWeights& weights, int32_t s0, int32_t s1, int32_t s2, int32_t s3,
-                        int32_t most) {
-    float m1 = static_cast<float>(s0 + s2 - 2 * s1) * 1.5f;
-    float m2 = 0.0f;
-    const int32_t e = s1 + s3 - 2 * s2;
-    if (e != 0) {
-        m2 = static_cast<float>(6 * e - s1) * 0.266667f;
-        m1 = m1 - m2 / 4.0f;
-    }
-    const float value = weights.First * static_cast<float>(s1) + weights.Second * static_cast<float>(s2) +
-                        weights.FirstCurve * m1 + weights.SecondCurve * m2 + 0.5f;
-    const auto whole = static_cast<int32_t>(value);
-    return whole < 0 ? 0 : whole > most ? most : whole;
+// The top bit of 16-bit colour, which no channel has: set where any of the four pixels around has it.
+inline void SetTopBit(uint8_t* target, uint32_t words) {
+    target[1] = static_cast<uint8_t>(target[1] | (words >> 8 & 0x80));
 }
 
 template <class Form>
 inline void CubicPixel(const RotateSource& source, const RotatePosition& at, uint8_t* target) {
     const int32_t left = at.X - (at.FractionX < 0 ? 1 : 0), top = at.Y - (at.FractionY < 0 ? 1 : 0);
-    const SplineWeights across(at.FractionX + (at.FractionX < 0 ? RotateUnit : 0));
-    const SplineWeights down(at.FractionY + (at.FractionY < 0 ? RotateUnit : 0));
-    int32_t rows[4][Form::Channels];
+    const SplineWeights<FourFloats> across(PlaceOf(at.FractionX)), down(PlaceOf(at.FractionY));
+    FourFloats rows[4];
     for (int32_t y = 0; y < 4; ++y) {
-        int32_t s[4][Form::Channels];
+        FourFloats s[4];
         for (int32_t x = 0; x < 4; ++x)
-            ReadOrFill<Form>(source, left - 1 + x, top - 1 + y, s[x]);
-        for (int32_t i = 0; i < Form::Channels; ++i)
-            rows[y][i] = SplineOf(across, s[0][i] << Form::Scale, s[1][i] << Form::Scale,
-                                  s[2][i] << Form::Scale, s[3][i] << Form::Scale, Form::Most);
+            s[x] = __builtin_convertvector(ReadOrFill<Form>(source, left - 1 + x, top - 1 + y) << Form::Scale,
+                                           FourFloats);
+        rows[y] = __builtin_convertvector(
+            (SplineOf<FourFloats, Four>(across, s[0], s[1], s[2], s[3], Form::Most)), FourFloats);
     }
-    int32_t value[Form::Channels];
-    for (int32_t i = 0; i < Form::Channels; ++i)
-        value[i] = SplineOf(down, rows[0][i], rows[1][i], rows[2][i], rows[3][i], Form::Most) >> Form::Scale;
-    Form::Write(target, value);
+    Form::Write(target, SplineOf<FourFloats, Four>(down, rows[0], rows[1], rows[2], rows[3], Form::Most) >>
+                            Form::Scale);
     if constexpr (std::is_same_v<Form, Colour16Form>) {
         uint32_t words = 0;
         for (int32_t y = 0; y < 2; ++y)
             for (int32_t x = 0; x < 2; ++x)
                 words |= Holds(source, left + x, top + y) ? Form::Word(RowOf(source, top + y), left + x)
                                                           : Form::Word(source.Fill, 0);
-        target[1] = static_cast<uint8_t>(target[1] | (words >> 8 & 0x80));
+        SetTopBit(target, words);
     }
 }
 
@@ -135,15 +141,229 @@ inline void AnyPixel(const RotateSource& source, const RotatePosition& at, uint8
         CopyPixel<Form>(source, target, RowOf(source, at.Y), at.X);
 }
 
-template <class Form, RotateMethod method>
-void RotateRow(const RotateSource& source, RotatePosition& at, uint8_t* target, int32_t count) {
-    for (; count > 0; --count, target += Form::TargetBytes) {
-        AnyPixel<Form, method>(source, at, target);
-        at.Step(source.StepX, source.StepY);
+// ---- pixels whose neighbours all lie in the source
+
+// Both axes of a walk, for a few steps at a time.
+struct Walk {
+    static constexpr int32_t Most = 64;
+
+    int32_t X[Most], FractionX[Most], Y[Most], FractionY[Most];
+
+    void Make(const RotateSource& source, const RotatePosition& at) {
+        MakeAxis(at.X, at.FractionX, source.StepX, X, FractionX);
+        MakeAxis(at.Y, at.FractionY, source.StepY, Y, FractionY);
     }
+
+  private:
+    static void MakeAxis(int32_t whole, int32_t fraction, int32_t step, int32_t* wholes, int32_t* fractions) {
+        const int32_t bias = AxisWalk::Bias(step);
+        for (int32_t i = 0; i < Most; ++i) {
+            const int32_t sum = fraction + i * step;
+            const int32_t units = (sum + bias) >> RotateFractionBits;
+            wholes[i] = whole + units;
+            fractions[i] = sum - units * RotateUnit;
+        }
+    }
+};
+
+inline Eight Pair(int32_t a, int32_t b) {
+    return Both(Four{} + a, Four{} + b);
 }
 
-// ---- the table ----
+// Two pixels of a walk, from step i on.
+template <class Form>
+inline void LinearPair(const RotateSource& source, const Walk& walk, int32_t i, uint8_t* target) {
+    const int32_t xa = walk.X[i], xb = walk.X[i + 1];
+    const int32_t fxa = walk.FractionX[i], fxb = walk.FractionX[i + 1];
+    const int32_t fya = walk.FractionY[i], fyb = walk.FractionY[i + 1];
+    const uint8_t* const a = RowOf(source, walk.Y[i]);
+    const uint8_t* const b = RowOf(source, walk.Y[i + 1]);
+    // Towards a neighbour at no distance nothing moves.
+    const auto side = [](int32_t fraction) { return fraction >> 31 | 1; };
+    const auto size = [](int32_t fraction) { return fraction < 0 ? -fraction : fraction; };
+    Eight value = Form::ReadWide(a, xa, b, xb);
+    value = Blended(value, Form::ReadWide(a, xa + side(fxa), b, xb + side(fxb)), Pair(size(fxa), size(fxb)));
+    value =
+        Blended(value, Form::ReadWide(a + side(fya) * source.Stride, xa, b + side(fyb) * source.Stride, xb),
+                Pair(size(fya), size(fyb)));
+    Form::WriteWide(target, value);
+}
+
+// The weights of the steps of a walk along one axis, and the pixels that lie in front of their places.
+struct WalkWeights {
+    float First[Walk::Most], Second[Walk::Most], FirstCurve[Walk::Most], SecondCurve[Walk::Most];
+    int32_t Before[Walk::Most];
+
+    WalkWeights(const int32_t* wholes, const int32_t* fractions) {
+        for (int32_t i = 0; i < Walk::Most; ++i) {
+            const int32_t below = fractions[i] >> 31;
+            Before[i] = wholes[i] + below;
+            const float t =
+                static_cast<float>(fractions[i] + (below & RotateUnit)) / static_cast<float>(RotateUnit);
+            const SplineWeights<float> weights(t);
+            First[i] = weights.First;
+            Second[i] = weights.Second;
+            FirstCurve[i] = weights.FirstCurve;
+            SecondCurve[i] = weights.SecondCurve;
+        }
+    }
+
+    SplineWeights<EightFloats> Of(int32_t i) const { return Pair(i, i); }
+    SplineWeights<EightFloats> Pair(int32_t i, int32_t k) const {
+        const auto both = [i, k](const float* weights) {
+            return __builtin_shufflevector(FourFloats{} + weights[i], FourFloats{} + weights[k], 0, 1, 2, 3,
+                                           4, 5, 6, 7);
+        };
+        SplineWeights<EightFloats> pair;
+        pair.First = both(First), pair.Second = both(Second);
+        pair.FirstCurve = both(FirstCurve), pair.SecondCurve = both(SecondCurve);
+        return pair;
+    }
+};
+
+// Two rows of a pixel's surroundings at once.
+template <class Form>
+inline EightFloats CubicRows(const SplineWeights<EightFloats>& weights, const uint8_t* a, const uint8_t* b,
+                             int32_t x) {
+    const auto read = [&](int32_t place) {
+        return __builtin_convertvector(Form::ReadWide(a, place, b, place) << Form::Scale, EightFloats);
+    };
+    return __builtin_convertvector(
+        (SplineOf<EightFloats, Eight>(weights, read(x - 1), read(x), read(x + 1), read(x + 2), Form::Most)),
+        EightFloats);
+}
+
+template <class Form>
+inline void CubicPair(const RotateSource& source, const WalkWeights& across, const WalkWeights& down,
+                      int32_t i, uint8_t* target) {
+    EightFloats upper[2], lower[2];
+    for (int32_t k = 0; k < 2; ++k) {
+        const uint8_t* const row = RowOf(source, down.Before[i + k]);
+        const SplineWeights<EightFloats> weights = across.Of(i + k);
+        const int32_t x = across.Before[i + k];
+        upper[k] = CubicRows<Form>(weights, row - source.Stride, row, x);
+        lower[k] = CubicRows<Form>(weights, row + source.Stride, row + 2 * source.Stride, x);
+    }
+    const auto first = [](const EightFloats(&rows)[2]) {
+        return __builtin_shufflevector(rows[0], rows[1], 0, 1, 2, 3, 8, 9, 10, 11);
+    };
+    const auto second = [](const EightFloats(&rows)[2]) {
+        return __builtin_shufflevector(rows[0], rows[1], 4, 5, 6, 7, 12, 13, 14, 15);
+    };
+    const Eight value = SplineOf<EightFloats, Eight>(down.Pair(i, i + 1), first(upper), second(upper),
+                                                     first(lower), second(lower), Form::Most);
+    Form::WriteWide(target, value >> Form::Scale);
+    if constexpr (std::is_same_v<Form, Colour16Form>)
+        for (int32_t k = 0; k < 2; ++k) {
+            const uint8_t* const row = RowOf(source, down.Before[i + k]);
+            const int32_t x = across.Before[i + k];
+            SetTopBit(target + k * 2, Form::Word(row, x) | Form::Word(row, x + 1) |
+                                          Form::Word(row + source.Stride, x) |
+                                          Form::Word(row + source.Stride, x + 1));
+        }
+}
+
+// Makes pixels up to before the last one, whose overrun would leave the row, and tells how many.
+template <class Form, RotateMethod method>
+inline int32_t InnerPixels(const RotateSource& source, const RotatePosition& at, uint8_t* target,
+                           int32_t count) {
+    const int32_t most = std::min(count - 1, Walk::Most) & ~1;
+    if (most <= 0) return 0;
+    Walk walk;
+    walk.Make(source, at);
+    if constexpr (method == RotateMethod::Linear) {
+        for (int32_t i = 0; i < most; i += 2, target += 2 * Form::TargetBytes)
+            LinearPair<Form>(source, walk, i, target);
+    } else if constexpr (method == RotateMethod::Cubic) {
+        const WalkWeights across(walk.X, walk.FractionX), down(walk.Y, walk.FractionY);
+        for (int32_t i = 0; i < most; i += 2, target += 2 * Form::TargetBytes)
+            CubicPair<Form>(source, across, down, i, target);
+    } else if constexpr (std::is_same_v<Form, BitsForm>) {
+        for (int32_t i = 0; i < most; ++i)
+            target[i] = BitsForm::Value(RowOf(source, walk.Y[i]), walk.X[i], source.Bits);
+    } else {
+        for (int32_t i = 0; i < most; ++i, target += Form::TargetBytes)
+            Form::CopyWide(target, RowOf(source, walk.Y[i]), walk.X[i]);
+    }
+    return most;
+}
+
+// ---- rows
+
+// How far from the edges of the source a place has to be, so that nothing outside is looked at or read. What is read
+// behind a pixel lies in the row below.
+template <class Form, RotateMethod method> struct Reach {
+    static constexpr int32_t Side = method == RotateMethod::Cubic    ? 2
+                                    : method == RotateMethod::Linear ? 1
+                                                                     : 0;
+    static constexpr int32_t Bottom = Side + (Form::Overrun != 0 ? 1 : 0);
+};
+
+template <class Form, RotateMethod method> class RowMaker {
+  public:
+    RowMaker(const RotateSource& source, RotatePosition& at, uint8_t* target)
+        : source_(source), at_(at), target_(target) {}
+
+    void Make(int32_t count) {
+        for (; count > 0 && !CanWalk(); --count)
+            OnePixel();
+        if (count <= 0) return;
+        const AxisWalk x(at_.X, at_.FractionX, source_.StepX), y(at_.Y, at_.FractionY, source_.StepY);
+        constexpr int32_t side = Reach<Form, method>::Side, bottom = Reach<Form, method>::Bottom;
+        const Span outer =
+            y.Within(source_.Top, source_.Bottom, x.Within(source_.Left, source_.Right, {0, count}));
+        const Span inner = y.Within(source_.Top + side, source_.Bottom - bottom,
+                                    x.Within(source_.Left + side, source_.Right - side, outer));
+        FillTo(outer.First);
+        PixelsTo(inner.First, x, y);
+        for (int32_t made = 1; made > 0;) {
+            x.At(done_, at_.X, at_.FractionX);
+            y.At(done_, at_.Y, at_.FractionY);
+            made = InnerPixels<Form, method>(source_, at_, target_, inner.End - done_);
+            target_ += static_cast<size_t>(made) * Form::TargetBytes;
+            done_ += made;
+        }
+        PixelsTo(outer.End, x, y);
+        FillTo(count);
+        x.At(count, at_.X, at_.FractionX);
+        y.At(count, at_.Y, at_.FractionY);
+    }
+
+  private:
+    bool CanWalk() const {
+        return AxisWalk::CanStart(at_.FractionX, source_.StepX) &&
+               AxisWalk::CanStart(at_.FractionY, source_.StepY);
+    }
+    void OnePixel() {
+        AnyPixel<Form, method>(source_, at_, target_);
+        at_.Step(source_.StepX, source_.StepY);
+        target_ += Form::TargetBytes;
+    }
+    // Of which the walk needs no place.
+    void FillTo(int32_t end) {
+        for (; done_ < end; ++done_, target_ += Form::TargetBytes)
+            CopyPixel<Form>(source_, target_, source_.Fill, 0);
+    }
+    void PixelsTo(int32_t end, const AxisWalk& x, const AxisWalk& y) {
+        if (done_ >= end) return;
+        x.At(done_, at_.X, at_.FractionX);
+        y.At(done_, at_.Y, at_.FractionY);
+        for (; done_ < end; ++done_)
+            OnePixel();
+    }
+
+    const RotateSource& source_;
+    RotatePosition& at_;
+    uint8_t* target_;
+    int32_t done_ = 0; // pixels since the walk began
+};
+
+template <class Form, RotateMethod method>
+void RotateRow(const RotateSource& source, RotatePosition& at, uint8_t* target, int32_t count) {
+    RowMaker<Form, method>(source, at, target).Make(count);
+}
+
+// ---- the table
 
 template <RotateMethod method> constexpr void FillRow(RotateKernels& all) {
     auto& row = all.Kernels[static_cast<size_t>(method)];
