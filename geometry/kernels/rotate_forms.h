@@ -4,6 +4,7 @@
 
 #include "geometry/kernels/rotate_kernels.h"
 
+#include <cstddef>
 #include <cstring>
 #include <type_traits>
 
@@ -104,6 +105,29 @@ template <typename Sample, int32_t channels> struct WholeForm {
         return __builtin_convertvector(reinterpret_cast<ManySamples>(PixelWords{a, b}), Eight);
 #endif
     }
+    // The four pixels from x on of two rows. Up to four bytes behind them may be read.
+    static void ReadFour(const uint8_t* rowA, const uint8_t* rowB, ptrdiff_t x, Eight (&pixels)[4]) {
+#if defined(__AVX2__)
+        if constexpr (sizeof(Sample) == 1 && channels > 1) {
+            const auto load = [](const uint8_t* bytes) {
+                return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+            };
+            const __m256i rows = _mm256_set_m128i(load(At(rowB, x)), load(At(rowA, x)));
+            constexpr char none = -128, step = channels;
+            for (char i = 0; i < 4; ++i) {
+                const auto at = [i](char channel) { return static_cast<char>(i * step + channel); };
+                const __m128i places =
+                    _mm_setr_epi8(at(0), none, none, none, at(1), none, none, none, at(2), none, none, none,
+                                  channels > 3 ? at(3) : none, none, none, none);
+                pixels[static_cast<size_t>(i)] =
+                    reinterpret_cast<Eight>(_mm256_shuffle_epi8(rows, _mm256_broadcastsi128_si256(places)));
+            }
+            return;
+        }
+#endif
+        for (ptrdiff_t i = 0; i < 4; ++i)
+            pixels[i] = ReadWide(rowA, x + i, rowB, x + i);
+    }
     static void Write(uint8_t* target, Four values) {
         const Samples samples = __builtin_convertvector(values, Samples);
         std::memcpy(target, &samples, Bytes);
@@ -136,6 +160,10 @@ template <class Form> struct SingleForm {
 
     static Eight ReadWide(const uint8_t* rowA, ptrdiff_t xA, const uint8_t* rowB, ptrdiff_t xB) {
         return Both(Form::Read(rowA, xA), Form::Read(rowB, xB));
+    }
+    static void ReadFour(const uint8_t* rowA, const uint8_t* rowB, ptrdiff_t x, Eight (&pixels)[4]) {
+        for (ptrdiff_t i = 0; i < 4; ++i)
+            pixels[i] = ReadWide(rowA, x + i, rowB, x + i);
     }
     static void WriteWide(uint8_t* target, Eight values) {
         Form::Write(target, __builtin_shufflevector(values, values, 0, 1, 2, 3));
@@ -190,7 +218,7 @@ struct Gray12Form : SingleForm<Gray12Form> {
 
 // Fields of 1 to 7 bits from the top of each byte; a byte in the result. They are only copied.
 struct BitsForm {
-    static constexpr size_t Overrun = 0, TargetBytes = 1;
+    static constexpr size_t Overrun = 3, TargetBytes = 1;
 
     static uint8_t Value(const uint8_t* row, ptrdiff_t x, int32_t bits) {
         const ptrdiff_t first = x * bits;

@@ -66,8 +66,8 @@ template <typename Lanes> struct SplineWeights {
 // The curvature at the third sample takes the second one itself where one would expect that one's curvature. All
 // sums and differences of samples are exact.
 template <typename Lanes, typename Whole>
-inline Whole SplineOf(const SplineWeights<Lanes>& weights, Lanes s0, Lanes s1, Lanes s2, Lanes s3,
-                      int32_t most) {
+[[gnu::always_inline]] inline Whole SplineOf(const SplineWeights<Lanes>& weights, Lanes s0, Lanes s1,
+                                             Lanes s2, Lanes s3, int32_t most) {
     const Lanes e = s1 + s3 - (s2 + s2);
     const Lanes curve = (6.0f * e - s1) * 0.266667f;
     const Lanes m2 = reinterpret_cast<Lanes>(reinterpret_cast<Whole>(curve) & (e != 0.0f));
@@ -75,8 +75,9 @@ inline Whole SplineOf(const SplineWeights<Lanes>& weights, Lanes s0, Lanes s1, L
     const Lanes value =
         weights.First * s1 + weights.Second * s2 + weights.FirstCurve * m1 + weights.SecondCurve * m2 + 0.5f;
     Whole whole = __builtin_convertvector(value, Whole);
-    whole = whole < 0 ? Whole{} : whole;
-    return whole > most ? Whole{} + most : whole;
+    const Whole highest = Whole{} + most;
+    whole = whole > 0 ? whole : Whole{};
+    return whole < highest ? whole : highest;
 }
 
 // ---- one pixel, wherever it lies
@@ -208,8 +209,8 @@ struct WalkWeights {
         }
     }
 
-    SplineWeights<EightFloats> Of(int32_t i) const { return Pair(i, i); }
-    SplineWeights<EightFloats> Pair(int32_t i, int32_t k) const {
+    [[gnu::always_inline]] SplineWeights<EightFloats> Of(int32_t i) const { return Pair(i, i); }
+    [[gnu::always_inline]] SplineWeights<EightFloats> Pair(int32_t i, int32_t k) const {
         const auto both = [i, k](const float* weights) {
             return __builtin_shufflevector(FourFloats{} + weights[i], FourFloats{} + weights[k], 0, 1, 2, 3,
                                            4, 5, 6, 7);
@@ -223,19 +224,21 @@ struct WalkWeights {
 
 // Two rows of a pixel's surroundings at once.
 template <class Form>
-inline EightFloats CubicRows(const SplineWeights<EightFloats>& weights, const uint8_t* a, const uint8_t* b,
-                             int32_t x) {
-    const auto read = [&](int32_t place) {
-        return __builtin_convertvector(Form::ReadWide(a, place, b, place) << Form::Scale, EightFloats);
-    };
+[[gnu::always_inline]] inline EightFloats CubicRows(const SplineWeights<EightFloats>& weights,
+                                                    const uint8_t* a, const uint8_t* b, int32_t x) {
+    Eight pixels[4];
+    Form::ReadFour(a, b, x - 1, pixels);
+    EightFloats samples[4];
+    for (size_t i = 0; i < 4; ++i)
+        samples[i] = __builtin_convertvector(pixels[i] << Form::Scale, EightFloats);
     return __builtin_convertvector(
-        (SplineOf<EightFloats, Eight>(weights, read(x - 1), read(x), read(x + 1), read(x + 2), Form::Most)),
+        (SplineOf<EightFloats, Eight>(weights, samples[0], samples[1], samples[2], samples[3], Form::Most)),
         EightFloats);
 }
 
 template <class Form>
-inline void CubicPair(const RotateSource& source, const WalkWeights& across, const WalkWeights& down,
-                      int32_t i, uint8_t* target) {
+[[gnu::always_inline]] inline void CubicPair(const RotateSource& source, const WalkWeights& across,
+                                             const WalkWeights& down, int32_t i, uint8_t* target) {
     EightFloats upper[2], lower[2];
     for (int32_t k = 0; k < 2; ++k) {
         const uint8_t* const row = RowOf(source, down.Before[i + k]);
@@ -263,6 +266,34 @@ inline void CubicPair(const RotateSource& source, const WalkWeights& across, con
         }
 }
 
+// Pixels of 1 bit, eight at a time, and how many they are. A word is read from the byte of each.
+inline int32_t SinglesOf(const RotateSource& source, const Walk& walk, uint8_t* target, int32_t count) {
+#if defined(__AVX2__) && defined(__x86_64__)
+    if (source.Stride > INT32_MAX / (source.Bottom + int64_t{1})) return 0;
+    const __m256i stride = _mm256_set1_epi32(static_cast<int32_t>(source.Stride));
+    int32_t made = 0;
+    for (; made + 8 <= count; made += 8) {
+        const auto load = [made](const int32_t* axis) {
+            return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(axis + made));
+        };
+        const __m256i x = load(walk.X);
+        const __m256i bytes =
+            _mm256_add_epi32(_mm256_mullo_epi32(load(walk.Y), stride), _mm256_srai_epi32(x, 3));
+        const __m256i words = _mm256_i32gather_epi32(reinterpret_cast<const int*>(source.Source), bytes, 1);
+        // The bit of the pixel becomes the sign.
+        const __m256i shift =
+            _mm256_add_epi32(_mm256_and_si256(x, _mm256_set1_epi32(7)), _mm256_set1_epi32(24));
+        const int32_t signs = _mm256_movemask_ps(_mm256_castsi256_ps(_mm256_sllv_epi32(words, shift)));
+        const uint64_t pixels = _pdep_u64(static_cast<uint64_t>(signs), 0x0101010101010101u);
+        std::memcpy(target + made, &pixels, 8);
+    }
+    return made;
+#else
+    static_cast<void>(source), static_cast<void>(walk), static_cast<void>(target), static_cast<void>(count);
+    return 0;
+#endif
+}
+
 // Makes pixels up to before the last one, whose overrun would leave the row, and tells how many.
 template <class Form, RotateMethod method>
 inline int32_t InnerPixels(const RotateSource& source, const RotatePosition& at, uint8_t* target,
@@ -279,7 +310,7 @@ inline int32_t InnerPixels(const RotateSource& source, const RotatePosition& at,
         for (int32_t i = 0; i < most; i += 2, target += 2 * Form::TargetBytes)
             CubicPair<Form>(source, across, down, i, target);
     } else if constexpr (std::is_same_v<Form, BitsForm>) {
-        for (int32_t i = 0; i < most; ++i)
+        for (int32_t i = source.Bits == 1 ? SinglesOf(source, walk, target, most) : 0; i < most; ++i)
             target[i] = BitsForm::Value(RowOf(source, walk.Y[i]), walk.X[i], source.Bits);
     } else {
         for (int32_t i = 0; i < most; ++i, target += Form::TargetBytes)

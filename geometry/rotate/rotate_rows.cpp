@@ -10,6 +10,7 @@
 #include "kernels/family.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 namespace zkr::geometry {
@@ -20,8 +21,7 @@ using kernels::RotateForm;
 using kernels::RotatePosition;
 using kernels::RotateSource;
 
-constexpr int32_t TileColumns = 256; // a multiple of 8, so that tiles begin at whole bytes
-constexpr int32_t MostBandRows = 256;
+constexpr int32_t TileSide = 256; // a multiple of 8, so that tiles begin at whole bytes
 
 // How far around its place an interpolation looks, and one pixel for the rounding of the place.
 constexpr int32_t Reach = 4;
@@ -41,6 +41,12 @@ RotateForm FormOf(const BitmapHandle& bitmap) {
 
 // Puts pixels of a byte each into fields from the top bit down; the bits behind the last one become 0.
 void PackBits(const uint8_t* pixels, int32_t count, int32_t bits, uint8_t* target) {
+    for (; bits == 1 && count >= 8; count -= 8, pixels += 8) {
+        // Each factor moves one of the eight bits to its place in the top byte.
+        uint64_t eight;
+        std::memcpy(&eight, pixels, 8);
+        *target++ = static_cast<uint8_t>(eight * 0x8040201008040201u >> 56);
+    }
     uint32_t held = 0;
     int32_t heldBits = 0;
     for (int32_t i = 0; i < count; ++i) {
@@ -74,9 +80,10 @@ class RowRotation {
         : target_(target), source_(source), plan_(plan), bits_(source.BitsPerPixel),
           kernel_(kernels::Chosen<kernels::RotateKernels>().Of(plan.Method, FormOf(source))),
           sourceFirst_(LiesInMemory(source) ? ReachRow(source, 0) : nullptr),
-          targetFirst_(LiesInMemory(target) ? ReachRow(target, 0) : nullptr), bandRows_(RowsOfBand()),
+          targetFirst_(LiesInMemory(target) ? ReachRow(target, 0) : nullptr), usesWindow_(UsesWindow()),
+          bandRows_(RowsOfBand()),
           band_(targetFirst_ != nullptr ? 1 : static_cast<size_t>(bandRows_) * target.BytesPerLine),
-          window_(sourceFirst_ != nullptr ? 1 : WindowBytes()), positions_(static_cast<size_t>(bandRows_)) {}
+          window_(usesWindow_ ? WindowBytes() : 1), positions_(static_cast<size_t>(bandRows_)) {}
 
     explicit operator bool() const { return band_ && window_ && positions_; }
 
@@ -93,8 +100,8 @@ class RowRotation {
                 positions_[static_cast<size_t>(i)] = first;
             if (targetFirst_ == nullptr)
                 std::memset(band_.data(), 0, static_cast<size_t>(rows_) * target_.BytesPerLine);
-            for (int32_t column = 0; column < target_.Width && status == code::Success; column += TileColumns)
-                status = RotateTile(row, column, std::min(TileColumns, target_.Width - column));
+            for (int32_t column = 0; column < target_.Width && status == code::Success; column += TileSide)
+                status = RotateTile(row, column, std::min(TileSide, target_.Width - column));
             for (int32_t i = 0; i < rows_ && status == code::Success; ++i) {
                 if (targetFirst_ == nullptr)
                     status = WriteExactly(target_, RowAt(row, i), row + i, 0, target_.BytesPerLine);
@@ -105,15 +112,21 @@ class RowRotation {
     }
 
   private:
+    // A slanted line through memory meets new rows all the time, which cost more where they lie far apart than a copy
+    // of them that lies close together.
+    bool UsesWindow() const {
+        constexpr int32_t slant = kernels::RotateUnit / 16;
+        constexpr size_t small = size_t{1} << 18;
+        return sourceFirst_ == nullptr || (std::abs(plan_.Sine) > slant && source_.Size > small);
+    }
     int32_t RowsOfBand() const {
         constexpr uint32_t enough = 4u << 20;
-        const int32_t most = sourceFirst_ != nullptr ? 64 : MostBandRows;
-        if (targetFirst_ != nullptr) return most;
-        return std::clamp(static_cast<int32_t>(enough / std::max(target_.BytesPerLine, 1u)), 8, most);
+        if (targetFirst_ != nullptr) return TileSide;
+        return std::clamp(static_cast<int32_t>(enough / std::max(target_.BytesPerLine, 1u)), 8, TileSide);
     }
 
     // The longest side that a tile can have in the source.
-    int32_t MostSide() const { return TileColumns + bandRows_ + 2 * Reach + 8; }
+    int32_t MostSide() const { return TileSide + bandRows_ + 2 * Reach + 8; }
     size_t WindowStride() const {
         return static_cast<size_t>(MostSide()) * static_cast<size_t>(bits_) / 8 + 8;
     }
@@ -127,9 +140,9 @@ class RowRotation {
 
     ReturnCode RotateTile(int32_t row, int32_t column, int32_t columns) {
         Box box = {0, 0, source_.Width, source_.Height};
-        const ReturnCode status = sourceFirst_ != nullptr ? code::Success : ReadWindow(columns, box);
+        const ReturnCode status = usesWindow_ ? ReadWindow(columns, box) : code::Success;
         if (status != code::Success) return status;
-        if (sourceFirst_ != nullptr) {
+        if (!usesWindow_) {
             all_.Source = sourceFirst_;
             all_.Stride = static_cast<ptrdiff_t>(source_.BytesPerLine);
         }
@@ -168,6 +181,14 @@ class RowRotation {
         }
         const auto bytes = static_cast<uint32_t>((int64_t{box.Right - box.Left} * bits_ + 7) / 8);
         uint8_t* to = window_.data();
+        if (sourceFirst_ != nullptr) {
+            const uint8_t* from = sourceFirst_ + static_cast<size_t>(box.Top) * source_.BytesPerLine +
+                                  static_cast<size_t>(int64_t{box.Left} * bits_ / 8);
+            for (int32_t row = box.Top; row < box.Bottom;
+                 ++row, to += all_.Stride, from += source_.BytesPerLine)
+                std::memcpy(to, from, bytes);
+            return code::Success;
+        }
         ReturnCode status = code::Success;
         for (int32_t row = box.Top; row < box.Bottom && status == code::Success; ++row, to += all_.Stride)
             status = ReadExactly(source_, to, row, box.Left, bytes);
@@ -193,12 +214,13 @@ class RowRotation {
     int32_t bits_;
     kernels::RotateKernel kernel_;
     uint8_t *sourceFirst_, *targetFirst_; // null where rows do not lie in one piece
+    bool usesWindow_;
     int32_t bandRows_;
     int32_t rows_ = 0; // of the band at hand
     RotateSource all_{};
     ScratchBuffer<uint8_t> band_, window_;
     ScratchBuffer<RotatePosition> positions_; // of each row of the band, at the tile at hand
-    uint8_t unpacked_[TileColumns * 2];
+    uint8_t unpacked_[TileSide * 2];
 };
 
 } // namespace
