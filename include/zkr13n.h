@@ -37,6 +37,7 @@
 #include "zkr13n/playback.h"
 #include "zkr13n/region.h"
 #include "zkr13n/region_colours.h"
+#include "zkr13n/region_paint.h"
 #include "zkr13n/region_shapes.h"
 #include "zkr13n/resize.h"
 #include "zkr13n/rotate.h"
