@@ -25,7 +25,7 @@ class BitPictureBuffer {
     // What leaves the size of memory is more than there can be.
     static size_t CountOf(size_t pitchWords, int64_t rows) {
         const uint64_t words = uint64_t{pitchWords} * static_cast<uint64_t>(rows); // at most 2^58
-        return static_cast<size_t>(std::min<uint64_t>(words, std::numeric_limits<size_t>::max()));
+        return static_cast<size_t>(std::clamp<uint64_t>(words, 1, std::numeric_limits<size_t>::max()));
     }
 
     size_t pitchWords_;

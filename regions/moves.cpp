@@ -84,7 +84,7 @@ ReturnCode ClipRegion(RegionHandle* region, const PixelRect& rectangle) {
         return code::Success;
     }
     RegionBuilder builder;
-    ReturnCode status = builder.Begin(area, region->SegmentBytes / sizeof(int32_t));
+    ReturnCode status = builder.Begin(area, EntriesOf(*region), EntriesOf(*region));
     for (int64_t row = area.Top; row < area.Bottom && status == code::Success; ++row) {
         const Runs runs = RowRuns(*region, row);
         if (runs.empty() || (runs.front() >= area.Left && runs.back() <= area.Right)) {

@@ -110,7 +110,7 @@ bool LieInBands(std::span<const RECT> rectangles) {
 
 ReturnCode BuildBands(std::span<const RECT> rectangles, const PixelRect& box, OwnedRegion& result) {
     RegionBuilder builder;
-    ReturnCode status = builder.Begin(box, rectangles.size() * 2);
+    ReturnCode status = builder.Begin(box, rectangles.size() * 2, rectangles.size() * 2);
     int64_t row = box.Top;
     for (size_t i = 0; i < rectangles.size() && status == code::Success;) {
         const RECT band = rectangles[i];

@@ -27,6 +27,9 @@ inline Runs RowRuns(const RegionHandle& region, int64_t row) {
 inline PixelRect BoundsOf(const RegionHandle& region) {
     return {region.Left, region.Top, region.Right, region.Bottom};
 }
+inline uint64_t EntriesOf(const RegionHandle& region) {
+    return region.SegmentBytes / sizeof(int32_t);
+}
 inline bool IsEmpty(const RegionHandle& region) {
     return region.RowTableBytes == 0;
 }

@@ -63,7 +63,7 @@ ReturnCode Scale(RegionHandle& region, const Axis& x, const Axis& y) {
         return code::Success;
     }
     RegionBuilder builder;
-    ReturnCode status = builder.Begin(area);
+    ReturnCode status = builder.Begin(area, 0, EntriesOf(region));
     if (status == code::Success) status = ScaleRows(region, x, y, builder);
     if (status != code::Success) return status;
     OwnedRegion scaled;

@@ -20,8 +20,8 @@ template <SetOperation operation>
 ReturnCode Combine(OwnedRegion& result, const RegionHandle& a, const RegionHandle& b) {
     const PixelRect area = AreaOf<operation>(a, b);
     RegionBuilder builder;
-    const uint64_t entries = (uint64_t{a.SegmentBytes} + b.SegmentBytes) / sizeof(int32_t);
-    const uint64_t expected = std::max(a.SegmentBytes, b.SegmentBytes) / sizeof(int32_t);
+    const uint64_t entries = EntriesOf(a) + EntriesOf(b);
+    const uint64_t expected = std::max(EntriesOf(a), EntriesOf(b));
     ReturnCode status = builder.Begin(area, expected, entries);
     for (int64_t row = area.Top; row < area.Bottom && status == code::Success; ++row) {
         const Runs runsOfA = RowRuns(a, row), runsOfB = RowRuns(b, row);

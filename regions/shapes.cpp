@@ -1,4 +1,5 @@
 // Regions from rectangles, platform regions, ellipses, round rectangles and polygons.
+#include "core/flags.h"
 #include "regions/combine.h"
 #include "regions/platform_region.h"
 #include "zkr13n/region_shapes.h"
@@ -23,8 +24,12 @@ template <typename Make> HRGN MakeWithin(const RECT& rectangle, Make make) {
 ReturnCode Z_CALL Z_SetBitmapRgnRect(BitmapHandle* bitmap, const RegionXform* xform, const RECT* rectangle,
                                      uint32_t mode) {
     if (rectangle == nullptr) return code::InvalidArgument;
+    // What no mode can select is not built.
+    PixelRect area = PixelRect::Of(*rectangle);
+    if (bitmap != nullptr && xform == nullptr && !HasFlag(*bitmap, flag::RegionUnclipped))
+        area = Intersection(area, PixelRect::Whole(*bitmap));
     OwnedRegion record;
-    const ReturnCode status = RectRegion(record, PixelRect::Of(*rectangle));
+    const ReturnCode status = RectRegion(record, area);
     return status == code::Success ? CombineRegion(bitmap, xform, record.Release(), mode) : status;
 }
 

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <utility>
 
 namespace zkr {
 
@@ -41,6 +42,8 @@ struct Turn {
     }
     // Where the region's bounds come to lie, and two pixels more on each side.
     PixelRect AreaOf(const PixelRect& bounds) const;
+    // Where the walks through an area come from, likewise.
+    PixelRect SourceOf(const PixelRect& area) const;
 
   private:
     static TurnedCoordinate StartOf(int32_t centre, int64_t distance, int32_t step) {
@@ -48,14 +51,13 @@ struct Turn {
     }
 };
 
-PixelRect Turn::AreaOf(const PixelRect& bounds) const {
+// Around the places of a rectangle's corner pixels, with a margin for what walks and divisions leave out.
+template <typename PlaceOf> PixelRect AroundCorners(const PixelRect& rectangle, PlaceOf placeOf) {
     constexpr int64_t margin = 2;
     int64_t left = INT64_MAX, top = INT64_MAX, right = INT64_MIN, bottom = INT64_MIN;
-    for (const int64_t x : {int64_t{bounds.Left}, int64_t{bounds.Right} - 1}) {
-        for (const int64_t y : {int64_t{bounds.Top}, int64_t{bounds.Bottom} - 1}) {
-            const int64_t dx = x - OldX, dy = y - OldY;
-            const int64_t column = NewX + (dx * Cosine + dy * Sine) / Unit;
-            const int64_t row = NewY + (dy * Cosine - dx * Sine) / Unit;
+    for (const int64_t x : {int64_t{rectangle.Left}, int64_t{rectangle.Right} - 1}) {
+        for (const int64_t y : {int64_t{rectangle.Top}, int64_t{rectangle.Bottom} - 1}) {
+            const auto [column, row] = placeOf(x, y);
             left = std::min(left, column);
             right = std::max(right, column);
             top = std::min(top, row);
@@ -64,6 +66,19 @@ PixelRect Turn::AreaOf(const PixelRect& bounds) const {
     }
     return {Saturated(left - margin), Saturated(top - margin), Saturated(right + 1 + margin),
             Saturated(bottom + 1 + margin)};
+}
+
+PixelRect Turn::AreaOf(const PixelRect& bounds) const {
+    return AroundCorners(bounds, [this](int64_t x, int64_t y) {
+        const int64_t dx = x - OldX, dy = y - OldY;
+        return std::pair{NewX + (dx * Cosine + dy * Sine) / Unit, NewY + (dy * Cosine - dx * Sine) / Unit};
+    });
+}
+
+PixelRect Turn::SourceOf(const PixelRect& area) const {
+    return AroundCorners(area, [this](int64_t column, int64_t row) {
+        return std::pair{int64_t{SourceX(column, row).Whole}, int64_t{SourceY(column, row).Whole}};
+    });
 }
 
 // The same walk, from row to row.
@@ -97,17 +112,19 @@ Steps StepsWithin(const TurnedCoordinate& coordinate, int64_t first, int64_t end
     return {enters, FirstBeyond(coordinate, falls ? first : end, {enters, steps.End})};
 }
 
+// Of a region with pixels.
 class TurnedRegion {
   public:
     TurnedRegion(const RegionHandle& region, const Turn& turn, const PixelRect& area)
         : region_(region), turn_(turn), area_(area),
-          picture_(BitRowWords(static_cast<size_t>(BoundsOf(region).Width())), BoundsOf(region).Height()),
+          seen_(Intersection(BoundsOf(region), turn.SourceOf(area))),
+          picture_(BitRowWords(static_cast<size_t>(seen_.Width())), seen_.Height()),
           row_(BitRowWords(static_cast<size_t>(area.Width()))) {}
 
     ReturnCode Make(OwnedRegion& result) {
         if (!picture_ || !row_) return code::OutOfMemory;
         RegionBuilder builder;
-        ReturnCode status = builder.Begin(area_, region_.SegmentBytes / sizeof(int32_t));
+        ReturnCode status = builder.Begin(area_, EntriesOf(region_));
         if (status != code::Success) return status;
         DrawPicture();
         TurnedCoordinate x = turn_.SourceX(area_.Left, area_.Top), y = turn_.SourceY(area_.Left, area_.Top);
@@ -122,24 +139,22 @@ class TurnedRegion {
 
   private:
     void DrawPicture() {
-        const PixelRect bounds = BoundsOf(region_);
-        for (int64_t row = bounds.Top; row < bounds.Bottom; ++row) {
+        for (int64_t row = seen_.Top; row < seen_.Bottom; ++row) {
             const Runs runs = RowRuns(region_, row);
-            kernels_.BitsOfRuns(runs.data(), runs.size(), bounds.Left, picture_.Row(row - bounds.Top),
-                                static_cast<size_t>(bounds.Width()));
+            kernels_.BitsOfRuns(runs.data(), runs.size(), seen_.Left, picture_.Row(row - seen_.Top),
+                                static_cast<size_t>(seen_.Width()));
         }
     }
 
     size_t MakeRow(const TurnedCoordinate& x, const TurnedCoordinate& y, int32_t* ends) {
-        const PixelRect bounds = BoundsOf(region_);
-        Steps steps = StepsWithin(x, bounds.Left, bounds.Right, {0, area_.Width()});
-        steps = StepsWithin(y, bounds.Top, bounds.Bottom, steps);
+        Steps steps = StepsWithin(x, seen_.Left, seen_.Right, {0, area_.Width()});
+        steps = StepsWithin(y, seen_.Top, seen_.Bottom, steps);
         if (steps.First >= steps.End) return 0;
         constexpr int64_t most = BitRowKernels::TurnedPixels;
         for (int64_t done = steps.First; done < steps.End; done += most) {
             TurnedCoordinate column = x.From(done), row = y.From(done);
-            column.Whole -= bounds.Left;
-            row.Whole -= bounds.Top;
+            column.Whole -= seen_.Left;
+            row.Whole -= seen_.Top;
             kernels_.TurnedBits(picture_.Picture(), column, row,
                                 static_cast<size_t>(std::min(most, steps.End - done)),
                                 row_.data() + (done - steps.First) / 64);
@@ -151,6 +166,7 @@ class TurnedRegion {
     const RegionHandle& region_;
     const Turn& turn_;
     const PixelRect area_;
+    const PixelRect seen_; // the part of the region that the area can show
     const BitRowKernels& kernels_ = kernels::Chosen<BitRowKernels>();
     BitPictureBuffer picture_;
     ScratchBuffer<uint64_t> row_;

@@ -41,7 +41,7 @@ std::string Line(const char* name, int number, uint64_t digest) {
 
 auto AllFamilies() {
     return std::array{CoreFamilies(),       PixelFamilies(), ColourFamilies(), GrayFamilies(),
-                      ResolutionFamilies(), TurnFamilies(),  ResizeFamilies()};
+                      ResolutionFamilies(), TurnFamilies(),  ResizeFamilies(), RegionFamilies()};
 }
 
 // The digest of every case; those of the families are printed.

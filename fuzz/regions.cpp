@@ -1,0 +1,178 @@
+// Regions with every argument from outside: shapes, transforms, curves, masks, colours, the wand and platform regions.
+// A record that a bitmap has is always in the one form in which sets of pixels are stored.
+#include "input.h"
+
+#include <algorithm>
+#include <vector>
+
+using namespace fuzz;
+
+namespace {
+
+struct Bitmap : BitmapHandle {
+    explicit Bitmap(Input& input) : BitmapHandle{} {
+        const int32_t bits = input.Depth(), order = bits == 12 ? 2 : input.Below(bits == 16 ? 3 : 2);
+        constexpr int32_t views[] = {0, 1, 2, 3, 4, 5, 7, 8};
+        FUZZ_EXPECT(Z_CreateBitmap(this, input.Flip() ? MemoryConventional : MemoryTiled, 1 + input.Below(90),
+                                   1 + input.Below(30), bits, order, nullptr, views[input.Byte() % 8],
+                                   nullptr, 0) == 1);
+        const Exact row(BytesPerLine);
+        for (int32_t y = 0; y < Height; ++y) {
+            input.Fill(row.Get(), row.Count);
+            for (size_t i = 0; i < row.Count; ++i)
+                row.Get()[i] &= 0xC3; // colours that meet again
+            Z_PutBitmapRow(this, row.Get(), y, BytesPerLine);
+        }
+        if (input.Byte() < 60) Flags |= Z_FLAG_REGION_UNCLIPPED;
+        LowBit = input.Near(16);
+        HighBit = input.Near(16);
+    }
+    ~Bitmap() { Z_FreeBitmap(this); }
+    Bitmap(const Bitmap&) = delete;
+    Bitmap& operator=(const Bitmap&) = delete;
+};
+
+void CheckForm(const BitmapHandle& bitmap) {
+    const auto* const region = static_cast<const RegionHandle*>(bitmap.Region);
+    if (region == nullptr) return;
+    const auto rows = static_cast<size_t>(int64_t{region->Bottom} - region->Top);
+    FUZZ_EXPECT(region->RowTableBytes == rows * sizeof(RegionRowEntry));
+    FUZZ_EXPECT(rows != 0 ||
+                (region->Left == 0 && region->Top == 0 && region->Right == 0 && region->SegmentBytes == 0));
+    int32_t left = INT32_MAX, right = INT32_MIN;
+    for (size_t row = 0; row < rows; ++row) {
+        const RegionRowEntry& entry = region->RowTable[row];
+        FUZZ_EXPECT(entry.Count % 2 == 0 &&
+                    (entry.Count != 0 || (entry.Offset == 0 && row > 0 && row + 1 < rows)));
+        if (entry.Count == 0) continue;
+        FUZZ_EXPECT(uint64_t{entry.Offset} + uint64_t{entry.Count} * 4 <= region->SegmentBytes);
+        const int32_t* const ends = region->Segments + entry.Offset / 4;
+        for (uint32_t i = 1; i < entry.Count; ++i)
+            FUZZ_EXPECT(ends[i - 1] < ends[i]);
+        left = std::min(left, ends[0]);
+        right = std::max(right, ends[entry.Count - 1]);
+    }
+    FUZZ_EXPECT(rows == 0 || (left == region->Left && right == region->Right));
+}
+
+// Rows in reasonable number, wherever they are; columns anywhere.
+RECT Rect(Input& input) {
+    RECT rect = {input.Near(90, -9), input.Near(30, -9), input.Near(100, -9), 0};
+    rect.bottom = static_cast<int32_t>(std::min<int64_t>(int64_t{rect.top} + input.Below(60) - 5, INT32_MAX));
+    return rect;
+}
+
+RegionXform Xform(Input& input) {
+    return {input.Near(9),  input.Near(7),      input.Near(7),     input.Below(7) - 1,
+            input.Below(6), input.Near(20, -9), input.Near(20, -9)};
+}
+
+std::vector<POINT> Points(Input& input) {
+    std::vector<POINT> points(static_cast<size_t>(1 + input.Below(9)));
+    for (POINT& point : points)
+        point = {input.Near(90, -9), input.Below(60) - 9};
+    return points;
+}
+
+void SetCurve(Input& input, BitmapHandle& bitmap, const RegionXform* xform, uint32_t mode) {
+    const std::vector<POINT> points = Points(input);
+    const Curve curve = {input.Byte() < 250 ? uint32_t{sizeof(Curve)} : input.Word(),
+                         static_cast<uint32_t>(input.Near(2)),
+                         static_cast<int32_t>(points.size()),
+                         points.data(),
+                         static_cast<uint32_t>(input.Near(2)),
+                         input.Below(300) / 200.0,
+                         static_cast<uint32_t>(input.Near(3)),
+                         input.Word()};
+    Z_SetBitmapRgnCurve(&bitmap, xform, &curve, mode);
+    int32_t count = -1;
+    POINT bezier[40];
+    if (Z_CurveToBezier(&curve, &count, nullptr) == 1) {
+        FUZZ_EXPECT(count >= 4 && count <= 28);
+        Z_CurveToBezier(&curve, &count, bezier);
+    }
+}
+
+void SetPlatformRegion(Input& input, BitmapHandle& bitmap, const RegionXform* xform, uint32_t mode) {
+    std::vector<RECT> rects(static_cast<size_t>(input.Below(9)));
+    for (RECT& rect : rects)
+        rect = Rect(input);
+    HRGN region = nullptr;
+    if (Z_CreatePlatformRegion(rects.data(), static_cast<int32_t>(rects.size()), &region) != 1) return;
+    Z_SetBitmapRgnHandle(&bitmap, xform, region, mode);
+    FUZZ_EXPECT(Z_DeleteObject(region) == 1);
+    FUZZ_EXPECT(Z_SetBitmapRgnHandle(&bitmap, xform, region, mode) == Z_ERROR_ARGUMENT); // deleted
+}
+
+void AskHandles(Input& input, BitmapHandle& bitmap, const RegionXform* xform) {
+    HRGN region = nullptr;
+    int32_t owned = 0;
+    RECT bounds;
+    Z_GetBitmapRgnBoundsClip(&bitmap, xform, &bounds);
+    if (Z_IntGetBitmapRgnHandle(&bitmap, xform, &region, &owned) == 1 && owned == 1) Z_DeleteObject(region);
+    const RECT source = Rect(input), destination = Rect(input);
+    if (Z_GetResizedRgnHandle(&bitmap, input.Flip() ? &source : nullptr, &destination, &region, &owned) ==
+            1 &&
+        owned == 1)
+        Z_DeleteObject(region);
+}
+
+void Step(Input& input, BitmapHandle& bitmap) {
+    const RegionXform random = Xform(input);
+    const RegionXform* const xform = input.Byte() < 90 ? &random : nullptr;
+    const auto mode = static_cast<uint32_t>(input.Near(7));
+    const RECT rect = Rect(input);
+    switch (input.Byte() % 14) {
+    case 0: Z_SetBitmapRgnRect(&bitmap, xform, &rect, mode); break;
+    case 1:
+        // Ellipses as wide as all columns are the platform's own matter.
+        if (int64_t{rect.right} - rect.left < 1000) Z_SetBitmapRgnEllipse(&bitmap, xform, &rect, mode);
+        break;
+    case 2:
+        if (int64_t{rect.right} - rect.left < 1000)
+            Z_SetBitmapRgnRoundRect(&bitmap, xform, &rect, input.Near(20), input.Near(20), mode);
+        break;
+    case 3: {
+        const std::vector<POINT> points = Points(input);
+        Z_SetBitmapRgnPolygon(&bitmap, xform, points.data(), static_cast<int32_t>(points.size()),
+                              static_cast<uint32_t>(input.Near(2)), mode);
+        break;
+    }
+    case 4: SetCurve(input, bitmap, xform, mode); break;
+    case 5: SetPlatformRegion(input, bitmap, xform, mode); break;
+    case 6: Z_SetBitmapRgnColor(&bitmap, input.Word(), mode); break;
+    case 7: Z_SetBitmapRgnColorRGBRange(&bitmap, input.Word(), input.Word(), mode); break;
+    case 8: Z_SetBitmapRgnColorHSVRange(&bitmap, input.Word(), input.Word(), mode); break;
+    case 9: Z_SetBitmapRgnMagicWand(&bitmap, input.Near(90), input.Near(30), input.Word(), mode); break;
+    case 10: Z_OffsetBitmapRgn(&bitmap, input.Near(40, -20), input.Near(90, -40)); break;
+    case 11: {
+        BitmapHandle mask{};
+        if (Z_CreateMaskFromBitmapRgn(&bitmap, &mask) == 1)
+            Z_SetBitmapRgnFromMask(&bitmap, xform, &mask, mode);
+        Z_FreeBitmap(&mask);
+        break;
+    }
+    case 12: AskHandles(input, bitmap, xform); break;
+    default: {
+        const int32_t height = 1 + input.Below(30);
+        switch (input.Byte() % 5) {
+        case 0: Z_FlipBitmap(&bitmap); break;
+        case 1: Z_ReverseBitmap(&bitmap); break;
+        case 2: Z_RotateBitmap(&bitmap, input.Near(36000, -36000), 0, 0); break;
+        case 3: Z_ChangeBitmapHeight(&bitmap, height); break;
+        default: Z_FillBitmap(&bitmap, input.Word()); break;
+        }
+    }
+    }
+    CheckForm(bitmap);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    Input input(data, size);
+    Bitmap bitmap(input);
+    for (int step = 0; step < 12 && !input.IsEmpty() && bitmap.Width < 2000 && bitmap.Height < 2000; ++step)
+        Step(input, bitmap);
+    return 0;
+}
