@@ -2,23 +2,17 @@
 // which it is written: regrouping changes bytes.
 #include "geometry/kernels/resample.h"
 
+#include "geometry/kernels/samples.h"
 #include "kernels/family.h"
+#if defined(__AVX2__)
+#include "geometry/kernels/resample_avx2.h"
+#endif
 
-#include <cstring>
+#include <type_traits>
 
 namespace zkr::kernels {
 
 namespace {
-
-template <typename Sample> Sample Load(const uint8_t* row, size_t index) {
-    Sample sample;
-    std::memcpy(&sample, row + index * sizeof(Sample), sizeof(Sample));
-    return sample;
-}
-template <typename Sample> void Store(uint8_t* row, size_t index, uint32_t value) {
-    const auto sample = static_cast<Sample>(value);
-    std::memcpy(row + index * sizeof(Sample), &sample, sizeof(Sample));
-}
 
 template <typename Sample> constexpr double Largest = static_cast<Sample>(~0);
 
@@ -27,25 +21,38 @@ template <typename Number> constexpr Number Clamp(Number value, Number largest) 
 }
 
 template <typename Sample, size_t channels>
-void Linear(const uint8_t* source, uint32_t base, const LinearColumn* columns, size_t count,
+void Linear(const uint8_t* source, uint32_t base, const LinearColumns& columns, size_t count,
             uint8_t* target) {
-    for (size_t i = 0; i < count; ++i) {
-        const LinearColumn& column = columns[i];
+    size_t i = 0;
+#if defined(__AVX2__)
+    if constexpr (channels > 1)
+        if (columns.Pairs != nullptr)
+            i = LinearVectors<Sample, channels>(source, base, columns, count, target);
+#endif
+    for (; i < count; ++i) {
+        const LinearColumn& column = columns.At[i];
         const size_t first = size_t{column.First - base} * channels;
         const size_t second = size_t{column.Second - base} * channels;
+        const bool isShort = sizeof(Sample) == 1 && columns.Pairs != nullptr;
+        const uint64_t firstWeight = isShort ? columns.Pairs[i] & 0xFFFF : column.Span - column.Weight;
         for (size_t c = 0; c < channels; ++c) {
-            const uint64_t sum = uint64_t{Load<Sample>(source, first + c)} * (column.Span - column.Weight) +
-                                 uint64_t{Load<Sample>(source, second + c)} * column.Weight;
-            Store<Sample>(target, i * channels + c, static_cast<uint32_t>(sum / column.Span));
+            const uint64_t sum = Load<Sample>(source, first + c) * firstWeight +
+                                 Load<Sample>(source, second + c) * uint64_t{column.Weight};
+            Store<Sample>(target, i * channels + c,
+                          static_cast<uint32_t>(isShort ? sum * columns.Reciprocals[i] >> 16 : sum / column.Span));
         }
     }
 }
 
 template <typename Sample, size_t channels>
-void Average(const uint8_t* source, uint32_t base, const AverageColumn* columns, size_t count,
+void Average(const uint8_t* source, uint32_t base, const AverageColumns& columns, size_t count,
              uint8_t* target) {
-    for (size_t i = 0; i < count; ++i) {
-        const AverageColumn& column = columns[i];
+    size_t i = 0;
+#if defined(__AVX2__)
+    i = AverageVectors<Sample, channels>(source, base, columns, count, target);
+#endif
+    for (; i < count; ++i) {
+        const AverageColumn& column = columns.At[i];
         const size_t first = size_t{column.First - base} * channels;
         const size_t last = first + (size_t{column.Whole} + 1) * channels;
         for (size_t c = 0; c < channels; ++c) {
@@ -138,23 +145,59 @@ void DivideWhole(const uint64_t* sums, uint64_t rows, uint8_t* target, size_t sa
         Store<Sample>(target, i, static_cast<uint32_t>(sums[i] / rows));
 }
 
+// The longest span by which sums are divided with a multiplication by 2^shift / span + 1: what that is too much must not
+// reach a whole in any sum.
+template <typename Sample>
+constexpr uint32_t LongestMultipliedSpan = sizeof(Sample) == 1 ? LongestShortSpan : 256;
+template <typename Sample> constexpr uint32_t ReciprocalShift = sizeof(Sample) == 1 ? 16 : 32;
+
 template <typename Sample>
 void Blend(const uint8_t* first, const uint8_t* second, uint32_t weight, uint32_t span, uint8_t* target,
            size_t samples) {
+    using Sum = std::conditional_t<sizeof(Sample) == 1, uint16_t, uint32_t>;
+    using Product = std::conditional_t<sizeof(Sample) == 1, uint32_t, uint64_t>;
+    if (span > LongestMultipliedSpan<Sample>) {
+        for (size_t i = 0; i < samples; ++i) {
+            const uint64_t sum = uint64_t{Load<Sample>(first, i)} * (span - weight) +
+                                 uint64_t{Load<Sample>(second, i)} * weight;
+            Store<Sample>(target, i, static_cast<uint32_t>(sum / span));
+        }
+        return;
+    }
+    if (span == 2) {
+        for (size_t i = 0; i < samples; ++i) {
+            const uint32_t a = Load<Sample>(first, i), b = Load<Sample>(second, i);
+            Store<Sample>(target, i, (a & b) + ((a ^ b) >> 1));
+        }
+        return;
+    }
+    const auto reciprocal = static_cast<Product>((uint64_t{1} << ReciprocalShift<Sample>) / span + 1);
+    const auto a = static_cast<Sum>(span - weight), b = static_cast<Sum>(weight);
     for (size_t i = 0; i < samples; ++i) {
-        const uint64_t sum =
-            uint64_t{Load<Sample>(first, i)} * (span - weight) + uint64_t{Load<Sample>(second, i)} * weight;
-        Store<Sample>(target, i, static_cast<uint32_t>(sum / span));
+        const auto sum = static_cast<Sum>(Load<Sample>(first, i) * a + Load<Sample>(second, i) * b);
+        Store<Sample>(target, i, static_cast<uint32_t>(sum * reciprocal >> ReciprocalShift<Sample>));
     }
 }
 
 void BlendFalling(const uint8_t* first, const uint8_t* second, uint32_t weight, uint32_t span,
                   uint8_t* target, size_t samples) {
+    if (span == 2) {
+        for (size_t i = 0; i < samples; ++i) {
+            const uint16_t from = Load<uint16_t>(first, i), to = Load<uint16_t>(second, i);
+            const uint32_t step = static_cast<uint32_t>(to > from ? to - from : from - to) >> 1;
+            Store<uint16_t>(target, i, to > from ? from + step : from - step);
+        }
+        return;
+    }
+    const bool multiplies = span <= LongestMultipliedSpan<uint16_t>;
+    const uint64_t reciprocal = (uint64_t{1} << 32) / span + 1;
     for (size_t i = 0; i < samples; ++i) {
-        const uint64_t from = Load<uint16_t>(first, i), to = Load<uint16_t>(second, i);
-        const uint64_t value =
-            to >= from ? from + (to - from) * weight / span : from - (from - to) / span * weight;
-        Store<uint16_t>(target, i, static_cast<uint32_t>(value));
+        const uint32_t from = Load<uint16_t>(first, i), to = Load<uint16_t>(second, i);
+        const uint64_t rise = uint64_t{to >= from ? to - from : 0} * weight,
+                       fall = to >= from ? 0 : from - to;
+        const uint64_t up = multiplies ? rise * reciprocal >> 32 : rise / span;
+        const uint64_t down = (multiplies ? fall * reciprocal >> 32 : fall / span) * weight;
+        Store<uint16_t>(target, i, static_cast<uint32_t>(from + up - down));
     }
 }
 

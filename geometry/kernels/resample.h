@@ -16,11 +16,50 @@ struct LinearColumn {
     uint32_t Weight, Span; // Weight is below Span
 };
 
+// The widest span of which a sum of two weighted samples is divided by a multiplication.
+inline constexpr uint32_t LongestShortSpan = 16;
+
+// Columns one behind the other, and where no span is longer than that their numbers as vectors want them.
+struct LinearColumns {
+    const LinearColumn* At;
+    const uint32_t* Pairs;       // the weights of both pixels, 16 bits each; null where a span is longer
+    const uint32_t* Reciprocals; // 65536 / span + 1
+    const float* Inverses;       // 1 / span
+
+    LinearColumns From(size_t first) const {
+        return Pairs == nullptr
+                   ? LinearColumns{At + first, nullptr, nullptr, nullptr}
+                   : LinearColumns{At + first, Pairs + first, Reciprocals + first, Inverses + first};
+    }
+};
+
 // A target pixel of the area rule: one source pixel by weight, whole ones behind it, and one more by weight. Where that
 // has no weight it need not exist.
 struct AverageColumn {
     double FirstWeight, LastWeight, Total;
     uint32_t First, Whole;
+};
+
+// Columns one behind the other. The first Steady of them have Whole or one more whole pixels; they are told as so many,
+// and behind them two pixels by weight, of which the first may be whole and the other may have none.
+struct AverageColumns {
+    const AverageColumn* At;
+    const double* First;
+    const double* Middle;
+    const double* Last;
+    const double* Total;
+    uint32_t Whole;
+    size_t Steady;
+
+    AverageColumns From(size_t first) const {
+        return {At + first,
+                First + first,
+                Middle + first,
+                Last + first,
+                Total + first,
+                Whole,
+                Steady > first ? Steady - first : 0};
+    }
 };
 
 // A target pixel of the spline rule, at T between two source pixels, with what the derivatives there are multiplied by.
@@ -30,9 +69,10 @@ struct SplineColumn {
     float FirstM, SecondM; // (a^3 - a) / 6 and (t^3 - t) / 6
 };
 
-// The first `count` columns make a target row. Columns count source pixels from `base`, where the source begins.
-template <class Column>
-using ResampleRow = void (*)(const uint8_t* source, uint32_t base, const Column* columns, size_t count,
+// The first `count` columns make a target row. Columns count source pixels from `base`, where the source begins; no byte
+// is read behind the pixels that they need.
+template <class Columns>
+using ResampleRow = void (*)(const uint8_t* source, uint32_t base, const Columns& columns, size_t count,
                              uint8_t* target);
 
 struct SplineRow {
@@ -43,8 +83,8 @@ struct SplineRow {
 };
 
 struct ResampleKernels {
-    ResampleRow<LinearColumn> Linear[SampleTypes][ChannelLayouts];
-    ResampleRow<AverageColumn> Average[SampleTypes][ChannelLayouts];
+    ResampleRow<LinearColumns> Linear[SampleTypes][ChannelLayouts];
+    ResampleRow<AverageColumns> Average[SampleTypes][ChannelLayouts];
     SplineRow Spline[SampleTypes][ChannelLayouts];
 
     // sums += row * weight

@@ -21,26 +21,72 @@ ReturnCode RowResampler::Make(Interpolation method, SampleFormat format, int32_t
             : newWidth < oldWidth             ? Rule::Average
             : method == Interpolation::Linear ? Rule::Linear
                                               : Rule::Spline;
-    const auto columns = static_cast<size_t>(newWidth);
-    if (rule_ == Rule::Linear) {
-        linear_.emplace(columns);
-        if (!*linear_) return code::OutOfMemory;
-        for (int32_t i = 0; i < newWidth; ++i)
-            (*linear_)[static_cast<size_t>(i)] = LinearAt(i, oldWidth, newWidth);
-    } else if (rule_ == Rule::Average) {
-        average_.emplace(columns);
-        if (!*average_) return code::OutOfMemory;
-        AverageSteps steps(oldWidth, newWidth);
-        for (size_t i = 0; i < columns; ++i)
-            (*average_)[i] = steps.Next();
-    } else if (rule_ == Rule::Spline) {
-        const uint64_t values = 2 * static_cast<uint64_t>(oldWidth) * static_cast<uint32_t>(format.Channels);
-        if (values > SIZE_MAX) return code::OutOfMemory;
-        spline_.emplace(columns);
-        derivatives_.emplace(static_cast<size_t>(values));
-        if (!*spline_ || !*derivatives_) return code::OutOfMemory;
+    switch (rule_) {
+    case Rule::Linear: return MakeLinear();
+    case Rule::Average: return MakeAverage();
+    case Rule::Spline: return MakeSpline();
+    default: return code::Success;
+    }
+}
+
+ReturnCode RowResampler::MakeLinear() {
+    const auto count = static_cast<size_t>(newWidth_);
+    linear_.emplace(count);
+    if (!*linear_) return code::OutOfMemory;
+    linearColumns_.At = linear_->data();
+    const auto longest = static_cast<uint32_t>((newWidth_ - 1) / oldWidth_ + 1);
+    const bool isShort = longest <= kernels::LongestShortSpan;
+    if (isShort) {
+        pairs_.emplace(count <= SIZE_MAX / 2 ? count * 2 : SIZE_MAX);
+        inverses_.emplace(count);
+        if (!*pairs_ || !*inverses_) return code::OutOfMemory;
+        linearColumns_ = {linear_->data(), pairs_->data(), pairs_->data() + count, inverses_->data()};
+    }
+    for (size_t i = 0; i < count; ++i) {
+        const kernels::LinearColumn column = LinearAt(static_cast<int32_t>(i), oldWidth_, newWidth_);
+        (*linear_)[i] = column;
+        if (!isShort) continue;
+        // A span of 1 counts double, for its reciprocal would not fit.
+        const uint32_t scale = column.Span == 1 ? 2 : 1, span = column.Span * scale;
+        (*pairs_)[i] = (column.Span - column.Weight) * scale | column.Weight << 16;
+        (*pairs_)[count + i] = 65536 / span + 1;
+        (*inverses_)[i] = 1.0f / static_cast<float>(span);
     }
     return code::Success;
+}
+
+ReturnCode RowResampler::MakeAverage() {
+    const auto count = static_cast<size_t>(newWidth_);
+    average_.emplace(count);
+    weights_.emplace(count <= SIZE_MAX / 4 ? count * 4 : SIZE_MAX);
+    if (!*average_ || !*weights_) return code::OutOfMemory;
+    double* const first = weights_->data();
+    double* const middle = first + count;
+    double* const last = middle + count;
+    double* const total = last + count;
+    const auto whole = static_cast<uint32_t>(oldWidth_ / newWidth_ - 1);
+    AverageSteps steps(oldWidth_, newWidth_);
+    size_t steady = count;
+    for (size_t i = 0; i < count; ++i) {
+        const kernels::AverageColumn column = steps.Next();
+        (*average_)[i] = column;
+        const bool isLonger = column.Whole > whole;
+        first[i] = column.FirstWeight;
+        middle[i] = isLonger ? 1.0 : column.LastWeight;
+        last[i] = isLonger ? column.LastWeight : 0.0;
+        total[i] = column.Total;
+        if (column.Whole < whole || column.Whole > whole + 1) steady = std::min(steady, i);
+    }
+    averageColumns_ = {average_->data(), first, middle, last, total, whole, steady};
+    return code::Success;
+}
+
+ReturnCode RowResampler::MakeSpline() {
+    const uint64_t values = 2 * static_cast<uint64_t>(oldWidth_) * static_cast<uint32_t>(format_.Channels);
+    if (values > SIZE_MAX) return code::OutOfMemory;
+    spline_.emplace(static_cast<size_t>(newWidth_));
+    derivatives_.emplace(static_cast<size_t>(values));
+    return *spline_ && *derivatives_ ? code::Success : code::OutOfMemory;
 }
 
 SourceSpan RowResampler::Choose(int32_t first, int32_t count) {
@@ -89,9 +135,11 @@ void RowResampler::Run(const uint8_t* source, int32_t base, uint8_t* target) {
         StepRow(format_.Bits * format_.Channels, at, source, target, count);
         break;
     }
-    case Rule::Linear: all.Linear[type][layout](source, from, linear_->data() + first, count, target); break;
+    case Rule::Linear:
+        all.Linear[type][layout](source, from, linearColumns_.From(first), count, target);
+        break;
     case Rule::Average:
-        all.Average[type][layout](source, from, average_->data() + first, count, target);
+        all.Average[type][layout](source, from, averageColumns_.From(first), count, target);
         break;
     case Rule::Spline: {
         const auto pixels = static_cast<size_t>(span_.End - span_.First);

@@ -43,6 +43,9 @@ class RowResampler {
   private:
     enum class Rule : uint8_t { Nearest, Copy, Linear, Average, Spline };
 
+    ReturnCode MakeLinear();
+    ReturnCode MakeAverage();
+    ReturnCode MakeSpline();
     SourceSpan SpanOfStretch();
 
     Rule rule_ = Rule::Copy;
@@ -53,6 +56,12 @@ class RowResampler {
     // Of the whole row; of splines those of the chosen stretch.
     std::optional<ScratchBuffer<kernels::LinearColumn>> linear_;
     std::optional<ScratchBuffer<kernels::AverageColumn>> average_;
+    kernels::LinearColumns linearColumns_ = {};
+    kernels::AverageColumns averageColumns_ = {};
+    std::optional<ScratchBuffer<uint32_t>> pairs_; // and as many reciprocals behind them
+    std::optional<ScratchBuffer<float>> inverses_;
+    std::optional<ScratchBuffer<double>>
+        weights_; // of first, middle and last pixels and totals, one behind the other
     std::optional<ScratchBuffer<kernels::SplineColumn>> spline_;
     std::optional<ScratchBuffer<float>> derivatives_; // and behind them as many to work in
 };
