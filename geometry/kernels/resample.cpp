@@ -6,6 +6,7 @@
 #include "kernels/family.h"
 #if defined(__AVX2__)
 #include "geometry/kernels/resample_avx2.h"
+#include "geometry/kernels/spline_avx2.h"
 #endif
 
 #include <type_traits>
@@ -38,8 +39,9 @@ void Linear(const uint8_t* source, uint32_t base, const LinearColumns& columns, 
         for (size_t c = 0; c < channels; ++c) {
             const uint64_t sum = Load<Sample>(source, first + c) * firstWeight +
                                  Load<Sample>(source, second + c) * uint64_t{column.Weight};
-            Store<Sample>(target, i * channels + c,
-                          static_cast<uint32_t>(isShort ? sum * columns.Reciprocals[i] >> 16 : sum / column.Span));
+            Store<Sample>(
+                target, i * channels + c,
+                static_cast<uint32_t>(isShort ? sum * columns.Reciprocals[i] >> 16 : sum / column.Span));
         }
     }
 }
@@ -66,40 +68,75 @@ void Average(const uint8_t* source, uint32_t base, const AverageColumns& columns
     }
 }
 
-// Flat stretches cut the elimination.
+// The places of a pixel among the derivatives.
+#if defined(__AVX2__)
+template <size_t channels> constexpr size_t PlacesOf = channels > 1 ? DerivativePlaces : channels;
+#else
+template <size_t channels> constexpr size_t PlacesOf = channels;
+#endif
+
+// From a pixel on, with those before it done. Flat stretches cut the elimination.
 template <typename Sample, size_t channels>
-void Eliminate(const uint8_t* source, size_t pixels, float* m, float* u) {
-    for (size_t c = 0; c < channels; ++c)
-        m[c] = u[c] = m[(pixels - 1) * channels + c] = 0;
-    for (size_t i = channels; i < (pixels - 1) * channels; ++i) {
-        const int32_t bend = (Load<Sample>(source, i + channels) + Load<Sample>(source, i - channels) -
-                              2 * Load<Sample>(source, i)) *
-                             6;
-        m[i] = bend == 0 ? 0 : -1.0f / (m[i - channels] + 4.0f);
-        u[i] = bend == 0 ? 0 : (u[i - channels] - static_cast<float>(bend)) * m[i];
-    }
+void Eliminate(const uint8_t* source, size_t first, size_t pixels, float* m, float* u) {
+    constexpr size_t places = PlacesOf<channels>;
+    for (size_t x = first; x + 1 < pixels; ++x)
+        for (size_t c = 0; c < channels; ++c) {
+            const size_t i = x * channels + c, at = x * places + c;
+            const int32_t bend = (Load<Sample>(source, i + channels) + Load<Sample>(source, i - channels) -
+                                  2 * Load<Sample>(source, i)) *
+                                 6;
+            m[at] = bend == 0 ? 0 : -1.0f / (m[at - places] + 4.0f);
+            u[at] = bend == 0 ? 0 : (u[at - places] - static_cast<float>(bend)) * m[at];
+        }
 }
 
-// Which values take part is as much the rule as how: of the last pixel but one all three channels, else only the last of
-// them; and the first values of the row that are not reached keep what the elimination left.
+// From a pixel back to the second one.
+template <size_t channels> void Substitute(size_t last, float* m, const float* u) {
+    constexpr size_t places = PlacesOf<channels>;
+    for (size_t x = last; x > 0; --x)
+        for (size_t c = 0; c < channels; ++c)
+            m[x * places + c] = m[x * places + c] * m[(x + 1) * places + c] + u[x * places + c];
+}
+
+// How many values of a row, counted from its start through all channels, keep what the elimination left: those of the first
+// pixel, and those that a substitution does not reach which begins with the last pixel but one, where it has all three
+// channels but else only the last, and which counts the pixels before that one.
+template <typename Sample, size_t channels> size_t KeptValues(size_t pixels) {
+    constexpr size_t lastCount = sizeof(Sample) == 1 ? channels : 1;
+    const size_t begin = (pixels - 2) * channels + (channels == 3 ? 0 : channels - 1);
+    const size_t count = (pixels - 3) * channels;
+    return begin - (count >= lastCount ? count - lastCount + 1 : 0);
+}
+
 template <typename Sample, size_t channels>
 void Solve(const uint8_t* source, size_t pixels, float* m, float* u) {
-    if (pixels < 3) {
-        for (size_t i = 0; i < pixels * channels; ++i)
-            m[i] = 0;
-        return;
+    constexpr size_t places = PlacesOf<channels>;
+    std::memset(m, 0, places * sizeof(float));
+    std::memset(u, 0, places * sizeof(float));
+    std::memset(m + (pixels - 1) * places, 0, places * sizeof(float));
+    if (pixels < 3) return;
+    size_t left = 1;
+#if defined(__AVX2__)
+    if constexpr (channels > 1) left = EliminateParts<Sample, channels>(source, pixels, m, u);
+#endif
+    Eliminate<Sample, channels>(source, left, pixels, m, u);
+    float kept[2 * places]; // of the second and third pixel
+    std::memcpy(kept, m + places, sizeof kept);
+    std::memcpy(m + (pixels - 2) * places, u + (pixels - 2) * places, channels * sizeof(float));
+    left = pixels - 3;
+#if defined(__AVX2__)
+    if constexpr (channels > 1) {
+        left = SubstituteParts<channels>(pixels - 3, m, u);
+        if (left == DidNotMeet) {
+            left = pixels - 3;
+            Eliminate<Sample, channels>(source, 1, pixels, m, u);
+            std::memcpy(m + (pixels - 2) * places, u + (pixels - 2) * places, channels * sizeof(float));
+        }
     }
-    Eliminate<Sample, channels>(source, pixels, m, u);
-    constexpr size_t lastCount = sizeof(Sample) == 1 ? channels : 1;
-    size_t at = (pixels - 1) * channels;
-    for (size_t taken = channels == 3 ? 3 : 1; taken > 0; --taken) {
-        --at;
-        m[at] = u[at];
-    }
-    for (size_t count = (pixels - 3) * channels; count >= lastCount; --count) {
-        --at;
-        m[at] = m[at] * m[at + channels] + u[at];
-    }
+#endif
+    Substitute<channels>(left, m, u);
+    for (size_t i = channels; i < KeptValues<Sample, channels>(pixels); ++i)
+        m[i / channels * places + i % channels] = kept[(i / channels - 1) * places + i % channels];
 }
 
 template <typename Sample> uint32_t Round(float value) {
@@ -110,14 +147,20 @@ template <typename Sample> uint32_t Round(float value) {
 template <typename Sample, size_t channels>
 void Evaluate(const uint8_t* source, const float* m, uint32_t base, const SplineColumn* columns, size_t count,
               uint8_t* target) {
-    for (size_t i = 0; i < count; ++i) {
+    constexpr size_t places = PlacesOf<channels>;
+    size_t i = 0;
+#if defined(__AVX2__)
+    if constexpr (channels > 1)
+        i = EvaluateVectors<Sample, channels>(source, m, base, columns, count, target);
+#endif
+    for (; i < count; ++i) {
         const SplineColumn& column = columns[i];
-        const size_t first = size_t{column.First - base} * channels;
-        const size_t second = size_t{column.Second - base} * channels;
+        const size_t first = size_t{column.First - base}, second = size_t{column.Second - base};
         for (size_t c = 0; c < channels; ++c) {
-            const float value = column.A * Load<Sample>(source, first + c) +
-                                column.T * Load<Sample>(source, second + c) + column.FirstM * m[first + c] +
-                                column.SecondM * m[second + c];
+            const float value = column.A * Load<Sample>(source, first * channels + c) +
+                                column.T * Load<Sample>(source, second * channels + c) +
+                                column.FirstM * m[first * places + c] +
+                                column.SecondM * m[second * places + c];
             Store<Sample>(target, i * channels + c, Round<Sample>(value));
         }
     }
@@ -202,25 +245,19 @@ void BlendFalling(const uint8_t* first, const uint8_t* second, uint32_t weight, 
 }
 
 template <typename Sample>
-void SolveRows(const uint8_t* const rows[4], float* first, float* second, size_t samples) {
+void SplineRows(const uint8_t* const rows[4], float t, uint8_t* target, size_t samples) {
+    const uint8_t *const above = rows[0], *const first = rows[1], *const second = rows[2],
+                         *const below = rows[3];
+    const float s = 1.0f - t;
+    const float firstFactor = (s * s * s - s) / 6.0f, secondFactor = (t * t * t - t) / 6.0f;
     for (size_t i = 0; i < samples; ++i) {
-        const int32_t a = Load<Sample>(rows[0], i), b = Load<Sample>(rows[1], i),
-                      c = Load<Sample>(rows[2], i), d = Load<Sample>(rows[3], i);
-        const float m1 = static_cast<float>(a + c - 2 * b) * 1.5f;
-        const float m2 = (static_cast<float>((d + b - 2 * c) * 6) - m1) * 0.266667f;
-        first[i] = m1 - m2 / 4.0f;
-        second[i] = m2;
-    }
-}
-
-template <typename Sample>
-void EvaluateRows(const uint8_t* first, const uint8_t* second, const float* firstM, const float* secondM,
-                  float t, uint8_t* target, size_t samples) {
-    const float a = 1.0f - t;
-    const float firstFactor = (a * a * a - a) / 6.0f, secondFactor = (t * t * t - t) / 6.0f;
-    for (size_t i = 0; i < samples; ++i) {
-        const float value = a * Load<Sample>(first, i) + t * Load<Sample>(second, i) +
-                            firstFactor * firstM[i] + secondFactor * secondM[i];
+        const int32_t a = Load<Sample>(above, i), b = Load<Sample>(first, i), c = Load<Sample>(second, i),
+                      d = Load<Sample>(below, i);
+        const float bend = static_cast<float>(a + c - 2 * b) * 1.5f;
+        const float secondM = (static_cast<float>((d + b - 2 * c) * 6) - bend) * 0.266667f;
+        const float firstM = bend - secondM / 4.0f;
+        const float value = s * static_cast<float>(b) + t * static_cast<float>(c) + firstFactor * firstM +
+                            secondFactor * secondM;
         Store<Sample>(target, i, Round<Sample>(value));
     }
 }
@@ -246,8 +283,7 @@ constexpr ResampleKernels MakeKernels() {
             .DivideWhole = ZKR_SAMPLES(DivideWhole),
             .Blend = ZKR_SAMPLES(Blend),
             .BlendFalling = BlendFalling,
-            .SolveRows = ZKR_SAMPLES(SolveRows),
-            .EvaluateRows = ZKR_SAMPLES(EvaluateRows)};
+            .SplineRows = ZKR_SAMPLES(SplineRows)};
 }
 
 } // namespace

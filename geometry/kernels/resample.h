@@ -75,8 +75,11 @@ template <class Columns>
 using ResampleRow = void (*)(const uint8_t* source, uint32_t base, const Columns& columns, size_t count,
                              uint8_t* target);
 
+// The most values that a pixel has among the derivatives of a row.
+inline constexpr size_t DerivativePlaces = 4;
+
 struct SplineRow {
-    // Second derivatives of a row of natural splines, one for each channel; scratch is as long as they are.
+    // Second derivatives of a row of natural splines; scratch is as long as they are.
     void (*Solve)(const uint8_t* source, size_t pixels, float* derivatives, float* scratch);
     void (*Evaluate)(const uint8_t* source, const float* derivatives, uint32_t base,
                      const SplineColumn* columns, size_t count, uint8_t* target);
@@ -101,11 +104,8 @@ struct ResampleKernels {
     void (*BlendFalling)(const uint8_t* first, const uint8_t* second, uint32_t weight, uint32_t span,
                          uint8_t* target, size_t samples);
 
-    // The second derivatives at the two inner ones of four rows.
-    void (*SolveRows[SampleTypes])(const uint8_t* const rows[4], float* first, float* second, size_t samples);
-    // t from 0 to 1 of the way from one row to another.
-    void (*EvaluateRows[SampleTypes])(const uint8_t* first, const uint8_t* second, const float* firstM,
-                                      const float* secondM, float t, uint8_t* target, size_t samples);
+    // t from 0 to 1 of the way between the two inner ones of four rows.
+    void (*SplineRows[SampleTypes])(const uint8_t* const rows[4], float t, uint8_t* target, size_t samples);
 };
 
 } // namespace zkr::kernels

@@ -82,7 +82,7 @@ ReturnCode RowResampler::MakeAverage() {
 }
 
 ReturnCode RowResampler::MakeSpline() {
-    const uint64_t values = 2 * static_cast<uint64_t>(oldWidth_) * static_cast<uint32_t>(format_.Channels);
+    const uint64_t values = 2 * static_cast<uint64_t>(oldWidth_) * kernels::DerivativePlaces;
     if (values > SIZE_MAX) return code::OutOfMemory;
     spline_.emplace(static_cast<size_t>(newWidth_));
     derivatives_.emplace(static_cast<size_t>(values));
@@ -145,7 +145,7 @@ void RowResampler::Run(const uint8_t* source, int32_t base, uint8_t* target) {
         const auto pixels = static_cast<size_t>(span_.End - span_.First);
         float* const derivatives = derivatives_->data();
         const kernels::SplineRow& spline = all.Spline[type][layout];
-        spline.Solve(span, pixels, derivatives, derivatives + pixels * static_cast<size_t>(format_.Channels));
+        spline.Solve(span, pixels, derivatives, derivatives + pixels * kernels::DerivativePlaces);
         spline.Evaluate(span, derivatives, static_cast<uint32_t>(span_.First), spline_->data(), count,
                         target);
         break;

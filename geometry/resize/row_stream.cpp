@@ -69,16 +69,9 @@ ReturnCode RowStream::MakeRows(const BitmapHandle& bitmap) {
     if (!blends) return code::Success;
     made_.emplace(static_cast<size_t>(bytes));
     if (!*made_) return code::OutOfMemory;
-    if (!enlargesRows_) {
-        sums_.emplace(static_cast<size_t>(samples));
-        return *sums_ ? code::Success : code::OutOfMemory;
-    }
-    if (method_ == Interpolation::Linear) return code::Success;
-    for (auto& bends : bends_) {
-        bends.emplace(static_cast<size_t>(samples));
-        if (!*bends) return code::OutOfMemory;
-    }
-    return code::Success;
+    if (enlargesRows_) return code::Success;
+    sums_.emplace(static_cast<size_t>(samples));
+    return *sums_ ? code::Success : code::OutOfMemory;
 }
 
 size_t RowStream::SampleCount() const {
@@ -176,7 +169,6 @@ ReturnCode RowStream::EnlargeLinear(int32_t row, bool isNext) {
 
 ReturnCode RowStream::EnlargeSpline(int32_t row, bool isNext) {
     ReturnCode result = code::Success;
-    bool hasMoved = true;
     if (!isNext) {
         const float place = static_cast<float>(row) * ratio_;
         sourceRow_ = std::min(static_cast<int32_t>(place), oldHeight_ - 1);
@@ -186,24 +178,16 @@ ReturnCode RowStream::EnlargeSpline(int32_t row, bool isNext) {
         return code::Success;
     } else if (row > lastRow_) {
         fraction_ += ratio_;
-        hasMoved = fraction_ >= 1.0f;
-        if (hasMoved) result = MoveDown();
+        if (fraction_ >= 1.0f) result = MoveDown();
     } else {
         fraction_ -= ratio_;
-        hasMoved = fraction_ < 0;
-        if (hasMoved) result = MoveUp();
+        if (fraction_ < 0) result = MoveUp();
     }
     if (result != code::Success) return result;
-    const size_t type = work_.format().Samples.TypeIndex(), samples = SampleCount();
-    float* const first = bends_[0]->data();
-    float* const second = bends_[1]->data();
-    if (hasMoved) {
-        const uint8_t* const rows[4] = {row_[0], row_[1], row_[2], row_[3]};
-        Resampling().SolveRows[type](rows, first, second, samples);
-    }
     result_ = row_[1];
     if (fraction_ <= 0) return code::Success;
-    Resampling().EvaluateRows[type](row_[1], row_[2], first, second, fraction_, made_->data(), samples);
+    Resampling().SplineRows[work_.format().Samples.TypeIndex()](row_, fraction_, made_->data(),
+                                                                SampleCount());
     result_ = made_->data();
     return code::Success;
 }

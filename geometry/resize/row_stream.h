@@ -49,7 +49,6 @@ class RowStream {
     std::optional<ScratchBuffer<uint8_t>> made_;
     const uint8_t* result_ = nullptr; // the working row to be written
     std::optional<ScratchBuffer<uint64_t>> sums_;
-    std::optional<ScratchBuffer<float>> bends_[2]; // derivatives of the inner ones of four rows
 
     // The request before.
     bool isValid_ = false;

@@ -114,39 +114,28 @@ class SplineRows {
                                                          ScratchBuffer<uint8_t>(size.Bytes),
                                                          ScratchBuffer<uint8_t>(size.Bytes),
                                                          ScratchBuffer<uint8_t>(size.Bytes)},
-          made_(size.Bytes), bends_{ScratchBuffer<float>(size.Samples), ScratchBuffer<float>(size.Samples)} {
+          made_(size.Bytes) {
         for (int i = 0; i < 4; ++i)
             row_[i] = rows_[i].data();
     }
 
-    explicit operator bool() const {
-        return rows_[0] && rows_[1] && rows_[2] && rows_[3] && made_ && bends_[0] && bends_[1];
-    }
+    explicit operator bool() const { return rows_[0] && rows_[1] && rows_[2] && rows_[3] && made_; }
 
     // Whether a row is the one before once more.
     bool Repeats(int32_t row) const { return row > 0 && row <= repeats_; }
 
     ReturnCode Make(int32_t row, const uint8_t*& samples) {
-        const auto& kernels = Chosen<ResampleKernels>();
-        bool hasMoved = row == 0;
         ReturnCode result = code::Success;
         if (row == 0) {
             result = Begin();
         } else {
             t_ += ratio_;
-            hasMoved = t_ >= 1.0f;
-            if (hasMoved) result = Move();
+            if (t_ >= 1.0f) result = Move();
         }
         if (result != code::Success) return result;
-        float* const first = bends_[0].data();
-        float* const second = bends_[1].data();
-        if (hasMoved) {
-            const uint8_t* const rows[4] = {row_[0], row_[1], row_[2], row_[3]};
-            kernels.SolveRows[size_.Type](rows, first, second, size_.Samples);
-        }
         samples = row_[1];
         if (t_ <= 0) return code::Success;
-        kernels.EvaluateRows[size_.Type](row_[1], row_[2], first, second, t_, made_.data(), size_.Samples);
+        Chosen<ResampleKernels>().SplineRows[size_.Type](row_, t_, made_.data(), size_.Samples);
         samples = made_.data();
         return code::Success;
     }
@@ -180,7 +169,6 @@ class SplineRows {
     int32_t repeats_;
     ScratchBuffer<uint8_t> rows_[4];
     ScratchBuffer<uint8_t> made_;
-    ScratchBuffer<float> bends_[2];
     uint8_t* row_[4] = {};
     int32_t next_ = 0;
     float t_ = 0;
