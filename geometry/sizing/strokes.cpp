@@ -1,12 +1,13 @@
 // Sizing of bitonal pictures that keeps thin black strokes: a target pixel is black when enough of the source pixels
-// that fall into its cell are. Rows are worked on as lists of runs, and black runs alone are looked at.
+// that fall into its cell are. Rows that are held as runs are worked on as runs, of which the black ones alone are looked
+// at; so are the widths that stroke_bits.h leaves.
 #include "core/runs/exchanged_row.h"
 #include "core/runs/run_list.h"
 #include "core/scratch.h"
 #include "core/sizes.h"
-#include "core/views.h"
 #include "geometry/resize/stepping.h"
 #include "geometry/sizing/sizing_work.h"
+#include "geometry/sizing/stroke_bits.h"
 #include "zkr13n/compressed_rows.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/numeric.h"
@@ -18,9 +19,9 @@ namespace zkr {
 namespace {
 
 // How many black pixels of a cell make it black: the square root of its area, less one where cells are small.
-uint32_t ThresholdOf(int32_t oldWidth, int32_t oldHeight, int32_t newWidth, int32_t newHeight) {
-    const uint64_t area = static_cast<uint64_t>(std::max(oldWidth / newWidth, 1)) *
-                          static_cast<uint64_t>(std::max(oldHeight / newHeight, 1));
+uint32_t ThresholdOf(const BitmapHandle& source, const BitmapHandle& target) {
+    const uint64_t area = static_cast<uint64_t>(std::max(source.Width / target.Width, 1)) *
+                          static_cast<uint64_t>(std::max(source.Height / target.Height, 1));
     uint64_t root = Z_SQRT(static_cast<uint32_t>(std::min<uint64_t>(area, UINT32_MAX)));
     if (area > UINT32_MAX)
         while ((root + 1) * (root + 1) <= area)
@@ -28,20 +29,19 @@ uint32_t ThresholdOf(int32_t oldWidth, int32_t oldHeight, int32_t newWidth, int3
     return static_cast<uint32_t>(root < 5 ? std::max<uint64_t>(root, 2) - 1 : root);
 }
 
-uint64_t MostRowBytes(int32_t width) {
-    return runs::CountWords * 2 + runs::MostWords(width) * 2;
+bool HasBlackOnes(const BitmapHandle& source) {
+    return Z_IsGrayScaleBitmap(&source) == GRAY_ORDEREDREVERSE;
 }
 
-int32_t StoredRow(const BitmapHandle& bitmap, int32_t row) {
-    return bitmap.ViewPerspective == view::BottomLeft ? bitmap.Height - 1 - row : row;
+uint64_t MostRowBytes(int32_t width) {
+    return runs::CountWords * 2 + runs::MostWords(width) * 2;
 }
 
 class StrokeRows {
   public:
     StrokeRows(BitmapHandle& source, BitmapHandle& target)
         : source_(source), target_(target), steps_(Stepping::Between(source.Height, target.Height)),
-          threshold_(ThresholdOf(source.Width, source.Height, target.Width, target.Height)),
-          blackIsOne_(Z_IsGrayScaleBitmap(&source) == GRAY_ORDEREDREVERSE),
+          threshold_(ThresholdOf(source, target)), blackIsOne_(HasBlackOnes(source)),
           sourceRow_(static_cast<size_t>(MostRowBytes(source.Width) / 2)),
           targetRow_(static_cast<size_t>(MostRowBytes(target.Width) / 2)), sourceWork_(source),
           targetWork_(target), bounds_(static_cast<size_t>(target.Width) + 1),
@@ -138,16 +138,24 @@ class StrokeRows {
     int64_t counted_ = -1;           // the source row that the cells begin with
 };
 
-} // namespace
-
-ReturnCode FillKeepingStrokes(BitmapHandle& source, BitmapHandle& target) {
-    StrokeRows rows(source, target);
+template <class Rows> ReturnCode Fill(BitmapHandle& source, BitmapHandle& target, Rows& rows) {
     if (!rows) return code::OutOfMemory;
     rows.Begin();
     return RowWalk(target)
         .With(source)
         .Reporting(StatusReceiver::Status())
         .Run(target.Height, [&](int32_t row) { return rows.Pass(row); });
+}
+
+} // namespace
+
+ReturnCode FillKeepingStrokes(BitmapHandle& source, BitmapHandle& target) {
+    if (StrokeBits::Suits(source, target)) {
+        StrokeBits rows(source, target, ThresholdOf(source, target), HasBlackOnes(source));
+        return Fill(source, target, rows);
+    }
+    StrokeRows rows(source, target);
+    return Fill(source, target, rows);
 }
 
 } // namespace zkr

@@ -1,0 +1,35 @@
+// The kernels that count black pixels of packed 1-bit rows in cells. Counts of each column of pixels over some rows are
+// kept bit by bit: plane p holds, for each pixel of a row, the bit of worth 2^p.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace zkr::kernels {
+
+inline constexpr uint32_t MostPlanes = 8;
+
+// All rows are as long, in words of four bytes; eight bytes more can be read behind each.
+struct CountedRows {
+    uint8_t* Planes[MostPlanes];
+    uint8_t* Any; // where one row at least is black, and where all are
+    uint8_t* All;
+};
+
+struct StrokeKernels {
+    // Adds a row, whose words are exclusive-ored with `flipped` to make black 1. Planes are as many as the count of rows
+    // needs.
+    void (*Add[MostPlanes])(const uint8_t* row, uint32_t flipped, size_t words, const CountedRows& counts);
+
+    // Makes a packed row of pixels, black as 1: pixel k is the cell from bounds[k] to bounds[k + 1], of at most 57 pixels,
+    // and is black where the count is at least the threshold. A cell that is black all over is black.
+    void (*Compare)(const CountedRows& counts, uint32_t planes, const uint32_t* bounds, size_t cells,
+                    uint32_t threshold, uint8_t* target);
+
+    // Makes two pixels of each of `bytes` packed bytes.
+    void (*Double)(const uint8_t* source, uint8_t* target, size_t bytes);
+};
+
+inline constexpr uint32_t WidestCell = 57;
+
+} // namespace zkr::kernels
