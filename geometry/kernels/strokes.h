@@ -16,15 +16,26 @@ struct CountedRows {
     uint8_t* All;
 };
 
+// The cells of a row: number k is the pixels from Bounds[k] to Bounds[k + 1], at most 57.
+struct CountedCells {
+    const uint32_t* Bounds;
+    const uint64_t*
+        Spreads; // for each eight cells, their pixels' places in a byte for each; null where they have none
+    size_t Count;
+};
+
+// The widest cell of which a byte can hold the pixels, seven rows of them counted, where eight lie within 57 pixels.
+inline constexpr uint32_t WidestSpreadCell = 7;
+
 struct StrokeKernels {
     // Adds a row, whose words are exclusive-ored with `flipped` to make black 1. Planes are as many as the count of rows
     // needs.
     void (*Add[MostPlanes])(const uint8_t* row, uint32_t flipped, size_t words, const CountedRows& counts);
 
-    // Makes a packed row of pixels, black as 1: pixel k is the cell from bounds[k] to bounds[k + 1], of at most 57 pixels,
-    // and is black where the count is at least the threshold. A cell that is black all over is black.
-    void (*Compare)(const CountedRows& counts, uint32_t planes, const uint32_t* bounds, size_t cells,
-                    uint32_t threshold, uint8_t* target);
+    // Makes a packed row of pixels, black as 1: those whose cell counts at least the threshold. A cell that is black all
+    // over is black.
+    void (*Compare[MostPlanes])(const CountedRows& counts, const CountedCells& cells, uint32_t threshold,
+                                uint8_t* target);
 
     // Makes two pixels of each of `bytes` packed bytes.
     void (*Double)(const uint8_t* source, uint8_t* target, size_t bytes);

@@ -40,13 +40,20 @@ StrokeBits::StrokeBits(BitmapHandle& source, BitmapHandle& target, uint32_t thre
       cells_(static_cast<size_t>(std::min(source.Width, target.Width))),
       planes_(static_cast<uint32_t>(std::bit_width(static_cast<uint32_t>(MostRows(source, target))))),
       counts_(rowBytes_ <= SIZE_MAX / Rows ? rowBytes_ * Rows : SIZE_MAX), bounds_(cells_ + 1),
-      made_(std::max(cells_ / 8 + 1, size_t{source.BytesPerLine})), targetRow_(target), sourceRow_(source),
+      spreads_(cells_ / 8 + 1), made_(std::max(cells_ / 8 + 1, size_t{source.BytesPerLine})),
+      targetRow_(target), sourceRow_(source),
       runs_(HasFlag(target, flag::Compressed) ? static_cast<size_t>(target.Width) + 3 : 1) {}
 
 void StrokeBits::Begin() {
     Stepping columns = Stepping::Between(source_.Width, static_cast<int32_t>(cells_));
     for (size_t i = 0; i <= cells_; ++i, columns.Next())
         bounds_[i] = static_cast<uint32_t>(columns.Index);
+    isShort_ = (static_cast<uint32_t>(source_.Width) - 1) / cells_ + 1 <= kernels::WidestSpreadCell;
+    for (size_t i = 0; isShort_ && i < cells_; ++i) {
+        const uint64_t pixels = (uint64_t{1} << (bounds_[i + 1] - bounds_[i])) - 1;
+        const uint64_t before = i % 8 == 0 ? 0 : spreads_[i / 8];
+        spreads_[i / 8] = before | pixels << 8 * (7 - i % 8);
+    }
     std::memset(counts_.data(), 0, rowBytes_ * Rows);
     for (uint32_t p = 0; p < kernels::MostPlanes; ++p)
         rows_.Planes[p] = counts_.data() + p * rowBytes_;
@@ -72,7 +79,8 @@ ReturnCode StrokeBits::Pass(int32_t row) {
     uint8_t* const bits = targetRow_.data();
     const bool doubles = target_.Width > source_.Width;
     uint8_t* const compared = doubles ? made_.data() : bits;
-    Kernels().Compare(rows_, planes_, bounds_.data(), cells_, threshold_, compared);
+    Kernels().Compare[planes_ - 1](rows_, {bounds_.data(), isShort_ ? spreads_.data() : nullptr, cells_},
+                                   threshold_, compared);
     const auto width = static_cast<uint32_t>(target_.Width);
     if (doubles) Kernels().Double(compared, bits, (width + 15) / 16);
     if (!blackIsOne_)

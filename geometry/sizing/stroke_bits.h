@@ -22,7 +22,7 @@ class StrokeBits {
     StrokeBits(BitmapHandle& source, BitmapHandle& target, uint32_t threshold, bool blackIsOne);
 
     explicit operator bool() const {
-        return counts_ && bounds_ && made_ && targetRow_ && sourceRow_ && runs_;
+        return counts_ && bounds_ && spreads_ && made_ && targetRow_ && sourceRow_ && runs_;
     }
 
     void Begin();
@@ -45,6 +45,8 @@ class StrokeBits {
     ScratchBuffer<uint8_t> counts_;
     kernels::CountedRows rows_ = {};
     ScratchBuffer<uint32_t> bounds_;
+    ScratchBuffer<uint64_t> spreads_;
+    bool isShort_ = false; // cells so narrow that they have spreads
     ScratchBuffer<uint8_t> made_;
     ScratchRow targetRow_, sourceRow_;
     ScratchBuffer<uint16_t> runs_; // of a target that is held as runs
