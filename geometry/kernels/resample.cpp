@@ -177,17 +177,6 @@ void DivideWeighted(const double* sums, double total, uint8_t* target, size_t sa
         Store<Sample>(target, i, static_cast<uint32_t>(sums[i] / total));
 }
 
-template <typename Sample> void AddWhole(const uint8_t* row, uint64_t* sums, size_t samples) {
-    for (size_t i = 0; i < samples; ++i)
-        sums[i] += Load<Sample>(row, i);
-}
-
-template <typename Sample>
-void DivideWhole(const uint64_t* sums, uint64_t rows, uint8_t* target, size_t samples) {
-    for (size_t i = 0; i < samples; ++i)
-        Store<Sample>(target, i, static_cast<uint32_t>(sums[i] / rows));
-}
-
 // The longest span by which sums are divided with a multiplication by 2^shift / span + 1: what that is too much must not
 // reach a whole in any sum.
 template <typename Sample>
@@ -279,8 +268,6 @@ constexpr ResampleKernels MakeKernels() {
             .Spline = {ZKR_SPLINES(uint8_t), ZKR_SPLINES(uint16_t)},
             .AddWeighted = ZKR_SAMPLES(AddWeighted),
             .DivideWeighted = ZKR_SAMPLES(DivideWeighted),
-            .AddWhole = ZKR_SAMPLES(AddWhole),
-            .DivideWhole = ZKR_SAMPLES(DivideWhole),
             .Blend = ZKR_SAMPLES(Blend),
             .BlendFalling = BlendFalling,
             .SplineRows = ZKR_SAMPLES(SplineRows)};

@@ -94,8 +94,6 @@ struct ResampleKernels {
     void (*AddWeighted[SampleTypes])(const uint8_t* row, double weight, double* sums, size_t samples);
     // target = sums / total, cut to a whole number
     void (*DivideWeighted[SampleTypes])(const double* sums, double total, uint8_t* target, size_t samples);
-    void (*AddWhole[SampleTypes])(const uint8_t* row, uint64_t* sums, size_t samples);
-    void (*DivideWhole[SampleTypes])(const uint64_t* sums, uint64_t rows, uint8_t* target, size_t samples);
 
     // weight / span of the way from one row to another, rounded down; weight is below span.
     void (*Blend[SampleTypes])(const uint8_t* first, const uint8_t* second, uint32_t weight, uint32_t span,

@@ -88,12 +88,15 @@ ReturnCode OutputRows::Write(const uint8_t* row, int32_t pixels, uint8_t* target
     size_t written = 0;
     if (pixels > 0) {
         const auto count = static_cast<uint32_t>(pixels);
-        std::memcpy(row_->data(), row, work_.Samples.PixelBytes() * count);
-        const ReturnCode result = Convert(row_->data(), pixels);
-        if (result != code::Success) return result;
         written = static_cast<size_t>((static_cast<uint64_t>(count) * static_cast<uint32_t>(bits()) + 7) / 8);
-        ClearBehind(bits(), row_->data(), count, written);
-        std::memcpy(target, row_->data(), std::min<size_t>(written, bytes));
+        if (IsConverted()) {
+            std::memcpy(row_->data(), row, work_.Samples.PixelBytes() * count);
+            const ReturnCode result = Convert(row_->data(), pixels);
+            if (result != code::Success) return result;
+            ClearBehind(bits(), row_->data(), count, written);
+            row = row_->data();
+        }
+        std::memcpy(target, row, std::min<size_t>(written, bytes));
     }
     if (written < bytes) std::memset(target + written, 0, bytes - written);
     return code::Success;

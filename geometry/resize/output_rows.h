@@ -36,6 +36,7 @@ class OutputRows {
     void ChooseForm(const BitmapHandle& source, const OutputRequest& request);
     ReturnCode StartDithering(const BitmapHandle& source, const WorkRows& work, const OutputRequest& request);
     ReturnCode Convert(uint8_t* row, int32_t pixels) const;
+    bool IsConverted() const { return bits_ != work_.Bits || (bits_ != 0 && order_ != work_.Order); }
 
     WorkFormat work_ = {};
     bool isGraySource_ = false;

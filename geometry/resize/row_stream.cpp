@@ -125,16 +125,16 @@ ReturnCode RowStream::Reduce(int32_t row) {
     const uint64_t error = place % height + static_cast<uint32_t>(remainderY_);
     const int32_t span = stepY_ + (error >= height ? 1 : 0);
     const size_t type = work_.format().Samples.TypeIndex(), samples = SampleCount();
-    std::fill_n(sums_->data(), samples, uint64_t{0});
+    std::fill_n(sums_->data(), samples, 0.0);
     for (int32_t i = 0; i < span; ++i) {
         if (sourceRow_ < oldHeight_) {
             const ReturnCode result = work_.Fetch(sourceRow_, row_[0]);
             if (result != code::Success) return result;
             ++sourceRow_;
         }
-        Resampling().AddWhole[type](row_[0], sums_->data(), samples);
+        Resampling().AddWeighted[type](row_[0], 1.0, sums_->data(), samples);
     }
-    Resampling().DivideWhole[type](sums_->data(), static_cast<uint64_t>(span), made_->data(), samples);
+    Resampling().DivideWeighted[type](sums_->data(), span, made_->data(), samples);
     result_ = made_->data();
     return code::Success;
 }

@@ -47,8 +47,8 @@ class RowStream {
     std::optional<ScratchBuffer<uint8_t>> rows_[MostRows];
     uint8_t* row_[MostRows] = {}; // linear: the two around the wanted place; spline: the four
     std::optional<ScratchBuffer<uint8_t>> made_;
-    const uint8_t* result_ = nullptr; // the working row to be written
-    std::optional<ScratchBuffer<uint64_t>> sums_;
+    const uint8_t* result_ = nullptr;           // the working row to be written
+    std::optional<ScratchBuffer<double>> sums_; // of whole rows, and therefore exact
 
     // The request before.
     bool isValid_ = false;

@@ -4,6 +4,7 @@
 
 #include "core/exact_rows.h"
 #include "core/predicates.h"
+#include "core/row_access.h"
 #include "core/sizes.h"
 #include "zkr13n/convert.h"
 #include "zkr13n/gray.h"
@@ -109,22 +110,32 @@ void WorkRows::Choose(int32_t first, int32_t count) {
     fetchPixels_ = span.End - fetchColumn_;
 }
 
-ReturnCode WorkRows::Fetch(int32_t row, uint8_t* target) {
+// The pixels that the chosen columns are made of, and which column they begin with: where they stand, or in the raw row.
+ReturnCode WorkRows::Read(int32_t row, const uint8_t*& pixels, int32_t& column) {
     uint8_t* const raw = raw_->data();
+    pixels = raw;
+    column = fetchColumn_;
     const auto bytes = static_cast<uint32_t>(PackedBytes(fetchPixels_, depth_));
-    if (reader_.Read != nullptr) {
-        const ReturnCode result = reader_.Read(bitmap_, raw, row, fetchColumn_, bytes, reader_.Data);
-        if (result != code::Success) return result;
-    } else if (ReadExactly(*bitmap_, raw, row, fetchColumn_, bytes) != code::Success) {
-        return code::ReadFailed;
+    if (reader_.Read != nullptr) return reader_.Read(bitmap_, raw, row, fetchColumn_, bytes, reader_.Data);
+    const bool staysThere = isPacked_ || !format_.IsConverted();
+    if (const uint8_t* stored = staysThere ? ReachRow(*bitmap_, row) : nullptr) {
+        pixels = stored;
+        column = 0;
+        return code::Success;
     }
-    if (!isPacked_) {
-        const ReturnCode result = Convert(raw, fetchPixels_);
-        if (result == code::Success) resampler_.Run(raw, fetchColumn_, target);
-        return result;
-    }
-    resampler_.Run(raw, fetchColumn_, target);
-    return Convert(target, count_);
+    return ReadExactly(*bitmap_, raw, row, fetchColumn_, bytes) == code::Success ? code::Success
+                                                                                 : code::ReadFailed;
+}
+
+ReturnCode WorkRows::Fetch(int32_t row, uint8_t* target) {
+    const uint8_t* pixels = nullptr;
+    int32_t column = 0;
+    ReturnCode result = Read(row, pixels, column);
+    if (result == code::Success && !isPacked_ && format_.IsConverted())
+        result = Convert(raw_->data(), fetchPixels_);
+    if (result != code::Success) return result;
+    resampler_.Run(pixels, column, target);
+    return isPacked_ && format_.IsConverted() ? Convert(target, count_) : code::Success;
 }
 
 } // namespace zkr

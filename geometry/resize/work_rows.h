@@ -16,6 +16,9 @@ struct WorkFormat {
 
     static WorkFormat Of(const BitmapHandle& bitmap);
     bool IsGrayWords() const { return Bits == 16; }
+    bool IsConverted() const {
+        return SourceBits != Bits || (Bits != 0 && SourceOrder != Order) || IsGrayWords();
+    }
     int32_t StoredBits() const { return Bits == 0 ? 8 : Bits; }
 };
 
@@ -45,6 +48,7 @@ class WorkRows {
 
   private:
     ReturnCode MakeTables();
+    ReturnCode Read(int32_t row, const uint8_t*& pixels, int32_t& column);
     ReturnCode Convert(uint8_t* row, int32_t pixels) const;
 
     BitmapHandle* bitmap_ = nullptr;
