@@ -27,8 +27,8 @@ TEST(Views, SetsFollowWhatAViewIsMadeOf) {
 }
 
 TEST(Rectangles, EdgesDoNotWrap) {
-    const PixelRect far = PixelRect::At(Most - 1, 10, Most, 5);
-    EXPECT_EQ(far, (PixelRect{Most - 1, 10, Most, 15}));
+    const PixelRect distant = PixelRect::At(Most - 1, 10, Most, 5);
+    EXPECT_EQ(distant, (PixelRect{Most - 1, 10, Most, 15}));
     EXPECT_EQ((PixelRect{Least, 0, Most, 1}.Width()), 0xFFFFFFFF);
     EXPECT_TRUE((PixelRect{5, 5, 5, 9}.IsEmpty()));
     EXPECT_EQ(Intersection({0, 0, 5, 5}, {5, 0, 9, 9}), PixelRect{});

@@ -1,7 +1,8 @@
-// zkr info: what a picture file holds. Only the header is read.
+// zkr info: what a picture file holds. Only the header is read, unless something is selected.
 #include "apps/zkr/failure.h"
 #include "apps/zkr/options.h"
 #include "apps/zkr/picture_reader.h"
+#include "apps/zkr/selection.h"
 #include "apps/zkr/verb.h"
 
 #include <cinttypes>
@@ -14,10 +15,12 @@ namespace {
 
 struct InfoOptions {
     std::string picture;
+    Selection selection;
 };
 
 void Describe(CLI::App& verb, InfoOptions& options) {
     AddInput(verb, "PICTURE", options.picture, "the file");
+    AddSelection(verb, options.selection);
 }
 
 void Run(const InfoOptions& options) {
@@ -35,11 +38,17 @@ void Run(const InfoOptions& options) {
     std::printf("  pixels   %s%s\n", ShortName(format).c_str(), format.alpha ? ", with alpha" : "");
     if (format.IsIndexed()) std::printf("  palette  %d colours\n", info.colours);
     std::printf("  bitmap   %" PRIu32 " bytes a row, %zu bytes\n", plan.BytesPerLine, plan.Size);
+    if (options.selection.steps.empty()) return;
+    Bitmap picture = ReadUpright(*reader, options.picture, Storage{});
+    Select(picture, options.selection);
+    const Rectangle bounds = BoundsOfSelection(picture);
+    std::printf("  selected %" PRIu32 " pixels within %d,%d,%d,%d\n", AreaOfSelection(picture), bounds.left,
+                bounds.top, bounds.width, bounds.height);
 }
 
 } // namespace
 
 constexpr Verb InfoVerb = VerbOf<InfoOptions, Describe, Run>(
-    "info", "Tell what a picture file holds, from its header", "info photo.png");
+    "info", "Tell what a picture file holds, from its header, and what is selected of it", "info photo.png");
 
 } // namespace zkr::app
