@@ -1,5 +1,6 @@
 #include "platform/portable/brushes.h"
 
+#include "kernels/family.h"
 #include "platform/faults.h"
 #include "platform/portable/bitmaps.h"
 #include "platform/portable/device.h"
@@ -102,7 +103,8 @@ void PreparedBrush::Store(int64_t x, int64_t y, int count, int bitsPerPixel, uin
         pixels[i] = row[column];
         if (++column == width_) column = 0;
     }
-    StorePixels(pixels, count, bitsPerPixel, out, firstBit);
+    const auto& kernels = kernels::Chosen<kernels::PixelWordKernels>();
+    kernels.Store[kernels::PlaceOfDepth(bitsPerPixel)](pixels, count, out, firstBit);
 }
 
 } // namespace zkr::platform

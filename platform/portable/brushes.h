@@ -38,7 +38,7 @@ class PreparedBrush {
     bool Prepare(const ContextState& state, const Pixels& target); // false where memory is short
 
     bool IsSolid() const { return width_ == 1 && height_ == 1; }
-    // The target's pixels from a place on, as StorePixels lays them.
+    // The target's pixels from a place on, as kernels store them.
     void Store(int64_t x, int64_t y, int count, int bitsPerPixel, uint8_t* out, int firstBit) const;
 
   private:

@@ -42,10 +42,6 @@ struct PaletteObject final : Object {
     }
 };
 
-int Square(int difference) {
-    return difference * difference;
-}
-
 } // namespace
 
 HPALETTE CreatePalette(const LOGPALETTE* description) {
@@ -93,19 +89,7 @@ UINT SetPaletteEntries(HPALETTE handle, UINT start, UINT count, const PALETTEENT
 UINT GetNearestPaletteIndex(HPALETTE handle, COLORREF colour) {
     const Pin<PaletteObject> palette(handle);
     if (!palette) return CLR_INVALID;
-    const int red = colour & 255, green = colour >> 8 & 255, blue = colour >> 16 & 255;
-    UINT best = 0;
-    int bestDistance = std::numeric_limits<int>::max();
-    for (UINT i = 0; i < palette->count && bestDistance > 0; ++i) {
-        const PALETTEENTRY& entry = palette->entries[i];
-        const int distance =
-            Square(entry.peRed - red) + Square(entry.peGreen - green) + Square(entry.peBlue - blue);
-        if (distance < bestDistance) {
-            best = i;
-            bestDistance = distance;
-        }
-    }
-    return best;
+    return NearestEntry(WordOf(colour & 0xFFFFFF), palette->entries, static_cast<int>(palette->count));
 }
 
 HPALETTE SelectPalette(HDC handle, HPALETTE palette, BOOL) {

@@ -2,7 +2,9 @@
 // once, then run row by row.
 #pragma once
 
+#include "platform/kernels/pixel_words.h"
 #include "platform/portable/graphics.h"
+#include "platform/portable/nearest.h"
 
 #include <array>
 #include <cstddef>
@@ -37,10 +39,6 @@ inline ColourWord WordOf(const PALETTEENTRY& entry) {
 uint32_t PixelOf(ColourWord colour, const Pixels& target);
 ColourWord ColourOf(uint32_t pixel, const Pixels& source);
 
-// Pixels side by side as they lie in a row, from a bit of the first byte on; nothing behind the last byte
-// that they reach is touched, but the rest of their first and last bytes may be.
-void StorePixels(const uint32_t* pixels, int count, int bitsPerPixel, uint8_t* out, int firstBit);
-
 // What stands for the two values of a monochrome source, and which colour becomes 1 in a monochrome target.
 struct MonochromeColours {
     ColourWord zero = 0;
@@ -54,6 +52,9 @@ class RowConverter {
     static constexpr int Most = 512; // pixels that pass through the working rows at once
 
     RowConverter(const Pixels& source, const Pixels& target, const MonochromeColours& colours);
+    ~RowConverter();
+    RowConverter(const RowConverter&) = delete;
+    RowConverter& operator=(const RowConverter&) = delete;
 
     // Pixels of a row from column x on. The target's place is a byte and, below 8 bits, a bit in it; there
     // count is at most Most and the rest of the first and last bytes is overwritten.
@@ -65,17 +66,19 @@ class RowConverter {
     using Whole = void (*)(const uint8_t* from, int64_t count, uint8_t* out, const uint32_t* map);
 
     void ChooseMap(const Pixels& source, const MonochromeColours& colours);
-    void Translate(uint32_t* pixels, int count);
-    uint32_t Nearest(ColourWord colour);
+    void ChooseWhole();
+    void Finish(uint32_t* words, int count, uint8_t* out, int firstBit);
 
+    const kernels::PixelWordKernels& kernels_;
     Pixels target_;
     int sourceBits_;
     bool same_;    // pixels are copied as they are
     bool matches_; // colours become 1 or 0
     uint32_t matched_ = 0;
-    Whole whole_ = nullptr; // where one loop does it
+    Whole whole_ = nullptr;           // where one loop does it
+    NearestTable* nearest_ = nullptr; // where colours become indices; lies in the room below
     std::array<uint32_t, 256> map_;
-    std::array<uint32_t, 1024> nearestKeys_, nearestValues_;
+    alignas(NearestTable) std::array<uint8_t, sizeof(NearestTable)> nearestRoom_;
 };
 
 } // namespace zkr::platform

@@ -16,7 +16,7 @@ class RasterOperation {
     bool CopiesPattern() const { return table_ == 0xF0; }
 
     // Changes count bits of the destination from firstBit of its first byte on, where the leftmost is the
-    // highest. Pattern and source lie bit for bit under it; what is not needed may be null.
+    // highest. Pattern and source lie bit for bit under it; what is not needed may hold anything.
     void Run(uint8_t* destination, const uint8_t* source, const uint8_t* pattern, int firstBit,
              int count) const;
 
