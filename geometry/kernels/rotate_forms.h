@@ -156,7 +156,7 @@ template <typename Sample, int32_t channels> struct WholeForm {
 
 // What forms have in common whose pixels are taken one by one.
 template <class Form> struct SingleForm {
-    static constexpr size_t Overrun = 0, TargetBytes = 2;
+    static constexpr size_t Overrun = 0, Wide = 2, TargetBytes = 2;
 
     static Eight ReadWide(const uint8_t* rowA, ptrdiff_t xA, const uint8_t* rowB, ptrdiff_t xB) {
         return Both(Form::Read(rowA, xA), Form::Read(rowB, xB));

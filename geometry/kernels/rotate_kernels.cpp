@@ -190,6 +190,100 @@ inline void LinearPair(const RotateSource& source, const Walk& walk, int32_t i, 
     Form::WriteWide(target, value);
 }
 
+#if defined(__AVX2__)
+
+// Whether places in the source can be told by offsets of 32 bits.
+inline bool HasShortOffsets(const RotateSource& source) {
+    return source.Stride <= INT32_MAX / (source.Bottom + int64_t{1});
+}
+
+// Where the pixels of eight steps of a walk lie, and on either axis the neighbours on the side of the fraction.
+struct Offsets {
+    alignas(32) int32_t Pixel[8], AcrossNeighbour[8], DownNeighbour[8];
+
+    Offsets(const RotateSource& source, const Walk& walk, int32_t i, int32_t pixelBytes) {
+        const auto load = [i](const int32_t* axis) {
+            return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(axis + i));
+        };
+        const auto store = [](int32_t* to, __m256i v) {
+            _mm256_store_si256(reinterpret_cast<__m256i*>(to), v);
+        };
+        const __m256i bytes = _mm256_set1_epi32(pixelBytes), one = _mm256_set1_epi32(1);
+        const __m256i stride = _mm256_set1_epi32(static_cast<int32_t>(source.Stride));
+        const __m256i pixel = _mm256_add_epi32(_mm256_mullo_epi32(load(walk.X), bytes),
+                                               _mm256_mullo_epi32(load(walk.Y), stride));
+        // A step with the sign of the fraction; at no distance the neighbour does not matter.
+        const auto beside = [&](const int32_t* fractions, __m256i step) {
+            const __m256i side = _mm256_or_si256(_mm256_srai_epi32(load(fractions), 31), one);
+            return _mm256_add_epi32(pixel, _mm256_sign_epi32(step, side));
+        };
+        store(Pixel, pixel);
+        store(AcrossNeighbour, beside(walk.FractionX, bytes));
+        store(DownNeighbour, beside(walk.FractionY, stride));
+    }
+};
+
+// Four pixels of bytes as words. The distances times four fill 16 bits, so that the upper half of a product is what
+// the division leaves; signs are taken out, since it truncates.
+template <class Form>
+inline void LinearFour(const uint8_t* source, const Offsets& offsets, const Walk& walk, int32_t i,
+                       uint8_t* target) {
+    const auto read = [&](const int32_t* places) {
+        const auto pixel = [&](int32_t k) {
+            return static_cast<int32_t>(Form::PixelWord(source + places[(i & 4) + k]));
+        };
+        return _mm256_cvtepu8_epi16(_mm_setr_epi32(pixel(0), pixel(1), pixel(2), pixel(3)));
+    };
+    const auto distances = [i](const int32_t* fractions) {
+        const __m128i sizes = _mm_slli_epi32(
+            _mm_abs_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(fractions + i))), 2);
+        const __m256i spread = _mm256_setr_epi8(0, 1, 0, 1, 0, 1, 0, 1, 8, 9, 8, 9, 8, 9, 8, 9, 0, 1, 0, 1, 0,
+                                                1, 0, 1, 8, 9, 8, 9, 8, 9, 8, 9);
+        return _mm256_shuffle_epi8(_mm256_cvtepu32_epi64(sizes), spread);
+    };
+    const auto blended = [](__m256i value, __m256i neighbour, __m256i distance) {
+        const __m256i difference = _mm256_sub_epi16(neighbour, value);
+        const __m256i moved = _mm256_mulhi_epu16(_mm256_abs_epi16(difference), distance);
+        return _mm256_add_epi16(value, _mm256_sign_epi16(moved, difference));
+    };
+    __m256i value = read(offsets.Pixel);
+    value = blended(value, read(offsets.AcrossNeighbour), distances(walk.FractionX));
+    value = blended(value, read(offsets.DownNeighbour), distances(walk.FractionY));
+    const __m128i pixels =
+        _mm_packus_epi16(_mm256_castsi256_si128(value), _mm256_extracti128_si256(value, 1));
+    if constexpr (Form::Bytes == 4) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(target), pixels);
+    } else {
+        const __m128i joined =
+            _mm_shuffle_epi8(pixels, _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(target), joined);
+        const int32_t last = _mm_extract_epi32(joined, 2);
+        std::memcpy(target + 8, &last, 4);
+    }
+}
+
+#endif
+
+// As many pixels of bytes as eights fit into the count, linearly; the number of them.
+template <class Form>
+inline int32_t LinearEights(const RotateSource& source, const Walk& walk, uint8_t* target, int32_t count) {
+    int32_t made = 0;
+#if defined(__AVX2__)
+    if constexpr (Form::Most == 255 && Form::Wide == 4) {
+        if (!HasShortOffsets(source)) return 0;
+        for (; made + 8 <= count; made += 8) {
+            const Offsets offsets(source, walk, made, static_cast<int32_t>(Form::Bytes));
+            LinearFour<Form>(source.Source, offsets, walk, made, target);
+            LinearFour<Form>(source.Source, offsets, walk, made + 4, target + 4 * Form::Bytes);
+            target += 8 * Form::Bytes;
+        }
+    }
+#else
+    static_cast<void>(source), static_cast<void>(walk), static_cast<void>(target), static_cast<void>(count);
+#endif
+    return made;
+}
+
 // The weights of the steps of a walk along one axis, and the pixels that lie in front of their places.
 struct WalkWeights {
     float First[Walk::Most], Second[Walk::Most], FirstCurve[Walk::Most], SecondCurve[Walk::Most];
@@ -269,7 +363,7 @@ template <class Form>
 // Pixels of 1 bit, eight at a time, and how many they are. A word is read from the byte of each.
 inline int32_t SinglesOf(const RotateSource& source, const Walk& walk, uint8_t* target, int32_t count) {
 #if defined(__AVX2__) && defined(__x86_64__)
-    if (source.Stride > INT32_MAX / (source.Bottom + int64_t{1})) return 0;
+    if (!HasShortOffsets(source)) return 0;
     const __m256i stride = _mm256_set1_epi32(static_cast<int32_t>(source.Stride));
     int32_t made = 0;
     for (; made + 8 <= count; made += 8) {
@@ -303,7 +397,9 @@ inline int32_t InnerPixels(const RotateSource& source, const RotatePosition& at,
     Walk walk;
     walk.Make(source, at);
     if constexpr (method == RotateMethod::Linear) {
-        for (int32_t i = 0; i < most; i += 2, target += 2 * Form::TargetBytes)
+        const int32_t made = LinearEights<Form>(source, walk, target, most);
+        target += static_cast<size_t>(made) * Form::TargetBytes;
+        for (int32_t i = made; i < most; i += 2, target += 2 * Form::TargetBytes)
             LinearPair<Form>(source, walk, i, target);
     } else if constexpr (method == RotateMethod::Cubic) {
         const WalkWeights across(walk.X, walk.FractionX), down(walk.Y, walk.FractionY);
