@@ -153,6 +153,92 @@ void Turn4(const TurnBlock& block) {
         [&](const Tile& tile) { TurnRest(block, tile); });
 }
 
+#if defined(__AVX2__)
+
+// Rows of 32 bytes as vectors, transposed: eight rows of eight dwords, or four of four quadwords.
+inline void Transpose(__m256i (&rows)[8]) {
+    __m256i a[8], b[8];
+    for (size_t i = 0; i < 8; i += 2) {
+        a[i] = _mm256_unpacklo_epi32(rows[i], rows[i + 1]);
+        a[i + 1] = _mm256_unpackhi_epi32(rows[i], rows[i + 1]);
+    }
+    for (size_t i = 0; i < 8; i += 4)
+        for (size_t k = 0; k < 2; ++k) {
+            b[i + 2 * k] = _mm256_unpacklo_epi64(a[i + k], a[i + k + 2]);
+            b[i + 2 * k + 1] = _mm256_unpackhi_epi64(a[i + k], a[i + k + 2]);
+        }
+    for (size_t i = 0; i < 4; ++i) {
+        rows[i] = _mm256_permute2x128_si256(b[i], b[i + 4], 0x20);
+        rows[i + 4] = _mm256_permute2x128_si256(b[i], b[i + 4], 0x31);
+    }
+}
+inline void Transpose(__m256i (&rows)[4]) {
+    const __m256i a = _mm256_unpacklo_epi64(rows[0], rows[1]), b = _mm256_unpackhi_epi64(rows[0], rows[1]);
+    const __m256i c = _mm256_unpacklo_epi64(rows[2], rows[3]), d = _mm256_unpackhi_epi64(rows[2], rows[3]);
+    rows[0] = _mm256_permute2x128_si256(a, c, 0x20);
+    rows[1] = _mm256_permute2x128_si256(b, d, 0x20);
+    rows[2] = _mm256_permute2x128_si256(a, c, 0x31);
+    rows[3] = _mm256_permute2x128_si256(b, d, 0x31);
+}
+
+// Vectors of pixels that are powers of two, and of those that lack a quarter of one: these lie in 24 bytes.
+template <size_t bytes> inline __m256i LoadPixels(const uint8_t* from) {
+    if constexpr (bytes == 4 || bytes == 8) {
+        return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from));
+    } else {
+        const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+        const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + 8));
+        constexpr char no = -1;
+        const __m256i spread = bytes == 3
+                                   ? _mm256_setr_epi8(0, 1, 2, no, 3, 4, 5, no, 6, 7, 8, no, 9, 10, 11, no, 4,
+                                                      5, 6, no, 7, 8, 9, no, 10, 11, 12, no, 13, 14, 15, no)
+                                   : _mm256_setr_epi8(0, 1, 2, 3, 4, 5, no, no, 6, 7, 8, 9, 10, 11, no, no, 4,
+                                                      5, 6, 7, 8, 9, no, no, 10, 11, 12, 13, 14, 15, no, no);
+        return _mm256_shuffle_epi8(_mm256_set_m128i(second, first), spread);
+    }
+}
+template <size_t bytes> inline void StorePixels(uint8_t* to, __m256i pixels) {
+    if constexpr (bytes == 4 || bytes == 8) {
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), pixels);
+    } else {
+        constexpr char no = -1;
+        const __m128i gather = bytes == 3
+                                   ? _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, no, no, no, no)
+                                   : _mm_setr_epi8(0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, no, no, no, no);
+        const __m256i gathered = _mm256_shuffle_epi8(pixels, _mm256_broadcastsi128_si256(gather));
+        const __m256i joined =
+            _mm256_permutevar8x32_epi32(gathered, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 7, 7));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_castsi256_si128(joined));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to + 16), _mm256_extracti128_si256(joined, 1));
+    }
+}
+
+// Squares of pixels, down bands of rows: the lines of a band stay in cache while the squares go through it.
+template <size_t bytes> void TurnSquares(const TurnBlock& block) {
+    constexpr size_t side = bytes <= 4 ? 8 : 4, band = 64;
+    const size_t right = block.Columns / side * side, bottom = block.Rows / side * side;
+    for (size_t top = 0; top < bottom; top += band)
+        for (size_t x = 0; x < right; x += side)
+            for (size_t y = top; y < std::min(top + band, bottom); y += side) {
+                __m256i rows[side];
+                for (size_t i = 0; i < side; ++i)
+                    rows[i] = LoadPixels<bytes>(SourceRow(block, y + i) + x * bytes);
+                Transpose(rows);
+                for (size_t i = 0; i < side; ++i)
+                    StorePixels<bytes>(TargetRow(block, x + i) + y * bytes, rows[i]);
+            }
+    if (right < block.Columns) TurnTile<bytes>(block, {right, block.Columns, 0, bottom});
+    if (bottom < block.Rows) TurnTile<bytes>(block, {0, block.Columns, bottom, block.Rows});
+}
+
+#else
+
+template <size_t bytes> void TurnSquares(const TurnBlock& block) {
+    TurnPixels<bytes>(block);
+}
+
+#endif
+
 // The top bits of bytes come out with the first byte lowest, and the first pixel is the top bit of its byte: so
 // rows are taken in the opposite order by eights.
 inline size_t OppositeByEights(size_t row) {
@@ -203,6 +289,9 @@ void Turn1(const TurnBlock& block) {
 
 constexpr auto Turn1 = TurnFields, Turn4 = TurnFields;
 constexpr auto Turn8 = TurnPixels<1>;
+template <size_t bytes> void TurnSquares(const TurnBlock& block) {
+    TurnPixels<bytes>(block);
+}
 
 #endif
 
@@ -214,10 +303,10 @@ constinit const TurnKernels Compiled<TurnKernels, ThisSet>::Table = {
     .Turn4 = Turn4,
     .Turn8 = Turn8,
     .Turn16 = TurnPixels<2>,
-    .Turn24 = TurnPixels<3>,
-    .Turn32 = TurnPixels<4>,
-    .Turn48 = TurnPixels<6>,
-    .Turn64 = TurnPixels<8>,
+    .Turn24 = TurnSquares<3>,
+    .Turn32 = TurnSquares<4>,
+    .Turn48 = TurnSquares<6>,
+    .Turn64 = TurnSquares<8>,
     .TurnFields = TurnFields,
 };
 
