@@ -48,7 +48,7 @@ class Turn {
   public:
     Turn(BitmapHandle& target, BitmapHandle& source, bool clockwise)
         : target_(target), source_(source), clockwise_(clockwise), bits_(source.BitsPerPixel),
-          bandRows_(RowsOfBand(source)), bandColumns_(ColumnsOfBand(target_)),
+          bandRows_(RowsOfBand(source)), bandColumns_(ColumnsOfBand(target_, source_)),
           rows_(source_.First != nullptr ? 1 : static_cast<size_t>(bandRows_) * source.BytesPerLine),
           band_(target_.First != nullptr ? 1 : static_cast<size_t>(bandColumns_) * target.BytesPerLine) {}
 
@@ -76,12 +76,18 @@ class Turn {
         const uint32_t rows = enough / std::max(source.BytesPerLine, 1u);
         return ToUnits(static_cast<int32_t>(std::min<uint32_t>(rows, static_cast<uint32_t>(most))));
     }
-    // What a small bitmap may take when it is turned as a whole.
-    static int32_t ColumnsOfBand(const RowPlace& target) {
-        constexpr uint32_t most = 18000000;
-        const auto rows = static_cast<uint32_t>(target.Bitmap.Height);
-        if (target.First != nullptr) return target.Bitmap.Height;
-        return ToUnits(static_cast<int32_t>(std::min(rows, most / std::max(target.Bitmap.BytesPerLine, 1u))));
+    // Between rows in memory the band is one that stays in cache until all of it has been made: memory that is new costs
+    // much when it is first touched, and again when it comes back. In a buffer it is what a small bitmap may take when
+    // it is turned as a whole.
+    static int32_t ColumnsOfBand(const RowPlace& target, const RowPlace& source) {
+        constexpr uint32_t ofCache = 1u << 20, ofBuffer = 18000000;
+        constexpr int32_t unit = 128; // whole tiles of every kernel, and lines of the source
+        if (target.First != nullptr && source.First == nullptr) return target.Bitmap.Height;
+        const uint32_t bytes = target.First != nullptr ? ofCache : ofBuffer;
+        const auto fitting = static_cast<int32_t>(bytes / std::max(target.Bitmap.BytesPerLine, 1u));
+        const int32_t columns =
+            target.First != nullptr ? std::max(fitting / unit, 1) * unit : ToUnits(fitting);
+        return std::min(columns, target.Bitmap.Height);
     }
 
     int32_t SourceRow(int32_t y) const { return clockwise_ ? source_.Bitmap.Height - 1 - y : y; }
