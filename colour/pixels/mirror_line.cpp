@@ -1,7 +1,9 @@
 // Z_MirrorLine: the pixels of a row in the opposite order, in place.
 #include "zkr13n/convert.h"
 
+#include "colour/kernels/mirror_ends.h"
 #include "core/return_codes.h"
+#include "kernels/family.h"
 
 #include <cstring>
 
@@ -9,12 +11,15 @@ namespace zkr {
 
 namespace {
 
-template <size_t bytes> void MirrorWhole(uint8_t* row, size_t width) {
+using Ends = kernels::MirrorKernels::Ends;
+
+template <size_t bytes> void MirrorWhole(uint8_t* row, size_t width, Ends ends) {
     struct Pixel {
         uint8_t Bytes[bytes];
     };
-    auto* left = row;
-    auto* right = row + (width - 1) * bytes;
+    const size_t done = ends(row, width * bytes);
+    auto* left = row + done;
+    auto* right = row + (width - 1) * bytes - done;
     for (; left < right; left += bytes, right -= bytes) {
         Pixel first;
         Pixel last;
@@ -34,10 +39,11 @@ template <uint32_t bits> uint64_t ReverseGroups(uint64_t bytes) {
 
 // Whole bytes change places first; what stood unused at the end then stands before the first pixel and is
 // shifted out, and zeros come in behind the last one.
-template <uint32_t bits> void MirrorDividing(uint8_t* row, size_t width) {
+template <uint32_t bits>
+void MirrorDividing(uint8_t* row, size_t width, const kernels::MirrorKernels& kernels) {
     const size_t bytes = (width * bits + 7) / 8;
-    size_t left = 0;
-    size_t right = bytes;
+    size_t left = (bits == 1 ? kernels.Ends1 : bits == 2 ? kernels.Ends2 : kernels.Ends4)(row, bytes);
+    size_t right = bytes - left;
     for (; right - left >= 16; left += 8, right -= 8) {
         uint64_t first;
         uint64_t last;
@@ -55,10 +61,7 @@ template <uint32_t bits> void MirrorDividing(uint8_t* row, size_t width) {
         row[right - 1] = first;
     }
     const auto unused = static_cast<uint32_t>(bytes * 8 - width * bits);
-    if (unused == 0) return;
-    for (size_t i = 0; i + 1 < bytes; ++i)
-        row[i] = static_cast<uint8_t>(row[i] << unused | row[i + 1] >> (8 - unused));
-    row[bytes - 1] = static_cast<uint8_t>(row[bytes - 1] << unused);
+    if (unused != 0) kernels.Shift(row, bytes, unused);
 }
 
 // Fields that can cross bytes, from the most significant bit of each byte.
@@ -112,21 +115,22 @@ ReturnCode Z_CALL Z_MirrorLine(void* row, int32_t width, int32_t bits) {
     if (row == nullptr || width <= 0) return code::Success;
     auto* bytes = static_cast<uint8_t*>(row);
     const auto pixels = static_cast<size_t>(width);
+    const auto& kernels = kernels::Chosen<kernels::MirrorKernels>();
     switch (bits) {
-    case 1: MirrorDividing<1>(bytes, pixels); break;
-    case 2: MirrorDividing<2>(bytes, pixels); break;
+    case 1: MirrorDividing<1>(bytes, pixels, kernels); break;
+    case 2: MirrorDividing<2>(bytes, pixels, kernels); break;
     case 3: MirrorFields<CrossingField<3>>(bytes, pixels); break;
-    case 4: MirrorDividing<4>(bytes, pixels); break;
+    case 4: MirrorDividing<4>(bytes, pixels, kernels); break;
     case 5: MirrorFields<CrossingField<5>>(bytes, pixels); break;
     case 6: MirrorFields<CrossingField<6>>(bytes, pixels); break;
     case 7: MirrorFields<CrossingField<7>>(bytes, pixels); break;
-    case 8: MirrorWhole<1>(bytes, pixels); break;
+    case 8: MirrorWhole<1>(bytes, pixels, kernels.Ends8); break;
     case 12: MirrorFields<GrayField>(bytes, pixels); break;
-    case 16: MirrorWhole<2>(bytes, pixels); break;
-    case 24: MirrorWhole<3>(bytes, pixels); break;
-    case 32: MirrorWhole<4>(bytes, pixels); break;
-    case 48: MirrorWhole<6>(bytes, pixels); break;
-    case 64: MirrorWhole<8>(bytes, pixels); break;
+    case 16: MirrorWhole<2>(bytes, pixels, kernels.Ends16); break;
+    case 24: MirrorWhole<3>(bytes, pixels, kernels.Ends24); break;
+    case 32: MirrorWhole<4>(bytes, pixels, kernels.Ends32); break;
+    case 48: MirrorWhole<6>(bytes, pixels, kernels.Ends48); break;
+    case 64: MirrorWhole<8>(bytes, pixels, kernels.Ends64); break;
     default: break;
     }
     return code::Success;
