@@ -6,8 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <functional>
+#include <random>
 #include <thread>
 #include <vector>
 
@@ -203,6 +205,49 @@ TEST_F(Surfaces, RefuseBlocksThatAreNone) {
     EXPECT_EQ(Z_DeleteSurface(context), Z_SUCCESS);
     EXPECT_FALSE(PatBlt(context, 0, 0, 4, 4, BLACKNESS));
     EXPECT_EQ(SelectObject(context, context), nullptr);
+}
+
+// Coordinates at the ends of 32 bits, on surfaces with guards around their rows.
+TEST_F(Surfaces, BearDrawingAnywhere) {
+    constexpr int Far[] = {-0x7FFFFFFF - 1, -0x7FFFFFFF, -100, -9, -1, 0, 1, 3, 10, 99,
+                           0x40000000,      0x7FFFFFFF};
+    constexpr int Width = 11, Height = 7, Pitch = 60;
+    constexpr DWORD Codes[] = {SRCCOPY, PATCOPY, 0x00660046, 0x006A01E9, WHITENESS};
+    std::mt19937 random(1);
+    const auto far = [&] { return Far[random() % std::size(Far)]; };
+    for (const int bits : {1, 4, 8, 16, 24, 32}) {
+        std::vector<uint8_t> memory(Pitch * (Height + 2), 0xA5), block(4096, 0x5A);
+        description_ = {sizeof description_,   Width,   Height, bits, Pitch, 0,
+                        memory.data() + Pitch, nullptr, 0,      0};
+        HDC context = nullptr;
+        ASSERT_EQ(Z_CreateSurface(&description_, &context), Z_SUCCESS);
+        for (int round = 0; round < 4000; ++round) {
+            const DWORD code = Codes[random() % std::size(Codes)];
+            const int sourceBits = std::array{1, 4, 8, 16, 24, 32}[random() % 6];
+            struct {
+                BITMAPINFOHEADER header;
+                RGBQUAD colours[256];
+            } info{{40, 9, round % 2 == 0 ? 8 : -8, 1, static_cast<uint16_t>(sourceBits), 0, 0, 0, 0, 0, 0},
+                   {}};
+            HRGN clip = CreateRectRgn(far(), far(), far(), far());
+            SelectClipRgn(context, round % 3 == 0 ? nullptr : clip);
+            SetBrushOrgEx(context, far(), far(), nullptr);
+            PatBlt(context, far(), far(), far(), far(), WHITENESS);
+            BitBlt(context, far(), far(), far(), far(), context, far(), far(), code);
+            StretchDIBits(context, far(), far(), far(), far(), far(), far(), far(), far(), block.data(),
+                          reinterpret_cast<BITMAPINFO*>(&info), DIB_RGB_COLORS, code);
+            PaintRgn(context, clip);
+            DeleteObject(clip);
+        }
+        EXPECT_EQ(Z_DeleteSurface(context), Z_SUCCESS);
+        const size_t rowBytes = (static_cast<size_t>(Width * bits) + 7) / 8;
+        for (size_t i = 0; i < memory.size(); ++i) {
+            const size_t row = i / Pitch, column = i % Pitch;
+            if (row == 0 || row > Height || column >= rowBytes) {
+                ASSERT_EQ(memory[i], 0xA5) << bits << " bits, row " << row << " byte " << column;
+            }
+        }
+    }
 }
 
 // Threads draw on the screen while its host takes the surface away and frees the pixels.
