@@ -16,6 +16,7 @@
 #include "zkr13n/color_resolution.h"
 #include "zkr13n/color_spaces.h"
 #include "zkr13n/colour_values.h"
+#include "zkr13n/combine.h"
 #include "zkr13n/compressed_rows.h"
 #include "zkr13n/convert.h"
 #include "zkr13n/copy.h"

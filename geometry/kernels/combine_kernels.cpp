@@ -1,0 +1,303 @@
+// All operators work on vectors of bytes or words as they lie in the rows; the rest of a row is a vector that is filled
+// up. Where a product or a quotient needs more room, the even and the odd samples are worked out in lanes of twice the
+// width.
+#include "geometry/kernels/combine_kernels.h"
+
+#include "kernels/family.h"
+
+#include <cstring>
+#include <utility>
+
+#if defined(__AVX2__)
+#include <immintrin.h>
+#endif
+
+namespace zkr::kernels {
+namespace {
+
+#if defined(__AVX2__)
+constexpr size_t VectorBytes = 32;
+#else
+constexpr size_t VectorBytes = 16;
+#endif
+
+typedef uint8_t ByteLanes __attribute__((vector_size(VectorBytes)));
+typedef uint16_t WordLanes __attribute__((vector_size(VectorBytes)));
+typedef uint32_t DoubleLanes __attribute__((vector_size(VectorBytes)));
+typedef int32_t SignedLanes __attribute__((vector_size(VectorBytes)));
+typedef float FloatLanes __attribute__((vector_size(VectorBytes)));
+
+template <typename Vector> inline Vector Load(const uint8_t* from, size_t bytes = sizeof(Vector)) {
+    Vector vector = {};
+    std::memcpy(&vector, from, bytes);
+    return vector;
+}
+
+// result[i] = make(target[i], source[i]), in lanes. An operand that is not read is zero.
+template <typename Vector, bool readsTarget = true, bool readsSource = true, typename Make>
+inline void Combine(uint8_t* result, const uint8_t* target, const uint8_t* source, size_t bytes, Make make) {
+    const auto load = [](bool reads, const uint8_t* row, size_t at, size_t count) {
+        return reads ? Load<Vector>(row + at, count) : Vector{};
+    };
+    size_t i = 0;
+    for (; i + sizeof(Vector) <= bytes; i += sizeof(Vector)) {
+        const Vector made =
+            make(load(readsTarget, target, i, sizeof(Vector)), load(readsSource, source, i, sizeof(Vector)));
+        std::memcpy(result + i, &made, sizeof made);
+    }
+    if (const size_t rest = bytes - i; rest > 0) {
+        const Vector made = make(load(readsTarget, target, i, rest), load(readsSource, source, i, rest));
+        std::memcpy(result + i, &made, rest);
+    }
+}
+
+template <unsigned table>
+void CombineByTable(uint8_t* result, const uint8_t* target, const uint8_t* source, size_t bytes) {
+    constexpr bool readsTarget = (table >> 1 & 5) != (table & 5), readsSource = table >> 2 != (table & 3);
+    Combine<DoubleLanes, readsTarget, readsSource>(
+        result, target, source, bytes, [](DoubleLanes d, DoubleLanes s) {
+            constexpr auto term = [](unsigned bit) { return -(table >> bit & 1); };
+            return (d & s & term(3)) | (~d & s & term(2)) | (d & ~s & term(1)) | (~d & ~s & term(0));
+        });
+}
+
+template <typename Lanes> inline Lanes Smaller(Lanes a, Lanes b) {
+    return a < b ? a : b;
+}
+template <typename Lanes> inline Lanes Larger(Lanes a, Lanes b) {
+    return a > b ? a : b;
+}
+
+// The even and the odd lanes of a vector, worked out in lanes of twice their width.
+template <typename Wide, typename Lanes, typename Make>
+inline Lanes InWideLanes(Lanes d, Lanes s, Make make) {
+    constexpr int bits = 8 * sizeof(d[0]);
+    constexpr unsigned low = (1u << bits) - 1;
+    const auto wideD = reinterpret_cast<Wide>(d), wideS = reinterpret_cast<Wide>(s);
+    const Wide even = make(wideD & low, wideS & low), odd = make(wideD >> bits, wideS >> bits);
+    return reinterpret_cast<Lanes>(even | odd << bits);
+}
+
+// Of lanes of 32 bits with values up to 255.
+inline DoubleLanes QuotientOfBytes(DoubleLanes dividend, DoubleLanes divisor, float maximum) {
+    const FloatLanes above =
+        __builtin_convertvector(reinterpret_cast<SignedLanes>(dividend), FloatLanes) * maximum;
+    const FloatLanes quotient =
+        above / __builtin_convertvector(reinterpret_cast<SignedLanes>(divisor), FloatLanes);
+    const FloatLanes limit = FloatLanes{} + maximum;
+    // What is no number is not below the limit either.
+    return reinterpret_cast<DoubleLanes>(
+        __builtin_convertvector(quotient < limit ? quotient : limit, SignedLanes));
+}
+
+inline ByteLanes Quotient(ByteLanes dividend, ByteLanes divisor, uint32_t maximum) {
+    const auto limit = static_cast<float>(maximum);
+    const auto wideDividend = reinterpret_cast<DoubleLanes>(dividend);
+    const auto wideDivisor = reinterpret_cast<DoubleLanes>(divisor);
+    DoubleLanes all = {};
+    for (int shift = 0; shift < 32; shift += 8)
+        all |= QuotientOfBytes(wideDividend >> shift & 255, wideDivisor >> shift & 255, limit) << shift;
+    return reinterpret_cast<ByteLanes>(all);
+}
+
+// Products of two words need the bits of a double.
+inline WordLanes Quotient(WordLanes dividend, WordLanes divisor, uint32_t maximum) {
+    constexpr size_t count = VectorBytes / 2;
+    uint16_t above[count], below[count];
+    int32_t quotients[count];
+    std::memcpy(above, &dividend, sizeof above);
+    std::memcpy(below, &divisor, sizeof below);
+    const double limit = maximum;
+    for (size_t i = 0; i < count; ++i) {
+        const double quotient = above[i] * limit / below[i];
+        quotients[i] = static_cast<int32_t>(quotient < limit ? quotient : limit);
+    }
+    WordLanes lanes;
+    for (size_t i = 0; i < count; ++i)
+        lanes[i] = static_cast<uint16_t>(quotients[i]);
+    return lanes;
+}
+
+// The quotient of a product t and the maximum, which has so many bits, is (t + (t >> bits) + 1) >> bits.
+inline ByteLanes Scaled(ByteLanes d, ByteLanes s, uint32_t maximum) {
+    const int bits = __builtin_popcount(maximum);
+    return InWideLanes<WordLanes>(d, s, [bits](WordLanes a, WordLanes b) {
+        const WordLanes product = a * b;
+        return (product + (product >> bits) + 1) >> bits;
+    });
+}
+inline WordLanes Scaled(WordLanes d, WordLanes s, uint32_t maximum) {
+    const int bits = __builtin_popcount(maximum);
+    return InWideLanes<DoubleLanes>(d, s, [bits](DoubleLanes a, DoubleLanes b) {
+        const DoubleLanes product = a * b;
+        return (product + (product >> bits) + 1) >> bits;
+    });
+}
+
+template <SampleOperator op, typename Lanes> inline Lanes Operate(Lanes d, Lanes s, uint32_t maximum) {
+    using Sample = std::remove_cvref_t<decltype(d[0])>;
+    const Lanes limit = Lanes{} + static_cast<Sample>(maximum);
+    switch (op) {
+    case SampleOperator::Add: {
+        const Lanes sum = d + s;
+        return Smaller<Lanes>(sum | reinterpret_cast<Lanes>(sum < d), limit);
+    }
+    case SampleOperator::SubtractSource: return Larger(d, s) - s;
+    case SampleOperator::SubtractTarget: return Larger(d, s) - d;
+    case SampleOperator::Multiply: return Scaled(d, s, maximum);
+    case SampleOperator::DivideBySource: return Quotient(d, s, maximum);
+    case SampleOperator::DivideByTarget: return Quotient(s, d, maximum);
+    case SampleOperator::Average: return (d & s) + ((d ^ s) >> 1);
+    case SampleOperator::Minimum: return Smaller(d, s);
+    default: return Larger(d, s);
+    }
+}
+
+template <SampleOperator op, typename Lanes>
+void CombineLanes(uint8_t* result, const uint8_t* target, const uint8_t* source, size_t bytes,
+                  const SampleRange& range) {
+    using Sample = std::remove_cvref_t<decltype(Lanes{}[0])>;
+    const auto flipD = static_cast<Sample>(range.TargetFlip), flipS = static_cast<Sample>(range.SourceFlip),
+               flip = static_cast<Sample>(range.ResultFlip);
+    const uint32_t maximum = range.Maximum;
+    Combine<Lanes>(result, target, source, bytes, [=](Lanes d, Lanes s) -> Lanes {
+        return Operate<op, Lanes>(d ^ flipD, s ^ flipS, maximum) ^ flip;
+    });
+}
+
+template <SampleOperator op>
+void CombineColour16(uint8_t* result, const uint8_t* target, const uint8_t* source, size_t bytes,
+                     const SampleRange& range) {
+    const auto flipD = static_cast<uint16_t>(range.TargetFlip),
+               flipS = static_cast<uint16_t>(range.SourceFlip),
+               flip = static_cast<uint16_t>(range.ResultFlip);
+    const uint32_t maximum = range.Maximum;
+    Combine<WordLanes>(result, target, source, bytes, [=](WordLanes d, WordLanes s) -> WordLanes {
+        d ^= flipD;
+        s ^= flipS;
+        WordLanes all = {};
+        for (int shift = 0; shift < 15; shift += 5)
+            all |= Operate<op, WordLanes>(d >> shift & 31, s >> shift & 31, maximum) << shift;
+        return all ^ flip;
+    });
+}
+
+void MultiplyAnyWords(uint8_t* result, const uint8_t* target, const uint8_t* source, size_t bytes,
+                      const SampleRange& range) {
+    const auto flipD = static_cast<uint16_t>(range.TargetFlip),
+               flipS = static_cast<uint16_t>(range.SourceFlip),
+               flip = static_cast<uint16_t>(range.ResultFlip);
+    const uint32_t maximum = range.Maximum;
+    Combine<WordLanes>(result, target, source, bytes, [=](WordLanes d, WordLanes s) -> WordLanes {
+        return InWideLanes<DoubleLanes>(
+                   d ^ flipD, s ^ flipS,
+                   [maximum](DoubleLanes a, DoubleLanes b) { return (a * b / maximum) & 0xFFFF; }) ^
+               flip;
+    });
+}
+
+void ReadWindow(const uint8_t* words, uint8_t* values, size_t count, uint32_t mask, uint32_t shift) {
+    const auto bits = static_cast<uint16_t>(mask);
+    const int places = static_cast<int>(shift);
+    Combine<WordLanes, true, false>(
+        values, words, nullptr, count * 2,
+        [=](WordLanes word, WordLanes) -> WordLanes { return word >> places & bits; });
+}
+
+void WriteWindow(const uint8_t* values, uint8_t* words, size_t count, uint32_t mask, uint32_t shift) {
+    const auto bits = static_cast<uint16_t>(mask);
+    const int places = static_cast<int>(shift);
+    Combine<WordLanes, true, false>(
+        words, values, nullptr, count * 2,
+        [=](WordLanes value, WordLanes) -> WordLanes { return (value & bits) << places; });
+}
+
+// One of the two steps does nothing.
+template <typename Lanes> inline Lanes Lit(Lanes pixels, Lanes gray) {
+    const Lanes middle = Lanes{} + uint8_t{128};
+    const Lanes up = Larger(gray, middle) - middle, down = middle - Smaller(gray, middle);
+    const Lanes sum = pixels + up;
+    const Lanes bright = sum | reinterpret_cast<Lanes>(sum < pixels);
+    return Larger(bright, down) - down;
+}
+
+void UnderlaySingly(uint8_t* pixels, const uint8_t* gray, size_t count) {
+    for (size_t i = 0; i < count; ++i)
+        for (size_t channel = 0; channel < 3; ++channel) {
+            uint8_t& value = pixels[3 * i + channel];
+            const int lit = value + gray[i] - 128;
+            value = static_cast<uint8_t>(lit < 0 ? 0 : lit > 255 ? 255 : lit);
+        }
+}
+
+#if defined(__AVX2__)
+
+// 32 pixels: each gray value thrice, by shuffles within the halves of a vector.
+void Underlay(uint8_t* pixels, const uint8_t* gray, size_t count) {
+    typedef char Places __attribute__((vector_size(16)));
+    static constexpr Places thrice[3] = {{0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5},
+                                         {5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10},
+                                         {10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15}};
+    size_t i = 0;
+    for (; i + 32 <= count; i += 32) {
+        const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(gray + i));
+        const __m128i second = _mm_loadu_si128(reinterpret_cast<const __m128i*>(gray + i + 16));
+        const auto part = [&](__m128i from, size_t third) {
+            return _mm_shuffle_epi8(from, reinterpret_cast<__m128i>(thrice[third]));
+        };
+        const __m256i spread[3] = {_mm256_setr_m128i(part(first, 0), part(first, 1)),
+                                   _mm256_setr_m128i(part(first, 2), part(second, 0)),
+                                   _mm256_setr_m128i(part(second, 1), part(second, 2))};
+        for (size_t third = 0; third < 3; ++third) {
+            uint8_t* const at = pixels + i * 3 + third * 32;
+            const ByteLanes lit = Lit(Load<ByteLanes>(at), reinterpret_cast<ByteLanes>(spread[third]));
+            std::memcpy(at, &lit, sizeof lit);
+        }
+    }
+    UnderlaySingly(pixels + i * 3, gray + i, count - i);
+}
+
+#else
+
+void Underlay(uint8_t* pixels, const uint8_t* gray, size_t count) {
+    uint8_t spread[3 * VectorBytes];
+    size_t i = 0;
+    for (; i + VectorBytes <= count; i += VectorBytes) {
+        for (size_t k = 0; k < VectorBytes; ++k)
+            spread[3 * k] = spread[3 * k + 1] = spread[3 * k + 2] = gray[i + k];
+        for (size_t at = 0; at < sizeof spread; at += VectorBytes) {
+            const ByteLanes lit = Lit(Load<ByteLanes>(pixels + i * 3 + at), Load<ByteLanes>(spread + at));
+            std::memcpy(pixels + i * 3 + at, &lit, sizeof lit);
+        }
+    }
+    UnderlaySingly(pixels + i * 3, gray + i, count - i);
+}
+
+#endif
+
+template <size_t... table> constexpr void SetTables(CombineKernels& kernels, std::index_sequence<table...>) {
+    ((kernels.Bits[table] = CombineByTable<table>), ...);
+}
+
+template <size_t... op> constexpr void SetOperators(CombineKernels& kernels, std::index_sequence<op...>) {
+    ((kernels.Bytes[op] = CombineLanes<static_cast<SampleOperator>(op), ByteLanes>), ...);
+    ((kernels.Words[op] = CombineLanes<static_cast<SampleOperator>(op), WordLanes>), ...);
+    ((kernels.Colour16[op] = CombineColour16<static_cast<SampleOperator>(op)>), ...);
+}
+
+constexpr CombineKernels MakeKernels() {
+    CombineKernels kernels{};
+    SetTables(kernels, std::make_index_sequence<16>());
+    SetOperators(kernels, std::make_index_sequence<SampleOperators>());
+    kernels.MultiplyAnyWords = MultiplyAnyWords;
+    kernels.ReadWindow = ReadWindow;
+    kernels.WriteWindow = WriteWindow;
+    kernels.Underlay = Underlay;
+    return kernels;
+}
+
+} // namespace
+
+template <> constinit const CombineKernels Compiled<CombineKernels, ThisSet>::Table = MakeKernels();
+
+} // namespace zkr::kernels
