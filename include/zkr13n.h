@@ -32,6 +32,7 @@
 #include "zkr13n/lists.h"
 #include "zkr13n/locks.h"
 #include "zkr13n/numeric.h"
+#include "zkr13n/paint.h"
 #include "zkr13n/palettes.h"
 #include "zkr13n/pixels.h"
 #include "zkr13n/platform_types.h"
