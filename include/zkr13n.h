@@ -20,6 +20,7 @@
 #include "zkr13n/compressed_rows.h"
 #include "zkr13n/convert.h"
 #include "zkr13n/copy.h"
+#include "zkr13n/dib.h"
 #include "zkr13n/display_modes.h"
 #include "zkr13n/dither.h"
 #include "zkr13n/files.h"

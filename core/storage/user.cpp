@@ -8,7 +8,10 @@ namespace zkr::storage {
 
 namespace {
 
-void Release(BitmapHandle&) {}
+// A block of global memory that the caller keeps is at least not left locked.
+void Release(BitmapHandle& bitmap) {
+    Z_ReleaseBitmap(&bitmap);
+}
 
 ReturnCode ChangeHeight(BitmapHandle&, int32_t) {
     return code::InvalidArgument;
