@@ -295,24 +295,28 @@ TEST(StreamRequests, RowsOutsideAndLongRequests) {
     Z_StopResizeBitmap(stream);
 }
 
+struct Log {
+    std::vector<std::vector<int32_t>> Seen; // row, column and bytes
+    ReturnCode Result = 1;
+
+    static ReturnCode Z_CALL Read(BitmapHandle*, void* buffer, int32_t row, int32_t column, uint32_t bytes,
+                                  void* data) {
+        Log& log = *static_cast<Log*>(data);
+        log.Seen.push_back({row, column, static_cast<int32_t>(bytes)});
+        std::memset(buffer, 0x1B, bytes); // pixels 0, 1, 2, 3
+        return log.Result;
+    }
+};
+
 // Reads of a 2-bit bitmap begin on whole bytes; a record without storage has nothing but its reader.
 TEST(StreamRequests, Readers) {
-    struct Log {
-        std::vector<std::vector<int32_t>> Seen;
-        ReturnCode Result = 1;
-    } log;
-    const ResizeReadRow read = [](BitmapHandle*, void* buffer, int32_t row, int32_t column, uint32_t bytes,
-                                  void* data) {
-        Log& to = *static_cast<Log*>(data);
-        to.Seen.push_back({row, column, static_cast<int32_t>(bytes)});
-        std::memset(buffer, 0x1B, bytes); // pixels 0, 1, 2, 3
-        return to.Result;
-    };
+    Log log;
     BitmapHandle empty = {};
     Z_InitBitmap(&empty, 40, 10, 2);
     ResizeRowContext* stream = nullptr;
     EXPECT_EQ(Start(empty, {24}, &stream), Z_ERROR_BITMAP);
-    ASSERT_EQ(Z_StartResizeBitmap(&empty, 80, 30, 24, nullptr, 0, RESIZE_SPLINE, read, &log, &stream), 1);
+    ASSERT_EQ(Z_StartResizeBitmap(&empty, 80, 30, 24, nullptr, 0, RESIZE_SPLINE, Log::Read, &log, &stream),
+              1);
     EXPECT_TRUE(log.Seen.empty());
     Bytes target(6);
     const auto get = [&](int32_t row) { return Z_GetResizedRowCol(stream, target.data(), row, 40, 6); };

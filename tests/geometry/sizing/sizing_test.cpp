@@ -449,13 +449,14 @@ struct ScaleSlot {
                 bitmap->Region = reinterpret_cast<void*>(reinterpret_cast<intptr_t>(bitmap->Region) + Scaled);
             return Result;
         };
-        Table.FreeBitmapRgn = [](BitmapHandle* bitmap) {
-            bitmap->Region = nullptr;
-            return ReturnCode{1};
-        };
+        Table.FreeBitmapRgn = Free;
         Before = ExchangeDispatch(&Table);
     }
     ~ScaleSlot() { ExchangeDispatch(Before); }
+    static ReturnCode Z_CALL Free(BitmapHandle* bitmap) {
+        bitmap->Region = nullptr;
+        return 1;
+    }
 };
 
 TEST(Sizing, TheRegionFollows) {
