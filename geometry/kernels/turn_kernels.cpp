@@ -246,25 +246,50 @@ inline size_t OppositeByEights(size_t row) {
 }
 
 #if defined(__AVX2__)
+// Of 32 rows and 128 columns.
+inline void TurnTile1(const uint8_t* source, ptrdiff_t sourceStride, uint8_t* target,
+                      ptrdiff_t targetStride) {
+    __m128i first[16], second[16];
+    const auto from = [&](size_t i) {
+        return source + static_cast<ptrdiff_t>(OppositeByEights(i)) * sourceStride;
+    };
+    GatherBytes(from, first);
+    GatherBytes([&](size_t i) { return from(i + 16); }, second);
+    for (size_t i = 0; i < 16; ++i) {
+        __m256i v = _mm256_set_m128i(second[i], first[i]);
+        for (size_t bit = 0; bit < 8; ++bit, target += targetStride) {
+            const int top = _mm256_movemask_epi8(v);
+            std::memcpy(target, &top, 4);
+            v = _mm256_add_epi8(v, v);
+        }
+    }
+}
+
+// Squares whose rows are lines of cache go through copies that lie close together: between rows that lie apart, each
+// line would be waited for by itself, while of a plain copy many are on their way at once.
 void Turn1(const TurnBlock& block) {
-    InTiles<128, 32>(
-        block,
-        [&](size_t x, size_t y) {
-            __m128i first[16], second[16];
-            const auto from = [&](size_t i) { return SourceRow(block, y + OppositeByEights(i)) + x / 8; };
-            GatherBytes(from, first);
-            GatherBytes([&](size_t i) { return from(i + 16); }, second);
-            uint8_t* to = TargetRow(block, x) + y / 8;
-            for (size_t i = 0; i < 16; ++i) {
-                __m256i v = _mm256_set_m128i(second[i], first[i]);
-                for (size_t bit = 0; bit < 8; ++bit, to += block.TargetStride) {
-                    const int top = _mm256_movemask_epi8(v);
-                    std::memcpy(to, &top, 4);
-                    v = _mm256_add_epi8(v, v);
-                }
-            }
-        },
-        [&](const Tile& tile) { TurnRest(block, tile); });
+    constexpr size_t side = 512, bytes = side / 8;
+    alignas(64) uint8_t rows[side * bytes], columns[side * bytes];
+    std::memset(rows, 0, sizeof rows);
+    for (size_t x = 0; x < block.Columns; x += side)
+        for (size_t y = 0; y < block.Rows; y += side) {
+            const size_t width = std::min(side, block.Columns - x), height = std::min(side, block.Rows - y);
+            for (size_t i = 0; i < height; ++i)
+                if (width == side)
+                    std::memcpy(rows + i * bytes, SourceRow(block, y + i) + x / 8, bytes);
+                else
+                    std::memcpy(rows + i * bytes, SourceRow(block, y + i) + x / 8, (width + 7) / 8);
+            // What is left of other squares must not get into the bits behind the last row.
+            if (height % 32 != 0) std::memset(rows + height * bytes, 0, (32 - height % 32) * bytes);
+            for (size_t i = 0; i < width; i += 128)
+                for (size_t k = 0; k < height; k += 32)
+                    TurnTile1(rows + k * bytes + i / 8, bytes, columns + i * bytes + k / 8, bytes);
+            for (size_t i = 0; i < width; ++i)
+                if (height == side)
+                    std::memcpy(TargetRow(block, x + i) + y / 8, columns + i * bytes, bytes);
+                else
+                    std::memcpy(TargetRow(block, x + i) + y / 8, columns + i * bytes, (height + 7) / 8);
+        }
 }
 #else
 void Turn1(const TurnBlock& block) {
