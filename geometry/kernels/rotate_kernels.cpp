@@ -360,38 +360,84 @@ template <class Form>
         }
 }
 
-// Pixels of 1 bit, eight at a time, and how many they are. A word is read from the byte of each.
-inline int32_t SinglesOf(const RotateSource& source, const Walk& walk, uint8_t* target, int32_t count) {
+#if defined(__AVX2__)
+
+// The whole parts of eight steps of a walk at a time.
+class EightSteps {
+  public:
+    static constexpr int32_t Most = 1 << 15; // steps, whose fractions add up to less than 31 bits
+
+    EightSteps(const RotateSource& source, const RotatePosition& at)
+        : x_(First(at.FractionX, source.StepX)), y_(First(at.FractionY, source.StepY)),
+          dx_(_mm256_set1_epi32(source.StepX * 8)), dy_(_mm256_set1_epi32(source.StepY * 8)),
+          firstX_(_mm256_set1_epi32(at.X)), firstY_(_mm256_set1_epi32(at.Y)) {}
+
+    __m256i X() const { return _mm256_add_epi32(_mm256_srai_epi32(x_, RotateFractionBits), firstX_); }
+    __m256i Y() const { return _mm256_add_epi32(_mm256_srai_epi32(y_, RotateFractionBits), firstY_); }
+    void Next() {
+        x_ = _mm256_add_epi32(x_, dx_);
+        y_ = _mm256_add_epi32(y_, dy_);
+    }
+
+  private:
+    static __m256i First(int32_t fraction, int32_t step) {
+        return _mm256_add_epi32(
+            _mm256_set1_epi32(fraction + AxisWalk::Bias(step)),
+            _mm256_mullo_epi32(_mm256_set1_epi32(step), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7)));
+    }
+    __m256i x_, y_, dx_, dy_, firstX_, firstY_;
+};
+
+#endif
+
+// As many of the nearest pixels as eights fit into the count; the number of them.
+template <class Form>
+inline int32_t NearestEights(const RotateSource& source, const RotatePosition& at, uint8_t* target,
+                             int32_t count) {
+    int32_t made = 0;
 #if defined(__AVX2__) && defined(__x86_64__)
     if (!HasShortOffsets(source)) return 0;
+    count = std::min(count, EightSteps::Most);
     const __m256i stride = _mm256_set1_epi32(static_cast<int32_t>(source.Stride));
-    int32_t made = 0;
-    for (; made + 8 <= count; made += 8) {
-        const auto load = [made](const int32_t* axis) {
-            return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(axis + made));
-        };
-        const __m256i x = load(walk.X);
-        const __m256i bytes =
-            _mm256_add_epi32(_mm256_mullo_epi32(load(walk.Y), stride), _mm256_srai_epi32(x, 3));
-        const __m256i words = _mm256_i32gather_epi32(reinterpret_cast<const int*>(source.Source), bytes, 1);
-        // The bit of the pixel becomes the sign.
-        const __m256i shift =
-            _mm256_add_epi32(_mm256_and_si256(x, _mm256_set1_epi32(7)), _mm256_set1_epi32(24));
-        const int32_t signs = _mm256_movemask_ps(_mm256_castsi256_ps(_mm256_sllv_epi32(words, shift)));
-        const uint64_t pixels = _pdep_u64(static_cast<uint64_t>(signs), 0x0101010101010101u);
-        std::memcpy(target + made, &pixels, 8);
+    EightSteps steps(source, at);
+    if constexpr (std::is_same_v<Form, BitsForm>) {
+        if (source.Bits != 1) return 0;
+        for (; made + 8 <= count; made += 8, steps.Next()) {
+            const __m256i x = steps.X();
+            const __m256i bytes =
+                _mm256_add_epi32(_mm256_mullo_epi32(steps.Y(), stride), _mm256_srai_epi32(x, 3));
+            const __m256i words =
+                _mm256_i32gather_epi32(reinterpret_cast<const int*>(source.Source), bytes, 1);
+            // The bit of the pixel, in the first byte of its word, becomes the sign.
+            const __m256i shift =
+                _mm256_or_si256(_mm256_and_si256(x, _mm256_set1_epi32(7)), _mm256_set1_epi32(24));
+            const int32_t signs = _mm256_movemask_ps(_mm256_castsi256_ps(_mm256_sllv_epi32(words, shift)));
+            const uint64_t pixels = _pdep_u64(static_cast<uint64_t>(signs), 0x0101010101010101u);
+            std::memcpy(target + made, &pixels, 8);
+        }
+    } else if constexpr (!std::is_same_v<Form, Gray12Form>) {
+        const __m256i bytes = _mm256_set1_epi32(static_cast<int32_t>(Form::TargetBytes));
+        for (; made + 8 <= count; made += 8, steps.Next()) {
+            alignas(32) int32_t places[8];
+            _mm256_store_si256(reinterpret_cast<__m256i*>(places),
+                               _mm256_add_epi32(_mm256_mullo_epi32(steps.Y(), stride),
+                                                _mm256_mullo_epi32(steps.X(), bytes)));
+            for (size_t i = 0; i < 8; ++i, target += Form::TargetBytes)
+                std::memcpy(target, source.Source + places[i], Form::Wide);
+        }
     }
-    return made;
 #else
-    static_cast<void>(source), static_cast<void>(walk), static_cast<void>(target), static_cast<void>(count);
-    return 0;
+    static_cast<void>(source), static_cast<void>(at), static_cast<void>(target), static_cast<void>(count);
 #endif
+    return made;
 }
 
 // Makes pixels up to before the last one, whose overrun would leave the row, and tells how many.
 template <class Form, RotateMethod method>
 inline int32_t InnerPixels(const RotateSource& source, const RotatePosition& at, uint8_t* target,
                            int32_t count) {
+    if constexpr (method == RotateMethod::Nearest)
+        if (const int32_t made = NearestEights<Form>(source, at, target, count - 1); made > 0) return made;
     const int32_t most = std::min(count - 1, Walk::Most) & ~1;
     if (most <= 0) return 0;
     Walk walk;
@@ -406,7 +452,7 @@ inline int32_t InnerPixels(const RotateSource& source, const RotatePosition& at,
         for (int32_t i = 0; i < most; i += 2, target += 2 * Form::TargetBytes)
             CubicPair<Form>(source, across, down, i, target);
     } else if constexpr (std::is_same_v<Form, BitsForm>) {
-        for (int32_t i = source.Bits == 1 ? SinglesOf(source, walk, target, most) : 0; i < most; ++i)
+        for (int32_t i = 0; i < most; ++i)
             target[i] = BitsForm::Value(RowOf(source, walk.Y[i]), walk.X[i], source.Bits);
     } else {
         for (int32_t i = 0; i < most; ++i, target += Form::TargetBytes)
