@@ -21,7 +21,8 @@ using kernels::RotateForm;
 using kernels::RotatePosition;
 using kernels::RotateSource;
 
-constexpr int32_t TileSide = 256; // a multiple of 8, so that tiles begin at whole bytes
+// Multiples of 8, so that tiles begin at whole bytes; of bits, more pixels fit into the cache.
+constexpr int32_t TileSide = 256, TileSideOfBits = 512;
 
 // How far around its place an interpolation looks, and one pixel for the rounding of the place.
 constexpr int32_t Reach = 4;
@@ -78,6 +79,7 @@ class RowRotation {
   public:
     RowRotation(BitmapHandle& target, BitmapHandle& source, const RotationPlan& plan)
         : target_(target), source_(source), plan_(plan), bits_(source.BitsPerPixel),
+          tileSide_(source.BitsPerPixel < 8 ? TileSideOfBits : TileSide),
           kernel_(kernels::Chosen<kernels::RotateKernels>().Of(plan.Method, FormOf(source))),
           sourceFirst_(LiesInMemory(source) ? ReachRow(source, 0) : nullptr),
           targetFirst_(LiesInMemory(target) ? ReachRow(target, 0) : nullptr), usesWindow_(UsesWindow()),
@@ -100,8 +102,8 @@ class RowRotation {
                 positions_[static_cast<size_t>(i)] = first;
             if (targetFirst_ == nullptr)
                 std::memset(band_.data(), 0, static_cast<size_t>(rows_) * target_.BytesPerLine);
-            for (int32_t column = 0; column < target_.Width && status == code::Success; column += TileSide)
-                status = RotateTile(row, column, std::min(TileSide, target_.Width - column));
+            for (int32_t column = 0; column < target_.Width && status == code::Success; column += tileSide_)
+                status = RotateTile(row, column, std::min(tileSide_, target_.Width - column));
             for (int32_t i = 0; i < rows_ && status == code::Success; ++i) {
                 if (targetFirst_ == nullptr)
                     status = WriteExactly(target_, RowAt(row, i), row + i, 0, target_.BytesPerLine);
@@ -121,12 +123,12 @@ class RowRotation {
     }
     int32_t RowsOfBand() const {
         constexpr uint32_t enough = 4u << 20;
-        if (targetFirst_ != nullptr) return TileSide;
-        return std::clamp(static_cast<int32_t>(enough / std::max(target_.BytesPerLine, 1u)), 8, TileSide);
+        if (targetFirst_ != nullptr) return tileSide_;
+        return std::clamp(static_cast<int32_t>(enough / std::max(target_.BytesPerLine, 1u)), 8, tileSide_);
     }
 
     // The longest side that a tile can have in the source.
-    int32_t MostSide() const { return TileSide + bandRows_ + 2 * Reach + 8; }
+    int32_t MostSide() const { return tileSide_ + bandRows_ + 2 * Reach + 8; }
     size_t WindowStride() const {
         return static_cast<size_t>(MostSide()) * static_cast<size_t>(bits_) / 8 + 8;
     }
@@ -211,7 +213,7 @@ class RowRotation {
     BitmapHandle& target_;
     BitmapHandle& source_;
     const RotationPlan& plan_;
-    int32_t bits_;
+    int32_t bits_, tileSide_;
     kernels::RotateKernel kernel_;
     uint8_t *sourceFirst_, *targetFirst_; // null where rows do not lie in one piece
     bool usesWindow_;
@@ -220,7 +222,7 @@ class RowRotation {
     RotateSource all_{};
     ScratchBuffer<uint8_t> band_, window_;
     ScratchBuffer<RotatePosition> positions_; // of each row of the band, at the tile at hand
-    uint8_t unpacked_[TileSide * 2];
+    uint8_t unpacked_[TileSideOfBits];
 };
 
 } // namespace

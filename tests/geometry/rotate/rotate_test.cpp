@@ -99,6 +99,20 @@ TEST(Rotate, EveryDepthAngleAndMethod) {
             }
 }
 
+// What is read of a source that does not lie in memory is all that is looked at.
+TEST(Rotate, WindowsHoldTheirTiles) {
+    for (const Depth& depth : {Depth{1, 0}, Depth{8, 0}, Depth{12, 2}})
+        for (int32_t angle = 777; angle < 36000; angle += 1313) {
+            Bitmap memory, disk;
+            Bytes data;
+            Make(memory, depth, 500, 333, {"conventional", MemoryConventional}, data, 9);
+            Make(disk, depth, 500, 333, {"disk", MemoryDisk}, data, 9);
+            for (Bitmap* bitmap : {&memory, &disk})
+                ASSERT_EQ(Z_RotateBitmap(bitmap, angle, ROTATE_RESIZE | ROTATE_CUBIC, 0), 1);
+            ASSERT_EQ(Rows(memory), Rows(disk)) << depth.Bits << " bits by " << angle;
+        }
+}
+
 // Wide enough for several tiles and bands, and so turned that a row stays near an edge for long.
 TEST(Rotate, LargePictures) {
     const struct {
