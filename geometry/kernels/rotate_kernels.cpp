@@ -197,58 +197,87 @@ inline bool HasShortOffsets(const RotateSource& source) {
     return source.Stride <= INT32_MAX / (source.Bottom + int64_t{1});
 }
 
-// Where the pixels of eight steps of a walk lie, and on either axis the neighbours on the side of the fraction.
-struct Offsets {
-    alignas(32) int32_t Pixel[8], AcrossNeighbour[8], DownNeighbour[8];
+// Eight steps of a walk at a time.
+class EightSteps {
+  public:
+    static constexpr int32_t Most = 1 << 15; // steps, whose fractions add up to less than 31 bits
 
-    Offsets(const RotateSource& source, const Walk& walk, int32_t i, int32_t pixelBytes) {
-        const auto load = [i](const int32_t* axis) {
-            return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(axis + i));
-        };
-        const auto store = [](int32_t* to, __m256i v) {
-            _mm256_store_si256(reinterpret_cast<__m256i*>(to), v);
-        };
-        const __m256i bytes = _mm256_set1_epi32(pixelBytes), one = _mm256_set1_epi32(1);
-        const __m256i stride = _mm256_set1_epi32(static_cast<int32_t>(source.Stride));
-        const __m256i pixel = _mm256_add_epi32(_mm256_mullo_epi32(load(walk.X), bytes),
-                                               _mm256_mullo_epi32(load(walk.Y), stride));
+    EightSteps(const RotateSource& source, const RotatePosition& at)
+        : x_(First(at.FractionX, source.StepX)), y_(First(at.FractionY, source.StepY)),
+          dx_(_mm256_set1_epi32(source.StepX * 8)), dy_(_mm256_set1_epi32(source.StepY * 8)),
+          firstX_(_mm256_set1_epi32(at.X)), firstY_(_mm256_set1_epi32(at.Y)),
+          biasX_(_mm256_set1_epi32(AxisWalk::Bias(source.StepX))),
+          biasY_(_mm256_set1_epi32(AxisWalk::Bias(source.StepY))) {}
+
+    __m256i X() const { return _mm256_add_epi32(_mm256_srai_epi32(x_, RotateFractionBits), firstX_); }
+    __m256i Y() const { return _mm256_add_epi32(_mm256_srai_epi32(y_, RotateFractionBits), firstY_); }
+    __m256i FractionX() const { return Fraction(x_, biasX_); }
+    __m256i FractionY() const { return Fraction(y_, biasY_); }
+    void Next() {
+        x_ = _mm256_add_epi32(x_, dx_);
+        y_ = _mm256_add_epi32(y_, dy_);
+    }
+
+  private:
+    static __m256i First(int32_t fraction, int32_t step) {
+        return _mm256_add_epi32(
+            _mm256_set1_epi32(fraction + AxisWalk::Bias(step)),
+            _mm256_mullo_epi32(_mm256_set1_epi32(step), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7)));
+    }
+    static __m256i Fraction(__m256i sum, __m256i bias) {
+        return _mm256_sub_epi32(_mm256_and_si256(sum, _mm256_set1_epi32(RotateUnit - 1)), bias);
+    }
+    __m256i x_, y_, dx_, dy_, firstX_, firstY_, biasX_, biasY_;
+};
+
+// Where the pixels of eight steps lie, and on either axis the neighbours on the side of the fraction and four times
+// the distance from the pixel towards them.
+struct Surroundings {
+    alignas(32) int32_t Pixel[8], AcrossNeighbour[8], DownNeighbour[8];
+    alignas(32) uint32_t AcrossDistance[8], DownDistance[8];
+
+    Surroundings(const EightSteps& steps, __m256i bytes, __m256i stride) {
+        const auto store = [](void* to, __m256i v) { _mm256_store_si256(static_cast<__m256i*>(to), v); };
+        const __m256i pixel =
+            _mm256_add_epi32(_mm256_mullo_epi32(steps.X(), bytes), _mm256_mullo_epi32(steps.Y(), stride));
+        const __m256i x = steps.FractionX(), y = steps.FractionY();
         // A step with the sign of the fraction; at no distance the neighbour does not matter.
-        const auto beside = [&](const int32_t* fractions, __m256i step) {
-            const __m256i side = _mm256_or_si256(_mm256_srai_epi32(load(fractions), 31), one);
+        const auto beside = [pixel](__m256i fraction, __m256i step) {
+            const __m256i side = _mm256_or_si256(_mm256_srai_epi32(fraction, 31), _mm256_set1_epi32(1));
             return _mm256_add_epi32(pixel, _mm256_sign_epi32(step, side));
         };
         store(Pixel, pixel);
-        store(AcrossNeighbour, beside(walk.FractionX, bytes));
-        store(DownNeighbour, beside(walk.FractionY, stride));
+        store(AcrossNeighbour, beside(x, bytes));
+        store(DownNeighbour, beside(y, stride));
+        store(AcrossDistance, _mm256_slli_epi32(_mm256_abs_epi32(x), 2));
+        store(DownDistance, _mm256_slli_epi32(_mm256_abs_epi32(y), 2));
     }
 };
 
 // Four pixels of bytes as words. The distances times four fill 16 bits, so that the upper half of a product is what
 // the division leaves; signs are taken out, since it truncates.
 template <class Form>
-inline void LinearFour(const uint8_t* source, const Offsets& offsets, const Walk& walk, int32_t i,
-                       uint8_t* target) {
-    const auto read = [&](const int32_t* places) {
-        const auto pixel = [&](int32_t k) {
-            return static_cast<int32_t>(Form::PixelWord(source + places[(i & 4) + k]));
+inline void LinearFour(const uint8_t* source, const Surroundings& around, size_t first, uint8_t* target) {
+    const auto read = [source, first](const int32_t* places) {
+        const auto pixel = [&](size_t i) {
+            return static_cast<int32_t>(Form::PixelWord(source + places[first + i]));
         };
         return _mm256_cvtepu8_epi16(_mm_setr_epi32(pixel(0), pixel(1), pixel(2), pixel(3)));
     };
-    const auto distances = [i](const int32_t* fractions) {
-        const __m128i sizes = _mm_slli_epi32(
-            _mm_abs_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(fractions + i))), 2);
-        const __m256i spread = _mm256_setr_epi8(0, 1, 0, 1, 0, 1, 0, 1, 8, 9, 8, 9, 8, 9, 8, 9, 0, 1, 0, 1, 0,
-                                                1, 0, 1, 8, 9, 8, 9, 8, 9, 8, 9);
-        return _mm256_shuffle_epi8(_mm256_cvtepu32_epi64(sizes), spread);
+    const auto spread = [first](const uint32_t* distances) {
+        const __m128i four = _mm_load_si128(reinterpret_cast<const __m128i*>(distances + first));
+        const __m256i words = _mm256_setr_epi8(0, 1, 0, 1, 0, 1, 0, 1, 8, 9, 8, 9, 8, 9, 8, 9, 0, 1, 0, 1, 0,
+                                               1, 0, 1, 8, 9, 8, 9, 8, 9, 8, 9);
+        return _mm256_shuffle_epi8(_mm256_cvtepu32_epi64(four), words);
     };
     const auto blended = [](__m256i value, __m256i neighbour, __m256i distance) {
         const __m256i difference = _mm256_sub_epi16(neighbour, value);
         const __m256i moved = _mm256_mulhi_epu16(_mm256_abs_epi16(difference), distance);
         return _mm256_add_epi16(value, _mm256_sign_epi16(moved, difference));
     };
-    __m256i value = read(offsets.Pixel);
-    value = blended(value, read(offsets.AcrossNeighbour), distances(walk.FractionX));
-    value = blended(value, read(offsets.DownNeighbour), distances(walk.FractionY));
+    __m256i value = read(around.Pixel);
+    value = blended(value, read(around.AcrossNeighbour), spread(around.AcrossDistance));
+    value = blended(value, read(around.DownNeighbour), spread(around.DownDistance));
     const __m128i pixels =
         _mm_packus_epi16(_mm256_castsi256_si128(value), _mm256_extracti128_si256(value, 1));
     if constexpr (Form::Bytes == 4) {
@@ -266,20 +295,24 @@ inline void LinearFour(const uint8_t* source, const Offsets& offsets, const Walk
 
 // As many pixels of bytes as eights fit into the count, linearly; the number of them.
 template <class Form>
-inline int32_t LinearEights(const RotateSource& source, const Walk& walk, uint8_t* target, int32_t count) {
+inline int32_t LinearEights(const RotateSource& source, const RotatePosition& at, uint8_t* target,
+                            int32_t count) {
     int32_t made = 0;
 #if defined(__AVX2__)
     if constexpr (Form::Most == 255 && Form::Wide == 4) {
         if (!HasShortOffsets(source)) return 0;
-        for (; made + 8 <= count; made += 8) {
-            const Offsets offsets(source, walk, made, static_cast<int32_t>(Form::Bytes));
-            LinearFour<Form>(source.Source, offsets, walk, made, target);
-            LinearFour<Form>(source.Source, offsets, walk, made + 4, target + 4 * Form::Bytes);
-            target += 8 * Form::Bytes;
+        count = std::min(count, EightSteps::Most);
+        const __m256i bytes = _mm256_set1_epi32(static_cast<int32_t>(Form::Bytes));
+        const __m256i stride = _mm256_set1_epi32(static_cast<int32_t>(source.Stride));
+        EightSteps steps(source, at);
+        for (; made + 8 <= count; made += 8, steps.Next(), target += 8 * Form::Bytes) {
+            const Surroundings around(steps, bytes, stride);
+            LinearFour<Form>(source.Source, around, 0, target);
+            LinearFour<Form>(source.Source, around, 4, target + 4 * Form::Bytes);
         }
     }
 #else
-    static_cast<void>(source), static_cast<void>(walk), static_cast<void>(target), static_cast<void>(count);
+    static_cast<void>(source), static_cast<void>(at), static_cast<void>(target), static_cast<void>(count);
 #endif
     return made;
 }
@@ -360,36 +393,6 @@ template <class Form>
         }
 }
 
-#if defined(__AVX2__)
-
-// The whole parts of eight steps of a walk at a time.
-class EightSteps {
-  public:
-    static constexpr int32_t Most = 1 << 15; // steps, whose fractions add up to less than 31 bits
-
-    EightSteps(const RotateSource& source, const RotatePosition& at)
-        : x_(First(at.FractionX, source.StepX)), y_(First(at.FractionY, source.StepY)),
-          dx_(_mm256_set1_epi32(source.StepX * 8)), dy_(_mm256_set1_epi32(source.StepY * 8)),
-          firstX_(_mm256_set1_epi32(at.X)), firstY_(_mm256_set1_epi32(at.Y)) {}
-
-    __m256i X() const { return _mm256_add_epi32(_mm256_srai_epi32(x_, RotateFractionBits), firstX_); }
-    __m256i Y() const { return _mm256_add_epi32(_mm256_srai_epi32(y_, RotateFractionBits), firstY_); }
-    void Next() {
-        x_ = _mm256_add_epi32(x_, dx_);
-        y_ = _mm256_add_epi32(y_, dy_);
-    }
-
-  private:
-    static __m256i First(int32_t fraction, int32_t step) {
-        return _mm256_add_epi32(
-            _mm256_set1_epi32(fraction + AxisWalk::Bias(step)),
-            _mm256_mullo_epi32(_mm256_set1_epi32(step), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7)));
-    }
-    __m256i x_, y_, dx_, dy_, firstX_, firstY_;
-};
-
-#endif
-
 // As many of the nearest pixels as eights fit into the count; the number of them.
 template <class Form>
 inline int32_t NearestEights(const RotateSource& source, const RotatePosition& at, uint8_t* target,
@@ -438,14 +441,14 @@ inline int32_t InnerPixels(const RotateSource& source, const RotatePosition& at,
                            int32_t count) {
     if constexpr (method == RotateMethod::Nearest)
         if (const int32_t made = NearestEights<Form>(source, at, target, count - 1); made > 0) return made;
+    if constexpr (method == RotateMethod::Linear)
+        if (const int32_t made = LinearEights<Form>(source, at, target, count - 1); made > 0) return made;
     const int32_t most = std::min(count - 1, Walk::Most) & ~1;
     if (most <= 0) return 0;
     Walk walk;
     walk.Make(source, at);
     if constexpr (method == RotateMethod::Linear) {
-        const int32_t made = LinearEights<Form>(source, walk, target, most);
-        target += static_cast<size_t>(made) * Form::TargetBytes;
-        for (int32_t i = made; i < most; i += 2, target += 2 * Form::TargetBytes)
+        for (int32_t i = 0; i < most; i += 2, target += 2 * Form::TargetBytes)
             LinearPair<Form>(source, walk, i, target);
     } else if constexpr (method == RotateMethod::Cubic) {
         const WalkWeights across(walk.X, walk.FractionX), down(walk.Y, walk.FractionY);
