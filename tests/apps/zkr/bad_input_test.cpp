@@ -122,6 +122,7 @@ TEST_F(BadInputTest, WishesThatCannotBeMet) {
         {"shear --angle 90", "--angle: ", "between -90 and 90"},
         {"shear --angle 89.9 --vertical", "good.png: ", "too large"},
         {"warp good.png", "--points ", "is required"},
+        {"play --out frames", "'out.png' ", "too many"},
         {"select", "", "nothing selects"},
         {"select --mode or", "--mode: ", "before the first"},
         {"select --rect 1,1,2,2 --mode nand", "--mode: ", "set|or|and"},

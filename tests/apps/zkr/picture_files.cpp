@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <ostream>
 
+#include <gif_lib.h>
 #include <jpeglib.h>
 
 int Picture::Channels() const {
@@ -171,4 +172,29 @@ void WriteJpegOfQuarters(const std::string& path, const uint8_t (&quarters)[4], 
                              number(2, static_cast<unsigned>(orientation)) + number(2, 0) + number(4, 0);
     WriteJpeg(
         path, 32, 16, 1, [&](int x, int y) { return quarters[y / 8 * 2 + x / 16]; }, exif);
+}
+
+void WriteGif(const std::string& path, int width, int height) {
+    GifFileType* gif = EGifOpenFileName(path.c_str(), false, nullptr);
+    ASSERT_NE(gif, nullptr);
+    EGifSetGifVersion(gif, true);
+    GifColorType colours[4] = {{0, 0, 0}, {255, 0, 0}, {0, 255, 0}, {0, 0, 255}};
+    ColorMapObject* map = GifMakeMapObject(4, colours);
+    EXPECT_EQ(EGifPutScreenDesc(gif, width, height, 2, 0, map), GIF_OK);
+    const auto frame = [&](int left, int top, int w, int h, int delay, int disposal, int transparent,
+                           auto index) {
+        const GraphicsControlBlock control = {disposal, false, delay, transparent};
+        GifByteType bytes[4];
+        EXPECT_EQ(EGifGCBToExtension(&control, bytes), 4u);
+        EXPECT_EQ(EGifPutExtension(gif, GRAPHICS_EXT_FUNC_CODE, 4, bytes), GIF_OK);
+        EXPECT_EQ(EGifPutImageDesc(gif, left, top, w, h, false, nullptr), GIF_OK);
+        for (int i = 0; i < w * h; ++i)
+            EXPECT_EQ(EGifPutPixel(gif, static_cast<GifPixelType>(index(i % w))), GIF_OK);
+    };
+    frame(0, 0, width, height, 10, DISPOSE_DO_NOT, NO_TRANSPARENT_COLOR, [](int) { return 1; });
+    frame(width / 4, height / 4, width / 2, height / 2, 5, DISPOSE_PREVIOUS, 3,
+          [](int x) { return x % 2 == 0 ? 2 : 3; });
+    frame(width - 4, height - 4, 4, 4, 2, DISPOSE_BACKGROUND, NO_TRANSPARENT_COLOR, [](int) { return 3; });
+    GifFreeMapObject(map);
+    EXPECT_EQ(EGifCloseFile(gif, nullptr), GIF_OK);
 }

@@ -42,3 +42,7 @@ void WriteFlatJpeg(const std::string& path, int width, int height, int channels,
 // A gray JPEG of four flat quarters, 16 x 8 pixels each, rows from the top, and EXIF data that note an orientation.
 void WriteJpegOfQuarters(const std::string& path, const uint8_t (&quarters)[4], int orientation,
                          bool bigEndian);
+
+// A GIF of three frames in black, red, green and blue: all of it red, then for 50 ms in the middle half of it columns of
+// green with nothing between them, which go away again, then for 20 ms a blue square of 4 pixels in the lower right corner.
+void WriteGif(const std::string& path, int width, int height);

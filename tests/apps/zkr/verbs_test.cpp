@@ -25,6 +25,7 @@ std::vector<std::string> Verbs() {
 
 TEST_F(VerbsTest, HaveHelpWithAnExampleThatWorks) {
     WritePng(Path("photo.png"), PictureOf(64, 48, 8, PNG_COLOR_TYPE_RGB_ALPHA, Scattered));
+    WriteGif(Path("walk.gif"), 64, 48);
     const std::string list = Succeeds({"--help"});
     for (const std::string& verb : Verbs()) {
         SCOPED_TRACE(verb);
