@@ -4,6 +4,7 @@
 #include "failure.h"
 
 #include "zkr13n/lists.h"
+#include "zkr13n/storage.h"
 
 #include <gif_lib.h>
 

@@ -5,6 +5,7 @@
 #include <ostream>
 
 #include <gif_lib.h>
+#include <gtest/gtest.h>
 #include <jpeglib.h>
 
 int Picture::Channels() const {
