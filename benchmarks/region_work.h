@@ -1,4 +1,4 @@
-// The works of regions, and the text that they are measured on: a part of the page at half its resolution, as large as
+// The works of regions, and the text that they are measured on: a part of the page at four sevenths of its resolution, as large as
 // the photograph, of about 100 thousand runs.
 #pragma once
 

@@ -7,11 +7,11 @@ namespace bench {
 
 namespace {
 
+// Four rows and columns of seven of the page.
 bool IsInk(int32_t x, int32_t y) {
     const BitmapHandle* const page = PageBitmap();
-    const auto* const row =
-        static_cast<const uint8_t*>(page->Addr) + size_t{page->BytesPerLine} * size_t(2 * y);
-    return (row[x / 4] >> (7 - 2 * x % 8) & 1) != 0;
+    const auto column = static_cast<size_t>(x * 7 / 4), row = static_cast<size_t>(y * 7 / 4);
+    return (Data(PageBitmap())[row * page->BytesPerLine + column / 8] >> (7 - column % 8) & 1) != 0;
 }
 
 RegionHandle* RegionOfMask(BitmapHandle* mask) {

@@ -31,8 +31,11 @@ ReturnCode RegionRows::SegmentsOf(int32_t row, std::span<const uint32_t>& segmen
     const ReturnCode result = Dispatch().GetBitmapClipSegments(&bitmap_, row, columns, &entries);
     if (result != code::Success) return failures_ == RowFailures::Ignored ? code::Success : result;
     entries = std::min(entries, room_) & ~1u;
-    for (uint32_t i = 0; i < entries; ++i)
-        columns[i] = std::clamp(columns[i], 0, std::max(bitmap_.Width, 0));
+    // From left to right, so that the ends tell whether any is outside.
+    const int32_t width = std::max(bitmap_.Width, 0);
+    if (entries != 0 && (columns[0] < 0 || columns[entries - 1] > width))
+        for (uint32_t i = 0; i < entries; ++i)
+            columns[i] = std::clamp(columns[i], 0, width);
     segments = {reinterpret_cast<const uint32_t*>(columns), entries};
     return code::Success;
 }

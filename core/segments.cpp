@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstring>
 
 namespace zkr {
@@ -149,6 +150,71 @@ ReturnCode PutSegments(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row,
     return code::Success;
 }
 
+// A word whose top bit is the first pixel, as its bytes lie in memory.
+uint32_t WordOfBytes(uint32_t bits) {
+    if constexpr (std::endian::native == std::endian::big) return bits;
+    return bits >> 24 | (bits >> 8 & 0xFF00) | (bits << 8 & 0xFF0000) | bits << 24;
+}
+
+// 2 to 16 bytes, by their first and last word.
+inline void CopyShort(uint8_t* to, const uint8_t* from, size_t bytes) {
+    const auto copyEnds = [=]<typename Word>(Word first) {
+        Word last;
+        std::memcpy(&first, from, sizeof(Word));
+        std::memcpy(&last, from + bytes - sizeof(Word), sizeof(Word));
+        std::memcpy(to, &first, sizeof(Word));
+        std::memcpy(to + bytes - sizeof(Word), &last, sizeof(Word));
+    };
+    if (bytes >= 8) return copyEnds(uint64_t{});
+    if (bytes >= 4) return copyEnds(uint32_t{});
+    copyEnds(uint16_t{});
+}
+
+// Pieces inside a row of whole bytes in memory: most are short where a region has many.
+template <size_t pixelBytes, typename Copy>
+void CopyPieces(uint8_t* data, const uint8_t* buffer, std::span<const uint32_t> segments, Copy copy) {
+    for (size_t entry = 0; entry + 1 < segments.size(); entry += 2) {
+        const size_t first = size_t{segments[entry]} * pixelBytes;
+        if (segments[entry + 1] - segments[entry] == 1) {
+            std::memcpy(data + first, buffer + first, pixelBytes);
+            continue;
+        }
+        if (segments[entry] >= segments[entry + 1]) continue;
+        const size_t bytes = size_t{segments[entry + 1] - segments[entry]} * pixelBytes;
+        if (bytes <= 16)
+            CopyShort(data + first, buffer + first, bytes);
+        else
+            copy(data + first, buffer + first, bytes);
+    }
+}
+
+// Pieces inside a row of bits in memory. Rows are as long as whole words of 32 bits, of which the first pixel is the
+// top bit of the first byte.
+void CopyBitPieces(uint8_t* data, const uint8_t* buffer, std::span<const uint32_t> segments) {
+    const auto take = [=](size_t word, uint32_t bits) {
+        const uint32_t mask = WordOfBytes(bits);
+        uint32_t old, given;
+        std::memcpy(&old, data + word * 4, 4);
+        std::memcpy(&given, buffer + word * 4, 4);
+        old ^= (old ^ given) & mask;
+        std::memcpy(data + word * 4, &old, 4);
+    };
+    for (size_t entry = 0; entry + 1 < segments.size(); entry += 2) {
+        const uint32_t start = segments[entry], end = segments[entry + 1];
+        if (start >= end) continue;
+        const size_t first = start / 32, last = (end - 1) / 32;
+        const uint32_t head = UINT32_MAX >> start % 32, tail = UINT32_MAX << (31 - (end - 1) % 32);
+        if (first == last) {
+            take(first, head & tail);
+            continue;
+        }
+        take(first, head);
+        if (last > first + 1)
+            std::memcpy(data + (first + 1) * 4, buffer + (first + 1) * 4, (last - first - 1) * 4);
+        take(last, tail);
+    }
+}
+
 } // namespace
 
 ReturnCode StreamSegments(BitmapHandle& bitmap, const uint8_t* buffer, int32_t row,
@@ -160,6 +226,20 @@ ReturnCode StreamSegments(BitmapHandle& bitmap, const uint8_t* buffer, int32_t r
         else
             CopyBytes(to, from, bytes);
     };
+    const storage::StorageClass* const storageClass = storage::ClassOf(bitmap);
+    uint8_t* const data = storageClass == nullptr ? nullptr : storageClass->ReachRow(bitmap, row);
+    if (data != nullptr && storageClass != &storage::Compressed) {
+        switch (bitmap.BitsPerPixel) {
+        case 1: CopyBitPieces(data, buffer, segments); return code::Success;
+        case 8: CopyPieces<1>(data, buffer, segments, copy); return code::Success;
+        case 16: CopyPieces<2>(data, buffer, segments, copy); return code::Success;
+        case 24: CopyPieces<3>(data, buffer, segments, copy); return code::Success;
+        case 32: CopyPieces<4>(data, buffer, segments, copy); return code::Success;
+        case 48: CopyPieces<6>(data, buffer, segments, copy); return code::Success;
+        case 64: CopyPieces<8>(data, buffer, segments, copy); return code::Success;
+        default: break;
+        }
+    }
     return PutSegments(bitmap, buffer, row, 0, segments, false, copy);
 }
 

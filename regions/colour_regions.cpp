@@ -15,10 +15,6 @@ using namespace zkr;
 
 namespace {
 
-void Include(kernels::ByteSet& set, uint32_t index) {
-    set[index / 32] |= 1u << (index % 32);
-}
-
 // The indices of the entries that lie in a range; of single colours the first one alone.
 ReturnCode FindIndices(const BitmapHandle& bitmap, const ColourRange& range, bool firstOnly,
                        kernels::ByteSet& set) {
@@ -28,7 +24,7 @@ ReturnCode FindIndices(const BitmapHandle& bitmap, const ColourRange& range, boo
     if (status != code::Success) return status;
     for (uint32_t i = 0; i < entries; ++i) {
         if (!range.Takes(palette[i])) continue;
-        Include(set, i);
+        set.Include(i);
         if (firstOnly) break;
     }
     return code::Success;
@@ -37,7 +33,7 @@ ReturnCode FindIndices(const BitmapHandle& bitmap, const ColourRange& range, boo
 ReturnCode CombineIndices(BitmapHandle& bitmap, const kernels::ByteSet& set, uint32_t mode) {
     OwnedRegion found;
     ReturnCode status;
-    if (std::all_of(set.begin(), set.end(), [](uint32_t bits) { return bits == 0; })) {
+    if (set == kernels::ByteSet{}) {
         status = RectRegion(found, {});
     } else {
         PixelTest test(bitmap);
@@ -73,7 +69,7 @@ ReturnCode Z_CALL Z_SetBitmapRgnColor(BitmapHandle* bitmap, uint32_t color, uint
     const bool isIndex = color >> 24 == ColourValue::IndexForm;
     if (IsAllocated(bitmap) && isIndex && bitmap->BitsPerPixel <= MostIndexedBits) {
         kernels::ByteSet indices{};
-        Include(indices, color & ((1u << bitmap->BitsPerPixel) - 1));
+        indices.Include(color & ((1u << bitmap->BitsPerPixel) - 1));
         return CombineIndices(*bitmap, indices, mode);
     }
     return CombineRange(bitmap, {.Lower = color, .Upper = color}, true, mode);

@@ -38,7 +38,7 @@ kernels::ByteSet IndicesWithin(const BitmapHandle& bitmap, const ColourRange& wi
     Z_GetBitmapPaletteEntries(&bitmap, 0, std::min(bitmap.ColorsUsed, MostEntries), palette);
     kernels::ByteSet set{};
     for (uint32_t i = 0; i < MostEntries; ++i)
-        if (window.Takes(palette[i])) set[i / 32] |= 1u << (i % 32);
+        if (window.Takes(palette[i])) set.Include(i);
     return set;
 }
 

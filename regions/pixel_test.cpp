@@ -108,13 +108,15 @@ ReturnCode PixelTest::TakeColours(const BitmapHandle& bitmap, const ColourRange&
 void PixelTest::Run(const uint8_t* row, uint64_t* bits) {
     if (form_ == Form::Bits) {
         // Index 0 is a clear bit and index 1 a set one.
-        const uint32_t taken = indices_[0] & 3;
-        if (taken == 1 || taken == 2)
-            bitRows_.BitsOfBytes(row, width_, taken == 1, bits);
+        const bool takesClear = indices_.Has(0), takesSet = indices_.Has(1);
+        if (takesClear != takesSet)
+            bitRows_.BitsOfBytes(row, width_, takesClear, bits);
         else
-            std::fill_n(bits, kernels::BitRowWords(width_), taken == 0 ? uint64_t{0} : ~uint64_t{0});
+            std::fill_n(bits, kernels::BitRowWords(width_), takesSet ? ~uint64_t{0} : uint64_t{0});
         return;
     }
+    const bool isStraight = toHsv_ == nullptr && (stages_ == nullptr || stages_->Count() == 0);
+    if (isStraight) return RunPiece(row, width_, bits);
     for (size_t first = 0; first < width_; first += Stages::PiecePixels) {
         const size_t pixels = std::min(Stages::PiecePixels, width_ - first);
         const uint8_t* piece =

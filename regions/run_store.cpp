@@ -142,7 +142,8 @@ void RegionBuilder::Finish(OwnedRegion& result) {
             static_cast<size_t>(int64_t{region.Bottom} - region.Top) * sizeof(RegionRowEntry));
         region.SegmentBytes = static_cast<uint32_t>(used_ * sizeof(int32_t));
         Shrink(region.RowTable, region.RowTableBytes);
-        Shrink(region.Segments, region.SegmentBytes);
+        // A little may stay: memory that keeps its size is sooner used again.
+        if (capacity_ - used_ > capacity_ / 8) Shrink(region.Segments, region.SegmentBytes);
     }
     result.Reset(region_.Release());
 }

@@ -25,10 +25,6 @@ bool TakesPixel(const ChannelTest& test, const uint8_t* pixel) {
     return test.Takes(0, pixel[0]) & test.Takes(1, pixel[1]) & test.Takes(2, pixel[2]);
 }
 
-bool IsIn(const ByteSet& set, uint8_t value) {
-    return (set[value / 32] >> (value % 32) & 1) != 0;
-}
-
 #ifdef __AVX2__
 
 // The bytes of three vectors of a test, as three channels repeat in them.
@@ -84,6 +80,34 @@ uint64_t Take64(const ChannelVectors& vectors, const uint8_t* pixels) {
     return Gather(first, 0) | Gather(second, 2) << 22 | Gather(third, 1) << 43;
 }
 
+__m256i Twice(const uint8_t* table) {
+    return _mm256_broadcastsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(table)));
+}
+
+struct ByteSetVectors {
+    __m256i Below, Above;
+    __m256i BitBelow = Twice(bits + 8), BitAbove = Twice(bits); // of a high half
+
+    explicit ByteSetVectors(const ByteSet& set)
+        : Below(Twice(set.Below.data())), Above(Twice(set.Above.data())) {}
+
+    uint32_t Test(const uint8_t* bytes) const {
+        const __m256i values = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
+        const __m256i half = _mm256_set1_epi8(15);
+        const __m256i low = _mm256_and_si256(values, half);
+        const __m256i high = _mm256_and_si256(_mm256_srli_epi16(values, 4), half);
+        const __m256i below =
+            _mm256_and_si256(_mm256_shuffle_epi8(Below, low), _mm256_shuffle_epi8(BitBelow, high));
+        const __m256i above =
+            _mm256_and_si256(_mm256_shuffle_epi8(Above, low), _mm256_shuffle_epi8(BitAbove, high));
+        const __m256i missing = _mm256_cmpeq_epi8(_mm256_or_si256(below, above), _mm256_setzero_si256());
+        return ~static_cast<uint32_t>(_mm256_movemask_epi8(missing));
+    }
+
+  private:
+    static constexpr uint8_t bits[24] = {0, 0, 0, 0, 0, 0, 0, 0, 1, 2, 4, 8, 16, 32, 64, 128};
+};
+
 #endif
 
 void ChannelBits(const uint8_t* row, size_t pixels, const ChannelTest& test, uint64_t* words) {
@@ -98,7 +122,13 @@ void ChannelBits(const uint8_t* row, size_t pixels, const ChannelTest& test, uin
 }
 
 void ByteBits(const uint8_t* row, size_t pixels, const ByteSet& set, uint64_t* words) {
-    BitsOf(pixels, words, [&](size_t i) { return IsIn(set, row[i]); });
+    size_t done = 0;
+#ifdef __AVX2__
+    const ByteSetVectors vectors(set);
+    for (; done + 64 <= pixels; done += 64)
+        words[done / 64] = vectors.Test(row + done) | uint64_t{vectors.Test(row + done + 32)} << 32;
+#endif
+    BitsOf(pixels - done, words + done / 64, [&](size_t i) { return set.Has(row[done + i]); });
 }
 
 void WordBits(const uint8_t* row, size_t pixels, const uint64_t* set, uint64_t* words) {

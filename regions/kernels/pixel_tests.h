@@ -20,8 +20,19 @@ struct ChannelTest {
     }
 };
 
-// A bit for each value of a byte.
-using ByteSet = std::array<uint32_t, 8>;
+// A set of bytes, in the form in which vectors look it up: for each low half of a byte the high halves that go with it,
+// 0 to 7 and 8 to 15 by themselves.
+struct ByteSet {
+    std::array<uint8_t, 16> Below{}, Above{};
+
+    constexpr void Include(uint32_t value) {
+        (value < 128 ? Below : Above)[value % 16] |= static_cast<uint8_t>(1u << (value / 16 % 8));
+    }
+    constexpr bool Has(uint32_t value) const {
+        return ((value < 128 ? Below : Above)[value % 16] >> (value / 16 % 8) & 1) != 0;
+    }
+    friend constexpr bool operator==(const ByteSet&, const ByteSet&) = default;
+};
 
 struct PixelTestKernels {
     // Pixels of three bytes.
