@@ -1,7 +1,6 @@
 // The alpha of a bitmap as a gray bitmap of its own, and back.
 #include "zkr13n/alpha.h"
 
-#include "colour/pixels/viewed_rows.h"
 #include "core/attachments.h"
 
 #include "core/depth.h"
@@ -13,6 +12,7 @@
 #include "core/scratch.h"
 #include "zkr13n/color_resolution.h"
 #include "zkr13n/copy.h"
+#include "zkr13n/flip.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/locks.h"
 #include "zkr13n/palettes.h"
@@ -139,7 +139,7 @@ bool CanBeUsedDirectly(const BitmapHandle& alpha, const BitmapHandle& bitmap) {
            alpha.ViewPerspective == bitmap.ViewPerspective;
 }
 
-// A gray copy of an alpha bitmap, freed at the end of the scope.
+// A gray copy of an alpha bitmap in a view, freed at the end of the scope.
 class GrayCopy {
   public:
     GrayCopy() = default;
@@ -147,9 +147,11 @@ class GrayCopy {
     GrayCopy(const GrayCopy&) = delete;
     GrayCopy& operator=(const GrayCopy&) = delete;
 
-    ReturnCode Make(BitmapHandle& source, int32_t bits) {
-        const ReturnCode result = Z_CopyBitmap(&record_, &source);
-        return result == code::Success ? Z_GrayScaleBitmap(&record_, bits) : result;
+    ReturnCode Make(BitmapHandle& source, int32_t bits, int32_t viewPerspective) {
+        ReturnCode result = Z_CopyBitmap(&record_, &source);
+        if (result == code::Success) result = Z_GrayScaleBitmap(&record_, bits);
+        if (result != code::Success) return result;
+        return Z_IntChangeBitmapViewPerspective(nullptr, &record_, viewPerspective, 0);
     }
     BitmapHandle& Record() { return record_; }
 
@@ -158,10 +160,8 @@ class GrayCopy {
 };
 
 ReturnCode MergeRows(BitmapHandle& bitmap, BitmapHandle& alpha) {
-    ViewedRows rows(alpha, bitmap.ViewPerspective);
-    if (!rows.IsValid()) return code::InvalidArgument;
-    const auto width = static_cast<uint32_t>(std::min(rows.Width(), bitmap.Width));
-    const int32_t height = std::min(rows.Height(), bitmap.Height);
+    const auto width = static_cast<uint32_t>(std::min(alpha.Width, bitmap.Width));
+    const int32_t height = std::min(alpha.Height, bitmap.Height);
     const Merge merge(alpha.BitsPerPixel, bitmap.BitsPerPixel);
     const uint32_t alphaBytes = merge.HasBits ? (width + 7) / 8 : width;
     const uint32_t bytes = width * merge.PixelBytes;
@@ -170,7 +170,7 @@ ReturnCode MergeRows(BitmapHandle& bitmap, BitmapHandle& alpha) {
     ScratchRow pixels(bitmap);
     if (!alphaRow || !pixels) return code::OutOfMemory;
     return RowWalk(bitmap).With(alpha).Run(height, [&](int32_t row) {
-        ReturnCode result = rows.Read(alphaRow.data(), row, alphaBytes);
+        ReturnCode result = ReadExactly(alpha, alphaRow.data(), row, 0, alphaBytes);
         if (result == code::Success) result = ReadExactly(bitmap, pixels.data(), row, 0, bytes);
         if (result != code::Success) return result;
         merge.Put(alphaRow.data(), pixels.data(), width);
@@ -198,6 +198,6 @@ ReturnCode Z_CALL Z_SetBitmapAlpha(BitmapHandle* bitmap, BitmapHandle* alpha) {
     if (raised != code::Success) return raised;
     if (CanBeUsedDirectly(*alpha, *bitmap)) return MergeRows(*bitmap, *alpha);
     GrayCopy copy;
-    const ReturnCode made = copy.Make(*alpha, bitmap->BitsPerPixel == 64 ? 16 : 8);
+    const ReturnCode made = copy.Make(*alpha, bitmap->BitsPerPixel == 64 ? 16 : 8, bitmap->ViewPerspective);
     return made == code::Success ? MergeRows(*bitmap, copy.Record()) : made;
 }
