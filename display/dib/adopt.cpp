@@ -2,6 +2,7 @@
 #include "core/flags.h"
 #include "core/return_codes.h"
 #include "display/dib/from_dib.h"
+#include "display/dib/locked_block.h"
 #include "display/dib/masks.h"
 #include "platform/memory.h"
 #include "zkr13n/allocation.h"
@@ -17,35 +18,6 @@ namespace {
 constexpr uint32_t PaintLUTLength = 256;
 
 enum class Owner { Bitmap, Caller };
-
-// A block that is locked for a scope.
-class LockedBlock {
-  public:
-    explicit LockedBlock(HGLOBAL block)
-        : block_(block), data_(static_cast<uint8_t*>(platform::GlobalLock(block))) {}
-    ~LockedBlock() {
-        if (data_ != nullptr) platform::GlobalUnlock(block_);
-    }
-    LockedBlock(const LockedBlock&) = delete;
-    LockedBlock& operator=(const LockedBlock&) = delete;
-
-    uint8_t* Data() const { return data_; }
-    size_t Bytes() const { return platform::GlobalSize(block_); }
-
-  private:
-    HGLOBAL block_;
-    uint8_t* data_;
-};
-
-ReturnCode ReadPacked(const LockedBlock& block, Header& header) {
-    ReturnCode status = Read(block.Data(), block.Bytes(), header);
-    if (status == code::Success && (header.Width == 0 || header.StoredHeight == 0))
-        status = code::InvalidArgument;
-    if (status == code::Success) status = FindForm(header);
-    if (status == code::Success) status = TestSizes(header);
-    if (status == code::Success) status = TestLength(header, block.Bytes());
-    return status;
-}
 
 // Gives a record what Z_AllocateBitmap and the header give, but for the storage.
 ReturnCode Furnish(BitmapHandle& bitmap, const uint8_t* data, const Header& header) {
@@ -86,16 +58,11 @@ ReturnCode TakeBlock(BitmapHandle& bitmap, HGLOBAL handle, Owner owner) {
         const LockedBlock block(handle);
         if (block.Data() == nullptr) return code::InvalidArgument;
         Header header;
-        ReturnCode status = ReadPacked(block, header);
+        ReturnCode status = ReadPacked(block.Data(), block.Bytes(), header);
         if (status != code::Success) return status;
         isConverted = !header.HasOwnRows();
-        if (isConverted) {
-            const auto offset = static_cast<size_t>(header.BitsOffset());
-            status =
-                ConvertPixels(bitmap, block.Data(), header, block.Data() + offset, block.Bytes() - offset);
-        } else {
-            status = TakeRows(bitmap, handle, block, header, owner);
-        }
+        status = isConverted ? ConvertPacked(bitmap, block.Data(), header, block.Bytes())
+                             : TakeRows(bitmap, handle, block, header, owner);
         if (status != code::Success) return status;
     }
     if (isConverted && owner == Owner::Bitmap) platform::GlobalFree(handle);

@@ -104,6 +104,21 @@ ReturnCode ConvertPixels(BitmapHandle& bitmap, const uint8_t* data, const Header
     return status;
 }
 
+ReturnCode ReadPacked(const uint8_t* data, size_t bytes, Header& header) {
+    ReturnCode status = Read(data, bytes, header);
+    if (status == code::Success && (header.Width == 0 || header.StoredHeight == 0))
+        status = code::InvalidArgument;
+    if (status == code::Success) status = FindForm(header);
+    if (status == code::Success) status = TestSizes(header);
+    if (status == code::Success) status = TestLength(header, bytes);
+    return status;
+}
+
+ReturnCode ConvertPacked(BitmapHandle& bitmap, const uint8_t* data, const Header& header, size_t bytes) {
+    const auto offset = static_cast<size_t>(header.BitsOffset());
+    return ConvertPixels(bitmap, data, header, data + offset, bytes - offset);
+}
+
 namespace {
 
 // The length of what is read is not known.

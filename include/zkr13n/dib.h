@@ -124,6 +124,51 @@ Z_API ReturnCode Z_CALL Z_ChangeFromDIB(BitmapHandle* bitmap, HGLOBAL block);
  */
 Z_API ReturnCode Z_CALL Z_MirrorFromDIB(BitmapHandle* bitmap, HGLOBAL block);
 
+/*
+ * Makes a bitmap of a platform bitmap.
+ *
+ * deviceContext      in: whose colours are meant, null for the screen's
+ * bitmap             out: whatever the record held is overwritten without being freed. Its storage is global memory, its
+ *                    depth 1, 4 or 8 bits as the platform bitmap's, or else 24, its view VIEW_BOTTOM_LEFT.
+ * platformBitmap     in: a bitmap that no device context has selected; stays the caller's
+ * platformPalette    in, may be null: selected and realised while the pixels are read
+ *
+ * Returns Z_SUCCESS; Z_ERROR_ARGUMENT for a null bitmap, for what is no platform bitmap, and when its pixels cannot be
+ * read; Z_ERROR_MEMORY; the failures of Z_ChangeFromDIB. On failure the record is cleared.
+ */
+Z_API ReturnCode Z_CALL Z_ConvertFromDDB(HDC deviceContext, BitmapHandle* bitmap, HBITMAP platformBitmap,
+                                         HPALETTE platformPalette);
+
+/*
+ * As Z_ConvertFromDDB, and on success deletes the platform bitmap and the palette.
+ */
+Z_API ReturnCode Z_CALL Z_ChangeFromDDB(HDC deviceContext, BitmapHandle* bitmap, HBITMAP platformBitmap,
+                                        HPALETTE platformPalette);
+
+/*
+ * Makes a memory device context that draws straight into a bitmap's pixels, and whose pixels are those of the bitmap.
+ *
+ * bitmap    in, changed: an allocated bitmap. It is brought to what a device-independent bitmap holds (Z_ConvertToDIB),
+ *           to VIEW_BOTTOM_LEFT, and to one mapped block of storage of its own: runs, strips, tiles, files, blocks of
+ *           global memory and a host's own data are left. Where that fails it may stay on the way, with its picture
+ *           whole.
+ *
+ * The platform may draw later than it is asked to: GdiFlush on Windows sees to it that the pixels can be read.
+ *
+ * Returns the context, which Z_DeleteZircDC closes before or after the bitmap is freed; null for a bitmap that is null
+ * or not allocated, and where a step fails.
+ */
+Z_API HDC Z_CALL Z_CreateZircDC(BitmapHandle* bitmap);
+
+/*
+ * Closes a device context of Z_CreateZircDC. The bitmap and its pixels stay.
+ *
+ * deviceContext    in
+ *
+ * Returns 1; 0 for what is no memory device context, and where memory is short, with the context as it was.
+ */
+Z_API int32_t Z_CALL Z_DeleteZircDC(HDC deviceContext);
+
 Z_END_DECLS
 
 #endif
