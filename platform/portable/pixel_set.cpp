@@ -10,7 +10,7 @@ namespace zkr::platform {
 
 namespace {
 
-constexpr size_t MaxRects = size_t{1} << 25; // of one set: half a gigabyte
+constexpr size_t MaxRects = size_t{1} << 23; // of one set: 128 megabytes
 
 size_t BytesFor(size_t rects) {
     return sizeof(PixelRects) + rects * sizeof(RECT);

@@ -11,9 +11,9 @@ namespace {
 __extension__ using Wide = __int128;
 __extension__ using UnsignedWide = unsigned __int128;
 
-constexpr int64_t MaxBands = int64_t{1} << 24;
-constexpr int64_t MaxRows = int64_t{1} << 25;
-constexpr size_t MaxLines = size_t{1} << 24;
+constexpr int64_t MaxBands = int64_t{1} << 22;
+constexpr int64_t MaxRows = int64_t{1} << 23;
+constexpr size_t MaxLines = size_t{1} << 22;
 
 // How many cells at the near end of line k lie outside an ellipse in a box of width x height cells, up to the
 // middle of the line. In half cells from the middle a centre is (u, v), and inside is u^2 h^2 + v^2 w^2 < w^2
