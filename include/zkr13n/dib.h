@@ -146,6 +146,23 @@ Z_API ReturnCode Z_CALL Z_ChangeFromDDB(HDC deviceContext, BitmapHandle* bitmap,
                                         HPALETTE platformPalette);
 
 /*
+ * Makes a palette for painting a bitmap on a device in the thread's display mode (Z_SetDisplayMode), whatever the device
+ * can do with it.
+ *
+ * deviceContext    in: null for the screen's
+ * bitmap           in: an allocated bitmap
+ *
+ * Where painting dithers for a device of up to 8 bits it is the palette that it dithers to: the fixed one of 2, 16 or
+ * 256 colours, or with DISPLAY_CUBE at 8 bits the cube of 216 colours and black. Where it shows 1 bit by levels of gray
+ * it is those 256 levels through the paint table. Otherwise up to 8 bits it is the bitmap's own, through the paint table
+ * while that is in use, and above 8 bits for gray bitmaps those 256 levels again.
+ *
+ * Returns a palette object, which belongs to the caller; null where none is needed, for a bitmap that is null or not
+ * allocated, and where memory is short.
+ */
+Z_API HPALETTE Z_CALL Z_CreatePaintPalette(HDC deviceContext, BitmapHandle* bitmap);
+
+/*
  * Makes a memory device context that draws straight into a bitmap's pixels, and whose pixels are those of the bitmap.
  *
  * bitmap    in, changed: an allocated bitmap. It is brought to what a device-independent bitmap holds (Z_ConvertToDIB),
