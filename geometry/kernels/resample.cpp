@@ -5,6 +5,7 @@
 #include "geometry/kernels/samples.h"
 #include "kernels/family.h"
 #if defined(__AVX2__)
+#include "geometry/kernels/double_avx2.h"
 #include "geometry/kernels/resample_avx2.h"
 #include "geometry/kernels/spline_avx2.h"
 #endif
@@ -21,29 +22,43 @@ template <typename Number> constexpr Number Clamp(Number value, Number largest) 
     return value < 0 ? 0 : value > largest ? largest : value;
 }
 
+// Columns from one to another.
 template <typename Sample, size_t channels>
-void Linear(const uint8_t* source, uint32_t base, const LinearColumns& columns, size_t count,
-            uint8_t* target) {
-    size_t i = 0;
-#if defined(__AVX2__)
-    if constexpr (channels > 1)
-        if (columns.Pairs != nullptr)
-            i = LinearVectors<Sample, channels>(source, base, columns, count, target);
-#endif
-    for (; i < count; ++i) {
+void LinearBetween(const uint8_t* source, uint32_t base, const LinearColumns& columns, size_t from, size_t to,
+                   uint8_t* target) {
+    const bool isShort = sizeof(Sample) == 1 && columns.Pairs != nullptr;
+    for (size_t i = from; i < to; ++i) {
         const LinearColumn& column = columns.At[i];
         const size_t first = size_t{column.First - base} * channels;
         const size_t second = size_t{column.Second - base} * channels;
-        const bool isShort = sizeof(Sample) == 1 && columns.Pairs != nullptr;
         const uint64_t firstWeight = isShort ? columns.Pairs[i] & 0xFFFF : column.Span - column.Weight;
         for (size_t c = 0; c < channels; ++c) {
             const uint64_t sum = Load<Sample>(source, first + c) * firstWeight +
                                  Load<Sample>(source, second + c) * uint64_t{column.Weight};
-            Store<Sample>(
-                target, i * channels + c,
-                static_cast<uint32_t>(isShort ? sum * columns.Reciprocals[i] >> 16 : sum / column.Span));
+            const uint64_t made = isShort ? sum * columns.Reciprocals[i] >> 16 : sum / column.Span;
+            Store<Sample>(target, i * channels + c, static_cast<uint32_t>(made));
         }
     }
+}
+
+template <typename Sample, size_t channels>
+void Linear(const uint8_t* source, uint32_t base, const LinearColumns& columns, size_t count,
+            uint8_t* target) {
+    size_t done = 0;
+#if defined(__AVX2__)
+    constexpr size_t pixelBytes = channels * sizeof(Sample);
+    if (columns.Doubles) {
+        const size_t first = FirstOfTwo(columns.At, count);
+        LinearBetween<Sample, channels>(source, base, columns, 0, first, target);
+        done = first + LinearDoubled<Sample, channels>(source, base, columns.At + first, count - first,
+                                                       target + first * pixelBytes);
+    }
+    if constexpr (channels > 1)
+        if (columns.Pairs != nullptr)
+            done += LinearVectors<Sample, channels>(source, base, columns.From(done), count - done,
+                                                    target + done * pixelBytes);
+#endif
+    LinearBetween<Sample, channels>(source, base, columns, done, count, target);
 }
 
 template <typename Sample, size_t channels>
@@ -144,16 +159,12 @@ template <typename Sample> uint32_t Round(float value) {
         Clamp(static_cast<int32_t>(value + 0.5f), static_cast<int32_t>(Largest<Sample>)));
 }
 
+// Columns from one to another.
 template <typename Sample, size_t channels>
-void Evaluate(const uint8_t* source, const float* m, uint32_t base, const SplineColumn* columns, size_t count,
-              uint8_t* target) {
+void EvaluateBetween(const uint8_t* source, const float* m, uint32_t base, const SplineColumn* columns,
+                     size_t from, size_t to, uint8_t* target) {
     constexpr size_t places = PlacesOf<channels>;
-    size_t i = 0;
-#if defined(__AVX2__)
-    if constexpr (channels > 1)
-        i = EvaluateVectors<Sample, channels>(source, m, base, columns, count, target);
-#endif
-    for (; i < count; ++i) {
+    for (size_t i = from; i < to; ++i) {
         const SplineColumn& column = columns[i];
         const size_t first = size_t{column.First - base}, second = size_t{column.Second - base};
         for (size_t c = 0; c < channels; ++c) {
@@ -164,6 +175,26 @@ void Evaluate(const uint8_t* source, const float* m, uint32_t base, const Spline
             Store<Sample>(target, i * channels + c, Round<Sample>(value));
         }
     }
+}
+
+template <typename Sample, size_t channels>
+void Evaluate(const uint8_t* source, const float* m, uint32_t base, const SplineColumns& columns,
+              size_t count, uint8_t* target) {
+    size_t done = 0;
+#if defined(__AVX2__)
+    constexpr size_t pixelBytes = channels * sizeof(Sample);
+    if constexpr (channels > 1) {
+        if (columns.Doubles) {
+            const size_t first = FirstOfTwo(columns.At, count);
+            EvaluateBetween<Sample, channels>(source, m, base, columns.At, 0, first, target);
+            done = first + SplineDoubled<Sample, channels>(source, m, base, columns.At + first, count - first,
+                                                           target + first * pixelBytes);
+        }
+        done += EvaluateVectors<Sample, channels>(source, m, base, columns.At + done, count - done,
+                                                  target + done * pixelBytes);
+    }
+#endif
+    EvaluateBetween<Sample, channels>(source, m, base, columns.At, done, count, target);
 }
 
 template <typename Sample> void AddWeighted(const uint8_t* row, double weight, double* sums, size_t samples) {

@@ -25,11 +25,12 @@ struct LinearColumns {
     const uint32_t* Pairs;       // the weights of both pixels, 16 bits each; null where a span is longer
     const uint32_t* Reciprocals; // 65536 / span + 1
     const float* Inverses;       // 1 / span
+    bool Doubles;                // of a row of twice the width
 
     LinearColumns From(size_t first) const {
         return Pairs == nullptr
-                   ? LinearColumns{At + first, nullptr, nullptr, nullptr}
-                   : LinearColumns{At + first, Pairs + first, Reciprocals + first, Inverses + first};
+                   ? LinearColumns{At + first, nullptr, nullptr, nullptr, false}
+                   : LinearColumns{At + first, Pairs + first, Reciprocals + first, Inverses + first, Doubles};
     }
 };
 
@@ -69,6 +70,11 @@ struct SplineColumn {
     float FirstM, SecondM; // (a^3 - a) / 6 and (t^3 - t) / 6
 };
 
+struct SplineColumns {
+    const SplineColumn* At;
+    bool Doubles; // of a row of twice the width
+};
+
 // The first `count` columns make a target row. Columns count source pixels from `base`, where the source begins; no byte
 // is read behind the pixels that they need.
 template <class Columns>
@@ -82,7 +88,7 @@ struct SplineRow {
     // Second derivatives of a row of natural splines; scratch is as long as they are.
     void (*Solve)(const uint8_t* source, size_t pixels, float* derivatives, float* scratch);
     void (*Evaluate)(const uint8_t* source, const float* derivatives, uint32_t base,
-                     const SplineColumn* columns, size_t count, uint8_t* target);
+                     const SplineColumns& columns, size_t count, uint8_t* target);
 };
 
 struct ResampleKernels {

@@ -40,7 +40,8 @@ ReturnCode RowResampler::MakeLinear() {
         pairs_.emplace(count <= SIZE_MAX / 2 ? count * 2 : SIZE_MAX);
         inverses_.emplace(count);
         if (!*pairs_ || !*inverses_) return code::OutOfMemory;
-        linearColumns_ = {linear_->data(), pairs_->data(), pairs_->data() + count, inverses_->data()};
+        linearColumns_ = {linear_->data(), pairs_->data(), pairs_->data() + count, inverses_->data(),
+                          Doubles()};
     }
     for (size_t i = 0; i < count; ++i) {
         const kernels::LinearColumn column = LinearAt(static_cast<int32_t>(i), oldWidth_, newWidth_);
@@ -146,8 +147,8 @@ void RowResampler::Run(const uint8_t* source, int32_t base, uint8_t* target) {
         float* const derivatives = derivatives_->data();
         const kernels::SplineRow& spline = all.Spline[type][layout];
         spline.Solve(span, pixels, derivatives, derivatives + pixels * kernels::DerivativePlaces);
-        spline.Evaluate(span, derivatives, static_cast<uint32_t>(span_.First), spline_->data(), count,
-                        target);
+        spline.Evaluate(span, derivatives, static_cast<uint32_t>(span_.First), {spline_->data(), Doubles()},
+                        count, target);
         break;
     }
     }

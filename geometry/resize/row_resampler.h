@@ -47,6 +47,7 @@ class RowResampler {
     ReturnCode MakeAverage();
     ReturnCode MakeSpline();
     SourceSpan SpanOfStretch();
+    bool Doubles() const { return newWidth_ == int64_t{oldWidth_} * 2; }
 
     Rule rule_ = Rule::Copy;
     SampleFormat format_ = {};

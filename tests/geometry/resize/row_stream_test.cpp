@@ -183,10 +183,11 @@ struct Reads {
 
 // Sizes that shrink, stay or grow, by a little or much.
 int32_t NewSize(Seeded& seeded, int32_t size) {
-    switch (seeded.Below(5)) {
+    switch (seeded.Below(6)) {
     case 0: return size;
     case 1: return seeded.Between(1, size);
     case 2: return size * seeded.Between(2, 9);
+    case 3: return size * 2;
     default: return seeded.Between(1, size * 4);
     }
 }

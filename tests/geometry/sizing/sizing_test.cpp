@@ -43,9 +43,13 @@ Picture NearestModel(const Picture& source, int32_t width, int32_t height) {
 }
 
 int32_t NewSize(Seeded& seeded, int32_t size) {
-    return seeded.Below(6) == 0 ? size
-           : seeded.Below(2)    ? seeded.Between(1, size)
-                                : seeded.Between(size, size * 5);
+    switch (seeded.Below(8)) {
+    case 0: return size;
+    case 1:
+    case 2: return size * 2;
+    case 3: return seeded.Between(size, size * 5);
+    default: return seeded.Between(1, size * (seeded.Below(2) + 1));
+    }
 }
 
 TEST(Sizing, NearestTakesThePixelsOfEveryDepthAndStorage) {
