@@ -40,8 +40,9 @@ std::string Line(const char* name, int number, uint64_t digest) {
 }
 
 auto AllFamilies() {
-    return std::array{CoreFamilies(),       PixelFamilies(), ColourFamilies(), GrayFamilies(),
-                      ResolutionFamilies(), TurnFamilies(),  ResizeFamilies(), RegionFamilies()};
+    return std::array{CoreFamilies(),   PixelFamilies(),      ColourFamilies(),
+                      GrayFamilies(),   ResolutionFamilies(), TurnFamilies(),
+                      ResizeFamilies(), RegionFamilies(),     PlaybackFamilies()};
 }
 
 // The digest of every case; those of the families are printed.
