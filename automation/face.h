@@ -1,0 +1,24 @@
+// What the face of a raster object does for it: the component model's on Windows, a plain class elsewhere.
+#pragma once
+
+#include "zkr13n/codes.h"
+
+namespace zkr::automation {
+
+class Face {
+  public:
+    // A reference to the whole object, for the time of a call that may end it.
+    virtual void Keep() = 0;
+    virtual void Drop() = 0;
+    // The text that goes with the result of the member that is running.
+    virtual void ReportFailure(const char* text) = 0;
+    virtual void FireChange(int32_t change, int32_t reserved1, int32_t reserved2) = 0;
+    virtual void FireRegionChange() = 0;
+    // A colour of a client, which may be one of the system's, as a colour value; false for one that is none.
+    virtual bool TranslateColour(uint32_t colour, uint32_t* plain) = 0;
+
+  protected:
+    ~Face() = default;
+};
+
+} // namespace zkr::automation

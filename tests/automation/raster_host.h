@@ -1,0 +1,119 @@
+// A raster object without a face that clients see: what it tells is written down, and what the whole process holds is
+// counted.
+#pragma once
+
+#include "automation/raster_object.h"
+#include "platform/faults.h"
+#include "zkr13n/pixels.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zkr::test {
+
+using automation::Array;
+using automation::RasterObject;
+
+constexpr int NewBitmap = 0x10F;
+constexpr int RegionChange = -1; // among the changes
+
+inline int32_t Failure(ReturnCode code) {
+    return static_cast<int32_t>(0x800A0000u | static_cast<uint32_t>(20000 - code));
+}
+
+struct Raster final : automation::Face {
+    Raster() { EXPECT_EQ(object.Make(), Z_SUCCESS); }
+    Raster(int32_t width, int32_t height, int16_t bits) : Raster() {
+        EXPECT_EQ(object.CreateBitmap(float(width), float(height), bits, &result), 0);
+        Told.clear();
+    }
+    virtual ~Raster() = default;
+
+    void Keep() override { ++references; }
+    void Drop() override { --references; }
+    void ReportFailure(const char* text) override { Text = text; }
+    void FireChange(int32_t change, int32_t, int32_t) override {
+        Told.push_back(change);
+        if (OnChange) OnChange(change);
+    }
+    void FireRegionChange() override { Told.push_back(RegionChange); }
+    bool TranslateColour(uint32_t colour, uint32_t* plain) override {
+        *plain = colour;
+        return colour >> 24 <= 2;
+    }
+
+    // What was told since the last call.
+    std::vector<int> Changes() { return std::exchange(Told, {}); }
+
+    // Properties, as a script reads them.
+    template <typename T> T Get(automation::Result (RasterObject::*member)(T*)) {
+        T value{};
+        Text.clear();
+        status = (object.*member)(&value);
+        return value;
+    }
+    uint32_t Pixel(float x, float y) {
+        uint32_t colour = 0;
+        status = object.GetPixel(x, y, &colour);
+        return colour;
+    }
+    intptr_t Bitmap() { return Get(&RasterObject::GetBitmap); }
+    BitmapList List() { return reinterpret_cast<BitmapList>(Get(&RasterObject::GetBitmapList)); }
+    int32_t Count() { return Get(&RasterObject::GetBitmapListCount); }
+    int16_t Index() { return Get(&RasterObject::GetBitmapListIndex); }
+    float Width() { return Get(&RasterObject::GetBitmapWidth); }
+    BitmapHandle& Record() {
+        const automation::LockedToken token(Bitmap());
+        return *token->Record;
+    }
+    // Appends copies of bitmaps of these widths, 1 row of 8 bits.
+    void Append(std::initializer_list<int> widths) {
+        for (const int width : widths) {
+            Raster other(width, 1, 8);
+            EXPECT_EQ(object.InsertBitmapListItem(-1, other.Bitmap(), &result), 0);
+        }
+        Told.clear();
+    }
+    // The widths of the items, and that the working record is its item's.
+    std::vector<int> Items() {
+        std::vector<int> widths;
+        BitmapHandle item;
+        for (uint32_t index = 0; Z_GetBitmapListItem(List(), index, &item) == Z_SUCCESS; ++index) {
+            widths.push_back(item.Width);
+            const bool shown = int(index) == Index() && Bitmap() != 0;
+            EXPECT_TRUE(!shown || std::memcmp(&item, &Record(), sizeof item) == 0);
+        }
+        return widths;
+    }
+
+    int references = 1;
+    int16_t result = 0;
+    automation::Result status = 0;
+    std::string Text;
+    std::vector<int> Told;
+    std::function<void(int)> OnChange;
+    RasterObject object{*this};
+};
+
+// Nothing that a test makes may be left behind.
+class RasterTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        { Raster warm(3, 3, 8); } // what is kept for the process is made
+        live_ = platform::fault::Live();
+    }
+    void TearDown() override {
+        platform::fault::Disarm();
+        EXPECT_EQ(platform::fault::Live(), live_);
+    }
+
+  private:
+    int64_t live_ = 0;
+};
+
+} // namespace zkr::test
