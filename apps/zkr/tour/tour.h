@@ -23,8 +23,9 @@ struct TourStep {
 };
 
 struct Tour {
-    Bitmap photo;     // 24 bits, rgb
-    std::string page; // file of a bitonal page
+    Bitmap photo;          // 24 bits, rgb
+    std::string page;      // file of a bitonal page
+    std::string animation; // file of an animation
     std::filesystem::path out;
     ContactSheet sheet;
     std::vector<std::string> storageLines = {}; // of the photograph, for the sheet

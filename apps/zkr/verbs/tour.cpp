@@ -17,6 +17,7 @@ namespace {
 struct TourOptions {
     std::string picture = "/usr/share/palapeli/collection/european-honey-bee.jpg";
     std::string page = "/usr/share/jbigkit-testdata/ccitt1.jbg";
+    std::string animation = "/usr/lib/python3/dist-packages/imageio/resources/images/newtonscradle.gif";
     std::string out = "out/tour";
 };
 
@@ -53,7 +54,7 @@ void Run(const TourOptions& options) {
         std::filesystem::path(options.picture).filename().string() + ", " + SizeOf(photo);
     std::printf("%s\n%s\n", picture.c_str(), Decibels);
 
-    Tour tour = {std::move(photo), options.page, options.out,
+    Tour tour = {std::move(photo), options.page, options.animation, options.out,
                  ContactSheet("ZKR13N: one picture in every depth", picture + ". " + Decibels)};
     for (const Station* station : Stations) {
         tour.PrintHead(station->title);

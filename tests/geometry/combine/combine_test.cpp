@@ -242,10 +242,12 @@ TEST(Combine, FarAway) {
             Z_AllocateBitmap(each, MemoryConventional);
         Fill(source, 5);
         const Picture blank = Picture::Of(target);
-        for (const int32_t far : {INT32_MIN, INT32_MAX, INT32_MAX - 4})
+        for (const int32_t edge : {INT32_MIN, INT32_MAX, INT32_MAX - 4})
             for (const int32_t size : {1, 100, INT32_MAX}) {
-                ASSERT_EQ(Z_CombineBitmap(&target, far, far, size, size, &source, far, far, 0x220), 1);
-                ASSERT_EQ(Z_CombineBitmap(&target, 0, 0, size, size, &source, far, -far, 0x220), 1);
+                ASSERT_EQ(Z_CombineBitmap(&target, edge, edge, size, size, &source, edge, edge, 0x220), 1);
+                ASSERT_EQ(Z_CombineBitmap(&target, 0, 0, size, size, &source, edge,
+                                          edge == INT32_MIN ? INT32_MAX : -edge, 0x220),
+                          1);
                 ASSERT_EQ(Picture::Of(target), blank);
             }
         ASSERT_EQ(Z_CombineBitmap(&target, -INT32_MAX + 5, 0, INT32_MAX, INT32_MAX, &source, -INT32_MAX + 5,
