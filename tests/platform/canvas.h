@@ -97,7 +97,8 @@ inline const int AllDepths[] = {1, 4, 8, 16, 24, 32};
 
 class Canvas {
   public:
-    Canvas(int width, int height, int bits, unsigned seed) : info(width, height, bits) {
+    Canvas(int width, int height, int bits, unsigned seed) : Canvas(DibInfo(width, height, bits), seed) {}
+    Canvas(const DibInfo& kind, unsigned seed) : info(kind) {
         context = platform::CreateCompatibleDC(nullptr);
         bitmap = platform::CreateDIBSection(nullptr, info.Get(), DIB_RGB_COLORS, &memory_, nullptr, 0);
         EXPECT_NE(bitmap, nullptr);
