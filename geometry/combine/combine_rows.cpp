@@ -84,7 +84,7 @@ class CombinedRows {
     Span targetSpan_, sourceSpan_;
     bool keepsAlpha_;
     bool skipsSecond_; // a mask of edges that never lets the pixel behind the first one through
-    std::optional<ScratchBuffer<uint8_t>> sourceRow_, movedRow_, resultRow_;
+    std::optional<ScratchBuffer<uint8_t>> sourceRow_, movedRow_, targetRow_, resultRow_;
     std::optional<ScratchBuffer<int32_t>> segmentRoom_;
     std::optional<ScratchBuffer<uint32_t>> putRoom_;
     std::span<const int32_t> segments_;
@@ -98,10 +98,11 @@ ReturnCode CombinedRows::Begin() {
         if (status != code::Success) return status;
     }
     most = std::max(most, 2u);
+    targetRow_.emplace(operation_.ReadsTarget() ? targetSpan_.Bytes : 1);
     resultRow_.emplace(targetSpan_.Bytes);
     segmentRoom_.emplace(most);
     putRoom_.emplace(most);
-    if (!*resultRow_ || !*segmentRoom_ || !*putRoom_) return code::OutOfMemory;
+    if (!*targetRow_ || !*resultRow_ || !*segmentRoom_ || !*putRoom_) return code::OutOfMemory;
     whole_[0] = areas_.Target.Left;
     whole_[1] = areas_.Target.Right;
     if (!operation_.ReadsSource()) return code::Success;
@@ -191,9 +192,8 @@ const uint8_t* CombinedRows::Apart(const uint8_t* pixels, const uint8_t* row) {
 }
 
 bool CombinedRows::CombinesInPlace(const uint8_t* row) const {
-    if (row == nullptr || keepsAlpha_) return false;
-    if (Bits() % 8 == 0) return operation_.IsOfBits() || operation_.IsOfSamples();
-    return operation_.IsOfBits() && target_.Region == nullptr && !skipsSecond_;
+    if (row == nullptr || keepsAlpha_ || !operation_.IsOfBytes()) return false;
+    return Bits() % 8 == 0 || (target_.Region == nullptr && !skipsSecond_);
 }
 
 // Bits of the first and last byte outside the area are put back.
@@ -210,12 +210,26 @@ void CombinedRows::CombineBits(uint8_t* row, const uint8_t* source) {
     *last = static_cast<uint8_t>((*last & ~behind) | lastBits);
 }
 
+// Segments are short and far apart in memory: those some way ahead are asked for meanwhile.
 void CombinedRows::CombineSegments(uint8_t* row, const uint8_t* source) {
+    constexpr size_t ahead = 2 * 16;
     const size_t pixelBytes = Bits() / 8;
-    for (size_t i = 0; i < segments_.size(); i += 2) {
-        const size_t at = static_cast<size_t>(segments_[i] - areas_.Target.Left) * pixelBytes;
-        const size_t bytes = static_cast<size_t>(segments_[i + 1] - segments_[i]) * pixelBytes;
-        operation_.RunBytes(row + at, row + at, source == nullptr ? nullptr : source + at, bytes);
+    const bool copies = operation_.IsCopy();
+    const int32_t* const columns = segments_.data();
+    const size_t entries = segments_.size();
+    const auto byteOf = [=, left = areas_.Target.Left](size_t entry) {
+        return static_cast<size_t>(columns[entry] - left) * pixelBytes;
+    };
+    for (size_t i = 0; i < entries; i += 2) {
+        const size_t at = byteOf(i), bytes = byteOf(i + 1) - at;
+        if (i + ahead < entries) {
+            __builtin_prefetch(row + byteOf(i + ahead), 1);
+            if (source != nullptr) __builtin_prefetch(source + byteOf(i + ahead));
+        }
+        if (copies)
+            std::memcpy(row + at, source + at, bytes);
+        else
+            operation_.RunBytes(row + at, row + at, source == nullptr ? nullptr : source + at, bytes);
     }
 }
 
@@ -228,12 +242,12 @@ ReturnCode CombinedRows::Combine(int32_t row) {
 
     uint8_t* reached = ReachRow(target_, row);
     if (reached != nullptr) reached += targetSpan_.Byte;
-    if (operation_.IsCopy())
+    if (operation_.IsCopy() && !(CombinesInPlace(reached) && Bits() % 8 == 0))
         return Put(Apart(source, reached), row, sourceSpan_.Start - areas_.ColumnsToSource);
     if (source != nullptr) source = InPhase(source);
 
     if (CombinesInPlace(reached)) {
-        if (source != nullptr && source != reached && source != movedRow_->data())
+        if (source != nullptr && (source != reached || operation_.IsCopy()) && source != movedRow_->data())
             source = Apart(source, reached);
         if (Bits() % 8 == 0)
             CombineSegments(reached, source);
@@ -242,14 +256,14 @@ ReturnCode CombinedRows::Combine(int32_t row) {
         return code::Success;
     }
 
-    uint8_t* const result = resultRow_->data();
     const uint8_t* pixels = reached;
     if (operation_.ReadsTarget() && reached == nullptr) {
-        status =
-            ReadExactly(target_, result, row, targetSpan_.Start, static_cast<uint32_t>(targetSpan_.Bytes));
+        pixels = targetRow_->data();
+        status = ReadExactly(target_, targetRow_->data(), row, targetSpan_.Start,
+                             static_cast<uint32_t>(targetSpan_.Bytes));
         if (status != code::Success) return status;
-        pixels = result;
     }
+    uint8_t* const result = resultRow_->data();
     operation_.Run(result, pixels, source, targetSpan_.Pixels);
     return Put(result, row, targetSpan_.Start);
 }

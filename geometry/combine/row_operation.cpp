@@ -12,7 +12,7 @@ namespace zkr::geometry {
 
 namespace {
 
-constexpr size_t PiecePixels = 512; // whole bytes at every depth
+constexpr size_t PiecePixels = 2048; // whole bytes at every depth
 constexpr uint32_t AllBits = 0xFFFF;
 
 constexpr size_t BytesOf(size_t pixels, size_t bits) {
@@ -65,12 +65,16 @@ void RowOperation::ChooseSamples(const BitmapHandle& target) {
             targetWindow_.Mask != AllBits)
             operator_ = kernels_.MultiplyAnyWords;
         if (form_ != Form::Gray) form_ = Form::Samples;
+    } else if (bits_ == 2 || bits_ == 4) {
+        form_ = Form::Samples;
+        operator_ = (bits_ == 2 ? kernels_.Fours : kernels_.Pairs)[op];
     } else if (bits_ < 8) {
         form_ = Form::Packed;
         range_.Maximum = (1u << bits_) - 1;
         for (uint32_t* each : {&range_.SourceFlip, &range_.TargetFlip, &range_.ResultFlip})
             *each &= range_.Maximum;
         operator_ = kernels_.Bytes[op];
+        units_ = kernels_.Units[bits_][op];
     } else {
         form_ = Form::Samples;
         const bool isDeep = IsDeep(target.BitsPerPixel);
@@ -97,6 +101,11 @@ void RowOperation::RunBytes(uint8_t* result, const uint8_t* target, const uint8_
 
 void RowOperation::RunPacked(uint8_t* result, const uint8_t* target, const uint8_t* source,
                              size_t pixels) const {
+    if (units_ != nullptr) {
+        const size_t done = units_(result, target, source, pixels, range_), at = done / 8 * bits_;
+        result += at, target += at, source += at;
+        pixels -= done;
+    }
     uint8_t targets[PiecePixels], sources[PiecePixels];
     const kernels::RowParameters identity = {.Table = kernels::IdentityMap.data()};
     InPieces(pixels, [&](size_t first, size_t count) {

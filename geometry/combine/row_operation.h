@@ -21,14 +21,13 @@ class RowOperation {
     bool ReadsTarget() const { return (code_ & combine_code::ReadsTarget) != 0; }
     // The result is the source, as it lies in its rows.
     bool IsCopy() const { return form_ == Form::Bits && Operation() == combine_code::Copy; }
-    // The operation works on any bytes, not on whole pixels.
-    bool IsOfBits() const { return form_ == Form::Bits; }
-    bool IsOfSamples() const { return form_ == Form::Samples; }
+    // The operation works on bytes as they lie in rows; below 8 bits on any of them, not on whole pixels.
+    bool IsOfBytes() const { return form_ == Form::Bits || form_ == Form::Samples; }
 
-    // Packed pixels begin at the first bit; of their last byte, all bits may be written. What is not read may be null.
-    // The result may stand where the target does.
+    // The result stands apart from the operands. Packed pixels begin at the first bit; of their last byte, all bits may
+    // be written. What is not read may be null.
     void Run(uint8_t* result, const uint8_t* target, const uint8_t* source, size_t pixels) const;
-    // Of IsOfBits and IsOfSamples.
+    // Where IsOfBytes. The result may stand where the target does.
     void RunBytes(uint8_t* result, const uint8_t* target, const uint8_t* source, size_t bytes) const;
 
   private:
@@ -58,6 +57,7 @@ class RowOperation {
     const kernels::ConvertKernels& packing_;
     kernels::CombineBits table_ = nullptr; // one of these two
     kernels::CombineSamples operator_ = nullptr;
+    kernels::CombinePacked units_ = nullptr; // before the operator, where there are any
     kernels::SampleRange range_{};
     Window targetWindow_{}, sourceWindow_{}; // of gray
 };

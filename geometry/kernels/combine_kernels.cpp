@@ -1,14 +1,15 @@
-// All operators work on vectors of bytes or words as they lie in the rows; the rest of a row is a vector that is filled
-// up. Where a product or a quotient needs more room, the even and the odd samples are worked out in lanes of twice the
+// All operators work on vectors of bytes or words as they lie in the rows; a row that is shorter than a vector fills up one. Where a product or a quotient needs more room, the even and the odd samples are worked out in lanes of twice the
 // width.
 #include "geometry/kernels/combine_kernels.h"
 
 #include "kernels/family.h"
 
 #include <cstring>
+#include <type_traits>
 #include <utility>
 
 #if defined(__AVX2__)
+#include "colour/kernels/packing_avx2.h"
 #include <immintrin.h>
 #endif
 
@@ -27,28 +28,56 @@ typedef uint32_t DoubleLanes __attribute__((vector_size(VectorBytes)));
 typedef int32_t SignedLanes __attribute__((vector_size(VectorBytes)));
 typedef float FloatLanes __attribute__((vector_size(VectorBytes)));
 
-template <typename Vector> inline Vector Load(const uint8_t* from, size_t bytes = sizeof(Vector)) {
-    Vector vector = {};
-    std::memcpy(&vector, from, bytes);
+template <typename Vector> inline Vector Load(const uint8_t* from) {
+    Vector vector;
+    std::memcpy(&vector, from, sizeof vector);
     return vector;
 }
 
-// result[i] = make(target[i], source[i]), in lanes. An operand that is not read is zero.
+// So many bytes, fewer than a vector has, in at most two moves that overlap; or a few single ones.
+inline void CopyFew(uint8_t* to, const uint8_t* from, size_t bytes) {
+    const auto ends = [=]<size_t size>(std::integral_constant<size_t, size>) {
+        uint8_t first[size], last[size];
+        std::memcpy(first, from, size);
+        std::memcpy(last, from + bytes - size, size);
+        std::memcpy(to, first, size);
+        std::memcpy(to + bytes - size, last, size);
+    };
+    if (bytes >= 16)
+        ends(std::integral_constant<size_t, 16>());
+    else if (bytes >= 8)
+        ends(std::integral_constant<size_t, 8>());
+    else if (bytes >= 4)
+        ends(std::integral_constant<size_t, 4>());
+    else
+        for (size_t i = 0; i < bytes; ++i)
+            to[i] = from[i];
+}
+
+// result[i] = make(target[i], source[i]), in lanes. An operand that is not read is zero. The last vector may overlap the
+// one before, and is made before anything is written.
 template <typename Vector, bool readsTarget = true, bool readsSource = true, typename Make>
 inline void Combine(uint8_t* result, const uint8_t* target, const uint8_t* source, size_t bytes, Make make) {
-    const auto load = [](bool reads, const uint8_t* row, size_t at, size_t count) {
-        return reads ? Load<Vector>(row + at, count) : Vector{};
+    const auto made = [&](size_t at) {
+        return make(readsTarget ? Load<Vector>(target + at) : Vector{},
+                    readsSource ? Load<Vector>(source + at) : Vector{});
     };
-    size_t i = 0;
-    for (; i + sizeof(Vector) <= bytes; i += sizeof(Vector)) {
-        const Vector made =
-            make(load(readsTarget, target, i, sizeof(Vector)), load(readsSource, source, i, sizeof(Vector)));
-        std::memcpy(result + i, &made, sizeof made);
+    if (bytes >= sizeof(Vector)) {
+        const size_t last = bytes - sizeof(Vector);
+        const Vector end = made(last);
+        for (size_t i = 0; i < last; i += sizeof(Vector)) {
+            const Vector vector = made(i);
+            std::memcpy(result + i, &vector, sizeof vector);
+        }
+        std::memcpy(result + last, &end, sizeof end);
+        return;
     }
-    if (const size_t rest = bytes - i; rest > 0) {
-        const Vector made = make(load(readsTarget, target, i, rest), load(readsSource, source, i, rest));
-        std::memcpy(result + i, &made, rest);
-    }
+    uint8_t few[2][sizeof(Vector)] = {};
+    if (readsTarget) CopyFew(few[0], target, bytes);
+    if (readsSource) CopyFew(few[1], source, bytes);
+    const Vector vector = make(Load<Vector>(few[0]), Load<Vector>(few[1]));
+    std::memcpy(few[0], &vector, sizeof vector);
+    CopyFew(result, few[0], bytes);
 }
 
 template <unsigned table>
@@ -165,19 +194,20 @@ void CombineLanes(uint8_t* result, const uint8_t* target, const uint8_t* source,
     });
 }
 
-template <SampleOperator op>
-void CombineColour16(uint8_t* result, const uint8_t* target, const uint8_t* source, size_t bytes,
-                     const SampleRange& range) {
-    const auto flipD = static_cast<uint16_t>(range.TargetFlip),
-               flipS = static_cast<uint16_t>(range.SourceFlip),
-               flip = static_cast<uint16_t>(range.ResultFlip);
-    const uint32_t maximum = range.Maximum;
-    Combine<WordLanes>(result, target, source, bytes, [=](WordLanes d, WordLanes s) -> WordLanes {
+// Samples side by side in a byte or a word.
+template <SampleOperator op, typename Lanes, int bits, int fields>
+void CombineFields(uint8_t* result, const uint8_t* target, const uint8_t* source, size_t bytes,
+                   const SampleRange& range) {
+    using Word = std::remove_cvref_t<decltype(Lanes{}[0])>;
+    constexpr Word mask = (1 << bits) - 1;
+    const auto flipD = static_cast<Word>(range.TargetFlip), flipS = static_cast<Word>(range.SourceFlip),
+               flip = static_cast<Word>(range.ResultFlip);
+    Combine<Lanes>(result, target, source, bytes, [=](Lanes d, Lanes s) -> Lanes {
         d ^= flipD;
         s ^= flipS;
-        WordLanes all = {};
-        for (int shift = 0; shift < 15; shift += 5)
-            all |= Operate<op, WordLanes>(d >> shift & 31, s >> shift & 31, maximum) << shift;
+        Lanes all = {};
+        for (int shift = 0; shift < bits * fields; shift += bits)
+            all |= Operate<op, Lanes>(d >> shift & mask, s >> shift & mask, mask) << shift;
         return all ^ flip;
     });
 }
@@ -212,6 +242,42 @@ void WriteWindow(const uint8_t* values, uint8_t* words, size_t count, uint32_t m
         [=](WordLanes value, WordLanes) -> WordLanes { return (value & bits) << places; });
 }
 
+#if defined(__AVX2__)
+
+// Indices that cross the borders of bytes, 32 at a time. The moves take in, and write over, a part of what follows.
+template <SampleOperator op, size_t bits>
+[[gnu::flatten]] size_t CombineUnits(uint8_t* result, const uint8_t* target, const uint8_t* source,
+                                     size_t pixels, const SampleRange& range) {
+    constexpr size_t unitBytes = UnitPixels * bits / 8;
+    const UnpackStep<bits> unpacking({.Table = IdentityMap.data()});
+    const PackStep<bits> packing({});
+    const auto unpack = [&](const uint8_t* packed) {
+        const __m256i even = unpacking.Sixteen(packed, packed + 2 * bits);
+        const __m256i odd = unpacking.Sixteen(packed + bits, packed + 3 * bits);
+        return reinterpret_cast<ByteLanes>(_mm256_packus_epi16(even, odd));
+    };
+    const auto flipD = static_cast<uint8_t>(range.TargetFlip), flipS = static_cast<uint8_t>(range.SourceFlip),
+               flip = static_cast<uint8_t>(range.ResultFlip);
+    const uint32_t maximum = range.Maximum;
+    size_t done = 0;
+    for (; pixels - done >= 2 * UnitPixels; done += UnitPixels) {
+        const ByteLanes combined =
+            Operate<op, ByteLanes>(unpack(target) ^ flipD, unpack(source) ^ flipS, maximum) ^ flip;
+        uint8_t samples[UnitPixels];
+        std::memcpy(samples, &combined, sizeof samples);
+        packing(result, samples);
+        target += unitBytes, source += unitBytes, result += unitBytes;
+    }
+    return done;
+}
+
+template <size_t bits, size_t... op>
+constexpr void SetUnits(CombineKernels& kernels, std::index_sequence<op...>) {
+    ((kernels.Units[bits][op] = CombineUnits<static_cast<SampleOperator>(op), bits>), ...);
+}
+
+#endif
+
 // One of the two steps does nothing.
 template <typename Lanes> inline Lanes Lit(Lanes pixels, Lanes gray) {
     const Lanes middle = Lanes{} + uint8_t{128};
@@ -234,10 +300,10 @@ void UnderlaySingly(uint8_t* pixels, const uint8_t* gray, size_t count) {
 
 // 32 pixels: each gray value thrice, by shuffles within the halves of a vector.
 void Underlay(uint8_t* pixels, const uint8_t* gray, size_t count) {
-    typedef char Places __attribute__((vector_size(16)));
-    static constexpr Places thrice[3] = {{0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5},
-                                         {5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10},
-                                         {10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15}};
+    typedef char Shuffle __attribute__((vector_size(16)));
+    static constexpr Shuffle thrice[3] = {{0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5},
+                                          {5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10},
+                                          {10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15}};
     size_t i = 0;
     for (; i + 32 <= count; i += 32) {
         const __m128i first = _mm_loadu_si128(reinterpret_cast<const __m128i*>(gray + i));
@@ -282,13 +348,22 @@ template <size_t... table> constexpr void SetTables(CombineKernels& kernels, std
 template <size_t... op> constexpr void SetOperators(CombineKernels& kernels, std::index_sequence<op...>) {
     ((kernels.Bytes[op] = CombineLanes<static_cast<SampleOperator>(op), ByteLanes>), ...);
     ((kernels.Words[op] = CombineLanes<static_cast<SampleOperator>(op), WordLanes>), ...);
-    ((kernels.Colour16[op] = CombineColour16<static_cast<SampleOperator>(op)>), ...);
+    ((kernels.Pairs[op] = CombineFields<static_cast<SampleOperator>(op), ByteLanes, 4, 2>), ...);
+    ((kernels.Fours[op] = CombineFields<static_cast<SampleOperator>(op), ByteLanes, 2, 4>), ...);
+    ((kernels.Colour16[op] = CombineFields<static_cast<SampleOperator>(op), WordLanes, 5, 3>), ...);
 }
 
 constexpr CombineKernels MakeKernels() {
     CombineKernels kernels{};
     SetTables(kernels, std::make_index_sequence<16>());
     SetOperators(kernels, std::make_index_sequence<SampleOperators>());
+#if defined(__AVX2__)
+    constexpr auto operators = std::make_index_sequence<SampleOperators>();
+    SetUnits<3>(kernels, operators);
+    SetUnits<5>(kernels, operators);
+    SetUnits<6>(kernels, operators);
+    SetUnits<7>(kernels, operators);
+#endif
     kernels.MultiplyAnyWords = MultiplyAnyWords;
     kernels.ReadWindow = ReadWindow;
     kernels.WriteWindow = WriteWindow;

@@ -22,6 +22,11 @@ struct SampleRange {
 using CombineSamples = void (*)(uint8_t* result, const uint8_t* target, const uint8_t* source, size_t bytes,
                                 const SampleRange& range);
 
+// Combines the first of a span's packed pixels, a multiple of 32 of them, and tells how many these were. The result stands
+// apart from both operands.
+using CombinePacked = size_t (*)(uint8_t* result, const uint8_t* target, const uint8_t* source, size_t pixels,
+                                 const SampleRange& range);
+
 // In the order of the flags.
 enum class SampleOperator : uint8_t {
     Add,
@@ -41,10 +46,12 @@ inline constexpr size_t SampleOperators = static_cast<size_t>(SampleOperator::Co
 struct CombineKernels {
     CombineBits Bits[16];
     CombineSamples Bytes[SampleOperators];
-    CombineSamples Words[SampleOperators]; // of 16 bits
-    CombineSamples
-        Colour16[SampleOperators];   // three samples of five bits in a word; its top bit becomes anything
-    CombineSamples MultiplyAnyWords; // of words that may be beyond the maximum
+    CombineSamples Words[SampleOperators];    // of 16 bits
+    CombineSamples Pairs[SampleOperators];    // two samples of four bits in a byte
+    CombineSamples Fours[SampleOperators];    // four samples of two bits in a byte
+    CombineSamples Colour16[SampleOperators]; // three of five bits in a word, whose top bit becomes anything
+    CombinePacked Units[8][SampleOperators];  // by bits 3, 5, 6 and 7; null where the set has none
+    CombineSamples MultiplyAnyWords;          // of words that may be beyond the maximum
 
     // Gray words to their values, (word >> shift) & mask, and back, (value & mask) << shift.
     void (*ReadWindow)(const uint8_t* words, uint8_t* values, size_t count, uint32_t mask, uint32_t shift);

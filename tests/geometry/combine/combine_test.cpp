@@ -47,7 +47,7 @@ struct Subject : Bitmap {
     Bytes Data;
 
     Subject(Random& random, int32_t bits, int32_t order, const Storage& storage, int32_t view)
-        : Bitmap(1 + Below(random, 45), 1 + Below(random, 9), bits) {
+        : Bitmap(1 + Below(random, Below(random, 4) == 0 ? 300 : 45), 1 + Below(random, 9), bits) {
         ViewPerspective = view;
         Order = order;
         Allocate(*this, storage, Data);
@@ -73,7 +73,8 @@ struct Subject : Bitmap {
 
 void ExpectAsModelled(Random& random, BitmapHandle& target, BitmapHandle& source, uint32_t flags,
                       bool clips = true) {
-    const int width = 1 + Below(random, 40), height = 1 + Below(random, 10), reach = clips ? 12 : 0;
+    const int width = 1 + Below(random, std::max(target.Width, 20)), height = 1 + Below(random, 10),
+              reach = clips ? 12 : 0;
     const auto place = [&](int limit) { return Below(random, std::max(limit, 1) + 2 * reach) - reach; };
     Places places;
     places.Target.left = place(target.Width), places.Target.top = place(target.Height);
