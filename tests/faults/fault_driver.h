@@ -7,6 +7,7 @@
 #include "core/storage_faults.h"
 #include "platform/graphics.h"
 #include "zkr13n/allocation.h"
+#include "zkr13n/dib.h"
 #include "zkr13n/files.h"
 #include "zkr13n/lists.h"
 #include "zkr13n/palettes.h"
@@ -24,8 +25,11 @@ struct Ground {
     Bitmap Made;
     BitmapList List = nullptr, NewList = nullptr;
     HPALETTE Palette = nullptr, NewPalette = nullptr;
-    void* Block = nullptr;  // of the Z_Os family
-    void* Buffer = nullptr; // of the run-time heap
+    HANDLE Handle = nullptr;  // of the platform
+    HDC Context = nullptr;    // on pixels of the subject
+    HGLOBAL Global = nullptr; // a block
+    void* Block = nullptr;    // of the Z_Os family
+    void* Buffer = nullptr;   // of the run-time heap
     intptr_t File = -1;
     Bytes Row;
 
@@ -37,6 +41,9 @@ struct Ground {
             if (list != nullptr) Z_DestroyBitmapList(list);
         for (HPALETTE palette : {Palette, NewPalette})
             if (palette != nullptr) platform::DeleteObject(palette);
+        if (Handle != nullptr) platform::DeleteObject(Handle);
+        if (Context != nullptr) Z_DeleteZircDC(Context);
+        if (Global != nullptr) platform::GlobalFree(Global);
         Z_OsFree(Block);
         Z_Free(Buffer);
         if (File != -1) Z_OsClose(File, 0);

@@ -63,6 +63,7 @@ std::span<const Family> ResizeFamilies();
 std::span<const Family> RegionFamilies();
 std::span<const Family> PlaybackFamilies();
 std::span<const Family> CombineFamilies();
+std::span<const Family> DibFamilies();
 
 inline constexpr int Depths[] = {1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 24, 32, 48, 64};
 

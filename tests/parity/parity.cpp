@@ -40,9 +40,9 @@ std::string Line(const char* name, int number, uint64_t digest) {
 }
 
 auto AllFamilies() {
-    return std::array{CoreFamilies(),       PixelFamilies(),  ColourFamilies(), GrayFamilies(),
-                      ResolutionFamilies(), TurnFamilies(),   ResizeFamilies(), RegionFamilies(),
-                      PlaybackFamilies(),   CombineFamilies()};
+    return std::array{CoreFamilies(),       PixelFamilies(),   ColourFamilies(), GrayFamilies(),
+                      ResolutionFamilies(), TurnFamilies(),    ResizeFamilies(), RegionFamilies(),
+                      PlaybackFamilies(),   CombineFamilies(), DibFamilies()};
 }
 
 // The digest of every case; those of the families are printed.
