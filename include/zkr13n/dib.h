@@ -125,6 +125,26 @@ Z_API ReturnCode Z_CALL Z_ChangeFromDIB(BitmapHandle* bitmap, HGLOBAL block);
 Z_API ReturnCode Z_CALL Z_MirrorFromDIB(BitmapHandle* bitmap, HGLOBAL block);
 
 /*
+ * Makes a platform bitmap that shows what painting makes of a bitmap (Z_PaintDC), dithered where the device wants that
+ * and never as indices into a palette.
+ *
+ * deviceContext    in: that the platform bitmap is compatible with, null for the screen
+ * bitmap           in: an allocated bitmap; its row cache is changed. Of 1 bit, and gray with black or white first, the
+ *                  platform bitmap is monochrome. Views count: it is as wide and high as the picture.
+ *
+ * The thread's display mode is another while the bitmap is painted, and then as before.
+ *
+ * Returns the platform bitmap, which belongs to the caller; null for a bitmap that is null or not allocated, where
+ * memory is short, and when painting fails.
+ */
+Z_API HBITMAP Z_CALL Z_ConvertToDDB(HDC deviceContext, BitmapHandle* bitmap);
+
+/*
+ * As Z_ConvertToDDB, and frees the bitmap on success.
+ */
+Z_API HBITMAP Z_CALL Z_ChangeToDDB(HDC deviceContext, BitmapHandle* bitmap);
+
+/*
  * Makes a bitmap of a platform bitmap.
  *
  * deviceContext      in: whose colours are meant, null for the screen's

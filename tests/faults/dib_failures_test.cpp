@@ -91,6 +91,12 @@ TEST(DibFailures, OfThePlatform) {
         Z_FreeBitmap(&g.Made);
         return Z_ConvertFromDDB(nullptr, &g.Made, static_cast<HBITMAP>(g.Handle), g.Palette);
     };
+    const auto make = [](Ground& g) {
+        HBITMAP made = Z_ConvertToDDB(nullptr, &g.Subject);
+        if (made == nullptr) return Memory;
+        platform::DeleteObject(made);
+        return code::Success;
+    };
     const auto draw = [](Ground& g) {
         if (g.Context == nullptr) g.Context = Z_CreateZircDC(&g.Subject);
         if (g.Context == nullptr || Z_DeleteZircDC(g.Context) == 0) return Memory;
@@ -102,6 +108,7 @@ TEST(DibFailures, OfThePlatform) {
         return g.NewPalette == nullptr ? Memory : code::Success;
     };
     RunWarm({{"bitmap of a device", {Memory, Argument}, bitmap, convert},
+             {"bitmap for a device", {Memory}, With(MemoryConventional, 8, 0, 5), make},
              {"context on a bitmap", {Memory}, With(MemoryConventional, 24, 1, 2), draw},
              {"context on a file", {Memory}, With(MemoryDisk, 24, 0, 5), draw, Kept::Nothing},
              {"paint palette", {Memory}, With(MemoryConventional, 8, 0, 2), palette}});

@@ -4,6 +4,7 @@
 #include "display/dib/dib_model.h"
 #include "display/dib/region_exchange.h"
 #include "geometry/picture.h"
+#include "zkr13n/display_modes.h"
 #include "zkr13n/palettes.h"
 #include "zkr13n/region.h"
 #include "zkr13n/region_shapes.h"
@@ -92,6 +93,45 @@ TEST(Device, ConsumesPlatformBitmaps) {
     for (void* wrong : {static_cast<void*>(nullptr), static_cast<void*>(palette), static_cast<void*>(&none)})
         EXPECT_EQ(Z_ConvertFromDDB(nullptr, &none, static_cast<HBITMAP>(wrong), nullptr), Z_ERROR_ARGUMENT);
     platform::DeleteObject(palette);
+}
+
+// The colours that a device of full colour shows, upright. Without colours of its own a level is a gray.
+Picture ColoursSeen(BitmapHandle& bitmap) {
+    RGBQUAD colours[256] = {};
+    Z_GetBitmapPaletteEntries(&bitmap, 0, 256, colours);
+    const Picture pixels = Picture::Of(bitmap).Seen(bitmap.ViewPerspective);
+    return Picture::Made(pixels.Width, pixels.Height, [&](int x, int y) {
+        const uint64_t pixel = pixels.At(x, y);
+        if (bitmap.BitsPerPixel > 8) return pixel & 0xFFFFFF;
+        const RGBQUAD& c = colours[pixel];
+        return static_cast<uint64_t>(c.rgbBlue | c.rgbGreen << 8 | c.rgbRed << 16);
+    });
+}
+
+// There and back, in every view: on a screen of full colour no colour is lost.
+TEST(Device, PlatformBitmapsOfBitmaps) {
+    for (const int bits : {1, 4, 8, 24, 32})
+        for (const int view : AllViews) {
+            SCOPED_TRACE(std::to_string(bits) + " bits, view " + std::to_string(view));
+            Bitmap bitmap(Width, Height, bits);
+            ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryConventional), 1);
+            bitmap.ViewPerspective = view;
+            Fill(bitmap, static_cast<uint32_t>(view));
+            if (bits <= 8) Z_CreateBitmapFixedPalette(&bitmap);
+            const Picture expected = ColoursSeen(bitmap);
+            const uint32_t mode = Z_GetDisplayMode();
+            HBITMAP made = view == 3 ? Z_ChangeToDDB(nullptr, &bitmap) : Z_ConvertToDDB(nullptr, &bitmap);
+            ASSERT_NE(made, nullptr);
+            EXPECT_EQ((bitmap.Flags & Z_FLAG_ALLOCATED) == 0, view == 3);
+            EXPECT_EQ(Z_GetDisplayMode(), mode);
+            Bitmap again;
+            ASSERT_EQ(Z_ChangeFromDDB(nullptr, &again, made, nullptr), 1);
+            EXPECT_EQ(again.BitsPerPixel, bits == 1 ? 1 : 24);
+            EXPECT_EQ(ColoursSeen(again), expected);
+        }
+    EXPECT_EQ(Z_ConvertToDDB(nullptr, nullptr), nullptr);
+    BitmapHandle empty{};
+    EXPECT_EQ(Z_ChangeToDDB(nullptr, &empty), nullptr);
 }
 
 // Drawing on the context changes the bitmap's own pixels, whatever it was kept in.
