@@ -270,7 +270,12 @@ void SplineRows(const uint8_t* const rows[4], float t, uint8_t* target, size_t s
                          *const below = rows[3];
     const float s = 1.0f - t;
     const float firstFactor = (s * s * s - s) / 6.0f, secondFactor = (t * t * t - t) / 6.0f;
-    for (size_t i = 0; i < samples; ++i) {
+    size_t begin = 0;
+#if defined(__AVX2__)
+    if constexpr (sizeof(Sample) == 1)
+        begin = SplineRowBytes(rows, {s, t, firstFactor, secondFactor}, target, samples);
+#endif
+    for (size_t i = begin; i < samples; ++i) {
         const int32_t a = Load<Sample>(above, i), b = Load<Sample>(first, i), c = Load<Sample>(second, i),
                       d = Load<Sample>(below, i);
         const float bend = static_cast<float>(a + c - 2 * b) * 1.5f;
