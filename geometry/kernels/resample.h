@@ -45,6 +45,7 @@ struct AverageColumn {
 // and behind them two pixels by weight, of which the first may be whole and the other may have none.
 struct AverageColumns {
     const AverageColumn* At;
+    const uint32_t* Places; // of the first pixels
     const double* First;
     const double* Middle;
     const double* Last;
@@ -53,13 +54,8 @@ struct AverageColumns {
     size_t Steady;
 
     AverageColumns From(size_t first) const {
-        return {At + first,
-                First + first,
-                Middle + first,
-                Last + first,
-                Total + first,
-                Whole,
-                Steady > first ? Steady - first : 0};
+        return {At + first,   Places + first, First + first, Middle + first,
+                Last + first, Total + first,  Whole,         Steady > first ? Steady - first : 0};
     }
 };
 

@@ -135,7 +135,7 @@ size_t AveragePixels(const uint8_t* source, uint32_t base, const AverageColumns&
     const size_t whole = columns.Whole;
     size_t i = 0;
     for (; i + 1 < count; ++i) { // a store may pass the pixel
-        const uint8_t* at = source + size_t{columns.At[i].First - base} * pixelBytes;
+        const uint8_t* at = source + size_t{columns.Places[i] - base} * pixelBytes;
         __m256d sum = _mm256_mul_pd(Pixel<Sample>(at), _mm256_broadcast_sd(columns.First + i));
         at += pixelBytes;
         for (const uint8_t* const end = at + whole * pixelBytes; at != end; at += pixelBytes)
@@ -158,21 +158,24 @@ size_t AveragePixels(const uint8_t* source, uint32_t base, const AverageColumns&
 // Four pixels of one 8-bit sample, of at most eight source pixels each.
 inline constexpr uint32_t MostGatheredPixels = 8;
 
+template <uint32_t whole>
 size_t AverageGray(const uint8_t* source, uint32_t base, const AverageColumns& columns, size_t count,
                    uint8_t* target) {
     const __m128i packed = _mm_setr_epi8(0, 4, 8, 12, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
-    const uint32_t whole = columns.Whole;
     size_t i = 0;
     for (; i + 4 <= count; i += 4) {
-        const auto pixels = [&](size_t k) { return Load8(source + (columns.At[i + k].First - base)); };
+        const auto pixels = [&](size_t k) { return Load8(source + (columns.Places[i + k] - base)); };
         const __m128i one = _mm_unpacklo_epi8(pixels(0), pixels(1)),
                       two = _mm_unpacklo_epi8(pixels(2), pixels(3));
-        // The same source pixel of all four columns in each word of four bytes.
-        alignas(16) uint32_t gathered[MostGatheredPixels];
-        _mm_store_si128(reinterpret_cast<__m128i*>(gathered), _mm_unpacklo_epi16(one, two));
-        _mm_store_si128(reinterpret_cast<__m128i*>(gathered + 4), _mm_unpackhi_epi16(one, two));
+        // The same source pixel of all four columns in each four bytes.
+        const __m128i first = _mm_unpacklo_epi16(one, two), second = _mm_unpackhi_epi16(one, two);
         const auto pixel = [&](uint32_t k) {
-            return Pixel<uint8_t>(reinterpret_cast<const uint8_t*>(gathered + k));
+            const __m128i from = k < 4 ? first : second;
+            const __m128i bytes = k % 4 == 0   ? from
+                                  : k % 4 == 1 ? _mm_srli_si128(from, 4)
+                                  : k % 4 == 2 ? _mm_srli_si128(from, 8)
+                                               : _mm_srli_si128(from, 12);
+            return _mm256_cvtepi32_pd(_mm_cvtepu8_epi32(bytes));
         };
         __m256d sum = _mm256_mul_pd(pixel(0), _mm256_loadu_pd(columns.First + i));
         for (uint32_t k = 1; k <= whole; ++k)
@@ -201,7 +204,14 @@ size_t AverageVectors(const uint8_t* source, uint32_t base, const AverageColumns
     } else if constexpr (sizeof(Sample) == 1) {
         if (columns.Whole + 3 > MostGatheredPixels) return 0;
         count = ColumnsWithin<1>(columns.At, count, base, MostGatheredPixels, end);
-        return AverageGray(source, base, columns, count, target);
+        switch (columns.Whole) {
+        case 0: return AverageGray<0>(source, base, columns, count, target);
+        case 1: return AverageGray<1>(source, base, columns, count, target);
+        case 2: return AverageGray<2>(source, base, columns, count, target);
+        case 3: return AverageGray<3>(source, base, columns, count, target);
+        case 4: return AverageGray<4>(source, base, columns, count, target);
+        default: return AverageGray<5>(source, base, columns, count, target);
+        }
     }
     return 0;
 }

@@ -60,7 +60,8 @@ ReturnCode RowResampler::MakeAverage() {
     const auto count = static_cast<size_t>(newWidth_);
     average_.emplace(count);
     weights_.emplace(count <= SIZE_MAX / 4 ? count * 4 : SIZE_MAX);
-    if (!*average_ || !*weights_) return code::OutOfMemory;
+    places_.emplace(count);
+    if (!*average_ || !*weights_ || !*places_) return code::OutOfMemory;
     double* const first = weights_->data();
     double* const middle = first + count;
     double* const last = middle + count;
@@ -71,6 +72,7 @@ ReturnCode RowResampler::MakeAverage() {
     for (size_t i = 0; i < count; ++i) {
         const kernels::AverageColumn column = steps.Next();
         (*average_)[i] = column;
+        (*places_)[i] = column.First;
         const bool isLonger = column.Whole > whole;
         first[i] = column.FirstWeight;
         middle[i] = isLonger ? 1.0 : column.LastWeight;
@@ -78,7 +80,7 @@ ReturnCode RowResampler::MakeAverage() {
         total[i] = column.Total;
         if (column.Whole < whole || column.Whole > whole + 1) steady = std::min(steady, i);
     }
-    averageColumns_ = {average_->data(), first, middle, last, total, whole, steady};
+    averageColumns_ = {average_->data(), places_->data(), first, middle, last, total, whole, steady};
     return code::Success;
 }
 

@@ -61,6 +61,7 @@ class RowResampler {
     kernels::AverageColumns averageColumns_ = {};
     std::optional<ScratchBuffer<uint32_t>> pairs_; // and as many reciprocals behind them
     std::optional<ScratchBuffer<float>> inverses_;
+    std::optional<ScratchBuffer<uint32_t>> places_;
     std::optional<ScratchBuffer<double>>
         weights_; // of first, middle and last pixels and totals, one behind the other
     std::optional<ScratchBuffer<kernels::SplineColumn>> spline_;
