@@ -208,6 +208,21 @@ void DivideWeighted(const double* sums, double total, uint8_t* target, size_t sa
         Store<Sample>(target, i, static_cast<uint32_t>(sums[i] / total));
 }
 
+template <typename Sample>
+void AverageRows(const uint8_t* const* rows, const double* weights, size_t count, double total,
+                 uint8_t* target, size_t samples) {
+    size_t i = 0;
+#if defined(__AVX2__)
+    i = AverageRowVectors<Sample>(rows, weights, count, total, target, samples);
+#endif
+    for (; i < samples; ++i) {
+        double sum = Load<Sample>(rows[0], i) * weights[0];
+        for (size_t k = 1; k < count; ++k)
+            sum += Load<Sample>(rows[k], i) * weights[k];
+        Store<Sample>(target, i, static_cast<uint32_t>(sum / total));
+    }
+}
+
 // The longest span by which sums are divided with a multiplication by 2^shift / span + 1: what that is too much must not
 // reach a whole in any sum.
 template <typename Sample>
@@ -304,6 +319,7 @@ constexpr ResampleKernels MakeKernels() {
             .Spline = {ZKR_SPLINES(uint8_t), ZKR_SPLINES(uint16_t)},
             .AddWeighted = ZKR_SAMPLES(AddWeighted),
             .DivideWeighted = ZKR_SAMPLES(DivideWeighted),
+            .AverageRows = ZKR_SAMPLES(AverageRows),
             .Blend = ZKR_SAMPLES(Blend),
             .BlendFalling = BlendFalling,
             .SplineRows = ZKR_SAMPLES(SplineRows)};

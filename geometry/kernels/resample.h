@@ -97,6 +97,10 @@ struct ResampleKernels {
     // target = sums / total, cut to a whole number
     void (*DivideWeighted[SampleTypes])(const double* sums, double total, uint8_t* target, size_t samples);
 
+    // target = the sum of rows by weights, added in their order, / total, cut to a whole number
+    void (*AverageRows[SampleTypes])(const uint8_t* const* rows, const double* weights, size_t count,
+                                     double total, uint8_t* target, size_t samples);
+
     // weight / span of the way from one row to another, rounded down; weight is below span.
     void (*Blend[SampleTypes])(const uint8_t* first, const uint8_t* second, uint32_t weight, uint32_t span,
                                uint8_t* target, size_t samples);

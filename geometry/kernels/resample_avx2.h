@@ -216,6 +216,39 @@ size_t AverageVectors(const uint8_t* source, uint32_t base, const AverageColumns
     return 0;
 }
 
+// Sixteen samples at a time, so that their sums stay in registers; gives how many are made.
+template <typename Sample>
+size_t AverageRowVectors(const uint8_t* const* rows, const double* weights, size_t count, double total,
+                         uint8_t* target, size_t samples) {
+    constexpr size_t four = 4 * sizeof(Sample);
+    const __m256d divisor = _mm256_set1_pd(total);
+    size_t i = 0;
+    for (; i + 16 <= samples; i += 16) {
+        const size_t at = i * sizeof(Sample);
+        __m256d sums[4];
+        for (size_t p = 0; p < 4; ++p)
+            sums[p] = _mm256_mul_pd(Pixel<Sample>(rows[0] + at + p * four), _mm256_broadcast_sd(weights));
+        for (size_t k = 1; k < count; ++k) {
+            const __m256d weight = _mm256_broadcast_sd(weights + k);
+            for (size_t p = 0; p < 4; ++p)
+                sums[p] =
+                    _mm256_add_pd(sums[p], _mm256_mul_pd(Pixel<Sample>(rows[k] + at + p * four), weight));
+        }
+        __m128i means[4];
+        for (size_t p = 0; p < 4; ++p)
+            means[p] = _mm256_cvttpd_epi32(_mm256_div_pd(sums[p], divisor));
+        const __m128i low = _mm_packus_epi32(means[0], means[1]), high = _mm_packus_epi32(means[2], means[3]);
+        auto* const to = reinterpret_cast<__m128i*>(target + at);
+        if constexpr (sizeof(Sample) == 1) {
+            _mm_storeu_si128(to, _mm_packus_epi16(low, high));
+        } else {
+            _mm_storeu_si128(to, low);
+            _mm_storeu_si128(to + 1, high);
+        }
+    }
+    return i;
+}
+
 } // namespace
 
 } // namespace zkr::kernels

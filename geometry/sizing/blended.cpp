@@ -20,48 +20,84 @@ struct WorkSize {
     size_t Bytes, Samples, Type;
 };
 
+// Few rows are kept until all of a target row are there, many are added up as they come. A row on the border of two
+// target rows belongs to both.
 class AreaRows {
   public:
     AreaRows(SampleRows& source, const WorkSize& size, int32_t oldHeight, int32_t newHeight)
-        : source_(source), size_(size), steps_(oldHeight, newHeight), fetched_(size.Bytes), made_(size.Bytes),
-          sums_(size.Samples) {}
+        : source_(source), size_(size), steps_(oldHeight, newHeight),
+          kept_(oldHeight / newHeight + 2 <= MostKept ? static_cast<size_t>(oldHeight / newHeight) + 2 : 1),
+          fetched_(size.Bytes <= SIZE_MAX / kept_ ? size.Bytes * kept_ : SIZE_MAX), made_(size.Bytes),
+          sums_(size.Samples) {
+        for (size_t i = 0; i < kept_ && fetched_; ++i)
+            rows_[i] = {fetched_.data() + i * size.Bytes, UINT32_MAX};
+    }
 
     explicit operator bool() const { return fetched_ && made_ && sums_; }
 
-    // A row on the border of two target rows belongs to both.
     ReturnCode Make(int32_t, const uint8_t*& samples) {
-        const auto& kernels = Chosen<ResampleKernels>();
         const kernels::AverageColumn rows = steps_.Next();
-        std::fill_n(sums_.data(), size_.Samples, 0.0);
-        ReturnCode result = Add(rows.First, rows.FirstWeight);
-        for (uint32_t i = 1; i <= rows.Whole && result == code::Success; ++i)
-            result = Add(rows.First + i, 1.0);
-        if (result == code::Success && rows.LastWeight != 0)
-            result = Add(rows.First + rows.Whole + 1, rows.LastWeight);
-        if (result != code::Success) return result;
-        kernels.DivideWeighted[size_.Type](sums_.data(), rows.Total, made_.data(), size_.Samples);
+        const size_t count = size_t{rows.Whole} + (rows.LastWeight != 0 ? 2 : 1);
         samples = made_.data();
-        return code::Success;
+        return kept_ > 1 && count <= kept_ ? Average(rows, count) : AddUp(rows, count);
     }
 
   private:
-    ReturnCode Add(uint32_t row, double weight) {
-        if (row != row_) {
-            const ReturnCode result = source_.Fetch(static_cast<int32_t>(row), fetched_.data());
+    static constexpr int32_t MostKept = 10;
+
+    struct Kept {
+        uint8_t* Samples;
+        uint32_t Row;
+    };
+
+    static double WeightOf(const kernels::AverageColumn& rows, size_t index) {
+        return index == 0 ? rows.FirstWeight : index <= rows.Whole ? 1.0 : rows.LastWeight;
+    }
+
+    // A row into a place, unless it is there.
+    ReturnCode Fetch(uint32_t row, Kept& place) {
+        if (place.Row == row) return code::Success;
+        place.Row = UINT32_MAX;
+        const ReturnCode result = source_.Fetch(static_cast<int32_t>(row), place.Samples);
+        if (result == code::Success) place.Row = row;
+        return result;
+    }
+
+    ReturnCode Average(const kernels::AverageColumn& rows, size_t count) {
+        for (size_t i = 1; i < kept_; ++i)
+            if (rows_[i].Row == rows.First) std::swap(rows_[0], rows_[i]);
+        const uint8_t* samples[MostKept];
+        double weights[MostKept];
+        for (size_t i = 0; i < count; ++i) {
+            const ReturnCode result = Fetch(rows.First + static_cast<uint32_t>(i), rows_[i]);
             if (result != code::Success) return result;
-            row_ = row;
+            samples[i] = rows_[i].Samples;
+            weights[i] = WeightOf(rows, i);
         }
-        Chosen<ResampleKernels>().AddWeighted[size_.Type](fetched_.data(), weight, sums_.data(),
+        Chosen<ResampleKernels>().AverageRows[size_.Type](samples, weights, count, rows.Total, made_.data(),
                                                           size_.Samples);
+        return code::Success;
+    }
+
+    ReturnCode AddUp(const kernels::AverageColumn& rows, size_t count) {
+        const auto& kernels = Chosen<ResampleKernels>();
+        std::fill_n(sums_.data(), size_.Samples, 0.0);
+        for (size_t i = 0; i < count; ++i) {
+            const ReturnCode result = Fetch(rows.First + static_cast<uint32_t>(i), rows_[0]);
+            if (result != code::Success) return result;
+            kernels.AddWeighted[size_.Type](rows_[0].Samples, WeightOf(rows, i), sums_.data(), size_.Samples);
+        }
+        kernels.DivideWeighted[size_.Type](sums_.data(), rows.Total, made_.data(), size_.Samples);
         return code::Success;
     }
 
     SampleRows& source_;
     WorkSize size_;
     AverageSteps steps_;
+    size_t kept_;
     ScratchBuffer<uint8_t> fetched_, made_;
-    ScratchBuffer<double> sums_;
-    uint32_t row_ = UINT32_MAX; // the one that is fetched
+    ScratchBuffer<double> sums_; // where rows are added up
+    Kept rows_[MostKept] = {};
 };
 
 class LinearRows {
