@@ -2,7 +2,6 @@
 #include "geometry/resize/row_resampler.h"
 
 #include "geometry/resize/columns.h"
-#include "geometry/resize/stepping.h"
 #include "kernels/family.h"
 
 #include <algorithm>
@@ -22,6 +21,7 @@ ReturnCode RowResampler::Make(Interpolation method, SampleFormat format, int32_t
             : method == Interpolation::Linear ? Rule::Linear
                                               : Rule::Spline;
     switch (rule_) {
+    case Rule::Nearest: return nearest_.Make(format.Bits * format.Channels, oldWidth, newWidth);
     case Rule::Linear: return MakeLinear();
     case Rule::Average: return MakeAverage();
     case Rule::Spline: return MakeSpline();
@@ -133,9 +133,9 @@ void RowResampler::Run(const uint8_t* source, int32_t base, uint8_t* target) {
     switch (rule_) {
     case Rule::Copy: std::memcpy(target, span, count * format_.PixelBytes()); break;
     case Rule::Nearest: {
-        Stepping at = Stepping::Between(oldWidth_, newWidth_, first_);
-        at.Index -= from;
-        StepRow(format_.Bits * format_.Channels, at, source, target, count);
+        const auto bits = static_cast<uint32_t>(format_.Bits * format_.Channels);
+        const size_t bytes = static_cast<size_t>(static_cast<uint64_t>(span_.End - base) * bits / 8);
+        nearest_.Run(source, base, bytes, first_, count_, target);
         break;
     }
     case Rule::Linear:

@@ -4,6 +4,7 @@
 #include "core/return_codes.h"
 #include "core/scratch.h"
 #include "geometry/kernels/resample.h"
+#include "geometry/resize/nearest_row.h"
 
 #include <optional>
 
@@ -55,6 +56,7 @@ class RowResampler {
     int32_t first_ = 0, count_ = 0;
     SourceSpan span_ = {};
     // Of the whole row; of splines those of the chosen stretch.
+    NearestRow nearest_;
     std::optional<ScratchBuffer<kernels::LinearColumn>> linear_;
     std::optional<ScratchBuffer<kernels::AverageColumn>> average_;
     kernels::LinearColumns linearColumns_ = {};
