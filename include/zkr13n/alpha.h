@@ -42,9 +42,9 @@ Z_API ReturnCode Z_CALL Z_GetBitmapAlpha(BitmapHandle* bitmap, BitmapHandle* alp
  * area, and the other pixels keep theirs.
  *
  * Returns Z_SUCCESS; Z_ERROR_ARGUMENT for a bitmap that is null or not allocated and for views that differ and
- * of which one is none; Z_ERROR_MEMORY; the failures of Z_ColorResBitmap, Z_CopyBitmap, Z_GrayScaleBitmap and Z_IntChangeBitmapViewPerspective,
- * with their results of callbacks; the failures of reading and writing rows. On failure the bitmap may have
- * its new depth, and when a row fails the rows before it are done.
+ * of which one is none; Z_ERROR_MEMORY; the failures of Z_ColorResBitmap, Z_CopyBitmap, Z_GrayScaleBitmap and
+ * Z_IntChangeBitmapViewPerspective, with their results of callbacks; the failures of reading and writing rows.
+ * On failure the bitmap may have its new depth, and when a row fails the rows before it are done.
  */
 Z_API ReturnCode Z_CALL Z_SetBitmapAlpha(BitmapHandle* bitmap, BitmapHandle* alpha);
 

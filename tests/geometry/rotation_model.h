@@ -69,28 +69,28 @@ class RotationModel {
     };
 
     // Channels of a pixel, the lowest first.
-    std::vector<int64_t> Channels(uint64_t pixel) const {
-        if (case_.Bits == 16 && case_.Order != 2) {
-            std::vector<int64_t> values;
-            for (int i = 0; i < 3; ++i) {
-                const auto five = static_cast<int64_t>(pixel >> (5 * i) & 31);
-                values.push_back(five * 8 + (five >> 2));
-            }
-            return values;
+    struct Values {
+        int64_t V[4];
+    };
+    bool IsColour16() const { return case_.Bits == 16 && case_.Order != 2; }
+    int ChannelBits() const { return case_.Bits == 12 ? 12 : case_.Bits == 16 || case_.Bits >= 48 ? 16 : 8; }
+    int Channels() const { return IsColour16() ? 3 : case_.Bits / ChannelBits(); }
+    Values ValuesOf(uint64_t pixel) const {
+        Values values{};
+        for (int i = 0; i < Channels(); ++i) {
+            const auto five = static_cast<int64_t>(pixel >> (5 * i) & 31);
+            values.V[i] = IsColour16() ? five * 8 + (five >> 2)
+                                       : static_cast<int64_t>(pixel >> (i * ChannelBits()) &
+                                                              ((uint64_t{1} << ChannelBits()) - 1));
         }
-        const int width = case_.Bits == 12 ? 12 : case_.Bits == 16 || case_.Bits >= 48 ? 16 : 8;
-        std::vector<int64_t> values;
-        for (int bit = 0; bit < case_.Bits; bit += width)
-            values.push_back(static_cast<int64_t>(pixel >> bit & ((uint64_t{1} << width) - 1)));
         return values;
     }
-    uint64_t Pixel(const std::vector<int64_t>& v) const {
-        if (case_.Bits == 16 && case_.Order != 2)
-            return static_cast<uint64_t>((v[2] & 248) * 128 + (v[1] & 248) * 4 + (v[0] >> 3));
-        const int width = case_.Bits == 12 ? 12 : case_.Bits == 16 || case_.Bits >= 48 ? 16 : 8;
+    uint64_t PixelOf(const Values& values) const {
+        const auto& v = values.V;
+        if (IsColour16()) return static_cast<uint64_t>((v[2] & 248) * 128 + (v[1] & 248) * 4 + (v[0] >> 3));
         uint64_t pixel = 0;
-        for (size_t i = 0; i < v.size(); ++i)
-            pixel |= static_cast<uint64_t>(v[i]) << (width * static_cast<int>(i));
+        for (int i = 0; i < Channels(); ++i)
+            pixel |= static_cast<uint64_t>(v[i]) << (ChannelBits() * i);
         return pixel;
     }
     bool Inside(int64_t x, int64_t y) const {
@@ -107,15 +107,15 @@ class RotationModel {
         return RawAt(at.X, at.Y);
     }
     uint64_t LinearAt(const Place& at) const {
-        std::vector<int64_t> p = Channels(RawAt(at.X, at.Y));
+        Values p = ValuesOf(RawAt(at.X, at.Y));
         const auto blend = [&](int64_t fraction, uint64_t after, uint64_t before) {
-            const std::vector<int64_t> n = Channels(fraction > 0 ? after : before);
-            for (size_t i = 0; i < p.size(); ++i)
-                p[i] += (fraction > 0 ? n[i] - p[i] : p[i] - n[i]) * fraction / 16384;
+            const Values n = ValuesOf(fraction > 0 ? after : before);
+            for (int i = 0; i < Channels(); ++i)
+                p.V[i] += (fraction > 0 ? n.V[i] - p.V[i] : p.V[i] - n.V[i]) * fraction / 16384;
         };
         blend(at.FX, RawAt(at.X + 1, at.Y), RawAt(at.X - 1, at.Y));
         blend(at.FY, RawAt(at.X, at.Y + 1), RawAt(at.X, at.Y - 1));
-        return Pixel(p);
+        return PixelOf(p);
     }
     static int64_t Spline(const int64_t (&s)[4], float t, int64_t most) {
         float m1 = static_cast<float>(s[0] + s[2] - 2 * s[1]) * 1.5f, m2 = 0;
@@ -133,20 +133,23 @@ class RotationModel {
         if (at.FX < 0) --at.X, at.FX += 16384;
         if (at.FY < 0) --at.Y, at.FY += 16384;
         const float tx = static_cast<float>(at.FX) / 16384.0f, ty = static_cast<float>(at.FY) / 16384.0f;
-        const int64_t most = case_.Bits == 12 || case_.Bits >= 48 || case_.Order == 2 ? 65535 : 255;
+        const int64_t most = ChannelBits() == 8 || IsColour16() ? 255 : 65535;
         const int64_t scale = case_.Bits == 12 ? 16 : 1;
-        std::vector<int64_t> result;
-        for (size_t c = 0; c < Channels(0).size(); ++c) {
+        Values around[4][4], result{};
+        for (int y = 0; y < 4; ++y)
+            for (int x = 0; x < 4; ++x)
+                around[y][x] = ValuesOf(RawAt(at.X - 1 + x, at.Y - 1 + y));
+        for (int c = 0; c < Channels(); ++c) {
             int64_t down[4];
-            for (int64_t y = 0; y < 4; ++y) {
+            for (int y = 0; y < 4; ++y) {
                 int64_t across[4];
-                for (int64_t x = 0; x < 4; ++x)
-                    across[x] = Channels(RawAt(at.X - 1 + x, at.Y - 1 + y))[c] * scale;
-                down[y] = Spline(across, tx, case_.Bits == 8 ? 255 : most);
+                for (int x = 0; x < 4; ++x)
+                    across[x] = around[y][x].V[c] * scale;
+                down[y] = Spline(across, tx, most);
             }
-            result.push_back(Spline(down, ty, case_.Bits == 8 ? 255 : most) / scale);
+            result.V[c] = Spline(down, ty, most) / scale;
         }
-        uint64_t pixel = Pixel(result);
+        uint64_t pixel = PixelOf(result);
         if (case_.Bits == 16 && case_.Order != 2)
             pixel |= (RawAt(at.X, at.Y) | RawAt(at.X + 1, at.Y) | RawAt(at.X, at.Y + 1) |
                       RawAt(at.X + 1, at.Y + 1)) &
