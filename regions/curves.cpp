@@ -5,11 +5,14 @@
 #include "zkr13n/region_shapes.h"
 
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 
 using namespace zkr;
 
 namespace {
+
+static_assert(sizeof(Curve) == 32 + sizeof(void*) && offsetof(Curve, Tension) == 16 + sizeof(void*));
 
 bool IsKnown(const Curve* curve) {
     return curve != nullptr && curve->StructSize == sizeof(Curve);

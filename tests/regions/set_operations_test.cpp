@@ -7,6 +7,7 @@
 #include "regions/set_operations.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace zkr::test {
 
@@ -41,6 +42,32 @@ TEST(SetOperations, KeepToTheirTruthTables) {
             ASSERT_EQ(SetOf(*result), expected) << "round " << round;
         }
     }
+}
+
+// Two boards of half a million runs each: together everything, apart nothing.
+TEST(SetOperations, TakeAMillionRuns) {
+    constexpr int32_t side = 1000;
+    OwnedRegion boards[2];
+    for (const int32_t odd : {0, 1}) {
+        RegionBuilder builder;
+        ASSERT_EQ(builder.Begin({0, 0, side, side}), code::Success);
+        for (int32_t y = 0; y < side; ++y) {
+            for (int32_t x = (y + odd) % 2; x < side; x += 2)
+                builder.AddRun(x, x + 1);
+            ASSERT_EQ(builder.EndRow(), code::Success);
+        }
+        builder.Finish(boards[odd]);
+    }
+    OwnedRegion both, shared, left;
+    ASSERT_EQ(UniteRegions(both, *boards[0], *boards[1]), code::Success);
+    ASSERT_EQ(IntersectRegions(shared, *boards[0], *boards[1]), code::Success);
+    ASSERT_EQ(SubtractRegions(left, *both, *boards[0]), code::Success);
+    ExpectStoredForm(*both);
+    EXPECT_EQ(EntriesOf(*both), 2u * side);
+    EXPECT_TRUE(IsEmpty(*shared));
+    ExpectStoredForm(*left);
+    ASSERT_EQ(left->SegmentBytes, boards[1]->SegmentBytes);
+    EXPECT_EQ(std::memcmp(left->Segments, boards[1]->Segments, left->SegmentBytes), 0);
 }
 
 TEST(Moves, MoveEveryPixel) {
