@@ -163,6 +163,7 @@ TEST(Playback, FramesOfOtherFormsAndRegionsAreDrawnAsTheyCanBe) {
         for (int x = 0; x < 20; ++x)
             EXPECT_TRUE((x >= 6 && x < 8 && y >= 3 && y < 6) || drawn.At(x, y) == 0) << x << ',' << y;
     ASSERT_EQ(Z_GetPlaybackUpdateRect(player.handle, &update, 0), 1);
+    ASSERT_EQ(Z_ClearPlaybackUpdateRect(player.handle), 1);
     EXPECT_EQ(std::memcmp(&update, std::array{4, 3, 8, 6}.data(), sizeof update), 0);
     player.StepTo(PlaybackDisposed);
     const Picture disposed = player.Shown();

@@ -3,6 +3,7 @@
 #include "core/predicates.h"
 #include "core/run_heap.h"
 #include "faults/fault_driver.h"
+#include "zkr13n/pixels.h"
 
 #include "zkr13n/color_resolution.h"
 #include "zkr13n/colour_values.h"
@@ -144,6 +145,12 @@ TEST(Failures, OfWorkOnOneBitmap) {
             [](Ground& g) { return Z_CopyBitmapRect(&g.Made, &g.Subject, -1, 2, 7, 6); });
         add("rectangle into a file", {Memory, Write},
             [](Ground& g) { return Z_CopyBitmapRect2(nullptr, &g.Subject, -1, 2, 7, 6, MemoryDisk); });
+        if (storage.Type == MemoryDisk || storage.Type == MemoryTiled)
+            add("pixel bytes", {Memory}, [](Ground& g) {
+                uint8_t bytes[1] = {};
+                const ReturnCode read = Z_GetPixelData(&g.Subject, bytes, 3, 2, 1);
+                return read == code::Success ? Z_PutPixelData(&g.Subject, bytes, 3, 2, 1) : read;
+            });
         add("cut", {Memory, Write}, [](Ground& g) { return Z_TrimBitmap(&g.Subject, 1, 1, 5, 4); });
         add("fill", {Memory}, [](Ground& g) { return Z_FillBitmap(&g.Subject, 0x010000EE); });
         add("clear", {Memory}, [](Ground& g) { return Z_ClearBitmap(&g.Subject); });

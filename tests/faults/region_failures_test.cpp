@@ -7,6 +7,7 @@
 #include "regions/turns.h"
 #include "zkr13n/copy.h"
 #include "zkr13n/region_colours.h"
+#include "zkr13n/region_paint.h"
 #include "zkr13n/region_shapes.h"
 
 namespace zkr::test {
@@ -17,12 +18,12 @@ constexpr ReturnCode Memory = code::OutOfMemory, Seek = code::SeekFailed, Read =
 
 PixelSet Present() {
     Seeded seeded(71);
-    return PixelSet::Random(seeded, {0, 0, 30, 20});
+    return PixelSet::Random(seeded, {0, 0, 30, 8});
 }
 
 std::function<void(Ground&)> With(int32_t type, int32_t bits) {
     return [=](Ground& g) {
-        ASSERT_EQ(Z_CreateBitmap(&g.Subject, type, 30, 20, bits, Z_ORDER_BGR, nullptr, 1, nullptr, 0), 1);
+        ASSERT_EQ(Z_CreateBitmap(&g.Subject, type, 30, 8, bits, Z_ORDER_BGR, nullptr, 1, nullptr, 0), 1);
         Fill(g.Subject, 3);
         g.Subject.Region = RegionFrom(Present());
     };
@@ -54,13 +55,22 @@ TEST(RegionFailures, OfShapes) {
         scenarios.Add(name, {Memory, code::InvalidArgument}, With(MemoryConventional, 8), call);
     };
     static constexpr RegionXform xform = {4, 3, 2, 1, 2, 1, 1};
-    static constexpr RECT rectangle = {3, 2, 25, 17};
-    static constexpr POINT points[] = {{2, 2}, {25, 3}, {20, 18}, {9, 9}};
+    static constexpr RECT rectangle = {3, 2, 25, 7};
+    static constexpr POINT points[] = {{2, 2}, {25, 3}, {20, 8}, {9, 5}};
     add("rectangle", [](Ground& g) { return Z_SetBitmapRgnRect(&g.Subject, &xform, &rectangle, Z_RGN_XOR); });
     add("rectangle instead",
         [](Ground& g) { return Z_SetBitmapRgnRect(&g.Subject, nullptr, &rectangle, Z_RGN_SETNOT); });
     add("round rectangle",
         [](Ground& g) { return Z_SetBitmapRgnRoundRect(&g.Subject, nullptr, &rectangle, 4, 4, Z_RGN_OR); });
+    add("ellipse",
+        [](Ground& g) { return Z_SetBitmapRgnEllipse(&g.Subject, nullptr, &rectangle, Z_RGN_OR); });
+    add("region of the platform", [](Ground& g) {
+        const HRGN made = platform::CreateRectRgn(1, 1, 9, 9);
+        if (made == nullptr) return Memory;
+        const ReturnCode result = Z_SetBitmapRgnHandle(&g.Subject, &xform, made, Z_RGN_XOR);
+        platform::DeleteObject(made);
+        return result;
+    });
     add("polygon",
         [](Ground& g) { return Z_SetBitmapRgnPolygon(&g.Subject, nullptr, points, 4, 1, Z_RGN_AND); });
     add("spline", [](Ground& g) {
@@ -84,9 +94,16 @@ TEST(RegionFailures, OfShapes) {
         if (made != nullptr) platform::DeleteObject(made);
         return result;
     });
-    add("rotation", [](Ground& g) { return RotateRegion(&g.Subject, 20, 30, 1234); });
+    add("rotation", [](Ground& g) { return RotateRegion(&g.Subject, 8, 30, 1234); });
+    add("overlay", [](Ground& g) {
+        const HDC context = platform::CreateCompatibleDC(nullptr);
+        if (context == nullptr) return Memory;
+        const ReturnCode result = Z_ColorBitmapRgn(context, &g.Subject, nullptr, 0x00FFFFFF);
+        platform::DeleteDC(context);
+        return result;
+    });
     add("scaling", [](Ground& g) { return ScaleRegion(RegionOf(g.Subject), {3, 2, 3, 2}); });
-    add("clip", [](Ground& g) { return ClipRegion(RegionOf(g.Subject), {4, 4, 20, 15}); });
+    add("clip", [](Ground& g) { return ClipRegion(RegionOf(g.Subject), {4, 1, 20, 6}); });
 }
 
 // A failure of the handle for hosts is 0 or, where the copy fails, a lack of memory.

@@ -152,8 +152,8 @@ TEST(Views, FieldMovesAreThoseOfThePicture) {
 TEST(Views, FieldMovesOfWhatIsNoView) {
     for (const int32_t bad : {6, 9, -1}) {
         Moved m(bad);
-        EXPECT_EQ(Z_FlipBitmapViewPerspective(&m.Bitmap), 1);
-        EXPECT_EQ(Z_ReverseBitmapViewPerspective(&m.Bitmap), 1);
+        EXPECT_EQ(Z_IntFlipBitmapViewPerspective(&m.Bitmap), 1);
+        EXPECT_EQ(Z_IntReverseBitmapViewPerspective(&m.Bitmap), 1);
         EXPECT_EQ(Z_RotateBitmapViewPerspective(&m.Bitmap, 45), -13);
         EXPECT_EQ(Z_RotateBitmapViewPerspective(&m.Bitmap, 0), 1);
         EXPECT_EQ(m.Bitmap.ViewPerspective, bad);
