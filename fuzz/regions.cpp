@@ -55,16 +55,21 @@ void CheckForm(const BitmapHandle& bitmap) {
     FUZZ_EXPECT(rows == 0 || (left == region->Left && right == region->Right));
 }
 
-// Rows in reasonable number, wherever they are; columns anywhere.
-RECT Rect(Input& input) {
-    RECT rect = {input.Near(90, -9), input.Near(30, -9), input.Near(100, -9), 0};
+// A row, near where a region is not cut to its bitmap: with a far one the whole area between has rows.
+int32_t RowOf(Input& input, const BitmapHandle& bitmap) {
+    return (bitmap.Flags & Z_FLAG_REGION_UNCLIPPED) != 0 ? input.Below(39) - 9 : input.Near(30, -9);
+}
+
+// Rows in reasonable number, columns anywhere.
+RECT Rect(Input& input, const BitmapHandle& bitmap) {
+    RECT rect = {input.Near(90, -9), RowOf(input, bitmap), input.Near(100, -9), 0};
     rect.bottom = static_cast<int32_t>(std::min<int64_t>(int64_t{rect.top} + input.Below(60) - 5, INT32_MAX));
     return rect;
 }
 
-RegionXform Xform(Input& input) {
-    return {input.Near(9),  input.Near(7),      input.Near(7),     input.Below(7) - 1,
-            input.Below(6), input.Near(20, -9), input.Near(20, -9)};
+RegionXform Xform(Input& input, const BitmapHandle& bitmap) {
+    return {input.Near(9),  input.Near(7),      input.Near(7),       input.Below(7) - 1,
+            input.Below(6), input.Near(20, -9), RowOf(input, bitmap)};
 }
 
 std::vector<POINT> Points(Input& input) {
@@ -96,7 +101,7 @@ void SetCurve(Input& input, BitmapHandle& bitmap, const RegionXform* xform, uint
 void SetPlatformRegion(Input& input, BitmapHandle& bitmap, const RegionXform* xform, uint32_t mode) {
     std::vector<RECT> rects(static_cast<size_t>(input.Below(9)));
     for (RECT& rect : rects)
-        rect = Rect(input);
+        rect = Rect(input, bitmap);
     HRGN region = nullptr;
     if (Z_CreatePlatformRegion(rects.data(), static_cast<int32_t>(rects.size()), &region) != 1) return;
     Z_SetBitmapRgnHandle(&bitmap, xform, region, mode);
@@ -110,7 +115,7 @@ void AskHandles(Input& input, BitmapHandle& bitmap, const RegionXform* xform) {
     RECT bounds;
     Z_GetBitmapRgnBoundsClip(&bitmap, xform, &bounds);
     if (Z_IntGetBitmapRgnHandle(&bitmap, xform, &region, &owned) == 1 && owned == 1) Z_DeleteObject(region);
-    const RECT source = Rect(input), destination = Rect(input);
+    const RECT source = Rect(input, bitmap), destination = Rect(input, bitmap);
     if (Z_GetResizedRgnHandle(&bitmap, input.Flip() ? &source : nullptr, &destination, &region, &owned) ==
             1 &&
         owned == 1)
@@ -118,10 +123,10 @@ void AskHandles(Input& input, BitmapHandle& bitmap, const RegionXform* xform) {
 }
 
 void Step(Input& input, BitmapHandle& bitmap) {
-    const RegionXform random = Xform(input);
+    const RegionXform random = Xform(input, bitmap);
     const RegionXform* const xform = input.Byte() < 90 ? &random : nullptr;
     const auto mode = static_cast<uint32_t>(input.Near(7));
-    const RECT rect = Rect(input);
+    const RECT rect = Rect(input, bitmap);
     switch (input.Byte() % 14) {
     case 0: Z_SetBitmapRgnRect(&bitmap, xform, &rect, mode); break;
     case 1:
@@ -144,7 +149,7 @@ void Step(Input& input, BitmapHandle& bitmap) {
     case 7: Z_SetBitmapRgnColorRGBRange(&bitmap, input.Word(), input.Word(), mode); break;
     case 8: Z_SetBitmapRgnColorHSVRange(&bitmap, input.Word(), input.Word(), mode); break;
     case 9: Z_SetBitmapRgnMagicWand(&bitmap, input.Near(90), input.Near(30), input.Word(), mode); break;
-    case 10: Z_OffsetBitmapRgn(&bitmap, input.Near(40, -20), input.Near(90, -40)); break;
+    case 10: Z_OffsetBitmapRgn(&bitmap, RowOf(input, bitmap), input.Near(90, -40)); break;
     case 11: {
         BitmapHandle mask{};
         if (Z_CreateMaskFromBitmapRgn(&bitmap, &mask) == 1)
