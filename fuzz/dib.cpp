@@ -50,7 +50,9 @@ void PutHeader(Input& input, uint8_t (&head)[124]) {
     const int32_t width = isBounded ? input.Below(400) : input.Near(200);
     const int32_t height = isBounded ? input.Below(300) - 100 : input.Near(60, -30);
     put(0, size);
-    put(4, form.Compression > 3 && input.Byte() < 250 ? width * 16 : width);
+    put(4, form.Compression > 3 && input.Byte() < 250
+               ? static_cast<int32_t>(static_cast<uint32_t>(width) * 16)
+               : width);
     put(8, height);
     put(14, static_cast<uint16_t>(input.Byte() < 250 ? form.Bits : input.Byte()));
     put(16, form.Compression);
@@ -60,7 +62,7 @@ void PutHeader(Input& input, uint8_t (&head)[124]) {
     put(32, input.Byte() < 128 ? 0 : input.Near(300));
     if (size != 12) return;
     put(4, static_cast<uint16_t>(width));
-    put(6, static_cast<uint16_t>(height < 0 ? -height : height));
+    put(6, static_cast<uint16_t>(height));
     put(10, form.Bits);
 }
 

@@ -48,6 +48,7 @@ inline bool FreeGlobal(HGLOBAL block) {
 
 inline HGLOBAL GlobalOf(const void* bytes, size_t count) {
     HGLOBAL block = AllocateGlobal(count);
+    if (count == 0) return block;
     std::memcpy(LockGlobal(block), bytes, count);
     UnlockGlobal(block);
     return block;
