@@ -31,7 +31,7 @@ template <typename Make> void AddTurn(int number, double ratio, Make make) {
 
 const Adds adds([] {
     AddTurn(TurnPage, 6, [] { return pixRotate90(Page(), 1); });
-    AddTurn(TurnRunsOfPage, 6, [] { return pixRotate90(Page(), 1); });
+    AddTurn(TurnRunsOfPage, 2, [] { return pixRotate90(Page(), 1); });
     AddTurn(HalfTurnPage, 5, [] { return pixRotate180(nullptr, Page()); });
     AddTurn(MirrorPage, 5, [] { return pixFlipLR(nullptr, Page()); });
     AddTurn(RotatePage, 4, [] {
