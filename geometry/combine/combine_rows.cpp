@@ -227,7 +227,7 @@ void CombinedRows::CombineSegments(uint8_t* row, const uint8_t* source) {
             if (source != nullptr) __builtin_prefetch(source + byteOf(i + ahead));
         }
         if (copies)
-            std::memcpy(row + at, source + at, bytes);
+            CopyBytes(row + at, source + at, bytes);
         else
             operation_.RunBytes(row + at, row + at, source == nullptr ? nullptr : source + at, bytes);
     }
