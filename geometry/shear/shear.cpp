@@ -1,5 +1,7 @@
 // Rows slide by whole pixels: one that is written holds fill, the pixels of a row of the source, and fill. Columns are
-// rows of the turned bitmap. A negative angle needs no mirror image: its rows slide by what is left of the whole way.
+// rows of the turned bitmap. A negative angle is a positive one between two mirrorings, left and right of the picture,
+// which need no pass of their own: rows slide by what is left of the whole way or, in views that exchange the axes,
+// are taken from the other end.
 #include "zkr13n/shear.h"
 
 #include "colour/pixels/fill_row.h"
@@ -118,18 +120,26 @@ ReturnCode SlideRows(BitmapHandle& result, BitmapHandle& source, const Shear& sh
     RowShear rows(result, source, shear.Fill);
     if (!rows) return code::OutOfMemory;
     const int32_t view = source.ViewPerspective;
-    const bool startsAtFirst = view == view::BottomLeft || view == view::BottomRight ||
-                               view == view::LeftTop || view == view::RightBottom;
+    const bool isMirrored = shear.Angle < 0, mirrorsRows = isMirrored && !ExchangesAxes(view);
+    const bool isUpward = view == view::BottomLeft || view == view::BottomRight || view == view::LeftTop ||
+                          view == view::RightBottom;
+    const bool startsAtFirst = isUpward != (isMirrored && !mirrorsRows);
     const int64_t total = int64_t{result.Width} - source.Width;
     Slide slide(shear.Angle);
     RowProgress progress(shear.Start, shear.End, source.Height);
     ReturnCode status = progress.Begin();
     for (int32_t i = 0; i < source.Height && status == code::Success; ++i, slide.Step()) {
-        const int64_t offset = shear.Angle < 0 ? total - slide.Offset() : slide.Offset();
+        const int64_t offset = mirrorsRows ? total - slide.Offset() : slide.Offset();
         status = rows.Place(startsAtFirst ? i : source.Height - 1 - i, static_cast<uint32_t>(offset));
         if (status == code::Success) status = progress.Visit();
     }
     return status;
+}
+
+// As Z_ReverseBitmap does, which exchanges rows where these are columns of the picture.
+ReturnCode MirrorRegion(BitmapHandle& bitmap) {
+    return ExchangesAxes(bitmap.ViewPerspective) ? Dispatch().FlipBitmapRegion(&bitmap)
+                                                 : Dispatch().ReverseRegion(&bitmap);
 }
 
 // The region goes the long way that pixels are spared: it is mirrored before and after for a negative angle.
@@ -137,11 +147,11 @@ ReturnCode ShearRegionInto(BitmapHandle& result, BitmapHandle& source, int32_t a
     BitmapHandle mirrored = source;
     mirrored.Region = nullptr;
     ReturnCode status = CopyRegion(mirrored, source, 0, 0);
-    if (status == code::Success && angle < 0) status = Dispatch().ReverseRegion(&mirrored);
+    if (status == code::Success && angle < 0) status = MirrorRegion(mirrored);
     if (status == code::Success) status = CopyRegion(result, mirrored, 0, 0);
     ReleaseRegion(mirrored);
     if (status == code::Success) status = Dispatch().ShearRegion(&result, angle);
-    if (status == code::Success && angle < 0) status = Dispatch().ReverseRegion(&result);
+    if (status == code::Success && angle < 0) status = MirrorRegion(result);
     return status;
 }
 

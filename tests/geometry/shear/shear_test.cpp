@@ -39,9 +39,11 @@ Picture Expected(const Picture& before, int32_t view, int32_t angle, bool horizo
     const bool isMirrored = view == 1 || view == 2 || view == 5 || view == 7;
     const bool startsAtFirst = view == 2 || view == 3 || view == 5 || view == 7;
     Picture picture = turns ? before.Turned(isMirrored ? 3 : 1) : before;
-    if (angle < 0) picture = picture.Reversed();
+    // Left and right of the picture change places, which are rows of storage in some views.
+    const auto mirrored = [view](const Picture& p) { return view >= 4 ? p.Flipped() : p.Reversed(); };
+    if (angle < 0) picture = mirrored(picture);
     picture = Slid(picture, std::abs(angle), startsAtFirst, fill);
-    if (angle < 0) picture = picture.Reversed();
+    if (angle < 0) picture = mirrored(picture);
     return turns ? picture.Turned(isMirrored ? 1 : 3) : picture;
 }
 
@@ -131,10 +133,10 @@ TEST(Shear, ReportsItsPartsAndStopsAtEach) {
     }
 }
 
-// A region that holds the ink of a bitmap holds the ink of the sheared one where rows slide: in these views both are
-// told to move alike.
+// A region that holds the ink of a bitmap holds the ink of the sheared one where rows of storage slide: in these views
+// both are told to move alike.
 TEST(Shear, TakesTheRegionAlong) {
-    for (const int32_t view : {0, 2}) {
+    for (const int32_t view : {0, 2, 4, 5, 7, 8}) {
         for (const int32_t angle : {1500, -1500}) {
             Bitmap bitmap(40, 30, 1), mask;
             bitmap.ViewPerspective = view;
@@ -142,7 +144,7 @@ TEST(Shear, TakesTheRegionAlong) {
             Z_CreateBitmapFixedPalette(&bitmap);
             Fill(bitmap, 4);
             ASSERT_EQ(Z_SetBitmapRgnFromMask(&bitmap, nullptr, &bitmap, Z_RGN_SET), 1);
-            ASSERT_EQ(Z_ShearBitmap(&bitmap, angle, 1, 0), 1);
+            ASSERT_EQ(Z_ShearBitmap(&bitmap, angle, view < 4, 0), 1);
             ASSERT_EQ(Z_CreateMaskFromBitmapRgn(&bitmap, &mask), 1);
             EXPECT_EQ(Picture::Of(mask), Picture::Of(bitmap)) << view << ' ' << angle;
         }
