@@ -28,9 +28,27 @@ class SilentStatus {
     StatusCallback callback_;
 };
 
+// Moves rows and then the region by follow(); rows whose region cannot follow go back.
+template <typename Follow>
+ReturnCode MoveWithRegion(BitmapHandle& bitmap, geometry::RowMove move, Follow follow) {
+    ReturnCode status = geometry::MoveRows(bitmap, move, 0, 100);
+    if (status != code::Success) return status;
+    status = follow();
+    if (status != code::Success) static_cast<void>(geometry::MoveRows(bitmap, move, 0, 100));
+    return status;
+}
+
 ReturnCode FlipRows(BitmapHandle& bitmap) {
-    const ReturnCode status = geometry::MoveRows(bitmap, geometry::RowMove::Flip, 0, 100);
-    return status == code::Success ? Dispatch().FlipBitmapRegion(&bitmap) : status;
+    return MoveWithRegion(bitmap, geometry::RowMove::Flip,
+                          [&] { return Dispatch().FlipBitmapRegion(&bitmap); });
+}
+
+// Clockwise, of a bitmap in the top left view.
+ReturnCode Turn(BitmapHandle& bitmap, int32_t degrees) {
+    if (degrees != 180) return Z_RotateBitmap(&bitmap, degrees * 100, ROTATE_RESIZE, 0);
+    return MoveWithRegion(bitmap, geometry::RowMove::HalfTurn, [&] {
+        return Dispatch().RotateRegion(&bitmap, bitmap.Width, bitmap.Height, degrees * 100);
+    });
 }
 
 // Gives an allocated bitmap another view; on failure it is as it was.
@@ -47,8 +65,11 @@ ReturnCode ChangeView(BitmapHandle& bitmap, int32_t value) {
     if (status != code::Success) return status;
     // A turn goes the other way through a mirrored view.
     bitmap.ViewPerspective = view::TopLeft;
-    if (angle != 0) status = Z_RotateBitmap(&bitmap, angle * 100, ROTATE_RESIZE, 0);
-    if (status != code::Success && flip != 0) FlipRows(bitmap);
+    if (angle != 0) status = Turn(bitmap, angle);
+    if (status != code::Success && flip != 0) {
+        static_cast<void>(geometry::MoveRows(bitmap, geometry::RowMove::Flip, 0, 100));
+        static_cast<void>(Dispatch().FlipBitmapRegion(&bitmap));
+    }
     bitmap.ViewPerspective = status == code::Success ? value : before;
     return status;
 }

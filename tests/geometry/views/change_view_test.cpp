@@ -124,6 +124,11 @@ TEST(Regions, FailuresAreResults) {
     EXPECT_EQ(Z_RotateBitmap90(&bitmap, 0, 0, 100), -1);
     EXPECT_EQ(Z_RotateBitmap(&bitmap, 100, 0, 0), -1);
     EXPECT_EQ(Picture::Of(bitmap), before);
+    for (const int32_t view : {2, 3, 4, 5, 8}) { // by a flip, by turns, by both
+        EXPECT_EQ(Z_ChangeBitmapViewPerspective(nullptr, &bitmap, view), -1);
+        EXPECT_EQ(Picture::Of(bitmap), before) << view;
+        EXPECT_EQ(bitmap.ViewPerspective, 0);
+    }
     NotedSlots::Result = 1;
     NotedSlots::Calls.clear();
     int region = 0;
