@@ -38,6 +38,7 @@
 #include "zkr13n/pixels.h"
 #include "zkr13n/platform_types.h"
 #include "zkr13n/playback.h"
+#include "zkr13n/raster_component.h"
 #include "zkr13n/raster_object.h"
 #include "zkr13n/raster_values.h"
 #include "zkr13n/region.h"

@@ -76,11 +76,11 @@ void NativeObject::ReportFailure(const char* text) {
 }
 
 void NativeObject::FireChange(int32_t change, int32_t reserved1, int32_t reserved2) {
-    sinks_.ForEach([=](ZRasterEvents* sink) { sink->Change(change, reserved1, reserved2); });
+    sinks_.ForEach([=](ZRasterEvents* sink, uint32_t) { sink->Change(change, reserved1, reserved2); });
 }
 
 void NativeObject::FireRegionChange() {
-    sinks_.ForEach([](ZRasterEvents* sink) { sink->RgnChange(); });
+    sinks_.ForEach([](ZRasterEvents* sink, uint32_t) { sink->RgnChange(); });
 }
 
 // The top byte is 0 for a colour value, 1 for an index into a palette, 2 for a colour that a palette may stand for, and

@@ -2,8 +2,8 @@
 // logic.
 #pragma once
 
-#include "automation/native/sink_list.h"
 #include "automation/raster_object.h"
+#include "automation/sink_list.h"
 #include "zkr13n/raster_object.h"
 
 #include <atomic>

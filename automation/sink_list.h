@@ -13,22 +13,24 @@ template <typename Sink> class SinkList {
         places_[count_++] = {sink, ++lastCookie_};
         return lastCookie_;
     }
-    // False for a cookie that is none.
-    bool Remove(uint32_t cookie) {
+    // False for a cookie that is none; removed gets the sink.
+    bool Remove(uint32_t cookie, Sink* removed = nullptr) {
         for (int32_t index = 0; index < count_; ++index) {
             if (places_[index].Cookie != cookie || cookie == 0) continue;
+            if (removed != nullptr) *removed = places_[index].Value;
             places_[index].Cookie = 0;
             if (firing_ == 0) Close();
             return true;
         }
         return false;
     }
-    // Calls those sinks that are there now and still are when their turn comes.
+    int32_t Count() const { return count_; }
+    // Passes each sink and its cookie to a function, as far as they are there now and still are when their turn comes.
     template <typename Call> void ForEach(Call call) {
         ++firing_;
         const int32_t count = count_;
         for (int32_t index = 0; index < count; ++index)
-            if (places_[index].Cookie != 0) call(places_[index].Value);
+            if (places_[index].Cookie != 0) call(places_[index].Value, places_[index].Cookie);
         if (--firing_ == 0) Close();
     }
 
