@@ -2,6 +2,7 @@
 // and without diffusion, diffusing it to black and white, and reducing it. It runs in a Python process of its own, which
 // reads the picture once and answers each line with one more pass of the kind that the line names; what the
 // pipe costs is microseconds.
+#include "../paint_work.h"
 #include "../pictures.h"
 #include "../resize_work.h"
 #include "../work.h"
@@ -108,6 +109,7 @@ const Adds adds([] {
     AddPillow(From24ToPalette, "Pillow, not exact", 0.4, "match");
     AddPillow(BitonalFloydSteinberg, "Pillow, one channel", 1, "bitonal");
     AddPillow(PaletteFloydSteinberg, "Pillow", 2, "diffuse");
+    AddPillow(PaintDiffusedTo8, "Pillow", 2, "diffuse");
     AddPillow(AreaReduced24, "Pillow box", 1.5, "box");
     AddPillow(AreaEighth24, "Pillow reduce", 0.5, "eighth");
     AddPillow(Optimised, "Pillow octree", 1.7, "octree", [] { return Pillow().Pass("octree?"); });

@@ -1,4 +1,5 @@
 // libswscale: indexed pictures and bitonal pages to colour, and ordered dithering.
+#include "../paint_work.h"
 #include "../pictures.h"
 #include "../work.h"
 
@@ -61,6 +62,8 @@ const Adds adds([] {
                         }});
     AddOrdered(BitonalOrdered, AV_PIX_FMT_MONOBLACK, PhotographWidth / 8);
     AddOrdered(FixedOrdered, AV_PIX_FMT_RGB8, PhotographWidth);
+    AddOrdered(PaintOrderedTo8, AV_PIX_FMT_RGB8, PhotographWidth);
+    AddOrdered(PaintOrderedTo4, AV_PIX_FMT_RGB4, PhotographWidth / 2);
 });
 
 } // namespace
