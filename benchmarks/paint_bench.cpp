@@ -26,6 +26,12 @@ struct Painting {
 void Paint(BitmapHandle* bitmap, const Painting& painting) {
     RGBQUAD colours[256];
     Z_GetFixedPalette(colours, painting.Bits <= 8 ? painting.Bits : 1);
+    if (painting.Mode == DISPLAY_SCALE_TO_GRAY) {
+        for (int i = 0; i < 256; ++i) {
+            const auto level = static_cast<uint8_t>(i);
+            colours[i] = {level, level, level, 0};
+        }
+    }
     const SurfaceDescription description = {sizeof description,
                                             painting.Width,
                                             painting.Height,
@@ -71,10 +77,10 @@ void AddWithTable(int number, int withTable, const std::string& name, Painting p
 
 const Adds adds([] {
     constexpr int32_t width = PhotographWidth, height = PhotographHeight;
-    AddWithTable(PaintTo32, PaintTableTo32, "paint 24 bits on 32", {width, height, 32, Dithered});
+    AddPhotograph(PaintTo32, "paint 24 bits on 32", {width, height, 32, Dithered});
     AddPhotograph(PaintTo24, "paint 24 bits on 24", {width, height, 24, Dithered});
-    AddWithTable(PaintScaledTo32, PaintScaledTableTo32, "paint 24 bits at 0.37 on 32",
-                 {PaintedWidth, PaintedHeight, 32, Dithered});
+    AddPhotograph(PaintScaledTo32, "paint 24 bits at 0.37 on 32",
+                  {PaintedWidth, PaintedHeight, 32, Dithered});
     AddWithTable(PaintOrderedTo8, PaintTableOrderedTo8, "paint 24 bits ordered on 8",
                  {width, height, 8, Ordered});
     AddWithTable(PaintOrderedTo4, PaintTableOrderedTo4, "paint 24 bits ordered on 4",

@@ -14,11 +14,9 @@ enum PaintWork {
     PaintOrderedTo8,
     PaintOrderedTo4,
     PaintDiffusedTo8,
-    PaintTableTo32,
     PaintTableOrderedTo8,
     PaintTableOrderedTo4,
-    PaintTableDiffusedTo8,
-    PaintScaledTableTo32
+    PaintTableDiffusedTo8
 };
 
 // The photograph scaled, and the page at a quarter.

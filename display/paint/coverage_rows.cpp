@@ -61,11 +61,27 @@ CoverageRows::CoverageRows(BitmapHandle& bitmap, const CoverageRequest& request)
       sourceColumns_(ColumnsCovered(columns_, request.Part.Columns)),
       source_(bitmap, {}, Unscaled(bitmap), sourceColumns_) {}
 
+// Squares of 4 or 8 source pixels that lie within the bitmap, and begin where a byte does but for whole squares.
+void CoverageRows::FindSquares() {
+    const int32_t side = columns_.WholePixels();
+    const int64_t first = columns_.At(request_.Part.Columns.From).First;
+    const CoverageCell last = columns_.At(request_.Part.Columns.To - 1);
+    const bool fits = (side == 4 || side == 8) && rows_.WholePixels() == side && first % 8 % side == 0;
+    if (!fits || last.Count < side) return;
+    side_ = side;
+    lead_ = first % 8 / side;
+}
+
 ReturnCode CoverageRows::Prepare() {
+    FindSquares();
+    if (side_ != 0 && !kept_.emplace((source_.Pixels() + 7) / 8 * static_cast<size_t>(side_)))
+        return code::OutOfMemory;
     groups_ = (source_.Pixels() + 7) / 8;
     if (!cells_.emplace(Pixels()) || !sums_.emplace(groups_ * 8)) return code::OutOfMemory;
-    for (size_t i = 0; i < Pixels(); ++i)
-        (*cells_)[i] = columns_.At(request_.Part.Columns.From + static_cast<int64_t>(i));
+    for (size_t i = 0; i < Pixels(); ++i) {
+        const int64_t column = FirstColumn() + static_cast<int64_t>(i); // those in front are shown nowhere
+        (*cells_)[i] = columns_.At(std::max(column, request_.Part.Columns.From));
+    }
     return source_.Prepare();
 }
 
@@ -84,7 +100,27 @@ ReturnCode CoverageRows::Make(int64_t firstRow, size_t rows, uint8_t* target, si
     return code::Success;
 }
 
+template <size_t side> ReturnCode CoverageRows::MakeSquares(int32_t firstRow, uint8_t* target) {
+    const size_t bytes = (source_.Pixels() + 7) / 8;
+    const uint8_t* rows[side];
+    for (size_t i = 0; i < side; ++i) {
+        const ReturnCode status = source_.Fetch(firstRow + static_cast<int32_t>(i), rows[i]);
+        if (status != code::Success) return status;
+        if (source_.GivesAddresses()) continue;
+        std::memcpy(kept_->data() + i * bytes, rows[i], bytes);
+        rows[i] = kept_->data() + i * bytes;
+    }
+    const auto& kernels = kernels::Chosen<kernels::CoverageKernels>();
+    if constexpr (side == 4)
+        kernels.Squares4(rows, request_.Reversed, target, Pixels());
+    else
+        kernels.Squares8(rows, request_.Reversed, target, Pixels());
+    return code::Success;
+}
+
 ReturnCode CoverageRows::MakeRow(const CoverageCell& cell, uint8_t* target) {
+    if (side_ != 0 && cell.Count == side_)
+        return side_ == 4 ? MakeSquares<4>(cell.First, target) : MakeSquares<8>(cell.First, target);
     uint32_t* sums = sums_->data();
     std::fill_n(sums, groups_ * 8, 0u);
     for (int32_t row = 0; row < cell.Count; ++row) {

@@ -34,6 +34,9 @@ class CoverageAxis {
     // Exact: parts of source pixels count; else only whole ones, at least one.
     CoverageAxis(int32_t size, const Range& source, int64_t targetSize, bool exact);
 
+    // How many whole source pixels each cell has, or 0 where that differs.
+    int32_t WholePixels() const { return pixel_ == 1 && cell_ <= 8 ? static_cast<int32_t>(cell_) : 0; }
+
     // The cell of a target pixel that begins on the bitmap; what hangs over its edges is cut off.
     CoverageCell At(int64_t target) const;
 
@@ -61,12 +64,14 @@ class CoverageRows final : public BandRows {
     [[nodiscard]] ReturnCode Prepare();
 
     int32_t Bits() const override { return 8; }
-    int64_t FirstColumn() const override { return request_.Part.Columns.From; }
-    size_t Pixels() const override { return static_cast<size_t>(request_.Part.Columns.Length()); }
+    int64_t FirstColumn() const override { return request_.Part.Columns.From - lead_; }
+    size_t Pixels() const override { return static_cast<size_t>(request_.Part.Columns.To - FirstColumn()); }
     bool RunsForwards() const override { return false; }
     [[nodiscard]] ReturnCode Make(int64_t firstRow, size_t rows, uint8_t* target, size_t rowBytes) override;
 
   private:
+    void FindSquares();
+    template <size_t side> [[nodiscard]] ReturnCode MakeSquares(int32_t firstRow, uint8_t* target);
     [[nodiscard]] ReturnCode MakeRow(const CoverageCell& cell, uint8_t* target);
 
     CoverageRequest request_;
@@ -76,6 +81,9 @@ class CoverageRows final : public BandRows {
     std::optional<ScratchBuffer<CoverageCell>> cells_; // of the columns of a row
     std::optional<ScratchBuffer<uint32_t>> sums_;
     size_t groups_ = 0;
+    int32_t side_ = 0;                           // of squares of source pixels, where kernels count them
+    int64_t lead_ = 0;                           // columns in front, so that a row begins on a byte
+    std::optional<ScratchBuffer<uint8_t>> kept_; // rows of a square that the storage gives no address of
 };
 
 } // namespace zkr

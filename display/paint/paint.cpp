@@ -126,7 +126,7 @@ ReturnCode Painting::PaintConverted(const Placement& placement) {
     ReturnCode status = source.Prepare();
     if (status != code::Success) return status;
     const auto lead = static_cast<size_t>(part.Columns.From - source.FirstColumn());
-    RowConversion conversion({bitmap_, method_, class_, mode_, source.Pixels(), lead});
+    RowConversion conversion({bitmap_, method_, class_, mode_, source.Pixels(), lead, part.Rows.Length()});
     status = conversion.Prepare();
     if (status != code::Success) return status;
     ConvertedRows rows(source, conversion);

@@ -50,7 +50,7 @@ void ReadPalette(const BitmapHandle& bitmap, RGBQUAD (&colours)[MostEntries]) {
 
 RowConversion::RowConversion(const ConversionRequest& request)
     : bitmap_(WithLevelTableActive(request.Bitmap)), method_(request.Method), class_(request.DeviceClass),
-      mode_(request.DisplayMode), pixels_(request.Pixels), lead_(request.PixelsLead),
+      mode_(request.DisplayMode), pixels_(request.Pixels), lead_(request.PixelsLead), rows_(request.Rows),
       table_(PaintTableOf(request.Bitmap)), bits_(BandBits()), stages_(request.Bitmap.BitsPerPixel) {
     bitmap_.Width = static_cast<int32_t>(pixels_);
     bitmap_.DitheringMethod = DitheringMethodOf(mode_);
@@ -128,27 +128,43 @@ void RowConversion::PlanGray() {
     stages_.Add(Source::Gray8, Target::Colour24);
 }
 
+// Tables for 8 bits are worth making for pictures that are larger than they.
+bool RowConversion::ComparesAtOnce(const OrderedRequest& ordered) const {
+    constexpr int64_t worthTables = 1 << 16;
+    return bitmap_.BitsPerPixel == 24 && OrderedRows::Serves(ordered) &&
+           (class_ == 4 || static_cast<int64_t>(pixels_) >= worthTables / rows_);
+}
+
 ReturnCode RowConversion::PrepareDithering() {
-    const std::span<const RGBQUAD> palette = DitheringPalette(class_, mode_);
-    const auto colours = static_cast<uint32_t>(palette.size());
     const bool ordered = (mode_ & DISPLAY_ORDERED) != 0;
+    if (ordered) {
+        const OrderedRequest request = {class_, *kernels::DitherMethods[bitmap_.DitheringMethod].Thresholds,
+                                        table_, bitmap_.Order == Z_ORDER_RGB, (mode_ & DISPLAY_CUBE) != 0};
+        if (ComparesAtOnce(request)) {
+            way_ = Way::CompareAtOnce;
+            return ordered_.emplace(request).Prepare();
+        }
+    }
     way_ = ordered                            ? Way::Compare
            : table_ != nullptr && class_ == 1 ? Way::DiffuseThroughTable
                                               : Way::Diffuse;
     bitmap_.Width -= static_cast<int32_t>(Skipped());
+    const std::span<const RGBQUAD> palette = DitheringPalette(class_, mode_);
+    const auto colours = static_cast<uint32_t>(palette.size());
     const ReturnCode status = Z_StartDitheringExt(&bitmap_, palette.data(), colours, class_, nullptr);
     if (status != code::Success) return status;
     DitherState& run = RunOf(bitmap_);
     if (bitmap_.BitsPerPixel <= MostIndexedBits) ReadPalette(bitmap_, run.SourcePalette);
     if (HasGrayWords(bitmap_)) {
-        const bool lookup = bitmap_.LevelLUT != nullptr;
-        const GrayWindow window = MakeGrayWindow(bitmap_.BitsPerPixel, lookup ? bitmap_.BitsPerPixel : 8,
-                                                 bitmap_.LowBit, bitmap_.HighBit);
+        const int32_t bits = bitmap_.BitsPerPixel, most = bitmap_.LevelLUT != nullptr ? bits : 8;
+        const GrayWindow window = MakeGrayWindow(bits, most, bitmap_.LowBit, bitmap_.HighBit);
         run.GrayMask = static_cast<int32_t>(window.Mask);
         run.GrayShift = static_cast<int32_t>(window.Shift);
     }
+    return ordered && table_ == nullptr ? code::Success : PrepareQuads();
+}
 
-    if (ordered && table_ == nullptr) return code::Success;
+ReturnCode RowConversion::PrepareQuads() {
     if (pixels_ >= UINT32_MAX / 64) return code::OutOfMemory;
     quadBytes_ = pixels_ * 4;
     if (!quads_.emplace(quadBytes_ * RowsTogether())) return code::OutOfMemory;
@@ -157,6 +173,8 @@ ReturnCode RowConversion::PrepareDithering() {
     quadBitmap_.Order = Z_ORDER_BGR;
     quadBitmap_.BytesPerLine = static_cast<uint32_t>(quadBytes_);
     quadBitmap_.LevelLUT = nullptr;
+    const bool mapsFirst = table_ != nullptr && class_ != 1 && bitmap_.BitsPerPixel == 24;
+    if (mapsFirst && !mapped_.emplace(pixels_ * 3)) return code::OutOfMemory;
     if (way_ != Way::DiffuseThroughTable) return code::Success;
     const size_t cells = (pixels_ + 2) * 3;
     if (!errors_.emplace(cells)) return code::OutOfMemory;
@@ -171,6 +189,11 @@ size_t RowConversion::RowsTogether() const {
 void RowConversion::Take(size_t slot, const uint8_t* pixels) {
     taken_ = pixels;
     if (!quads_) return;
+    if (mapped_) {
+        kernels::Chosen<kernels::ConvertKernels>().MapBytes(pixels, mapped_->data(), pixels_ * 3,
+                                                            {.Table = table_});
+        return ReadQuads(mapped_->data(), Quads(slot));
+    }
     ReadQuads(pixels, Quads(slot));
     if (way_ != Way::DiffuseThroughTable && table_ != nullptr) ApplyTable(Quads(slot));
 }
@@ -243,6 +266,7 @@ void RowConversion::Make(size_t rows, int64_t firstRow, uint8_t* target, size_t 
         RunOf(bitmap_).LineCounter = static_cast<uint32_t>(firstRow % kernels::ThresholdSide);
         DitherRow(RunOf(bitmap_), quads_ ? quadBitmap_ : bitmap_, quads_ ? Quads(0) : taken_, target);
         return;
+    case Way::CompareAtOnce: ordered_->Make(taken_, firstRow, target, pixels_); return;
     case Way::Diffuse:
         DitherRowsTogether(RunOf(bitmap_), quadBitmap_, Quads(0) + lead_ * 4, target, rowBytes, rows);
         return;

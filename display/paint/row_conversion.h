@@ -6,6 +6,7 @@
 #include "colour/dither/row_reader.h"
 #include "core/scratch.h"
 #include "display/paint/classification.h"
+#include "display/paint/ordered_rows.h"
 
 #include <cstdint>
 #include <optional>
@@ -19,6 +20,7 @@ struct ConversionRequest {
     uint32_t DisplayMode;
     size_t Pixels;     // of a row as it is read
     size_t PixelsLead; // so many of them stand before the first that is painted
+    int64_t Rows;
 };
 
 // The paint table where it is in use, else null.
@@ -54,13 +56,15 @@ class RowConversion {
     void Make(size_t rows, int64_t firstRow, uint8_t* target, size_t rowBytes);
 
   private:
-    enum class Way : uint8_t { Copy, Stages, Compare, Diffuse, DiffuseThroughTable };
+    enum class Way : uint8_t { Copy, Stages, Compare, CompareAtOnce, Diffuse, DiffuseThroughTable };
 
     int32_t BandBits() const;
     void PlanStages();
     void PlanGray();
     [[nodiscard]] ReturnCode PrepareLevels();
+    bool ComparesAtOnce(const OrderedRequest& ordered) const;
     [[nodiscard]] ReturnCode PrepareDithering();
+    [[nodiscard]] ReturnCode PrepareQuads();
     void ReadQuads(const uint8_t* pixels, uint8_t* quads);
     void ApplyTable(uint8_t* quads);
     void DiffuseThroughTable(const uint8_t* quads, uint8_t* target);
@@ -72,6 +76,7 @@ class RowConversion {
     uint32_t mode_;
     size_t pixels_;
     size_t lead_;
+    int64_t rows_;
     const uint8_t* table_;
     int32_t bits_;
     Way way_ = Way::Copy;
@@ -83,7 +88,9 @@ class RowConversion {
     std::optional<ScratchBuffer<uint8_t>> quads_;
     size_t quadBytes_ = 0;
     BitmapHandle quadBitmap_{};
+    std::optional<ScratchBuffer<uint8_t>> mapped_; // a row of 24 bits that the table has been applied to
     std::optional<ScratchBuffer<int32_t>> errors_;
+    std::optional<OrderedRows> ordered_;
 };
 
 } // namespace zkr

@@ -87,6 +87,10 @@ ReturnCode SourceRows::Fetch(int64_t scaledRow, const uint8_t*& pixels) {
     return code::Success;
 }
 
+bool SourceRows::GivesAddresses() const {
+    return !scalesColumns_ && (held_.Data != nullptr || LiesInMemory(bitmap_));
+}
+
 const uint8_t* SourceRows::RowInPlace(int64_t row) {
     if (scalesColumns_ || scalesRows_) return nullptr;
     const size_t rowBytes = held_.Data != nullptr ? held_.RowBytes : bitmap_.BytesPerLine;

@@ -38,6 +38,9 @@ class SourceRows {
     // same address.
     [[nodiscard]] ReturnCode Fetch(int64_t scaledRow, const uint8_t*& pixels);
 
+    // Whether rows stay where Fetch finds them.
+    bool GivesAddresses() const;
+
     // Where an unscaled row begins, when the others stand before and behind it so that rows of the bitmap's width follow one
     // another as blocks have them; else null.
     const uint8_t* RowInPlace(int64_t row);
