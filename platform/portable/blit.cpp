@@ -60,13 +60,15 @@ class Painter {
     }
 
     void Paint(const Area& area) {
-        const bool straight = source_ && bits_ >= 8 && blit_.operation.CopiesSource();
+        const bool copies = source_ && blit_.operation.CopiesSource();
+        const bool straight = copies && bits_ >= 8;
+        const bool packed = copies && bits_ < 8 && MovesBytes(area);
         const auto rowBytes = static_cast<size_t>((area.right - area.left) * bits_ / 8);
         int64_t before = -1; // the source row that the target row above shows
         for (int64_t y = area.top; y < area.bottom; ++y) {
             const int64_t from = source_ ? blit_.y.Source(y) : 0;
             if (!straight) {
-                PaintRow(area, y, from);
+                PaintRow(packed ? CopyBytes(area, y, from) : area, y, from);
                 continue;
             }
             uint8_t* out = target_.Row(y) + area.left * bits_ / 8;
@@ -79,6 +81,21 @@ class Painter {
     }
 
   private:
+    // Whether packed pixels stay as they are and where they are in their bytes.
+    bool MovesBytes(const Area& area) const {
+        const int64_t bit = area.left * bits_, from = blit_.x.Source(area.left) * bits_;
+        return columns_ == nullptr && converter_->KeepsPixels() && bit % 8 == 0 && from % 8 == 0;
+    }
+
+    // Copies the whole bytes of a row, and tells what is left of it.
+    Area CopyBytes(const Area& area, int64_t y, int64_t from) const {
+        const int64_t bytes = (area.right - area.left) * bits_ / 8;
+        std::memcpy(target_.Row(y) + area.left * bits_ / 8,
+                    blit_.source->Row(from) + blit_.x.Source(area.left) * bits_ / 8,
+                    static_cast<size_t>(bytes));
+        return {area.left + bytes * 8 / bits_, area.top, area.right, area.bottom};
+    }
+
     void Fetch(int64_t row, int64_t x, int64_t count, uint8_t* out, int firstBit) {
         const uint8_t* pixels = blit_.source->Row(row);
         if (columns_ != nullptr)

@@ -56,6 +56,9 @@ class RowConverter {
     RowConverter(const RowConverter&) = delete;
     RowConverter& operator=(const RowConverter&) = delete;
 
+    // Whether pixels are copied as they are.
+    bool KeepsPixels() const { return same_; }
+
     // Pixels of a row from column x on. The target's place is a byte and, below 8 bits, a bit in it; there
     // count is at most Most and the rest of the first and last bytes is overwritten.
     void Convert(const uint8_t* row, int64_t x, int64_t count, uint8_t* out, int firstBit);
