@@ -2,6 +2,7 @@
 #include "regions/moves.h"
 
 #include "core/flags.h"
+#include "regions/kernels/run_moves.h"
 
 #include <algorithm>
 #include <cstring>
@@ -33,8 +34,7 @@ ReturnCode OffsetRegion(RegionHandle* region, int32_t dx, int32_t dy) {
     PixelRect bounds = BoundsOf(*region);
     if (!Move(bounds, dx, dy)) return code::InvalidArgument;
     if (dx != 0)
-        for (int32_t& x : EndPoints(*region))
-            x += dx;
+        kernels::Chosen<kernels::RunMoveKernels>().Offset(region->Segments, EndPoints(*region).size(), dx);
     SetBounds(*region, bounds);
     DropRegionCaches(*region);
     return code::Success;
