@@ -54,13 +54,13 @@ Z_API ReturnCode Z_CALL Z_ResizeBitmap(BitmapHandle* source, BitmapHandle* targe
  * Fills a bitmap with another at its size.
  *
  * source  in: an allocated bitmap; its row cache is changed
- * target  in, changed: an allocated bitmap, which gives size, depth and palette. Where it has a region, this
- *         becomes the region of the source at the new size when the two are not the same one.
+ * target  in, changed: an allocated bitmap, which gives size, depth and palette. A region that it has counts as
+ *         one of the source's pixels and is scaled with them, unless the source has the very same one.
  * flags   in: SIZE_.... SIZE_KEEP_BLACK wins over the others; it is ignored unless both depths are 1.
  *
- * Where the views differ the source is turned first in a copy, except between 0 and 2, which only
- * exchange the order of rows. Without blending pixels are copied as they are at the source's depth: give equal depths. With
- * blending they are converted to the target's depth, or dithered to its palette.
+ * Where the views differ the source is turned first, in a copy, except between 0 and 2, which only exchange
+ * the order of rows. Without blending pixels are copied as they are, at the source's depth: give equal depths.
+ * With blending they are converted to the target's depth, or dithered to its palette.
  *
  * Z_SUCCESS. Z_ERROR_BITMAP: a bitmap that is null or not allocated. Z_ERROR_ARGUMENT: views that differ, one
  * of which there is not. Z_ERROR_MEMORY: memory is short. Failures of dithering, of rows and of the region, and
