@@ -21,30 +21,39 @@ typedef uint32_t Words __attribute__((vector_size(16)));
 
 // A carry runs up through the planes.
 template <class Word, uint32_t planes>
-void AddWord(const uint8_t* row, Word flipped, size_t byte, const CountedRows& counts) {
-    const auto at = [byte](const uint8_t* from) { return Load<Word>(from + byte, 0); };
-    const auto set = [byte](uint8_t* to, Word word) { std::memcpy(to + byte, &word, sizeof word); };
-    const Word black = at(row) ^ flipped;
-    set(counts.Any, at(counts.Any) | black);
-    set(counts.All, at(counts.All) & black);
-    Word carry = black;
-    for (uint32_t p = 0; p < planes; ++p) {
-        const Word bit = at(counts.Planes[p]);
-        set(counts.Planes[p], bit ^ carry);
-        carry &= bit;
+void CountWord(const uint8_t* const* rows, size_t count, Word flipped, size_t byte,
+               const CountedRows& counts) {
+    Word plane[planes] = {};
+    Word any = {}, all = ~any;
+    for (size_t k = 0; k < count; ++k) {
+        const Word black = Load<Word>(rows[k] + byte, 0) ^ flipped;
+        any |= black;
+        all &= black;
+        Word carry = black;
+        for (uint32_t p = 0; p < planes; ++p) {
+            const Word bit = plane[p];
+            plane[p] = bit ^ carry;
+            carry &= bit;
+        }
     }
+    const auto set = [byte](uint8_t* to, Word word) { std::memcpy(to + byte, &word, sizeof word); };
+    for (uint32_t p = 0; p < planes; ++p)
+        set(counts.Planes[p], plane[p]);
+    set(counts.Any, any);
+    set(counts.All, all);
 }
 
 template <uint32_t planes>
-void Add(const uint8_t* row, uint32_t flipped, size_t words, const CountedRows& counts) {
-    const CountedRows rows = counts; // which no store can change
+void Count(const uint8_t* const* rows, size_t count, uint32_t flipped, size_t words,
+           const CountedRows& counted) {
+    const CountedRows counts = counted; // which no store can change
     const Words all = Words{} + flipped;
     const size_t bytes = words * 4;
     size_t i = 0;
     for (; i + sizeof(Words) <= bytes; i += sizeof(Words))
-        AddWord<Words, planes>(row, all, i, rows);
+        CountWord<Words, planes>(rows, count, all, i, counts);
     for (; i < bytes; i += 4)
-        AddWord<uint32_t, planes>(row, flipped, i, rows);
+        CountWord<uint32_t, planes>(rows, count, flipped, i, counts);
 }
 
 // The pixels from one on, the first of them in the top bit; 57 of them are whole.
@@ -162,7 +171,7 @@ void Double(const uint8_t* source, uint8_t* target, size_t bytes) {
 
 template <>
 constinit const StrokeKernels Compiled<StrokeKernels, ThisSet>::Table = {
-    {Add<1>, Add<2>, Add<3>, Add<4>, Add<5>, Add<6>, Add<7>, Add<8>},
+    {Count<1>, Count<2>, Count<3>, Count<4>, Count<5>, Count<6>, Count<7>, Count<8>},
     {Compare<1>, Compare<2>, Compare<3>, Compare<4>, Compare<5>, Compare<6>, Compare<7>, Compare<8>},
     Double};
 

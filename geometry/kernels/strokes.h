@@ -28,9 +28,10 @@ struct CountedCells {
 inline constexpr uint32_t WidestSpreadCell = 7;
 
 struct StrokeKernels {
-    // Adds a row, whose words are exclusive-ored with `flipped` to make black 1. Planes are as many as the count of rows
+    // Counts some rows, whose words are exclusive-ored with `flipped` to make black 1. Planes are as many as their count
     // needs.
-    void (*Add[MostPlanes])(const uint8_t* row, uint32_t flipped, size_t words, const CountedRows& counts);
+    void (*Count[MostPlanes])(const uint8_t* const* rows, size_t count, uint32_t flipped, size_t words,
+                              const CountedRows& counts);
 
     // Makes a packed row of pixels, black as 1: those whose cell counts at least the threshold. A cell that is black all
     // over is black.

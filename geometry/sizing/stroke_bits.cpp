@@ -2,8 +2,9 @@
 #include "geometry/sizing/stroke_bits.h"
 
 #include "core/exact_rows.h"
-#include "core/flags.h"
+#include "core/predicates.h"
 #include "core/row_access.h"
+#include "core/sizes.h"
 #include "geometry/row_tail.h"
 #include "kernels/family.h"
 #include "zkr13n/compressed_rows.h"
@@ -25,6 +26,12 @@ int32_t MostRows(const BitmapHandle& source, const BitmapHandle& target) {
     return source.Height / target.Height + 1;
 }
 
+// More than any memory where they do not fit.
+size_t RowsBytesOf(const BitmapHandle& source, int32_t rows) {
+    const uint64_t bytes = RowsBytes(source, rows);
+    return FitsSize(bytes) ? static_cast<size_t>(bytes) : SIZE_MAX;
+}
+
 } // namespace
 
 bool StrokeBits::Suits(const BitmapHandle& source, const BitmapHandle& target) {
@@ -41,7 +48,8 @@ StrokeBits::StrokeBits(BitmapHandle& source, BitmapHandle& target, uint32_t thre
       planes_(static_cast<uint32_t>(std::bit_width(static_cast<uint32_t>(MostRows(source, target))))),
       counts_(rowBytes_ <= SIZE_MAX / Rows ? rowBytes_ * Rows : SIZE_MAX), bounds_(cells_ + 1),
       spreads_(cells_ / 8 + 1), made_(std::max(cells_ / 8 + 1, size_t{source.BytesPerLine})),
-      targetRow_(target), sourceRow_(source),
+      targetRow_(target), sourceRows_(RowsBytesOf(source, MostRows(source, target))),
+      fetched_(static_cast<size_t>(MostRows(source, target))),
       runs_(HasFlag(target, flag::Compressed) ? static_cast<size_t>(target.Width) + 3 : 1) {}
 
 void StrokeBits::Begin() {
@@ -68,14 +76,11 @@ ReturnCode StrokeBits::Pass(int32_t row) {
     if (first == counted_) return Store(row);
     counted_ = first;
     const int64_t end = std::max(static_cast<int64_t>(steps_.Index), first + 1);
-    for (uint32_t p = 0; p < planes_; ++p)
-        std::memset(rows_.Planes[p], 0, source_.BytesPerLine);
-    std::memset(rows_.Any, 0, source_.BytesPerLine);
-    std::memset(rows_.All, 0xFF, source_.BytesPerLine);
-    for (int64_t i = first; i < end; ++i) {
-        const ReturnCode result = Count(static_cast<int32_t>(i));
-        if (result != code::Success) return result;
-    }
+    const auto count = static_cast<int32_t>(end - first);
+    const ReturnCode result = Fetch(static_cast<int32_t>(first), count);
+    if (result != code::Success) return result;
+    Kernels().Count[planes_ - 1](fetched_.data(), static_cast<size_t>(count), blackIsOne_ ? 0 : UINT32_MAX,
+                                 source_.BytesPerLine / 4, rows_);
     uint8_t* const bits = targetRow_.data();
     const bool doubles = target_.Width > source_.Width;
     uint8_t* const compared = doubles ? made_.data() : bits;
@@ -91,12 +96,21 @@ ReturnCode StrokeBits::Pass(int32_t row) {
     return Store(row);
 }
 
-ReturnCode StrokeBits::Count(int32_t row) {
-    const uint8_t* bytes = nullptr;
-    const ReturnCode result = FetchRow(source_, StoredRow(source_, row), sourceRow_.data(), bytes);
-    if (result == code::Success)
-        Kernels().Add[planes_ - 1](bytes, blackIsOne_ ? 0 : UINT32_MAX, source_.BytesPerLine / 4, rows_);
-    return result;
+ReturnCode StrokeBits::Fetch(int32_t first, int32_t count) {
+    const bool staysThere = LiesInMemory(source_);
+    uint8_t* place = sourceRows_.data();
+    for (int32_t i = 0; i < count; ++i) {
+        const int32_t row = StoredRow(source_, first + i);
+        const uint8_t* stored = staysThere ? ReachRow(source_, row) : nullptr;
+        if (stored == nullptr) {
+            const ReturnCode result = ReadExactly(source_, place, row, 0, source_.BytesPerLine);
+            if (result != code::Success) return result;
+            stored = place;
+            place += source_.BytesPerLine;
+        }
+        fetched_[static_cast<size_t>(i)] = stored;
+    }
+    return code::Success;
 }
 
 ReturnCode StrokeBits::Store(int32_t row) {

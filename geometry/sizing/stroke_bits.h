@@ -22,7 +22,7 @@ class StrokeBits {
     StrokeBits(BitmapHandle& source, BitmapHandle& target, uint32_t threshold, bool blackIsOne);
 
     explicit operator bool() const {
-        return counts_ && bounds_ && spreads_ && made_ && targetRow_ && sourceRow_ && runs_;
+        return counts_ && bounds_ && spreads_ && made_ && targetRow_ && sourceRows_ && fetched_ && runs_;
     }
 
     void Begin();
@@ -32,7 +32,7 @@ class StrokeBits {
     static constexpr size_t Rows = kernels::MostPlanes + 2;
     static constexpr size_t Slack = 8; // that kernels may read behind a row
 
-    ReturnCode Count(int32_t row);
+    ReturnCode Fetch(int32_t first, int32_t count);
     ReturnCode Store(int32_t row);
 
     BitmapHandle& source_;
@@ -48,7 +48,9 @@ class StrokeBits {
     ScratchBuffer<uint64_t> spreads_;
     bool isShort_ = false; // cells so narrow that they have spreads
     ScratchBuffer<uint8_t> made_;
-    ScratchRow targetRow_, sourceRow_;
+    ScratchRow targetRow_;
+    ScratchBuffer<uint8_t> sourceRows_; // of a cell, where the bitmap does not lie in memory
+    ScratchBuffer<const uint8_t*> fetched_;
     ScratchBuffer<uint16_t> runs_; // of a target that is held as runs
     int64_t counted_ = -1;
 };
