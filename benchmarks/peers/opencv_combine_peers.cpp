@@ -32,7 +32,7 @@ void CopyThroughMask() {
     cv::setNumThreads(1);
     if (mask.empty()) {
         target.create(PhotographHeight, PhotographWidth, CV_8UC3);
-        mask = View(TextPaper(8)) == 0;
+        mask = View(TextPaper(8)) < 128; // the ink
     }
     View(PhotographBitmap(24, 1)).copyTo(target, mask);
     Touch(target.data);

@@ -34,6 +34,12 @@ template <typename Vector> inline Vector Load(const uint8_t* from) {
     return vector;
 }
 
+// Memory that the cache is asked for may lie behind the row.
+inline void AskAhead(const uint8_t* place) {
+    constexpr uintptr_t distance = 1024;
+    __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(place) + distance));
+}
+
 // So many bytes, fewer than a vector has, in at most two moves that overlap; or a few single ones.
 inline void CopyFew(uint8_t* to, const uint8_t* from, size_t bytes) {
     const auto ends = [=]<size_t size>(std::integral_constant<size_t, size>) {
@@ -65,7 +71,15 @@ inline void Combine(uint8_t* result, const uint8_t* target, const uint8_t* sourc
     if (bytes >= sizeof(Vector)) {
         const size_t last = bytes - sizeof(Vector);
         const Vector end = made(last);
-        for (size_t i = 0; i < last; i += sizeof(Vector)) {
+        size_t i = 0;
+        for (; i + 2 * sizeof(Vector) <= last; i += 2 * sizeof(Vector)) {
+            const Vector first = made(i), second = made(i + sizeof(Vector));
+            if (readsTarget) AskAhead(target + i);
+            if (readsSource) AskAhead(source + i);
+            std::memcpy(result + i, &first, sizeof first);
+            std::memcpy(result + i + sizeof(Vector), &second, sizeof second);
+        }
+        for (; i < last; i += sizeof(Vector)) {
             const Vector vector = made(i);
             std::memcpy(result + i, &vector, sizeof vector);
         }
@@ -251,10 +265,15 @@ template <SampleOperator op, size_t bits>
     constexpr size_t unitBytes = UnitPixels * bits / 8;
     const UnpackStep<bits> unpacking({.Table = IdentityMap.data()});
     const PackStep<bits> packing({});
+    // Eight pixels, and the eight behind them, in each half of a vector.
+    const __m256i nextPairs = _mm256_add_epi8(unpacking.pairs, _mm256_set1_epi8(bits));
     const auto unpack = [&](const uint8_t* packed) {
-        const __m256i even = unpacking.Sixteen(packed, packed + 2 * bits);
-        const __m256i odd = unpacking.Sixteen(packed + bits, packed + 3 * bits);
-        return reinterpret_cast<ByteLanes>(_mm256_packus_epi16(even, odd));
+        const __m256i both = LoadHalves(packed, packed + 2 * bits);
+        const auto eight = [&](__m256i pairs) {
+            const __m256i top = _mm256_mullo_epi16(_mm256_shuffle_epi8(both, pairs), unpacking.factors);
+            return _mm256_srli_epi16(top, 16 - bits);
+        };
+        return reinterpret_cast<ByteLanes>(_mm256_packus_epi16(eight(unpacking.pairs), eight(nextPairs)));
     };
     const auto flipD = static_cast<uint8_t>(range.TargetFlip), flipS = static_cast<uint8_t>(range.SourceFlip),
                flip = static_cast<uint8_t>(range.ResultFlip);
