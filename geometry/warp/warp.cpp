@@ -110,14 +110,19 @@ ReturnCode StoreArea(BitmapHandle& source, StoredArea& area) {
     return status;
 }
 
+// Whether two records are one, or copies of one.
+bool ShareStorage(const BitmapHandle& a, const BitmapHandle& b) {
+    return a.StorageHandle != nullptr ? a.StorageHandle == b.StorageHandle
+                                      : a.Addr != nullptr && a.Addr == b.Addr;
+}
+
 class Warp {
   public:
     Warp(BitmapHandle& destination, BitmapHandle& source, const Corners& corners, const StoredArea& area,
          bool isBlended)
         : destination_(destination), matrix_(InverseMapping(corners)),
           rows_(source, area.Left, area.Top, area.Width, area.Height), buffer_(destination),
-          sharesStorage_(&destination == &source ||
-                         (source.StorageHandle != 0 && destination.StorageHandle == source.StorageHandle)) {
+          sharesStorage_(ShareStorage(destination, source)) {
         const auto [left, right] = std::ranges::minmax(corners, {}, &POINT::x);
         const auto [top, bottom] = std::ranges::minmax(corners, {}, &POINT::y);
         left_ = left.x, right_ = right.x, top_ = top.y, bottom_ = bottom.y;

@@ -89,7 +89,7 @@ std::array<Corner, 4> StoredCorners(BitmapHandle& destination, const BitmapHandl
 
 Picture Expected(BitmapHandle& destination, BitmapHandle& source, const Call& call, bool isBlended) {
     Picture result = PictureOf(destination);
-    const bool isSame = &destination == &source;
+    const bool isSame = destination.Addr == source.Addr && destination.StorageHandle == source.StorageHandle;
     const Picture original = PictureOf(source);
     const auto p = StoredCorners(destination, source, call.points);
     int32_t x0 = call.left, y0 = call.top, x1 = call.left + call.width - 1, y1 = call.top + call.height - 1;
@@ -241,6 +241,8 @@ TEST(Warp, SamplesEveryStorageAndItself) {
             SCOPED_TRACE(storage.Name);
             CheckRandomCalls(destination, source, 6, true, random);
             CheckRandomCalls(source, source, 6, true, random);
+            BitmapHandle copy = source;
+            CheckRandomCalls(source, copy, 6, true, random);
         }
     }
 }
