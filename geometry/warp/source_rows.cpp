@@ -1,4 +1,5 @@
-// The kept rows are let go together when their room is used up.
+// The kept rows are let go together when their room is used up. A bitmap of the caller's may have no pixels yet, which
+// the first transfer tells.
 #include "geometry/warp/source_rows.h"
 
 #include "core/exact_rows.h"
@@ -15,7 +16,7 @@ ReturnCode SourceRows::Begin() {
     rows_.emplace(height);
     if (!*rows_) return code::OutOfMemory;
     area_.Rows = rows_->data();
-    if (LiesInMemory(bitmap_)) {
+    if (LiesInMemory(bitmap_) && ReachRow(bitmap_, area_.Top) != nullptr) {
         for (size_t i = 0; i < height; ++i)
             (*rows_)[i] = ReachRow(bitmap_, area_.Top + static_cast<int32_t>(i));
         return code::Success;

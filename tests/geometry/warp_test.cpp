@@ -281,6 +281,11 @@ TEST(Warp, RefusesInTheOrderOfItsTests) {
                                                                     {INT32_MAX, 0, INT32_MAX, 5}})
         EXPECT_EQ(call(&a, &square, &b, l, t, w, h), -13) << l << ' ' << t << ' ' << w << ' ' << h;
     EXPECT_EQ(call(&a, &square, &b, 0, 0, 20, 20), 1);
+    Bitmap blank(20, 20, 24), other(20, 20, 24);
+    Z_AllocateBitmap(&blank, MemoryUser); // its pixels are still to be told
+    Z_AllocateBitmap(&other, MemoryConventional);
+    EXPECT_EQ(call(&other, &square, &blank, 0, 0, 5, 5, 0x101), -2);
+    EXPECT_EQ(call(&blank, &square, &other, 0, 0, 5, 5, 0x101), -2);
 
     RGBQUAD entries[16];
     Z_GetFixedPalette(entries, 4);
