@@ -62,6 +62,7 @@ std::span<const Family> TurnFamilies();
 std::span<const Family> ResizeFamilies();
 std::span<const Family> RegionFamilies();
 std::span<const Family> PlaybackFamilies();
+std::span<const Family> PaintFamilies();
 std::span<const Family> CombineFamilies();
 std::span<const Family> DibFamilies();
 

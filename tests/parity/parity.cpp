@@ -40,9 +40,9 @@ std::string Line(const char* name, int number, uint64_t digest) {
 }
 
 auto AllFamilies() {
-    return std::array{CoreFamilies(),       PixelFamilies(),   ColourFamilies(), GrayFamilies(),
-                      ResolutionFamilies(), TurnFamilies(),    ResizeFamilies(), RegionFamilies(),
-                      PlaybackFamilies(),   CombineFamilies(), DibFamilies()};
+    return std::array{CoreFamilies(),       PixelFamilies(), ColourFamilies(),  GrayFamilies(),
+                      ResolutionFamilies(), TurnFamilies(),  ResizeFamilies(),  RegionFamilies(),
+                      PlaybackFamilies(),   PaintFamilies(), CombineFamilies(), DibFamilies()};
 }
 
 // The first third of the cases, unless ZKR_LONG asks for all.

@@ -213,16 +213,26 @@ struct Run {
     }
 };
 
-void PaintAndCompare(uint64_t seed, int bits, int deviceBits, int size) {
+// With a divisor the whole bitmap is shown at that part of its size, in levels of gray.
+void PaintAndCompare(uint64_t seed, int bits, int deviceBits, int size, int divisor = 0) {
     Seeded seeded(seed);
     const int width = size + seeded.Below(9), height = size * 3 / 4 + seeded.Below(5);
-    const uint32_t mode = RandomMode(seeded);
-    Subject subject(seeded, bits, seeded.Between(3, size), seeded.Between(3, size),
+    const uint32_t mode = divisor != 0 ? 0x10 : RandomMode(seeded);
+    const int across = divisor != 0 ? size / 8 * 8 : seeded.Between(3, size);
+    Subject subject(seeded, bits, across, divisor != 0 ? across - 8 : seeded.Between(3, size),
                     seeded.Below(3) == 0 ? MemoryDisk : MemoryConventional);
     Canvas canvas(DeviceOf(width, height, deviceBits, mode), 3);
     Run run{seeded, subject, canvas, mode};
     Z_SetDisplayMode(0xFFFFFFFF, mode);
     Ask ask = RandomAsk(seeded, subject.bitmap, width, height);
+    if (divisor != 0) {
+        const bool turned = subject.bitmap.ViewPerspective >= 4 && !ask.shown.DocumentLocked;
+        const int shown[2] = {across / divisor, (across - 8) / divisor};
+        constexpr int left = 2, top = 3;
+        ask.hasSource = false;
+        ask.shown.Source = {0, 0, across, across - 8};
+        ask.shown.Destination = {left, top, left + shown[turned], top + shown[!turned]};
+    }
     const int deviceClass = ClassOf(canvas.context);
     Method method = MethodOf(subject.picture, deviceClass, mode);
     const std::vector<uint32_t> before = canvas.Pixels();
@@ -275,12 +285,162 @@ TEST_F(Paint, InBandsIsTheSame) {
     uint64_t seed = 1000000;
     for (const int bits : Depths) {
         for (const int deviceBits : {8, 24}) {
-            for (int round = 0; round < 4; ++round) {
+            for (int round = 0; round < (bits == 24 ? 16 : 3); ++round) {
                 PaintAndCompare(++seed, bits, deviceBits, 700);
                 if (HasFatalFailure()) FAIL() << "seed " << seed << ", " << bits << " bits on " << deviceBits;
             }
         }
     }
+}
+
+TEST_F(Paint, AtWholeDivisorsIsTheSame) {
+    for (uint64_t seed = 2000000; seed < 2000120; ++seed) {
+        PaintAndCompare(seed, 1, 24, 400, seed % 2 == 0 ? 4 : 8);
+        if (HasFatalFailure()) FAIL() << "seed " << seed;
+    }
+}
+
+// A plain bitmap of some depth on a canvas of 32 bits.
+class PaintCases : public Paint {
+  protected:
+    PaintCases() : canvas_(20, 16, 32, 9), before_(canvas_.Pixels()) { Z_SetDisplayMode(0xFFFFFFFF, 8); }
+    ~PaintCases() override { Z_FreeBitmap(&bitmap_); }
+
+    void Make(int width, int height, int bits) {
+        ASSERT_EQ(
+            Z_CreateBitmap(&bitmap_, MemoryConventional, width, height, bits, 1, nullptr, 0, nullptr, 0), 1);
+        Seeded seeded(5);
+        rows_.resize(bitmap_.Size);
+        for (uint8_t& byte : rows_)
+            byte = seeded.Byte();
+        std::memcpy(bitmap_.Addr, rows_.data(), rows_.size());
+    }
+    ReturnCode PaintAt(const RECT* destination, const RECT* source = nullptr, const RECT* clip = nullptr) {
+        return Z_PaintDC(canvas_.context, &bitmap_, source, clip, destination, nullptr, Copy);
+    }
+    bool IsUntouched() { return canvas_.Pixels() == before_; }
+
+    Canvas canvas_;
+    std::vector<uint32_t> before_;
+    BitmapHandle bitmap_{};
+    std::vector<uint8_t> rows_;
+};
+
+TEST_F(PaintCases, RefuseWhatCannotBePainted) {
+    const RECT to = {0, 0, 4, 4};
+    const HDC context = canvas_.context;
+    EXPECT_EQ(Z_PaintDC(nullptr, &bitmap_, nullptr, nullptr, nullptr, nullptr, Copy), -2) << "not allocated";
+    EXPECT_EQ(Z_PaintRgnDC(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, Copy), -2);
+    Make(4, 4, 24);
+    const auto buffer = [&](HDC to1, const RECT* to2, const void* rows, int count) {
+        return Z_PaintDCBuffer(to1, &bitmap_, nullptr, nullptr, to2, nullptr, Copy, rows, 0, count);
+    };
+    EXPECT_EQ(Z_PaintDC(nullptr, &bitmap_, nullptr, nullptr, &to, nullptr, Copy), -13);
+    EXPECT_EQ(Z_PaintDC(context, &bitmap_, nullptr, nullptr, nullptr, nullptr, Copy), -13);
+    EXPECT_EQ(Z_PaintRgnDC(context, &bitmap_, nullptr, nullptr, nullptr, nullptr, Copy), -13);
+    EXPECT_EQ(buffer(nullptr, nullptr, nullptr, 4), -2);
+    EXPECT_EQ(buffer(nullptr, &to, rows_.data(), 4), -13);
+    EXPECT_EQ(buffer(context, &to, rows_.data(), -4), -13) << "compressed rows of 24 bits";
+    const RECT pixel = {0, 0, 1, 1}, wide = {0, 0, 1 << 30, 4};
+    EXPECT_EQ(PaintAt(&wide, &pixel), -13) << "a bitmap of four times that width";
+    const HDC dead = platform::CreateCompatibleDC(nullptr);
+    platform::DeleteDC(dead);
+    EXPECT_EQ(Z_PaintDC(dead, &bitmap_, nullptr, nullptr, &to, nullptr, Copy), -1);
+    EXPECT_EQ(Z_PaintRgnDC(dead, &bitmap_, nullptr, nullptr, &to, nullptr, Copy), -1);
+    EXPECT_TRUE(IsUntouched());
+}
+
+TEST_F(PaintCases, LeaveTheDeviceWhereThereIsNothingToShow) {
+    Make(4, 4, 24);
+    const RECT to = {0, 0, 4, 4}, beside = {4, 0, 9, 4}, thin = {3, 3, 3, 9}, flat = {3, 3, 9, 3},
+               mirrored = {9, 3, 3, 9}, outside = {100, 100, 104, 104},
+               farOff = {INT32_MIN, 0, INT32_MIN + 4, 4}, empty = {2, 2, 2, 2},
+               all = {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX};
+    for (const RECT& destination : {thin, flat, mirrored, outside, farOff})
+        EXPECT_EQ(PaintAt(&destination), 1);
+    EXPECT_EQ(PaintAt(&to, nullptr, &beside), 1);
+    EXPECT_EQ(PaintAt(&to, &beside), 1);
+    EXPECT_EQ(PaintAt(&to, &empty), 1);
+    EXPECT_EQ(PaintAt(&to, &all), 1) << "four pixels are none of sixteen";
+    for (const int firstRow : {-4, 4, INT32_MIN, INT32_MAX}) {
+        EXPECT_EQ(Z_PaintDCBuffer(canvas_.context, &bitmap_, nullptr, nullptr, &to, nullptr, Copy,
+                                  rows_.data(), firstRow, 4),
+                  1);
+    }
+    EXPECT_EQ(
+        Z_PaintDCBuffer(canvas_.context, &bitmap_, nullptr, nullptr, &to, nullptr, Copy, rows_.data(), 0, 0),
+        1);
+}
+
+// Compressed rows, and rows that reach over the bitmap's edges, show what the bitmap would.
+TEST_F(PaintCases, BuffersAreCutToTheBitmap) {
+    Make(19, 12, 1);
+    const RECT to = {1, 2, 20, 14};
+    ASSERT_EQ(PaintAt(&to), 1);
+    const std::vector<uint32_t> whole = canvas_.Pixels();
+    std::vector<uint8_t> framed(bitmap_.Size + 5 * size_t{bitmap_.BytesPerLine});
+    std::memcpy(framed.data() + 2 * bitmap_.BytesPerLine, rows_.data(), rows_.size());
+    std::vector<uint16_t> compressed(1000);
+    Z_CompressRows(compressed.data(), framed.data(), 19, 17);
+    for (const bool isCompressed : {false, true}) {
+        Canvas other(20, 16, 32, 9);
+        const void* rows = isCompressed ? static_cast<const void*>(compressed.data()) : framed.data();
+        ASSERT_EQ(Z_PaintDCBuffer(other.context, &bitmap_, nullptr, nullptr, &to, nullptr, Copy, rows, -2,
+                                  isCompressed ? -17 : 17),
+                  1);
+        EXPECT_EQ(other.Pixels(), whole) << isCompressed;
+    }
+}
+
+TEST_F(PaintCases, IndicesMeanTheSelectedPalette) {
+    Make(16, 16, 8);
+    RGBQUAD colours[256];
+    for (unsigned i = 0; i < 256; ++i)
+        colours[i] = {static_cast<uint8_t>(i), static_cast<uint8_t>(255 - i), static_cast<uint8_t>(i * 7), 0};
+    const HPALETTE palette = Z_CreatePalette(colours, 256);
+    const HPALETTE standing = platform::SelectPalette(canvas_.context, palette, 0);
+    platform::RealizePalette(canvas_.context);
+    Z_SetDisplayMode(0xFFFFFFFF, 12);
+    const RECT to = {0, 0, 16, 16};
+    ASSERT_EQ(PaintAt(&to), 1);
+    const std::vector<uint32_t> shown = canvas_.Pixels();
+    for (int y = 0; y < 16; ++y) {
+        for (int x = 0; x < 16; ++x) {
+            const RGBQUAD& c = colours[rows_[static_cast<size_t>(y * 16 + x)]];
+            ASSERT_EQ(shown[canvas_.At(x, y)] & 0xFFFFFF,
+                      static_cast<uint32_t>(c.rgbRed << 16 | c.rgbGreen << 8 | c.rgbBlue));
+        }
+    }
+    platform::SelectPalette(canvas_.context, standing, 0);
+    platform::DeleteObject(palette);
+}
+
+TEST_F(PaintCases, RegionsAreClips) {
+    Make(10, 8, 24);
+    const RECT part = {2, 1, 7, 6}, to = {3, 2, 13, 10};
+    ASSERT_EQ(Z_SetBitmapRgnRect(&bitmap_, nullptr, &part, Z_RGN_SET), 1);
+    RECT box;
+    platform::GetClipBox(canvas_.context, &box);
+    ASSERT_EQ(Z_PaintRgnDC(canvas_.context, &bitmap_, nullptr, nullptr, &to, nullptr, Copy), 1);
+    ASSERT_EQ(Z_PaintRgnDCBuffer(canvas_.context, &bitmap_, nullptr, nullptr, &to, nullptr, Invert,
+                                 rows_.data() + 4 * bitmap_.BytesPerLine, 4, 4),
+              1);
+    const std::vector<uint32_t> shown = canvas_.Pixels();
+    for (int y = 0; y < 16; ++y) {
+        for (int x = 0; x < 20; ++x) {
+            const bool inside = x >= 5 && x < 10 && y >= 3 && y < 8;
+            uint32_t expected = before_[canvas_.At(x, y)];
+            if (inside) {
+                const uint8_t* pixel =
+                    rows_.data() + static_cast<size_t>(y - 2) * bitmap_.BytesPerLine + (x - 3) * 3;
+                expected = y < 6 ? static_cast<uint32_t>(pixel[2] << 16 | pixel[1] << 8 | pixel[0]) : 0;
+            }
+            ASSERT_EQ(shown[canvas_.At(x, y)] & 0xFFFFFF, expected & 0xFFFFFF) << x << ", " << y;
+        }
+    }
+    RECT after;
+    platform::GetClipBox(canvas_.context, &after);
+    EXPECT_EQ(std::memcmp(&after, &box, sizeof box), 0);
 }
 
 } // namespace
