@@ -35,6 +35,7 @@ class Painting {
     bool FindRectangles();
     bool FindDestination();
     Area WithinDevice(Area device) const;
+    Area Needed(const Area& part, const Area& seen) const;
     ReturnCode PaintConverted(const Placement& placement);
     ReturnCode PaintCoverage(const Placement& placement);
     ReturnCode PaintPart(const Placement& placement, BandRows& rows, const Area& part);
@@ -107,6 +108,16 @@ ReturnCode Painting::Run() {
     return PaintConverted(placement);
 }
 
+// What has to be made of a part for what is seen of it. Errors come from all that lies before it, unless that is far more
+// than anybody can wait for.
+Area Painting::Needed(const Area& part, const Area& seen) const {
+    constexpr int64_t mostUnseen = int64_t{1} << 24; // pixels
+    const bool diffuses = method_ == PaintMethod::Dithered && (mode_ & DISPLAY_ORDERED) == 0;
+    const Area needed = {part.Columns, {part.Rows.From, seen.Rows.To}};
+    const bool isNear = needed.Columns.Length() <= mostUnseen / needed.Rows.Length();
+    return diffuses && isNear ? needed : seen;
+}
+
 ReturnCode Painting::PaintConverted(const Placement& placement) {
     if (placement.Columns.ScaledSize() > INT32_MAX || placement.Rows.ScaledSize() > INT32_MAX)
         return code::InvalidArgument;
@@ -117,9 +128,7 @@ ReturnCode Painting::PaintConverted(const Placement& placement) {
     const Area seen = placement.FromDevice(WithinDevice(placement.OnDevice(part)));
     if (part.And(seen).IsEmpty()) return code::Success;
 
-    // Errors come from all that is painted, seen or not.
-    const bool diffuses = method_ == PaintMethod::Dithered && (mode_ & DISPLAY_ORDERED) == 0;
-    if (!diffuses) part = part.And(seen);
+    part = Needed(part, part.And(seen));
     SourceRows source(bitmap_, buffer_.Rows, placement, part.Columns);
     CutToBuffer(source, part);
     if (part.IsEmpty()) return code::Success;
