@@ -41,8 +41,9 @@ struct Span {
         Lead = left % step;
         Start = left - Lead;
         Pixels = static_cast<size_t>(Lead) + static_cast<size_t>(width);
-        Byte = static_cast<size_t>(Start) * static_cast<size_t>(bits) / 8;
-        Bytes = (Pixels * static_cast<size_t>(bits) + 7) / 8;
+        const auto pixelBits = static_cast<uint64_t>(bits);
+        Byte = static_cast<size_t>(static_cast<uint64_t>(Start) * pixelBits / 8);
+        Bytes = static_cast<size_t>((Pixels * pixelBits + 7) / 8);
     }
 
     int32_t Start; // column
@@ -173,7 +174,7 @@ ReturnCode CombinedRows::PutColumns(const uint8_t* pixels, int32_t row, int32_t 
 // The source's pixels where the target's have theirs in a span.
 const uint8_t* CombinedRows::InPhase(const uint8_t* pixels) {
     if (sourceSpan_.Lead == targetSpan_.Lead) return pixels;
-    const uint64_t count = (targetSpan_.Pixels - static_cast<size_t>(targetSpan_.Lead)) * Bits();
+    const uint64_t count = uint64_t{Bits()} * (targetSpan_.Pixels - static_cast<size_t>(targetSpan_.Lead));
     const BitPlace<uint8_t> to = {movedRow_->data(), static_cast<size_t>(targetSpan_.Lead) * Bits()};
     const BitPlace<const uint8_t> from = {pixels, static_cast<size_t>(sourceSpan_.Lead) * Bits()};
     if (DepthOf(target_.BitsPerPixel).Packed == Packing::Pairs)

@@ -16,7 +16,7 @@ constexpr size_t PiecePixels = 2048; // whole bytes at every depth
 constexpr uint32_t AllBits = 0xFFFF;
 
 constexpr size_t BytesOf(size_t pixels, size_t bits) {
-    return (pixels * bits + 7) / 8;
+    return pixels / 8 * bits + (pixels % 8 * bits + 7) / 8;
 }
 
 // Calls run(first, count) for the pieces of a row.
