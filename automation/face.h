@@ -1,7 +1,7 @@
 // What the face of a raster object does for it: the component model's on Windows, a plain class elsewhere.
 #pragma once
 
-#include "zkr13n/codes.h"
+#include "zkr13n/bitmap.h"
 
 namespace zkr::automation {
 
@@ -16,6 +16,10 @@ class Face {
     virtual void FireRegionChange() = 0;
     // A colour of a client, which may be one of the system's, as a colour value; false for one that is none.
     virtual bool TranslateColour(uint32_t colour, uint32_t* plain) = 0;
+    // Picture objects of the system, where there are any. Making one takes bitmap and palette over whatever happens.
+    virtual bool HasPictures() const { return false; }
+    virtual ReturnCode MakePicture(HBITMAP, HPALETTE, intptr_t*) { return Z_ERROR_FEATURE; }
+    virtual ReturnCode ReadPicture(intptr_t, BitmapHandle*) { return Z_ERROR_FEATURE; }
 
   protected:
     ~Face() = default;

@@ -349,6 +349,7 @@ class RasterObject {
     ReturnCode ScanValues(int32_t* smallest, int32_t* largest);
     ReturnCode ScanBits(uint32_t* bits);
     void ReleaseContext();
+    template <typename Body> Result ReplaceAll(int16_t* result, Body body);
     ReturnCode UserBytes(const Array& data, int32_t size, void** bytes, size_t* count);
 
     Face& face_;

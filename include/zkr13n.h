@@ -12,6 +12,7 @@
 #include "zkr13n/allocation.h"
 #include "zkr13n/alpha.h"
 #include "zkr13n/bitmap.h"
+#include "zkr13n/clipboard.h"
 #include "zkr13n/codes.h"
 #include "zkr13n/color_resolution.h"
 #include "zkr13n/color_spaces.h"

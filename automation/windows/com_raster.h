@@ -449,6 +449,9 @@ class ComRaster final : public IZIRCRaster,
     void FireChange(int32_t change, int32_t reserved1, int32_t reserved2) override;
     void FireRegionChange() override;
     bool TranslateColour(uint32_t colour, uint32_t* plain) override;
+    bool HasPictures() const override { return true; }
+    ReturnCode MakePicture(HBITMAP bitmap, HPALETTE palette, intptr_t* picture) override;
+    ReturnCode ReadPicture(intptr_t picture, BitmapHandle* made) override;
 
     template <typename Member, typename... Arguments>
     HRESULT Call(Member member, const Arguments&... arguments) {

@@ -73,6 +73,7 @@ typedef struct HPALETTE__* HPALETTE;
 typedef struct HDC__* HDC;
 typedef struct HRGN__* HRGN;
 typedef struct HBITMAP__* HBITMAP;
+typedef struct HWND__* HWND;
 
 #endif
 

@@ -5,18 +5,9 @@
 #ifndef ZKR13N_RASTER_VALUES_H
 #define ZKR13N_RASTER_VALUES_H
 
-#include "bitmap.h"
+#include "clipboard.h"
 
 Z_BEGIN_DECLS
-
-/* RasterCopyConstants: the forms that Copy puts on the clipboard. */
-enum {
-    COPY_EMPTY = 1, /* empties it first */
-    COPY_DIB = 2,
-    COPY_DDB = 4,
-    COPY_PALETTE = 8,
-    COPY_RGN = 16
-};
 
 /* RasterPasteConstants. */
 enum {

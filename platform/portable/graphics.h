@@ -69,7 +69,6 @@ inline constexpr uint32_t RDH_RECTANGLES = 1;
 
 namespace zkr::platform {
 
-using HWND = struct HWND__*;
 using HBRUSH = struct HBRUSH__*;
 
 struct PALETTEENTRY {

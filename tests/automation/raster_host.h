@@ -4,6 +4,7 @@
 
 #include "automation/raster_object.h"
 #include "platform/faults.h"
+#include "platform/graphics.h"
 #include "zkr13n/pixels.h"
 
 #include <gtest/gtest.h>
@@ -104,7 +105,16 @@ struct Raster final : automation::Face {
 class RasterTest : public testing::Test {
   protected:
     void SetUp() override {
-        { Raster warm(3, 3, 8); } // what is kept for the process is made
+        // What is kept for the process is made.
+        {
+            Raster warm(3, 3, 4), other;
+            intptr_t picture = 0;
+            EXPECT_EQ(warm.object.PutPixel(0, 0, 0xFF), 0);
+            EXPECT_EQ(warm.object.GetMinMaxVal(nullptr), 0);
+            EXPECT_EQ(warm.object.GetDDB(0, &picture), 0);
+            EXPECT_EQ(other.object.SetDDB(0, picture, 0, nullptr), 0);
+            platform::DeleteObject(reinterpret_cast<HBITMAP>(picture));
+        }
         live_ = platform::fault::Live();
     }
     void TearDown() override {
