@@ -161,8 +161,9 @@ CLI::Option* AddInput(CLI::App& verb, const std::string& name, std::string& targ
     return verb.add_option(name, target, help)->required()->type_name("");
 }
 
-CLI::Option* AddOutput(CLI::App& verb, std::string& target) {
-    return verb.add_option("OUT", target, "the PNG file to write")->required()->type_name("");
+CLI::Option* AddOutput(CLI::App& verb, std::string& target, const char* kind) {
+    const std::string help = "the " + std::string(kind) + " file to write";
+    return verb.add_option("OUT", target, help)->required()->type_name("");
 }
 
 } // namespace zkr::app

@@ -85,8 +85,8 @@ void AddSize(CLI::App& verb, int& width, int& height, bool required, const std::
 // --left and --top beside them.
 void AddRectangle(CLI::App& verb, Rectangle& target, bool required);
 
-// Files that are read, and the PNG file that is written, as words without a dash.
+// Files that are read, and the file that is written, as words without a dash.
 CLI::Option* AddInput(CLI::App& verb, const std::string& name, std::string& target, const std::string& help);
-CLI::Option* AddOutput(CLI::App& verb, std::string& target);
+CLI::Option* AddOutput(CLI::App& verb, std::string& target, const char* kind = "PNG");
 
 } // namespace zkr::app

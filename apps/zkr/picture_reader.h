@@ -1,4 +1,4 @@
-// Reading of picture files: PNG, JPEG, PBM and PGM (P4, P5), and JBIG through the program jbgtopbm. A picture
+// Reading of picture files: PNG, JPEG, BMP, PBM and PGM (P4, P5), and JBIG through the program jbgtopbm. A picture
 // comes row by row in the depth that the file has; ReadPicture() puts it into a bitmap of that depth.
 #pragma once
 
@@ -53,6 +53,7 @@ void RefuseMissingBytes(std::FILE* file, const std::string& path, uint64_t rowBy
 
 std::unique_ptr<PictureReader> OpenPng(const std::string& path, File file);
 std::unique_ptr<PictureReader> OpenJpeg(const std::string& path, File file);
+std::unique_ptr<PictureReader> OpenBmp(const std::string& path, File file);
 std::unique_ptr<PictureReader> OpenPortable(const std::string& path, File file);
 std::unique_ptr<PictureReader> OpenJbig(const std::string& path);
 
