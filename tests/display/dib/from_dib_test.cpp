@@ -1,6 +1,7 @@
 // Bitmaps from device-independent ones, on all roads, pixel by pixel against a model.
 #include "display/dib/dib_model.h"
 #include "geometry/picture.h"
+#include "platform/graphics.h"
 #include "zkr13n/palettes.h"
 #include "zkr13n/surface.h"
 
@@ -175,6 +176,32 @@ TEST(FromDib, Yuv) {
     Seeded seeded(3);
     for (const Case& c : YuvCases())
         ExpectConverted(c, seeded);
+}
+
+// What the header leaves open the screen tells.
+TEST(FromDib, ResolutionsOfTheScreen) {
+    HDC screen = platform::GetDC(nullptr);
+    const auto dots = [screen](int perInch, int millimetres) {
+        const double perMetre =
+            platform::GetDeviceCaps(screen, perInch) * 1000.0 / platform::GetDeviceCaps(screen, millimetres);
+        return (static_cast<int>(perMetre + 0.5) * 254 + 5000) / 10000;
+    };
+    Seeded seeded(9);
+    const DibForm form = {40, 2, 2, 8};
+    DibBytes dib = form.Make(8, seeded);
+    dib.Put(24, 0);
+    dib.Put(28, 50000000);
+    Bitmap bitmap;
+    ASSERT_EQ(Z_ConvertFromDIB(&bitmap, dib.Head.data(), dib.Bits.data()), 1);
+    EXPECT_EQ(bitmap.XResolution, dots(LOGPIXELSX, HORZSIZE));
+    EXPECT_EQ(bitmap.YResolution, 1270000);
+    Z_FreeBitmap(&bitmap);
+    dib.Put(24, -4000);
+    dib.Put(28, 0);
+    ASSERT_EQ(Z_ConvertFromDIB(&bitmap, dib.Head.data(), dib.Bits.data()), 1);
+    EXPECT_EQ(bitmap.XResolution, -101);
+    EXPECT_EQ(bitmap.YResolution, dots(LOGPIXELSY, VERTSIZE));
+    platform::ReleaseDC(nullptr, screen);
 }
 
 // All values that the formulas can meet, two and two.
