@@ -54,7 +54,7 @@ class Turn {
 
     explicit operator bool() const { return rows_ && band_; }
 
-    int32_t Passes() const { return (source_.Bitmap.Width + bandColumns_ - 1) / bandColumns_; }
+    int32_t Passes() const { return (source_.Bitmap.Width - 1) / bandColumns_ + 1; }
 
     ReturnCode Run(RowProgress& progress) {
         ReturnCode status = code::Success;
@@ -100,8 +100,8 @@ class Turn {
         block.Columns = static_cast<size_t>(columns_);
         block.Bits = bits_;
         ReturnCode status = code::Success;
-        for (int32_t y = 0; y < source_.Bitmap.Height && status == code::Success; y += bandRows_) {
-            const int32_t rows = std::min(bandRows_, source_.Bitmap.Height - y);
+        for (int32_t y = 0, rows; y < source_.Bitmap.Height && status == code::Success; y += rows) {
+            rows = std::min(bandRows_, source_.Bitmap.Height - y);
             status = FetchRows(x, y, rows, block);
             if (status != code::Success) break;
             PlaceColumns(x, y, block);

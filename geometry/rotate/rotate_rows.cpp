@@ -96,14 +96,17 @@ class RowRotation {
         all_.Bits = bits_;
         ReturnCode status = code::Success;
         RotatePosition first = plan_.First;
-        for (int32_t row = 0; row < target_.Height && status == code::Success; row += bandRows_) {
+        for (int32_t row = 0; row < target_.Height && status == code::Success; row += rows_) {
             rows_ = std::min(bandRows_, target_.Height - row);
             for (int32_t i = 0; i < rows_; ++i, first.Step(-plan_.Sine, plan_.Cosine))
                 positions_[static_cast<size_t>(i)] = first;
             if (targetFirst_ == nullptr)
                 std::memset(band_.data(), 0, static_cast<size_t>(rows_) * target_.BytesPerLine);
-            for (int32_t column = 0; column < target_.Width && status == code::Success; column += tileSide_)
-                status = RotateTile(row, column, std::min(tileSide_, target_.Width - column));
+            for (int32_t column = 0, columns; column < target_.Width && status == code::Success;
+                 column += columns) {
+                columns = std::min(tileSide_, target_.Width - column);
+                status = RotateTile(row, column, columns);
+            }
             for (int32_t i = 0; i < rows_ && status == code::Success; ++i) {
                 if (targetFirst_ == nullptr)
                     status = WriteExactly(target_, RowAt(row, i), row + i, 0, target_.BytesPerLine);
