@@ -15,11 +15,11 @@ function(zkr_test name)
   target_link_libraries(${name} PRIVATE zkr_warnings zkr_exact GTest::gtest_main ${test_LIBRARIES})
   if(test_INNER)
     target_link_libraries(${name} PRIVATE zkr13n_inner)
-    # The inside has no run-time type information for the sanitizer to look at.
-    target_compile_options(${name} PRIVATE -fno-sanitize=vptr)
   else()
     target_link_libraries(${name} PRIVATE zkr13n)
   endif()
+  # The library has no run-time type information for the sanitizer to look at.
+  target_compile_options(${name} PRIVATE -fno-sanitize=vptr)
   if(CMAKE_BUILD_TYPE STREQUAL "Sanitize" AND NOT test_BOTH_SETS)
     # Where a program is no work of many rows, its compiler takes longer than it does.
     target_compile_options(${name} PRIVATE -O0)
