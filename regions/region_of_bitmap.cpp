@@ -16,7 +16,7 @@ namespace {
 uint32_t CopyCut(Runs runs, int32_t width, int32_t* ends) {
     while (!runs.empty() && runs[1] < 1)
         runs = runs.subspan(2);
-    while (!runs.empty() && runs[runs.size() - 2] >= width)
+    while (!runs.empty() && std::max(runs[runs.size() - 2], 0) >= width)
         runs = runs.first(runs.size() - 2);
     if (runs.empty()) return 0;
     std::copy(runs.begin(), runs.end(), ends);

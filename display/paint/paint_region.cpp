@@ -38,7 +38,7 @@ class RegionClip {
 template <typename Painter>
 ReturnCode PaintInRegion(HDC context, BitmapHandle* bitmap, const RECT* source, const RECT* destination,
                          Painter paint) {
-    if (bitmap == nullptr) return code::InvalidBitmap;
+    if (!IsAllocated(bitmap)) return code::InvalidBitmap;
     if (destination == nullptr) return code::InvalidArgument;
     if (context == nullptr) return paint(); // which tells
     RegionClip clip(context);

@@ -108,7 +108,7 @@ Z_API ReturnCode Z_CALL Z_PaintDCBuffer(HDC deviceContext, BitmapHandle* bitmap,
  *
  * Arguments as for Z_PaintDC; the clip of deviceContext is as before afterwards.
  *
- * Returns what Z_PaintDC returns; Z_ERROR_BITMAP for a null bitmap, Z_ERROR_ARGUMENT for a null destination, what
+ * Returns what Z_PaintDC returns, the causes that lie in the bitmap, the destination and the context first; then what
  * Z_GetResizedRgnHandle returns where it fails, and Z_ERROR_MEMORY where the context cannot be saved.
  */
 Z_API ReturnCode Z_CALL Z_PaintRgnDC(HDC deviceContext, BitmapHandle* bitmap, const RECT* source,

@@ -249,6 +249,10 @@ TEST(RegionOfBitmap, DiffersFromNone) {
     EXPECT_EQ(Z_FreeBitmapRgn(nullptr), code::InvalidArgument);
 
     sheet.Region = RegionFrom(PixelSet::Of({-5, 3, 4, 20}));
+    Sheet none(0, 7, true); // which no run reaches
+    none.Region = RegionFrom(PixelSet::Of({-5, 3, 4, 20}));
+    EXPECT_EQ(Z_GetBitmapClipSegments(&none, 3, segments, &count), 1);
+    EXPECT_EQ(count, 0u);
     EXPECT_EQ(Z_GetBitmapRgnBoundsClip(&sheet, nullptr, &bounds), 1);
     EXPECT_EQ(PixelRect::Of(bounds), (PixelRect{0, 3, 4, 7}));
     const RegionXform away = {0, 1, 1, 1, 1, 50, 0};

@@ -331,6 +331,8 @@ TEST_F(PaintCases, RefuseWhatCannotBePainted) {
     const HDC context = canvas_.context;
     EXPECT_EQ(Z_PaintDC(nullptr, &bitmap_, nullptr, nullptr, nullptr, nullptr, Copy), -2) << "not allocated";
     EXPECT_EQ(Z_PaintRgnDC(nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, Copy), -2);
+    for (const RECT* destination : {static_cast<const RECT*>(nullptr), &to})
+        EXPECT_EQ(Z_PaintRgnDC(context, &bitmap_, nullptr, nullptr, destination, nullptr, Copy), -2);
     Make(4, 4, 24);
     const auto buffer = [&](HDC to1, const RECT* to2, const void* rows, int count) {
         return Z_PaintDCBuffer(to1, &bitmap_, nullptr, nullptr, to2, nullptr, Copy, rows, 0, count);
