@@ -359,27 +359,6 @@ TEST(FromDib, RefusesHeaders) {
     EXPECT_EQ(Z_MirrorFromDIB(&bitmap, nullptr), argument);
 }
 
-// Each length that is too short by a byte or more, down to nothing.
-TEST(FromDib, RefusesShortBlocks) {
-    const DibForm forms[] = {
-        {12, 9, 3, 4}, {40, 9, 3, 4}, {40, 9, 3, 16, 3, {1, 2, 4}}, {124, 9, 3, 8, 0, {}, 7}};
-    Seeded seeded(7);
-    for (const DibForm& form : forms) {
-        const DibBytes dib = form.Make(form.RowBytes() * 3, seeded);
-        const auto all = static_cast<ptrdiff_t>(dib.Head.size() + dib.Bits.size());
-        for (ptrdiff_t missing = 1; missing < all; ++missing) {
-            HGLOBAL block = dib.Block(missing);
-            BitmapHandle bitmap;
-            // Where the system rounds the size up, the block is as long as it says.
-            const auto told = static_cast<ptrdiff_t>(platform::GlobalSize(block));
-            if (told < all) {
-                ASSERT_EQ(Z_ChangeFromDIB(&bitmap, block), Z_ERROR_ARGUMENT) << missing;
-            }
-            platform::GlobalFree(block);
-        }
-    }
-}
-
 // What is written into a mirror is in the block, and the other way round.
 TEST(FromDib, MirrorsTheBlock) {
     Seeded seeded(8);

@@ -145,21 +145,6 @@ TEST(ToDib, EveryStorage) {
             }
 }
 
-// There and back: the first road's block is what the second one makes of its bitmap.
-TEST(ToDib, AndBack) {
-    for (const Written& form : Forms) {
-        SCOPED_TRACE(form.Bits);
-        Bitmap bitmap;
-        Bytes userData;
-        MakeSource(bitmap, form, 0, {"conventional", MemoryConventional}, userData);
-        const ReadBlock first(Z_ConvertToDIB(&bitmap));
-        Bitmap again;
-        ASSERT_EQ(Z_MirrorFromDIB(&again, first.Block), 1);
-        EXPECT_EQ(ReadBlock(Z_ConvertToDIB(&again)).All, first.All);
-        Z_FreeBitmap(&again);
-    }
-}
-
 // A palette is made of the levels of gray, and of as many as there are told to be.
 TEST(ToDib, WithoutPalette) {
     for (const int32_t bits : {1, 2, 5, 8}) {
