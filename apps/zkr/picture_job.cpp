@@ -35,6 +35,12 @@ void CheckOutputName(const std::string& path) {
     if (!path.ends_with(".png")) throw Failure(path, "the name does not end in .png");
 }
 
+Bitmap ReadInput(const std::string& path) {
+    const auto reader = OpenPicture(path);
+    const StatusBar bar("reading   ");
+    return ReadUpright(*reader, path, Storage{});
+}
+
 void ChangePicture(const EditOptions& options, const char* doing,
                    const std::function<void(Bitmap&)>& change) {
     CheckOutputName(options.output);

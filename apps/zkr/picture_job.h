@@ -22,6 +22,9 @@ void AddStorage(CLI::App& verb, StorageClass& storage);
 // `doing` is what the status bar says during the change, ten letters wide.
 void ChangePicture(const EditOptions& options, const char* doing, const std::function<void(Bitmap&)>& change);
 
+// A picture of a file, upright and in memory, for verbs that take more than one.
+Bitmap ReadInput(const std::string& path);
+
 // A name that a picture cannot be written to is refused before any work is done.
 void CheckOutputName(const std::string& path);
 

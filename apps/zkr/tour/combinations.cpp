@@ -2,26 +2,11 @@
 #include "tour.h"
 
 #include "apps/zkr/combine_work.h"
-#include "apps/zkr/progress.h"
 #include "apps/zkr/turn_work.h"
 
 namespace zkr::app {
 
 namespace {
-
-template <typename Work>
-void Show(Tour& tour, ContactSheet::Section& section, const std::string& step, const std::string& file,
-          const char* title, Work work) {
-    const StatusBar bar(step);
-    Bitmap picture = tour.photo.Copy();
-    const Stopwatch watch;
-    work(picture);
-    const double milliseconds = watch.Milliseconds();
-    tour.Print({step, ShortName(picture.Format()), StorageOf(picture), picture.Bytes(), milliseconds,
-                SizeOf(picture)});
-    tour.Write(picture, file);
-    section.cells.push_back(Tour::Cell(picture, title, SizeOf(picture)));
-}
 
 void ShowOperators(Tour& tour) {
     ContactSheet::Section section = {"Combinations",
@@ -29,8 +14,8 @@ void ShowOperators(Tour& tour) {
     Bitmap other = tour.photo.Copy();
     Mirror(other);
     for (const auto& [word, title, flags] : CombineOperators)
-        Show(tour, section, word, std::string("combine-") + word + ".png", title,
-             [&, flags = flags](Bitmap& picture) { Combine(picture, other, {.flags = flags}); });
+        tour.ShowChanged(section, word, std::string("combine-") + word + ".png", title,
+                         [&, flags = flags](Bitmap& picture) { Combine(picture, other, {.flags = flags}); });
     tour.sheet.Add(std::move(section));
 }
 
@@ -38,9 +23,10 @@ void ShowUnderlays(Tour& tour) {
     ContactSheet::Section section = {"Underlays", "canvas under the photograph, in tiles and as one piece"};
     Bitmap canvas = CanvasTexture("canvas");
     for (const bool stretch : {false, true})
-        Show(tour, section, stretch ? "canvas, stretched" : "canvas, tiled",
-             stretch ? "underlay-stretched.png" : "underlay-tiled.png", stretch ? "Stretched" : "Tiled",
-             [&](Bitmap& picture) { Underlay(picture, canvas, stretch); });
+        tour.ShowChanged(section, stretch ? "canvas, stretched" : "canvas, tiled",
+                         stretch ? "underlay-stretched.png" : "underlay-tiled.png",
+                         stretch ? "Stretched" : "Tiled",
+                         [&](Bitmap& picture) { Underlay(picture, canvas, stretch); });
     tour.sheet.Add(std::move(section));
 }
 

@@ -2,7 +2,6 @@
 #include "tour.h"
 
 #include "apps/zkr/edit.h"
-#include "apps/zkr/progress.h"
 #include "apps/zkr/turn_work.h"
 #include "apps/zkr/warp_work.h"
 
@@ -10,42 +9,27 @@ namespace zkr::app {
 
 namespace {
 
-template <typename Work>
-void Show(Tour& tour, ContactSheet::Section& section, const std::string& step, const std::string& file,
-          const char* title, Work work) {
-    const StatusBar bar(step);
-    Bitmap picture = tour.photo.Copy();
-    const Stopwatch watch;
-    work(picture);
-    const double milliseconds = watch.Milliseconds();
-    tour.Print({step, ShortName(picture.Format()), StorageOf(picture), picture.Bytes(), milliseconds,
-                SizeOf(picture)});
-    tour.Write(picture, file);
-    section.cells.push_back(Tour::Cell(picture, title, SizeOf(picture)));
-}
-
 void Run(Tour& tour) {
     ContactSheet::Section section = {"Slants",
                                      "rows and columns slid by 15 degrees, and a picture in a scene"};
-    Show(tour, section, "shear rows", "shear-rows.png", "Rows sheared",
-         [](Bitmap& picture) { Shear(picture, {.hundredths = 1500}); });
-    Show(tour, section, "shear columns", "shear-columns.png", "Columns sheared",
-         [](Bitmap& picture) { Shear(picture, {.hundredths = 1500, .vertical = true}); });
+    tour.ShowChanged(section, "shear rows", "shear-rows.png", "Rows sheared",
+                     [](Bitmap& picture) { Shear(picture, {.hundredths = 1500}); });
+    tour.ShowChanged(section, "shear columns", "shear-columns.png", "Columns sheared",
+                     [](Bitmap& picture) { Shear(picture, {.hundredths = 1500, .vertical = true}); });
     const int w = tour.photo.Width(), h = tour.photo.Height();
     constexpr int smallest = 24; // below that the corners would fall together
     for (const bool blend : {false, true}) {
         if (w < smallest || h < smallest) break;
-        Show(tour, section, blend ? "warp, linear" : "warp, nearest",
-             blend ? "warp-linear.png" : "warp-nearest.png", blend ? "Warped, linear" : "Warped, nearest",
-             [&](Bitmap& picture) {
-                 Bitmap scene = picture.Copy();
-                 Fill(scene, 0x00303840);
-                 Warp(
-                     scene, picture,
+        tour.ShowChanged(
+            section, blend ? "warp, linear" : "warp, nearest", blend ? "warp-linear.png" : "warp-nearest.png",
+            blend ? "Warped, linear" : "Warped, nearest", [&](Bitmap& picture) {
+                Bitmap scene = picture.Copy();
+                Fill(scene, 0x00303840);
+                Warp(scene, picture,
                      {{{{w / 12, h / 5}, {w * 5 / 6, h / 16}, {w * 9 / 10, h * 15 / 16}, {w / 6, h * 3 / 4}}},
                       blend});
-                 picture = std::move(scene);
-             });
+                picture = std::move(scene);
+            });
     }
     tour.sheet.Add(std::move(section));
 }

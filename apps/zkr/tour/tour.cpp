@@ -29,4 +29,17 @@ void Tour::Write(Bitmap& bitmap, const std::string& fileName) {
     WritePng(bitmap, (out / fileName).string());
 }
 
+void Tour::ShowChanged(ContactSheet::Section& section, const std::string& step, const std::string& fileName,
+                       const char* title, const std::function<void(Bitmap&)>& change) {
+    const StatusBar bar(step);
+    Bitmap picture = photo.Copy();
+    const Stopwatch watch;
+    change(picture);
+    const double milliseconds = watch.Milliseconds();
+    const std::string size = SizeOf(picture);
+    Print({step, ShortName(picture.Format()), StorageOf(picture), picture.Bytes(), milliseconds, size});
+    Write(picture, fileName);
+    section.cells.push_back(Cell(picture, title, size));
+}
+
 } // namespace zkr::app

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace zkr::app {
@@ -36,6 +37,9 @@ struct Tour {
     // A cell with a small copy of a bitmap of the photograph's format.
     static ContactSheet::Cell Cell(Bitmap& bitmap, const std::string& title, const std::string& text);
     void Write(Bitmap& bitmap, const std::string& fileName);
+    // A copy of the photograph that is changed: its line, its file and its cell.
+    void ShowChanged(ContactSheet::Section& section, const std::string& step, const std::string& fileName,
+                     const char* title, const std::function<void(Bitmap&)>& change);
 };
 
 class Stopwatch {

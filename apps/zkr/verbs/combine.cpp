@@ -4,7 +4,6 @@
 #include "apps/zkr/failure.h"
 #include "apps/zkr/options.h"
 #include "apps/zkr/picture_job.h"
-#include "apps/zkr/picture_reader.h"
 #include "apps/zkr/progress.h"
 #include "apps/zkr/warp_work.h"
 #include "apps/zkr/write_png.h"
@@ -44,12 +43,6 @@ void Describe(CLI::App& verb, CombineOptions& options) {
     AddWord(verb, "--invert", options.inverted, Inverted, "invert A or B before, or the result");
 }
 
-Bitmap Read(const std::string& path) {
-    const auto reader = OpenPicture(path);
-    const StatusBar bar("reading   ");
-    return ReadUpright(*reader, path, Storage{});
-}
-
 // Two bitonal pictures with the same colours stay so.
 PixelFormat FormatFor(const Bitmap& picture, const Bitmap& other) {
     const PixelFormat &one = picture.Format(), &two = other.Format();
@@ -61,7 +54,7 @@ void Run(const CombineOptions& options) {
     if (options.inverted == COMBINE_DST_NOT && (options.combination.flags & COMBINE_DST_ZERO) != 0)
         throw UsageFailure("--invert a: nothing of A is left by --op copy");
     CheckOutputName(options.output);
-    Bitmap picture = Read(options.picture), other = Read(options.other);
+    Bitmap picture = ReadInput(options.picture), other = ReadInput(options.other);
     {
         const StatusBar bar("combining ");
         const PixelFormat format = FormatFor(picture, other);

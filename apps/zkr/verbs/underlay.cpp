@@ -2,7 +2,6 @@
 #include "apps/zkr/combine_work.h"
 #include "apps/zkr/options.h"
 #include "apps/zkr/picture_job.h"
-#include "apps/zkr/picture_reader.h"
 #include "apps/zkr/progress.h"
 #include "apps/zkr/write_png.h"
 
@@ -23,15 +22,9 @@ void Describe(CLI::App& verb, UnderlayOptions& options) {
     verb.add_flag("--stretch", options.stretch, "bring the texture to the picture's size; else it repeats");
 }
 
-Bitmap Read(const std::string& path) {
-    const auto reader = OpenPicture(path);
-    const StatusBar bar("reading   ");
-    return ReadUpright(*reader, path, Storage{});
-}
-
 void Run(const UnderlayOptions& options) {
     CheckOutputName(options.output);
-    Bitmap picture = Read(options.picture), texture = Read(options.texture);
+    Bitmap picture = ReadInput(options.picture), texture = ReadInput(options.texture);
     Underlay(picture, texture, options.stretch);
     const StatusBar bar("writing   ");
     WritePng(picture, options.output);

@@ -2,7 +2,6 @@
 #include "apps/zkr/convert.h"
 #include "apps/zkr/options.h"
 #include "apps/zkr/picture_job.h"
-#include "apps/zkr/picture_reader.h"
 #include "apps/zkr/progress.h"
 #include "apps/zkr/warp_work.h"
 #include "apps/zkr/write_png.h"
@@ -40,15 +39,9 @@ void Describe(CLI::App& verb, WarpOptions& options) {
     AddWord(verb, "--method", options.isNearest, Methods, "how pixels are found, linear by default");
 }
 
-Bitmap Read(const std::string& path) {
-    const auto reader = OpenPicture(path);
-    const StatusBar bar("reading   ");
-    return ReadUpright(*reader, path, Storage{});
-}
-
 void Run(const WarpOptions& options) {
     CheckOutputName(options.output);
-    Bitmap picture = Read(options.input), scene = Read(options.scene);
+    Bitmap picture = ReadInput(options.input), scene = ReadInput(options.scene);
     {
         const StatusBar bar("warping   ");
         const PixelFormat format = MeetingFormat(scene.Format(), picture.Format());
