@@ -109,7 +109,7 @@ need() {
 
 need_compiler() { need "building" g++ cmake ninja-build ccache pkg-config python3 libqoi-dev zlib1g-dev; }
 need_pictures() {
-  need "the program zkr and its pictures" libcli11-dev libpng-dev libjpeg62-turbo-dev libexif-dev libfreetype-dev libgif-dev \
+  need "the program zkr and its pictures" libcli11-dev libpng-dev libjpeg62-turbo-dev libexif-dev libfreetype-dev libgif-dev libsdl2-dev \
     fonts-dejavu-core palapeli-data jbigkit-bin jbigkit-testdata python3-imageio
 }
 need_tests() { need "testing" googletest; }

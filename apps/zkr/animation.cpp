@@ -116,4 +116,10 @@ int Animation::Index() const {
     return index;
 }
 
+RECT Animation::TakeChanged() {
+    RECT changed = {};
+    Check(Z_GetPlaybackUpdateRect(playback_, &changed, 1), path_);
+    return changed;
+}
+
 } // namespace zkr::app

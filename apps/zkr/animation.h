@@ -25,6 +25,8 @@ class Animation {
     // The canvas with a frame drawn on it; frames come in turn, and begin anew behind the last one.
     Bitmap& Next();
     int Index() const;
+    // The part of the canvas that has changed since this was last asked.
+    RECT TakeChanged();
 
   private:
     std::string path_;
