@@ -5,6 +5,7 @@
 #include "zkr13n/gray.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace zkr::automation {
@@ -27,8 +28,12 @@ void RasterObject::ClampIndex(uint32_t count) {
     listIndex_ = static_cast<int16_t>(std::min({Index(), last, uint32_t{INT16_MAX}}));
 }
 
-// Others may have changed the list: its length tells.
+// Others may have changed the list, where they know its handle: its length tells.
 void RasterObject::WatchList() {
+    if (!ownList_ || listShown_) LookAtList();
+}
+
+void RasterObject::LookAtList() {
     const uint32_t count = CountItems();
     if (count == listCount_) return;
     listCount_ = count;
@@ -39,16 +44,25 @@ void RasterObject::WatchList() {
 
 void RasterObject::StorePlainly() {
     if (list_ != nullptr) Z_SetBitmapListItem(list_, Index(), &current_);
+    stored_ = current_;
 }
 
+// Only what has changed is stored. Where the data is one block of memory, the row last reached is nobody's business.
 void RasterObject::StoreRecord() {
-    if (HasBitmap()) StorePlainly();
+    if (!HasBitmap()) return;
+    constexpr uint32_t elsewhere = Z_FLAG_DISK | Z_FLAG_TILED | Z_FLAG_COMPRESSED | Z_FLAG_SUPER_COMPRESSED;
+    if ((current_.Flags & elsewhere) == 0) {
+        stored_.CurrentRow = current_.CurrentRow;
+        stored_.CurrentRowOffset = current_.CurrentRowOffset;
+    }
+    if (std::memcmp(&stored_, &current_, sizeof stored_) != 0) StorePlainly();
 }
 
 void RasterObject::Reload() {
     if (list_ == nullptr) return;
     current_ = {};
     if (Z_GetBitmapListItem(list_, Index(), &current_) != Z_SUCCESS) return;
+    stored_ = current_;
     if ((current_.Flags & Z_FLAG_SIGNED) != 0) Z_ClearNegativePixels(&current_);
     StoreRecord();
 }
@@ -288,7 +302,7 @@ Result RasterObject::DeleteBitmapListItems(int16_t index, int32_t count, int16_t
         return Z_DeleteBitmapListItems(list_, static_cast<uint32_t>(int32_t{index}),
                                        static_cast<uint32_t>(count));
     });
-    WatchList();
+    LookAtList();
     return mapped;
 }
 
@@ -316,7 +330,7 @@ Result RasterObject::InsertBitmapListItem(int16_t index, intptr_t bitmap, int16_
         const ReturnCode status = Fetch(source, &made);
         return status == Z_SUCCESS ? InsertFetched(index, made) : status;
     });
-    WatchList();
+    LookAtList();
     return mapped;
 }
 

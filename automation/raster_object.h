@@ -300,6 +300,7 @@ class RasterObject {
     uint32_t Index() const { return static_cast<uint32_t>(listIndex_); }
     void ClampIndex(uint32_t count);
     void WatchList();
+    void LookAtList();
     void StoreRecord();
     void StorePlainly();
     void Reload();
@@ -354,6 +355,7 @@ class RasterObject {
 
     Face& face_;
     BitmapHandle current_{};
+    BitmapHandle stored_{}; // the record as it was last stored in its item, or read from there
     TokenBlock token_;
     int16_t eventsCounter_ = 0;
     BitmapList list_ = nullptr;

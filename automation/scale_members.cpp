@@ -19,6 +19,7 @@ int32_t RasterObject::ToPixel(float pixels) {
 }
 
 int32_t RasterObject::PositionToPixel(Axis axis, float units) {
+    if (scale_.Mode == SCALEMODE_PIXEL) return ToPixel(units);
     return ToPixel(PositionInPixels(scale_, axis, units, nullptr));
 }
 

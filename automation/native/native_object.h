@@ -404,16 +404,20 @@ class NativeObject final : public IZIRCRaster, private Face {
     void FireRegionChange() override;
     bool TranslateColour(uint32_t colour, uint32_t* plain) override;
 
-    // A reference for the time of a call: a sink may release the last one of the client's.
+    // A reference for the time of a call, where there are sinks: they may release the last one of the client's.
     class Held {
       public:
-        explicit Held(NativeObject& object) : object_(object) { object_.AddRef(); }
-        ~Held() { object_.Release(); }
+        explicit Held(NativeObject& object) : object_(object.sinks_.Count() != 0 ? &object : nullptr) {
+            if (object_ != nullptr) object_->AddRef();
+        }
+        ~Held() {
+            if (object_ != nullptr) object_->Release();
+        }
         Held(const Held&) = delete;
         Held& operator=(const Held&) = delete;
 
       private:
-        NativeObject& object_;
+        NativeObject* object_;
     };
 
     template <typename Member, typename... Arguments>
