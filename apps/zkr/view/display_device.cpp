@@ -24,17 +24,19 @@ RECT RectOf(const Rectangle& area) {
     return {area.left, area.top, area.left + area.width, area.top + area.height};
 }
 
-// Thresholds stay where they are when a part is painted again, which errors that are diffused do not.
+// Thresholds stay where they are when a part is painted again, which errors that are diffused do not. Indices go straight
+// to a display that has the picture's palette.
 class ViewerMode {
   public:
-    ViewerMode() : before_(Z_SetDisplayMode(Bits, Bits)) {}
+    explicit ViewerMode(int bits)
+        : before_(Z_SetDisplayMode(0xFFFFFFFF, Always | (bits == 8 ? uint32_t{DISPLAY_INDEXED} : 0))) {}
     ~ViewerMode() { Z_SetDisplayMode(0xFFFFFFFF, before_); }
     ViewerMode(const ViewerMode&) = delete;
     ViewerMode& operator=(const ViewerMode&) = delete;
 
   private:
-    static constexpr uint32_t Bits =
-        DISPLAY_ORDERED | DISPLAY_INDEXED | DISPLAY_DITHERED | DISPLAY_SCALE_TO_GRAY | DISPLAY_DITHER_8;
+    static constexpr uint32_t Always =
+        DISPLAY_ORDERED | DISPLAY_DITHERED | DISPLAY_SCALE_TO_GRAY | DISPLAY_DITHER_8;
     uint32_t before_;
 };
 
@@ -90,7 +92,7 @@ void DisplayDevice::ReadColours() {
 
 void DisplayDevice::TakePaletteOf(Bitmap& picture) {
     if (bits_ != 8) return;
-    const ViewerMode mode;
+    const ViewerMode mode(bits_);
     HPALETTE palette = Z_CreatePaintPalette(context_, picture.Handle());
     Check(Z_SelectSurfacePalette(context_, palette), picture.Name());
     if (palette_ != nullptr) Z_DeleteObject(palette_);
@@ -101,7 +103,7 @@ void DisplayDevice::TakePaletteOf(Bitmap& picture) {
 void DisplayDevice::Paint(Bitmap& picture, const Rectangle& destination, const Rectangle& clip) {
     const Rectangle covered = Common(destination, clip);
     if (!IsEmpty(covered)) {
-        const ViewerMode mode;
+        const ViewerMode mode(bits_);
         const RECT place = RectOf(destination), part = RectOf(covered);
         Check(Z_PaintDC(context_, picture.Handle(), nullptr, nullptr, &place, &part, CopyPixels),
               picture.Name());

@@ -74,7 +74,7 @@ void Viewer::Do(Command command) {
         break;
     case Command::Device: {
         const int bits = stage_.DisplayBits();
-        stage_.SetDisplay(bits == 32 ? 1 : bits == 1 ? 4 : bits * 2 == 16 ? 32 : 8);
+        stage_.SetDisplay(bits == 32 ? 1 : bits == 1 ? 4 : bits == 4 ? 8 : 32);
         break;
     }
     case Command::Line:

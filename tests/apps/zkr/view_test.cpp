@@ -1,0 +1,198 @@
+// zkr view: what its window shows, by screenshots without one, and by keys and mouse in one on a virtual display.
+#include "picture_files.h"
+#include "run_program.h"
+
+#include <cstdlib>
+#include <functional>
+
+namespace {
+
+constexpr int Side = 40;
+
+using Source = std::function<int(int x, int y)>; // the pixel of the picture, row by row, that is shown
+
+class ViewTest : public ProgramTest {
+  protected:
+    // The window has just the picture's size and no line.
+    Picture Shot(const std::vector<std::string>& pictures, const std::string& commands,
+                 const std::vector<std::string>& options = {}, int width = Side, int height = Side) const {
+        std::vector<std::string> words = {"view"};
+        words.insert(words.end(), pictures.begin(), pictures.end());
+        const std::vector<std::string> rest = {
+            "--width", std::to_string(width), "--height",     std::to_string(height),
+            "--do",    "line" + commands,     "--screenshot", Path("shot.png")};
+        words.insert(words.end(), rest.begin(), rest.end());
+        words.insert(words.end(), options.begin(), options.end());
+        Succeeds(words);
+        return ReadPng(Path("shot.png"));
+    }
+};
+
+std::vector<uint16_t> ColourAt(const Picture& picture, int x, int y) {
+    const auto first = picture.samples.begin() + (y * picture.width + x) * 3;
+    return {first, first + 3};
+}
+
+const std::vector<uint16_t> White = {255, 255, 255}, Black = {0, 0, 0}, Red = {255, 0, 0},
+                            Green = {0, 255, 0}, Blue = {0, 0, 255};
+
+} // namespace
+
+TEST_F(ViewTest, TurnsMirrorsZoomsAndPans) {
+    const Picture picture = PictureOf(Side, Side, 8, PNG_COLOR_TYPE_RGB, Scattered);
+    WritePng(Path("photo.png"), picture);
+    constexpr int last = Side - 1;
+    const auto at = [](int x, int y) { return y * Side + x; };
+    const struct {
+        const char* commands;
+        Source source;
+    } cases[] = {
+        {"", [&](int x, int y) { return at(x, y); }},
+        {",turn", [&](int x, int y) { return at(y, last - x); }},
+        {",turn-back", [&](int x, int y) { return at(last - y, x); }},
+        {",mirror", [&](int x, int y) { return at(last - x, y); }},
+        {",flip", [&](int x, int y) { return at(x, last - y); }},
+        {",turn,mirror", [&](int x, int y) { return at(y, x); }},
+        {",zoom-in,zoom-in", [&](int x, int y) { return at((x + 20) / 2, (y + 20) / 2); }},
+        {",zoom-in,zoom-in,right,down", [&](int x, int y) { return at((x + 25) / 2, (y + 25) / 2); }},
+        {",zoom-in,zoom-in,turn,fit", [&](int x, int y) { return at(y, last - x); }},
+        {",brighter,more-contrast,less-gamma,unadjusted", [&](int x, int y) { return at(x, y); }},
+        {",sliders,help,sliders,help", [&](int x, int y) { return at(x, y); }},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.commands);
+        const Picture shot = Shot({Path("photo.png")}, c.commands);
+        ASSERT_EQ(shot.width, Side);
+        Picture expected = shot;
+        for (int y = 0; y < Side; ++y)
+            for (int x = 0; x < Side; ++x)
+                for (int channel = 0; channel < 3; ++channel)
+                    expected.samples[static_cast<size_t>((y * Side + x) * 3 + channel)] =
+                        picture.samples[static_cast<size_t>(c.source(x, y) * 3 + channel)];
+        EXPECT_EQ(shot, expected);
+    }
+}
+
+TEST_F(ViewTest, AdjustsAndShowsDevicesNeighboursAndFrames) {
+    WritePng(Path("blue.png"),
+             PictureOf(Side, Side, 8, PNG_COLOR_TYPE_RGB, [](size_t i) { return i % 3 == 2 ? 255u : 0u; }));
+    WritePng(Path("gray.png"), PictureOf(Side, Side, 8, PNG_COLOR_TYPE_RGB, [](size_t) { return 128u; }));
+    WriteGif(Path("walk.gif"), Side, Side);
+    const std::string blue = Path("blue.png"), gray = Path("gray.png"), walk = Path("walk.gif");
+    std::string brightest;
+    for (int i = 0; i < 20; ++i)
+        brightest += ",brighter";
+    EXPECT_EQ(ColourAt(Shot({blue}, brightest), 3, 4), White);
+    EXPECT_EQ(ColourAt(Shot({gray, blue}, ",next"), 3, 4), Blue);
+    EXPECT_EQ(ColourAt(Shot({gray, blue}, ",previous,next,next"), 3, 4), Blue);
+    EXPECT_EQ(ColourAt(Shot({walk}, ""), Side / 2, Side / 2), Red);
+    EXPECT_EQ(ColourAt(Shot({walk}, ",step"), Side / 2, Side / 2), Green);
+    EXPECT_EQ(ColourAt(Shot({walk}, ",step,step"), Side - 1, Side - 1), Blue);
+    for (const char* bits : {"4", "8"})
+        EXPECT_EQ(ColourAt(Shot({blue}, "", {"--display", bits}), 3, 4), Blue) << bits;
+    const Picture dots = Shot({gray}, "", {"--display", "1"});
+    int white = 0;
+    for (int i = 0; i < Side * Side; ++i) {
+        const std::vector<uint16_t> colour = ColourAt(dots, i % Side, i / Side);
+        EXPECT_TRUE(colour == White || colour == Black);
+        white += colour == White ? 1 : 0;
+    }
+    EXPECT_NEAR(white, Side * Side / 2, Side);
+}
+
+TEST_F(ViewTest, RefusesCommandsAndPicturesThatThereAreNot) {
+    WritePng(Path("photo.png"), PictureOf(4, 4, 8, PNG_COLOR_TYPE_RGB, Scattered));
+    WriteText("text.png", "This is a letter.");
+    Refuses({"view", Path("photo.png"), "--screenshot", Path("s.png"), "--do", "dance"}, "", "--do");
+    Refuses({"view", Path("text.png"), "--screenshot", Path("s.png")}, Path("text.png") + ": ", "not a PNG");
+    Refuses({"view", Path("photo.png"), Path("text.png"), "--screenshot", Path("s.png"), "--do", "next"},
+            Path("text.png") + ": ", "not a PNG");
+}
+
+namespace {
+
+// The display's memory, which the server keeps in a file: a header of big-endian words, a table of colours, and the rows.
+class DisplayDump {
+  public:
+    explicit DisplayDump(std::string content) : content_(std::move(content)) {}
+    uint32_t At(size_t x, size_t y) const {
+        const size_t place = Word(0) + Word(19) * 12 + y * Word(12) + x * 4;
+        const auto byte = [&](size_t i) { return static_cast<uint8_t>(content_.at(place + i)); };
+        return static_cast<uint32_t>(byte(0) | byte(1) << 8 | byte(2) << 16);
+    }
+
+  private:
+    size_t Word(size_t index) const {
+        size_t word = 0;
+        for (size_t i = 0; i < 4; ++i)
+            word = word << 8 | static_cast<uint8_t>(content_.at(index * 4 + i));
+        return word;
+    }
+    std::string content_;
+};
+
+// Takes pictures of the display, which the window fills, after each thing that is done.
+constexpr const char* Drive = R"(
+Xvfb -displayfd 3 -fbdir . -screen 0 100x122x24 3>display 2>/dev/null & server=$!
+trap 'kill $server' EXIT
+for i in {1..100}; do [ -s display ] && break; sleep 0.1; done
+export DISPLAY=:$(cat display)
+look() { sleep 0.7; cp Xvfb_screen0 "$1.xwd"; }
+timeout 60 "$1" view red.png halves.png --width 100 --height 122 & viewer=$!
+window=$(timeout 30 xdotool search --sync --onlyvisible --name red.png | head -n 1)
+xdotool windowfocus "$window" mousemove --window "$window" 20 50
+look first
+xdotool key Next; look next
+xdotool type m; look mirrored
+xdotool click 4 click 4 click 4 click 4; look larger
+xdotool mousemove --window "$window" 80 50 mousedown 1 mousemove --window "$window" 40 50 \
+  mousemove --window "$window" 20 50 mouseup 1; look moved
+xdotool type f; xdotool keydown Shift mousemove --window "$window" 20 50 click 1 keyup Shift; look selected
+xdotool type q
+wait $viewer
+)";
+
+} // namespace
+
+TEST_F(ViewTest, TakesKeysAndMouseInAWindow) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the libraries of windows leak at their end";
+#endif
+    if (std::system("command -v Xvfb >/dev/null && command -v xdotool >/dev/null") != 0)
+        GTEST_SKIP() << "needs Xvfb and xdotool";
+    if (RunZkr({"view", Path("missing.png")}).errors.find("SDL2") != std::string::npos)
+        GTEST_SKIP() << "zkr was built without windows";
+    WritePng(Path("red.png"),
+             PictureOf(100, 100, 8, PNG_COLOR_TYPE_RGB, [](size_t i) { return i % 3 == 0 ? 255u : 0u; }));
+    WritePng(Path("halves.png"), PictureOf(100, 100, 8, PNG_COLOR_TYPE_RGB, [](size_t i) {
+                 return i % 3 == (i / 3 % 100 < 50 ? 1 : 2) ? 255u : 0u;
+             }));
+    WriteText("drive.sh", Drive);
+    const std::string folder = Path("");
+    const std::string command = "cd " + folder + " && bash drive.sh " ZKR_PROGRAM " >told 2>&1";
+    ASSERT_EQ(std::system(command.c_str()), 0) << ReadText("told");
+    constexpr uint32_t red = 0xFF0000, green = 0x00FF00, blue = 0x0000FF;
+    const struct {
+        const char* name;
+        uint32_t left, right; // at 10 and 90 of 100 columns
+    } cases[] = {
+        {"first", red, red},    {"next", green, blue},  {"mirrored", blue, green},
+        {"larger", blue, blue}, {"moved", blue, green}, {"selected", blue, green},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const DisplayDump dump(ReadText(std::string(c.name) + ".xwd"));
+        EXPECT_EQ(dump.At(10, 50), c.left);
+        EXPECT_EQ(dump.At(90, 50), c.right);
+    }
+    // The stripes of the outline, black and white, along the border between the halves.
+    const DisplayDump selected(ReadText("selected.xwd"));
+    int black = 0, white = 0;
+    for (size_t y = 0; y < 100; ++y)
+        for (size_t x = 46; x < 54; ++x) {
+            black += selected.At(x, y) == 0 ? 1 : 0;
+            white += selected.At(x, y) == 0xFFFFFF ? 1 : 0;
+        }
+    EXPECT_GT(black, 30);
+    EXPECT_GT(white, 30);
+}
