@@ -337,24 +337,29 @@ TEST_F(RasterTest, BlocksAndPlatformBitmapsPass) {
 }
 
 TEST_F(RasterTest, ClipboardHoldsBitmapAndRegion) {
-    Raster raster(6, 4, 8), back;
-    EXPECT_EQ(raster.object.PutPixel(2, 1, 0xFFFFFF), 0);
-    EXPECT_EQ(raster.object.SetRgnRect(1, 1, 3, 2, Z_RGN_SET, nullptr), 0);
-    const ReturnCode argument = Z_ERROR_ARGUMENT;
-    EXPECT_EQ(raster.object.Copy(0, 32, nullptr), Failure(argument));
-    EXPECT_EQ(raster.object.Copy(0, 0, nullptr), Failure(argument));
-    EXPECT_EQ(raster.object.Copy(0, COPY_EMPTY, nullptr), 0);
-    EXPECT_EQ(back.object.Paste(0, PASTE_ISREADY, &back.result), Failure(Z_ERROR_GENERAL));
-    EXPECT_EQ(back.object.Paste(0, PASTE_DOPASTE, &back.result), Failure(Z_ERROR_CLIPBOARD_EMPTY));
-    for (const int form : {COPY_DIB + 0, COPY_DDB | COPY_PALETTE, COPY_DIB | COPY_DDB | COPY_PALETTE}) {
-        EXPECT_EQ(raster.object.Copy(0, static_cast<int16_t>(COPY_EMPTY | COPY_RGN | form), nullptr), 0);
-        EXPECT_EQ(back.object.Paste(0, PASTE_ISREADY, &back.result), 0);
-        EXPECT_EQ(back.object.Paste(0, PASTE_DOPASTE, &back.result), 0);
-        EXPECT_EQ(back.Pixel(2, 1), 0xFFFFFFu);
-        EXPECT_EQ(back.Get(&RasterObject::GetRgnArea), 6);
-        EXPECT_EQ(back.Get(&RasterObject::GetRgnTop), 1);
+    {
+        Raster raster(6, 4, 8), back;
+        EXPECT_EQ(raster.object.PutPixel(2, 1, 0xFFFFFF), 0);
+        EXPECT_EQ(raster.object.SetRgnRect(1, 1, 3, 2, Z_RGN_SET, nullptr), 0);
+        const ReturnCode argument = Z_ERROR_ARGUMENT;
+        EXPECT_EQ(raster.object.Copy(0, 32, nullptr), Failure(argument));
+        EXPECT_EQ(raster.object.Copy(0, 0, nullptr), Failure(argument));
+        EXPECT_EQ(raster.object.Copy(0, COPY_EMPTY, nullptr), 0);
+        EXPECT_EQ(back.object.Paste(0, PASTE_ISREADY, &back.result), Failure(Z_ERROR_GENERAL));
+        EXPECT_EQ(back.object.Paste(0, PASTE_DOPASTE, &back.result), Failure(Z_ERROR_CLIPBOARD_EMPTY));
+        for (const int form : {COPY_DIB + 0, COPY_DDB | COPY_PALETTE, COPY_DIB | COPY_DDB | COPY_PALETTE}) {
+            EXPECT_EQ(raster.object.Copy(0, static_cast<int16_t>(COPY_EMPTY | COPY_RGN | form), nullptr), 0);
+            EXPECT_EQ(back.object.Paste(0, PASTE_ISREADY, &back.result), 0);
+            EXPECT_EQ(back.object.Paste(0, PASTE_DOPASTE, &back.result), 0);
+            EXPECT_EQ(back.Pixel(2, 1), 0xFFFFFFu);
+            EXPECT_EQ(back.Get(&RasterObject::GetRgnArea), 6);
+            EXPECT_EQ(back.Get(&RasterObject::GetRgnTop), 1);
+        }
+        EXPECT_EQ(raster.object.Copy(0, COPY_EMPTY, nullptr), 0);
     }
-    EXPECT_EQ(raster.object.Copy(0, COPY_EMPTY, nullptr), 0);
+#ifdef _WIN32
+    CountAnew();
+#endif
 }
 
 } // namespace
