@@ -53,7 +53,8 @@ void Show(Tour& tour, ContactSheet::Section& section, const std::string& step, B
     const char* result = isSame ? "the same pixels" : "differs";
     tour.Print(
         {step, ShortName(back.Format()), StorageOf(back), back.Bytes(), milliseconds, result, !isSame});
-    section.cells.push_back(Tour::Cell(back, step, result));
+    Bitmap shown = Converted(back, tour.photo.Format(), {});
+    section.cells.push_back(Tour::Cell(shown, step, result));
 }
 
 void Run(Tour& tour) {
