@@ -1,6 +1,7 @@
 // Runs every work and its peers with Google Benchmark, interleaved, and prints one table of ratios. Options
-// of Google Benchmark are taken as they are (--benchmark_filter=24 and the like).
+// of Google Benchmark are taken as they are (--benchmark_filter=24 and the like); --rows=FILE adds the results to a file.
 #include "progress.h"
+#include "results.h"
 #include "work.h"
 
 #include <benchmark/benchmark.h>
@@ -11,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace bench {
@@ -38,9 +40,9 @@ constexpr int Repetitions = 9;
 
 // Collects the times of all repetitions; the best counts, since noise only adds. Processor time, so that
 // other work on the machine weighs less.
-class TableReporter : public benchmark::BenchmarkReporter {
+class Collector : public benchmark::BenchmarkReporter {
   public:
-    explicit TableReporter(std::unique_ptr<Progress> progress) : progress_(std::move(progress)) {}
+    explicit Collector(std::unique_ptr<Progress> progress) : progress_(std::move(progress)) {}
 
     bool ReportContext(const Context&) override { return true; }
 
@@ -53,21 +55,29 @@ class TableReporter : public benchmark::BenchmarkReporter {
         }
     }
 
-    void Finalize() override {
-        progress_.reset();
-        const double copySecondsPerByte = Best(CopyName) / (2.0 * CopyBytes);
-        std::printf("%-28s %9s %9s %7s   %-24s %9s %7s %7s\n", "work", "ms", "Mpixel/s", "memcpy", "peer",
-                    "peer ms", "ratio", "reach");
-        for (const auto& [number, entry] : Entries())
-            PrintEntry(number, entry, copySecondsPerByte);
-        std::printf(
-            "\nms: the best of %d measurements. memcpy: how fast bytes are read and written, as a part of "
-            "memcpy's speed.\nratio: the peer's time over ours, above 1 where we are faster; reach: what "
-            "it has to be at least, else \"below\".\n",
-            Repetitions);
-    }
+    void Finalize() override { progress_.reset(); }
 
-    int Missed() const { return missed_; }
+    std::vector<Result> Results() const {
+        const double copySecondsPerByte = Best(CopyName) / (2.0 * CopyBytes);
+        std::vector<Result> results;
+        for (const auto& [number, entry] : Entries()) {
+            const Work& work = entry.Ours;
+            const double ours = Best(NameOf(number, Ours));
+            if (ours == 0) continue;
+            results.push_back({number,
+                               Named(work.Name, work.Decibels),
+                               ours,
+                               static_cast<double>(work.Pixels) / ours / 1e6,
+                               copySecondsPerByte * static_cast<double>(work.Bytes) / ours,
+                               {}});
+            for (const Peer& peer : entry.Peers) {
+                const double time = peer.Run ? Best(NameOf(number, peer.Name)) / peer.Share : 0;
+                if (peer.Run && time == 0) continue;
+                results.back().Peers.push_back({Named(peer.Name, peer.Decibels), time, peer.RatioToReach});
+            }
+        }
+        return results;
+    }
 
   private:
     double Best(const std::string& name) const {
@@ -83,37 +93,8 @@ class TableReporter : public benchmark::BenchmarkReporter {
         return name + text;
     }
 
-    void PrintEntry(int number, const Entry& entry, double copySecondsPerByte) {
-        const double ours = Best(NameOf(number, Ours));
-        if (ours == 0) return;
-        char copies[16] = "-"; // where memcpy was not measured
-        if (copySecondsPerByte > 0)
-            std::snprintf(copies, sizeof copies, "%.2f",
-                          copySecondsPerByte * static_cast<double>(entry.Ours.Bytes) / ours);
-        std::printf("%-28s %9.3f %9.0f %7s", Named(entry.Ours.Name, entry.Ours.Decibels).c_str(), ours * 1e3,
-                    static_cast<double>(entry.Ours.Pixels) / ours / 1e6, copies);
-        bool first = true;
-        for (const Peer& peer : entry.Peers) {
-            if (!peer.Run) {
-                std::printf("%*s   %s\n", first ? 0 : 56, "", Named(peer.Name, peer.Decibels).c_str());
-                first = false;
-                continue;
-            }
-            const double time = Best(NameOf(number, peer.Name)) / peer.Share;
-            if (time == 0) continue;
-            const bool missed = time / ours < peer.RatioToReach;
-            missed_ += missed;
-            std::printf("%*s   %-24s %9.3f %7.2f %7.2f%s\n", first ? 0 : 56, "",
-                        Named(peer.Name, peer.Decibels).c_str(), time * 1e3, time / ours, peer.RatioToReach,
-                        missed ? "  below" : "");
-            first = false;
-        }
-        if (first) std::printf("\n");
-    }
-
     std::unique_ptr<Progress> progress_;
     std::map<std::string, std::vector<double>> times_;
-    int missed_ = 0;
 };
 
 std::vector<std::string> names; // of all that is registered
@@ -162,20 +143,43 @@ void Touch(const void* data) {
 
 } // namespace bench
 
+namespace {
+
+// Takes --rows=FILE out of the arguments, since Google Benchmark does not know it.
+std::string TakeRowsFile(std::vector<char*>& arguments) {
+    constexpr std::string_view option = "--rows=";
+    std::string file;
+    std::erase_if(arguments, [&](const char* argument) {
+        const bool found = argument != nullptr && std::string_view(argument).starts_with(option);
+        if (found) file = argument + option.size();
+        return found;
+    });
+    return file;
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
     char minTime[] = "--benchmark_min_time=0.02";
     std::string repetitions = "--benchmark_repetitions=" + std::to_string(bench::Repetitions);
     char interleaving[] = "--benchmark_enable_random_interleaving=true";
     std::vector<char*> arguments{argv[0], minTime, repetitions.data(), interleaving};
     arguments.insert(arguments.end(), argv + 1, argv + argc);
+    const std::string rows = TakeRowsFile(arguments);
     int count = static_cast<int>(arguments.size());
     arguments.push_back(nullptr);
 
     bench::RegisterAll();
     benchmark::Initialize(&count, arguments.data());
     if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
-    bench::TableReporter reporter(
+    bench::Collector collector(
         std::make_unique<bench::Progress>(bench::names, benchmark::GetBenchmarkFilter(), bench::Repetitions));
-    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::RunSpecifiedBenchmarks(&collector);
+    const std::vector<bench::Result> results = collector.Results();
+    bench::PrintTable(results, bench::Repetitions);
+    if (!rows.empty() && !bench::AppendRows(results, rows)) {
+        std::fprintf(stderr, "error: cannot write %s\n", rows.c_str());
+        return 1;
+    }
     return 0;
 }

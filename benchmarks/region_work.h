@@ -9,7 +9,7 @@
 namespace bench {
 
 enum RegionWork {
-    UniteText = 2800,
+    UniteText = 7000,
     IntersectText,
     SubtractText,
     CopyText,

@@ -112,7 +112,7 @@ need_pictures() {
   need "the program zkr and its pictures" libcli11-dev libpng-dev libjpeg62-turbo-dev libexif-dev libfreetype-dev libgif-dev libsdl2-dev \
     fonts-dejavu-core palapeli-data jbigkit-bin jbigkit-testdata python3-imageio
 }
-need_tests() { need "testing" googletest; }
+need_tests() { need "testing" googletest python3-jinja2; }
 
 # Whether temporary files can lie in memory. The tests make and delete a hundred thousand of them, which a disk bears
 # badly, and the largest want some room.
