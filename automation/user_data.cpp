@@ -1,5 +1,6 @@
 #include "automation/user_data.h"
 
+#include "platform/fork.h"
 #include "zkr13n/allocation.h"
 
 #include <atomic>
@@ -21,16 +22,23 @@ struct alignas(16) Copy {
 constinit std::atomic_flag locked = ATOMIC_FLAG_INIT;
 constinit Copy* copies = nullptr;
 
+void TakeLock() {
+    while (locked.test_and_set(std::memory_order_acquire)) {
+    }
+}
+void GiveLock() {
+    locked.clear(std::memory_order_release);
+}
+
 class Lock {
   public:
-    Lock() {
-        while (locked.test_and_set(std::memory_order_acquire)) {
-        }
-    }
-    ~Lock() { locked.clear(std::memory_order_release); }
+    Lock() { TakeLock(); }
+    ~Lock() { GiveLock(); }
     Lock(const Lock&) = delete;
     Lock& operator=(const Lock&) = delete;
 };
+
+const platform::ForkPart forkPart(platform::ForkOrder::Inner, TakeLock, [](bool) { GiveLock(); });
 
 // Takes out the copies that a test names, and frees them.
 template <typename Test> void FreeWhere(Test test) {

@@ -55,7 +55,8 @@ Z_API int32_t Z_CALL Z_ClipboardReady(void);
  *
  * deviceContext    in: null for the screen
  * bitmap           out: whatever the record held is overwritten without being freed. Its view is VIEW_BOTTOM_LEFT.
- * rectangle        in: the part, pixels of the device; null for all of it. What lies outside the device is black.
+ * rectangle        in: the part, pixels of the device; null for all of it. What lies outside the device
+ *                  has the first of its colours, which is black on most.
  *
  * Returns Z_SUCCESS; Z_ERROR_ARGUMENT for a null bitmap and for what is no device context; Z_ERROR_DIMENSIONS for a
  * rectangle without pixels or too large; Z_ERROR_MEMORY. On failure the record is cleared.

@@ -1,6 +1,7 @@
 #include "platform/portable/clipboard.h"
 
 #include "platform/faults.h"
+#include "platform/portable/fork.h"
 #include "platform/portable/graphics.h"
 #include "platform/portable/latch.h"
 #include "platform/portable/memory.h"
@@ -45,6 +46,19 @@ void Free(Form& form) {
 bool IsMine() {
     return openedBy != 0 && openedBy == GetCurrentThreadId();
 }
+
+// In a child nobody has the clipboard open but the thread that forked, which has a number of its own there.
+constinit bool forksWithIt = false;
+const ForkPart forkPart(
+    ForkOrder::Outer,
+    [] {
+        latch.lock();
+        forksWithIt = IsMine();
+    },
+    [](bool inChild) {
+        if (inChild) openedBy = forksWithIt ? GetCurrentThreadId() : 0;
+        latch.unlock();
+    });
 
 } // namespace
 

@@ -1,8 +1,10 @@
 // The process ends, or makes a child of itself, while its threads are inside the library.
 #include "zkr13n/bitmap.h"
+#include "zkr13n/clipboard.h"
 #include "zkr13n/copy.h"
 #include "zkr13n/dither.h"
 #include "zkr13n/files.h"
+#include "zkr13n/raster_object.h"
 #include "zkr13n/rows.h"
 #include "zkr13n/storage.h"
 
@@ -31,7 +33,28 @@ bool UseStrips() {
     return good;
 }
 
-// Takes every lock of the library: handles, blocks, views, records of threads, files and modules.
+// Fails while another thread has the clipboard.
+bool UseClipboard() {
+    BitmapHandle bitmap, pasted;
+    bool good = Z_CreateBitmap(&bitmap, MemoryConventional, 30, 20, 24, 1, nullptr, 0, nullptr, 0) == 1;
+    good &= Z_CopyToClipboardExt(nullptr, &bitmap, COPY_EMPTY | COPY_DIB) == 1;
+    good &= Z_CopyFromClipboard(nullptr, &pasted) == 1;
+    Z_FreeBitmap(&pasted);
+    Z_FreeBitmap(&bitmap);
+    return good;
+}
+
+bool UseObject() {
+    IZIRCRaster* raster = nullptr;
+    uint8_t bytes[8] = {};
+    const bool good = Z_CreateRasterObject(&raster) == 1 &&
+                      raster->CreateUserBitmap(4, 2, 8, {Z_VARIANT_BYTES, 8, bytes}, 0, nullptr) == 0;
+    raster->Release();
+    return good;
+}
+
+// Takes every lock of the library: handles, blocks, views, records of threads, files, modules, the clipboard and the
+// copies of objects.
 bool UseEverything() {
     bool good = true;
     for (const int32_t type :
@@ -48,7 +71,8 @@ bool UseEverything() {
         Z_FreeBitmap(&bitmap);
     }
     std::thread([&good] { good &= Z_GetDefaultDithering() == 7; }).join();
-    return good;
+    UseClipboard();
+    return good && UseObject();
 }
 
 // What a child of this process leaves behind: 0, or what ended it.
@@ -107,7 +131,7 @@ TEST(Process, EndsInOrderBesideThreadsAtWork) {
 TEST(Process, HasChildrenThatWorkOnWhateverItsThreadsWereAbout) {
     const BusyThreads busy(UseEverything);
     for (int round = 0; round < 4 * Rounds; ++round)
-        ASSERT_EQ(InChild([] { _exit(UseEverything() ? 0 : 1); }), 0) << "round " << round;
+        ASSERT_EQ(InChild([] { _exit(UseEverything() && UseClipboard() ? 0 : 1); }), 0) << "round " << round;
 }
 #endif
 #endif

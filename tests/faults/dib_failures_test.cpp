@@ -71,12 +71,20 @@ Scenario Taking(const char* name, Take take, const DibForm& form, size_t bitsByt
     return {name, std::move(failures), prepare, call};
 }
 
+ReturnCode Z_CALL ConvertBlock(BitmapHandle* bitmap, HGLOBAL block) {
+    const auto* header = static_cast<const uint8_t*>(platform::GlobalLock(block));
+    const ReturnCode result = Z_ConvertFromDIB(bitmap, header, header + 40 + 4 * 256);
+    platform::GlobalUnlock(block);
+    return result;
+}
+
 TEST(DibFailures, TakingBlocks) {
     const std::vector<ReturnCode> files = {Memory, Seek, Write};
     const DibForm colours = {40, 9, 5, 8}, masks = {40, 9, 5, 16, 3, {1, 2, 4}}, runs = {40, 9, 5, 8, 1};
     const DibForm planes = {40, 16, 6, 12, CodeOf("I420")};
     RunWarm({Taking("adopted", Z_ChangeFromDIB, colours, 60, MemoryConventional, {Memory}),
              Taking("mirrored", Z_MirrorFromDIB, masks, 100, MemoryConventional, {Memory}),
+             Taking("converted", ConvertBlock, colours, 60, MemoryDisk, files),
              Taking("runs", Z_ChangeFromDIB, runs, 90, MemoryConventional, {Memory}),
              Taking("planes to disk", Z_ChangeFromDIB, planes, 144, MemoryDisk, files),
              Taking("runs to disk", Z_MirrorFromDIB, runs, 90, MemoryDisk, files)});

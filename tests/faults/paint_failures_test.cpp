@@ -71,14 +71,13 @@ TEST(PaintFailures, LeaveTheBitmapAndLeakNothing) {
 }
 
 TEST(PaintFailures, OfATableThatIsToBeMade) {
-    RunAll({{"contrast",
-             {Memory},
-             [](Ground& g) {
-                 With(MemoryConventional, 8, 0)(g);
-                 Z_OsFree(g.Subject.PaintLUT);
-                 g.Subject.PaintLUT = nullptr;
-             },
-             [](Ground& g) { return Z_SetPaintContrast(&g.Subject, 300); }}});
+    const auto bare = [](Ground& g) {
+        With(MemoryConventional, 8, 0)(g);
+        Z_OsFree(g.Subject.PaintLUT);
+        g.Subject.PaintLUT = nullptr;
+    };
+    RunAll({{"contrast", {Memory}, bare, [](Ground& g) { return Z_SetPaintContrast(&g.Subject, 300); }},
+            {"intensity", {Memory}, bare, [](Ground& g) { return Z_SetPaintIntensity(&g.Subject, 300); }}});
 }
 
 } // namespace
