@@ -7,7 +7,7 @@ import tempfile
 from pathlib import Path
 
 programs = Path(sys.argv[1]).resolve()
-animation = Path("/usr/share/imageio/images/newtonscradle.gif")
+animation = Path("/usr/lib/python3/dist-packages/imageio/resources/images/newtonscradle.gif")
 
 
 def run(name, *arguments):
