@@ -1,9 +1,14 @@
-# What an installation holds: the library, the headers, and what CMake and pkg-config need to find them. All of it
-# may be moved as one.
+# What an installation holds: the library, the headers, what CMake and pkg-config need to find them, and the program. All
+# of it may be moved as one. Its parts, which become packages of their own: runtime, development, program, python.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-install(TARGETS zkr13n EXPORT ZKR13N)
+set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME development)
+
+install(TARGETS zkr13n EXPORT ZKR13N
+  RUNTIME COMPONENT runtime
+  LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE COMPONENT development)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/include/ TYPE INCLUDE FILES_MATCHING PATTERN "*.h")
 
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/ZKR13N)

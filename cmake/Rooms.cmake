@@ -67,6 +67,10 @@ function(zkr_library)
 
   add_library(zkr13n SHARED $<TARGET_OBJECTS:zkr13n_rooms> ${kernels})
   set_target_properties(zkr13n PROPERTIES OUTPUT_NAME ZKR13N LINKER_LANGUAGE CXX)
+  if(NOT WIN32)
+    # Programs ask for libZKR13N.so.13: one major version keeps names and layouts (docs/changing-the-interface.md).
+    set_target_properties(zkr13n PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+  endif()
   target_include_directories(zkr13n PUBLIC $<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/include>
                                            $<INSTALL_INTERFACE:include>)
   zkr_exports(zkr13n)

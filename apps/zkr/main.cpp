@@ -1,6 +1,7 @@
 // The command line: verbs and their options, and the one place where failures are printed. Whatever goes
 // wrong is one line on standard error and exit status 1.
 #include "failure.h"
+#include "pages/pages.h"
 #include "progress.h"
 #include "verb.h"
 
@@ -12,6 +13,7 @@
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -94,6 +96,12 @@ int Run(int argc, char** argv) {
     app.get_formatter()->label("SUBCOMMAND", "VERB");
     AddVerbs(app);
     try {
+        // For who makes packages; help says nothing of it.
+        if (argc == 3 && std::string(argv[1]) == "--print") {
+            const std::optional<std::string> page = PageOf(argv[2], app);
+            if (!page) throw UsageFailure(std::string(argv[2]) + ": no page of zkr: man, bash, zsh, fish");
+            return std::fputs(page->c_str(), stdout) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
+        }
         app.parse(argc, argv);
         return 0;
     } catch (const CLI::Success& help) {

@@ -7,7 +7,9 @@ function(run)
   execute_process(COMMAND ${ARGN} COMMAND_ERROR_IS_FATAL ANY)
 endfunction()
 
-run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix})
+foreach(component runtime development)
+  run(${CMAKE_COMMAND} --install ${BUILD} --prefix ${prefix} --component ${component})
+endforeach()
 
 set(options -G ${GENERATOR} -DCMAKE_C_COMPILER=${C_COMPILER} -DZKR13N_ROOT=${prefix})
 if(TOOLCHAIN)

@@ -16,11 +16,12 @@ def expect(command, status, words):
 
 
 with tempfile.TemporaryDirectory() as folder:
-    for name in ("run", "test", "bench"):
+    for name in ("run", "test", "bench", "package"):
         link = Path(folder) / name
         link.symlink_to(top / name)
         expect([link, "--help"], 0, f"./{name} ")
         expect(["sh", top / name, "--help"], 2, "for bash")
 expect([top / "test", "windws"], 1, "no set of tests 'windws'")
+expect([top / "package", "rpm"], 1, "no package 'rpm'")
 print("\n".join(faults) or "the doors tell what they are")
 sys.exit(bool(faults))
