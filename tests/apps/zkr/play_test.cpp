@@ -2,9 +2,20 @@
 #include "picture_files.h"
 #include "run_program.h"
 
+#include <cstdlib>
+
 namespace {
 
 using PlayTest = ProgramTest;
+
+// Ends with 0 when the frames in a folder are those that Pillow composes.
+constexpr const char* Compare = R"(
+import sys
+from PIL import Image, ImageSequence
+for i, frame in enumerate(ImageSequence.Iterator(Image.open(sys.argv[1]))):
+    ours = Image.open('%s/frame-%04d.png' % (sys.argv[2], i)).convert('RGB')
+    if ours.tobytes() != frame.convert('RGB').tobytes(): sys.exit('frame %d' % i)
+)";
 
 } // namespace
 
@@ -39,4 +50,16 @@ TEST_F(PlayTest, RefusesWhatIsNoAnimation) {
     WriteText("short.gif", ReadText("walk.gif").substr(0, 60));
     Refuses({"play", Path("short.gif"), "--out", Path("frames")}, Path("short.gif") + ": ", "");
     Refuses({"play", Path("missing.gif"), "--out", Path("frames")}, Path("missing.gif") + ": ", "");
+}
+
+TEST_F(PlayTest, ComposesARealAnimationAsPillowDoes) {
+    const std::string animation = "/usr/lib/python3/dist-packages/imageio/resources/images/newtonscradle.gif";
+    if (std::system(("test -r " + animation + " && /usr/bin/python3 -c 'import PIL' 2>/dev/null").c_str()) !=
+        0)
+        GTEST_SKIP() << "needs python3-imageio and python3-pil";
+    Succeeds({"play", animation, "--out", Path("frames")});
+    WriteText("compare.py", Compare);
+    const std::string command =
+        "/usr/bin/python3 " + Path("compare.py") + " " + animation + " " + Path("frames");
+    EXPECT_EQ(std::system(command.c_str()), 0);
 }

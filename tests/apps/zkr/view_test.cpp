@@ -131,16 +131,23 @@ class DisplayDump {
     std::string content_;
 };
 
-// Takes pictures of the display, which the window fills, after each thing that is done.
-constexpr const char* Drive = R"(
+// A display, the viewer in a window that fills it, and how pictures of it are taken.
+constexpr const char* Display = R"(
 Xvfb -displayfd 3 -fbdir . -screen 0 100x122x24 3>display 2>/dev/null & server=$!
 trap 'kill $server' EXIT
 for i in {1..100}; do [ -s display ] && break; sleep 0.1; done
 export DISPLAY=:$(cat display)
 look() { sleep 0.7; cp Xvfb_screen0 "$1.xwd"; }
-timeout 60 "$1" view red.png halves.png --width 100 --height 122 & viewer=$!
-window=$(timeout 30 xdotool search --sync --onlyvisible --name red.png | head -n 1)
-xdotool windowfocus "$window" mousemove --window "$window" 20 50
+show() {
+  timeout 60 $zkr view "$@" --width 100 --height 122 & viewer=$!
+  window=$(timeout 30 xdotool search --sync --onlyvisible --name "$1" | head -n 1)
+  xdotool windowfocus "$window" mousemove --window "$window" 20 50
+}
+)";
+
+// Pictures after each thing that is done.
+constexpr const char* Drive = R"(
+show red.png halves.png
 look first
 xdotool key Next; look next
 xdotool type m; look mirrored
@@ -152,25 +159,46 @@ xdotool type q
 wait $viewer
 )";
 
+// How often the display changes at the slowest speed, in a pause, and at the highest; then pictures of single frames.
+constexpr const char* DriveAnimation = R"(
+changes() { sleep 0.3; for i in {1..50}; do cksum <Xvfb_screen0; sleep 0.01; done | uniq | wc -l >"$1"; }
+show walk.gif
+xdotool type '<<<<'; changes slow
+xdotool key space; changes paused
+xdotool key space; xdotool type '>>>>>>>>'; changes fast
+for i in 0 1 2 3; do xdotool key period; look step$i; done
+xdotool type q
+wait $viewer
+)";
+
+class WindowTest : public ViewTest {
+  protected:
+    void SetUp() override {
+#ifdef __SANITIZE_ADDRESS__
+        GTEST_SKIP() << "the libraries of windows leak at their end";
+#endif
+        if (std::system("command -v Xvfb >/dev/null && command -v xdotool >/dev/null") != 0)
+            GTEST_SKIP() << "needs Xvfb and xdotool";
+        if (RunZkr({"view", Path("missing.png")}).errors.find("SDL2") != std::string::npos)
+            GTEST_SKIP() << "zkr was built without windows";
+    }
+
+    void Do(const std::string& drive) const {
+        WriteText("drive.sh", "zkr=" ZKR_PROGRAM + std::string(Display) + drive);
+        const std::string command = "cd " + Path("") + " && bash drive.sh >told 2>&1";
+        ASSERT_EQ(std::system(command.c_str()), 0) << ReadText("told");
+    }
+};
+
 } // namespace
 
-TEST_F(ViewTest, TakesKeysAndMouseInAWindow) {
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the libraries of windows leak at their end";
-#endif
-    if (std::system("command -v Xvfb >/dev/null && command -v xdotool >/dev/null") != 0)
-        GTEST_SKIP() << "needs Xvfb and xdotool";
-    if (RunZkr({"view", Path("missing.png")}).errors.find("SDL2") != std::string::npos)
-        GTEST_SKIP() << "zkr was built without windows";
+TEST_F(WindowTest, TakesKeysAndMouse) {
     WritePng(Path("red.png"),
              PictureOf(100, 100, 8, PNG_COLOR_TYPE_RGB, [](size_t i) { return i % 3 == 0 ? 255u : 0u; }));
     WritePng(Path("halves.png"), PictureOf(100, 100, 8, PNG_COLOR_TYPE_RGB, [](size_t i) {
                  return i % 3 == (i / 3 % 100 < 50 ? 1 : 2) ? 255u : 0u;
              }));
-    WriteText("drive.sh", Drive);
-    const std::string folder = Path("");
-    const std::string command = "cd " + folder + " && bash drive.sh " ZKR_PROGRAM " >told 2>&1";
-    ASSERT_EQ(std::system(command.c_str()), 0) << ReadText("told");
+    Do(Drive);
     constexpr uint32_t red = 0xFF0000, green = 0x00FF00, blue = 0x0000FF;
     const struct {
         const char* name;
@@ -195,4 +223,19 @@ TEST_F(ViewTest, TakesKeysAndMouseInAWindow) {
         }
     EXPECT_GT(black, 30);
     EXPECT_GT(white, 30);
+}
+
+TEST_F(WindowTest, PlaysPausesAndSteps) {
+    WriteGif(Path("walk.gif"), 100, 100);
+    Do(DriveAnimation);
+    const auto changes = [&](const char* name) { return std::stoi(ReadText(name)); };
+    EXPECT_EQ(changes("paused"), 1);
+    EXPECT_LE(changes("slow"), 5);
+    EXPECT_GT(changes("fast"), 10);
+    int frames[4];
+    for (int i = 0; i < 4; ++i) {
+        const DisplayDump dump(ReadText("step" + std::to_string(i) + ".xwd"));
+        frames[i] = dump.At(98, 98) == 0x0000FF ? 2 : dump.At(51, 50) == 0x00FF00 ? 1 : 0;
+        EXPECT_EQ(frames[i], (frames[0] + i) % 3) << i;
+    }
 }
