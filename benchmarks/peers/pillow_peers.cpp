@@ -1,7 +1,8 @@
 // Pillow finding colours for the photograph, matching it against the 256 given ones (not exact), with
-// and without diffusion, diffusing it to black and white, and reducing it. It runs in a Python process of its own, which
-// reads the picture once and answers each line with one more pass of the kind that the line names; what the
+// and without diffusion, diffusing it to black and white, and reducing it, and composing the frames of animations. It runs in
+// a Python process of its own, which reads the pictures once and answers each line with one more pass of the kind that the line names; what the
 // pipe costs is microseconds.
+#include "../animation_work.h"
 #include "../paint_work.h"
 #include "../pictures.h"
 #include "../resize_work.h"
@@ -28,6 +29,19 @@ source = sys.stdin.buffer
 palette = Image.new('P', (1, 1))
 palette.putpalette(source.read(768))
 picture = Image.frombytes('RGB', (width, height), source.read(width * height * 3), 'raw', 'BGR')
+def frames():
+    made = []
+    for _ in range(int(sys.argv[5])):
+        colours = source.read(768)
+        made.append(Image.frombytes('P', (int(sys.argv[6]), int(sys.argv[7])), source.read(int(sys.argv[6]) * int(sys.argv[7]))))
+        made[-1].putpalette(colours)
+    return made
+whole, changes = frames(), frames()
+opaque = [255] * 255 + [0]
+def play(frames, transparent):
+    canvas = Image.new('RGB', frames[0].size)
+    for frame in frames:
+        canvas.paste(frame.convert('RGB'), (0, 0), frame.point(opaque, 'L') if transparent else None)
 def decibels(made):
     squares = ImageStat.Stat(ImageChops.difference(picture, made.convert('RGB'))).sum2
     return 10 * log10(255 * 255 * 3 * width * height / sum(squares))
@@ -41,6 +55,8 @@ passes = {
     b'bitonal': lambda: picture.convert('1'),
     b'box': lambda: picture.resize((int(sys.argv[3]), int(sys.argv[4])), Image.Resampling.BOX),
     b'eighth': lambda: picture.reduce(8),
+    b'play': lambda: play(whole, False),
+    b'changes': lambda: play(changes, True),
 }
 while line := source.readline():
     made = passes[line.strip()]()
@@ -58,24 +74,30 @@ class Python {
         const std::string height = std::to_string(PhotographHeight);
         const std::string reducedWidth = std::to_string(ReducedWidth);
         const std::string reducedHeight = std::to_string(ReducedHeight);
+        const std::string frames = std::to_string(AnimationFrames);
+        const std::string frameWidth = std::to_string(AnimationWidth);
+        const std::string frameHeight = std::to_string(AnimationHeight);
         if (fork() == 0) {
             dup2(toChild[0], 0);
             dup2(fromChild[1], 1);
             close(toChild[1]);
             close(fromChild[0]);
             execlp("/usr/bin/python3", "python3", "-c", Program, width.c_str(), height.c_str(),
-                   reducedWidth.c_str(), reducedHeight.c_str(), nullptr);
+                   reducedWidth.c_str(), reducedHeight.c_str(), frames.c_str(), frameWidth.c_str(),
+                   frameHeight.c_str(), nullptr);
             _exit(1);
         }
         close(toChild[0]);
         close(fromChild[1]);
         out_ = fdopen(toChild[1], "wb");
         in_ = fdopen(fromChild[0], "rb");
-        for (const RGBQUAD& entry : Palette256()) {
-            const uint8_t colour[3] = {entry.rgbRed, entry.rgbGreen, entry.rgbBlue};
-            std::fwrite(colour, 1, 3, out_);
-        }
+        Give(Palette256());
         std::fwrite(Photograph().data(), 1, Photograph().size(), out_);
+        for (const AnimationWork work : {PlayWhole, PlayChanges})
+            for (const Frame& frame : AnimationFor(work)) {
+                Give(frame.Palette);
+                std::fwrite(frame.Indices.data(), 1, frame.Indices.size(), out_);
+            }
     }
 
     double Pass(const std::string& kind) {
@@ -90,6 +112,13 @@ class Python {
     }
 
   private:
+    void Give(const std::vector<RGBQUAD>& palette) {
+        for (const RGBQUAD& entry : palette) {
+            const uint8_t colour[3] = {entry.rgbRed, entry.rgbGreen, entry.rgbBlue};
+            std::fwrite(colour, 1, 3, out_);
+        }
+    }
+
     std::FILE* out_ = nullptr;
     std::FILE* in_ = nullptr;
 };
@@ -110,6 +139,8 @@ const Adds adds([] {
     AddPillow(BitonalFloydSteinberg, "Pillow, one channel", 1, "bitonal");
     AddPillow(PaletteFloydSteinberg, "Pillow", 2, "diffuse");
     AddPillow(PaintDiffusedTo8, "Pillow", 2, "diffuse");
+    AddPillow(PlayWhole, "Pillow", 2, "play");
+    AddPillow(PlayChanges, "Pillow", 2, "changes");
     AddPillow(AreaReduced24, "Pillow box", 1.5, "box");
     AddPillow(AreaEighth24, "Pillow reduce", 0.5, "eighth");
     AddPillow(Optimised, "Pillow octree", 1.7, "octree", [] { return Pillow().Pass("octree?"); });
