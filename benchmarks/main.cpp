@@ -13,6 +13,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace bench {
@@ -101,9 +102,12 @@ std::vector<std::string> names; // of all that is registered
 
 benchmark::internal::Benchmark* Register(const std::string& name, const Body& body) {
     names.push_back(name);
+    // What a body prepares when it runs for the first time is not measured, and does not make it count as too slow to run
+    // more than once in each measurement.
     return benchmark::RegisterBenchmark(name.c_str(),
-                                        [body, name](benchmark::State& state) {
+                                        [body, name, isPrepared = false](benchmark::State& state) mutable {
                                             Progress::Begins(name);
+                                            if (!std::exchange(isPrepared, true)) body();
                                             for (auto _ : state)
                                                 body();
                                         })
