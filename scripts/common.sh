@@ -113,6 +113,7 @@ need_pictures() {
     fonts-dejavu-core palapeli-data jbigkit-bin jbigkit-testdata python3-imageio
 }
 need_tests() { need "testing" googletest python3-jinja2; }
+need_python() { need "the tests of the Python package" python3-pytest python3-numpy python3-pil mypy python3-distributed; }
 
 # Whether temporary files can lie in memory. The tests make and delete a hundred thousand of them, which a disk bears
 # badly, and the largest want some room.

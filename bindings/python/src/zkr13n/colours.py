@@ -1,0 +1,60 @@
+"""Colours, and how they are written as arguments.
+
+Wherever a method takes a colour it may be
+
+    (red, green, blue)    three numbers from 0 to 255, also as a `Colour`
+    index(7)              an entry of the bitmap's palette, up to 8 bits
+    gray(4095)            a level of gray, 0 to 65535, for gray bitmaps of 12 and 16 bits
+    a plain number        a colour value of the library: 0x00BBGGRR and what its top byte makes of it
+"""
+
+from __future__ import annotations
+
+from typing import NamedTuple, Sequence, SupportsIndex, Union
+
+
+class Colour(NamedTuple):
+    """Red, green and blue, 0 to 255."""
+
+    red: int
+    green: int
+    blue: int
+
+    @classmethod
+    def from_value(cls, value: int) -> Colour:
+        """The plain colour of a colour value 0x00BBGGRR."""
+        return cls(value & 255, value >> 8 & 255, value >> 16 & 255)
+
+
+ColourLike = Union[SupportsIndex, Sequence[int]]
+
+BLACK = Colour(0, 0, 0)
+WHITE = Colour(255, 255, 255)
+
+
+def index(entry: int) -> int:
+    """The colour value that stands for an entry of a palette, 0 to 255."""
+    if not 0 <= entry <= 255:
+        raise ValueError(f"there is no palette entry {entry}")
+    return 0x01000000 + entry
+
+
+def gray(level: int) -> int:
+    """The colour value that stands for a level of gray, 0 to 65535."""
+    if not 0 <= level <= 65535:
+        raise ValueError(f"the level of gray {level} is outside 0 to 65535")
+    return 0x04000000 + level
+
+
+def value_of(colour: ColourLike) -> int:
+    """The colour value of whatever may stand for a colour."""
+    if isinstance(colour, SupportsIndex):
+        value = colour.__index__()
+        if not 0 <= value <= 0xFFFFFFFF:
+            raise ValueError(f"the colour value {value} is outside 32 bits")
+        return value
+    red, green, blue = colour
+    for channel in (red, green, blue):
+        if not 0 <= channel <= 255:
+            raise ValueError(f"a channel of the colour {tuple(colour)} is outside 0 to 255")
+    return int(red) | int(green) << 8 | int(blue) << 16
