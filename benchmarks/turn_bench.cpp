@@ -1,4 +1,4 @@
-// Flips and half turns in place, quarter turns and rotation into new bitmaps, of the photograph and of the page.
+// Flips and half turns in place, quarter turns, rotation and shear into new bitmaps, of the photograph and of the page.
 #include "turn_work.h"
 
 #include "pictures.h"
@@ -36,6 +36,15 @@ void AddRotation(int number, const char* name, BitmapHandle* (*source)(), int32_
     AddWork(number, {name, pixels, BytesOf(pixels, bits), [source, flags] {
                          OnPixelsOf(source(), [flags](BitmapHandle& bitmap) {
                              Z_RotateBitmap(&bitmap, RotationDegrees * 100, flags, 0xFFFFFF);
+                         });
+                     }});
+}
+
+void AddShear(int number, const char* name, BitmapHandle* (*source)(), int32_t bits, size_t pixels,
+              int32_t horizontal) {
+    AddWork(number, {name, pixels, BytesOf(pixels, bits), [source, horizontal] {
+                         OnPixelsOf(source(), [horizontal](BitmapHandle& bitmap) {
+                             Z_ShearBitmap(&bitmap, ShearDegrees * 100, horizontal, 0xFFFFFF);
                          });
                      }});
 }
@@ -100,6 +109,9 @@ const Adds adds([] {
     AddRotation(Rotate48Linear, "rotate by 30: 48, linear", Photo<48, 1>, 48, PhotographPixels,
                 ROTATE_LINEAR);
     AddRotation(RotatePage, "rotate by 30: page", PageBitmap, 1, PagePixels, 0);
+    AddShear(ShearRowsPage, "shear by 10: page, rows", PageBitmap, 1, PagePixels, 1);
+    AddShear(ShearColumnsPage, "shear by 10: page, columns", PageBitmap, 1, PagePixels, 0);
+    AddShear(ShearRows24, "shear by 10: 24, rows", Photo<24, 1>, 24, PhotographPixels, 1);
 });
 
 } // namespace

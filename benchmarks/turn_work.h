@@ -1,4 +1,4 @@
-// The works of flips, turns and rotation.
+// The works of flips, turns, rotation and shear.
 #pragma once
 
 namespace bench {
@@ -19,10 +19,16 @@ enum TurnWork {
     Rotate24Linear,
     Rotate24Cubic,
     Rotate48Linear,
-    RotatePage
+    RotatePage,
+    ShearRowsPage,
+    ShearColumnsPage,
+    ShearRows24
 };
 
 // Clockwise.
 inline constexpr int RotationDegrees = 30;
+
+// The top goes to the right.
+inline constexpr int ShearDegrees = 10;
 
 } // namespace bench

@@ -1,4 +1,4 @@
-// Leptonica's turns of the page.
+// Leptonica's turns and shears of the page; what it shears keeps its size, and what leaves that is lost.
 #include "../pictures.h"
 #include "../turn_work.h"
 #include "../work.h"
@@ -10,6 +10,8 @@
 namespace bench {
 
 namespace {
+
+constexpr float RadiansInDegree = 3.14159265f / 180;
 
 PIX* Page() {
     static PIX* page = [] {
@@ -35,9 +37,14 @@ const Adds adds([] {
     AddTurn(HalfTurnPage, 5, [] { return pixRotate180(nullptr, Page()); });
     AddTurn(MirrorPage, 5, [] { return pixFlipLR(nullptr, Page()); });
     AddTurn(RotatePage, 4, [] {
-        return pixRotateBySampling(Page(), PageWidth / 2, PageHeight / 2, RotationDegrees * 3.14159265f / 180,
+        return pixRotateBySampling(Page(), PageWidth / 2, PageHeight / 2, RotationDegrees * RadiansInDegree,
                                    L_BRING_IN_WHITE);
     });
+    AddTurn(ShearRowsPage, 1, [] {
+        return pixHShear(nullptr, Page(), PageHeight, ShearDegrees * RadiansInDegree, L_BRING_IN_WHITE);
+    });
+    AddTurn(ShearColumnsPage, 4,
+            [] { return pixVShear(nullptr, Page(), 0, ShearDegrees * RadiansInDegree, L_BRING_IN_WHITE); });
 });
 
 } // namespace

@@ -1,11 +1,12 @@
 // Pillow finding colours for the photograph, matching it against the 256 given ones (not exact), with
-// and without diffusion, diffusing it to black and white, and reducing it, and composing the frames of animations. It runs in
-// a Python process of its own, which reads the pictures once and answers each line with one more pass of the kind that the line names; what the
-// pipe costs is microseconds.
+// and without diffusion, diffusing it to black and white, reducing it and shearing it, and composing the frames of
+// animations. It runs in a Python process of its own, which reads the pictures once and answers each line with one more
+// pass of the kind that the line names; what the pipe costs is microseconds.
 #include "../animation_work.h"
 #include "../paint_work.h"
 #include "../pictures.h"
 #include "../resize_work.h"
+#include "../turn_work.h"
 #include "../work.h"
 
 #include <cstdio>
@@ -22,7 +23,7 @@ namespace {
 
 constexpr const char* Program = R"(
 import sys
-from math import log10
+from math import log10, radians, tan
 from PIL import Image, ImageChops, ImageStat
 width, height = int(sys.argv[1]), int(sys.argv[2])
 source = sys.stdin.buffer
@@ -31,7 +32,7 @@ palette.putpalette(source.read(768))
 picture = Image.frombytes('RGB', (width, height), source.read(width * height * 3), 'raw', 'BGR')
 def frames():
     made = []
-    for _ in range(int(sys.argv[5])):
+    for _ in range(int(sys.argv[-1])):
         colours = source.read(768)
         made.append(Image.frombytes('P', (int(sys.argv[6]), int(sys.argv[7])), source.read(int(sys.argv[6]) * int(sys.argv[7]))))
         made[-1].putpalette(colours)
@@ -45,6 +46,7 @@ def play(frames, transparent):
 def decibels(made):
     squares = ImageStat.Stat(ImageChops.difference(picture, made.convert('RGB'))).sum2
     return 10 * log10(255 * 255 * 3 * width * height / sum(squares))
+slope = tan(radians(float(sys.argv[-1])))
 octree = lambda: picture.quantize(256, method=Image.Quantize.FASTOCTREE, dither=Image.Dither.NONE)
 passes = {
     b'octree': octree,
@@ -57,6 +59,8 @@ passes = {
     b'eighth': lambda: picture.reduce(8),
     b'play': lambda: play(whole, False),
     b'changes': lambda: play(changes, True),
+    b'shear': lambda: picture.transform((width + int(height * slope), height), Image.Transform.AFFINE,
+                                        (1, slope, -height * slope, 0, 1, 0), Image.Resampling.NEAREST),
 }
 while line := source.readline():
     made = passes[line.strip()]()
@@ -77,6 +81,7 @@ class Python {
         const std::string frames = std::to_string(AnimationFrames);
         const std::string frameWidth = std::to_string(AnimationWidth);
         const std::string frameHeight = std::to_string(AnimationHeight);
+        const std::string degrees = std::to_string(ShearDegrees);
         if (fork() == 0) {
             dup2(toChild[0], 0);
             dup2(fromChild[1], 1);
@@ -84,7 +89,7 @@ class Python {
             close(fromChild[0]);
             execlp("/usr/bin/python3", "python3", "-c", Program, width.c_str(), height.c_str(),
                    reducedWidth.c_str(), reducedHeight.c_str(), frames.c_str(), frameWidth.c_str(),
-                   frameHeight.c_str(), nullptr);
+                   frameHeight.c_str(), degrees.c_str(), nullptr);
             _exit(1);
         }
         close(toChild[0]);
@@ -143,6 +148,7 @@ const Adds adds([] {
     AddPillow(PlayChanges, "Pillow", 2, "changes");
     AddPillow(AreaReduced24, "Pillow box", 1.5, "box");
     AddPillow(AreaEighth24, "Pillow reduce", 0.5, "eighth");
+    AddPillow(ShearRows24, "Pillow", 2, "shear");
     AddPillow(Optimised, "Pillow octree", 1.7, "octree", [] { return Pillow().Pass("octree?"); });
     AddPeer(Optimised,
             {"Pillow median cut, untimed", 0, {}, 1, true, [] { return Pillow().Pass("median"); }});
