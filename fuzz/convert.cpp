@@ -92,6 +92,8 @@ void Convert(Input& input) {
     const Exact before((width * widest + 7) / 8, input);
     const Exact after(before);
     const ReturnCode result = request.Run(after.Get(), signedWidth);
+    Note(result);
+    Note(after.Get(), after.Count);
     if (result == 1) {
         CheckWhole(request, before, after, width);
         // From gray words the alpha of a pixel stays what the buffer held.

@@ -73,6 +73,8 @@ void ReadAll(BitmapHandle& bitmap) {
         FUZZ_EXPECT(Z_GetBitmapRow(&bitmap, row.data(), y, bitmap.BytesPerLine) ==
                     static_cast<ReturnCode>(bitmap.BytesPerLine));
     Z_ReleaseBitmap(&bitmap);
+    NotePixels(bitmap);
+    NoteEach({bitmap.XResolution, bitmap.YResolution});
 }
 
 } // namespace
@@ -91,6 +93,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     BitmapHandle bitmap;
     const ReturnCode result = (mirrors ? Z_MirrorFromDIB : Z_ChangeFromDIB)(&bitmap, handle);
+    Note(result == Z_SUCCESS); // sizes that no word holds are refused in their own way
     if (result == Z_SUCCESS) {
         ReadAll(bitmap);
         HGLOBAL again = Z_ConvertToDIB(&bitmap);

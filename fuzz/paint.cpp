@@ -61,16 +61,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
     constexpr int32_t views[] = {0, 1, 2, 3, 4, 5, 7, 8, 6, -1};
     constexpr int32_t deviceBits[] = {1, 4, 8, 16, 24, 32};
-    const int32_t bits = input.Depth(), width = 1 + input.Below(60), height = 1 + input.Below(60);
-    const int32_t order = bits == 12 ? 2 : input.Below(bits == 16 ? 3 : 2);
-    BitmapHandle bitmap;
-    if (Z_CreateBitmap(&bitmap, input.Flip() ? MemoryConventional : MemoryTiled, width, height, bits, order,
-                       nullptr, views[input.Below(std::size(views))], nullptr, 0) != Z_SUCCESS)
-        return 0;
+    const int32_t type = input.Flip() ? +MemoryConventional : +MemoryTiled;
+    AnyBitmap bitmap(input, {60, 60, type});
+    const int32_t height = bitmap.Height;
     const Exact rows(size_t{bitmap.BytesPerLine} * static_cast<size_t>(height), input);
-    for (int32_t y = 0; y < height; ++y)
-        Z_PutBitmapRow(&bitmap, rows.Get() + static_cast<size_t>(y) * bitmap.BytesPerLine, y,
-                       bitmap.BytesPerLine);
+    bitmap.ViewPerspective = views[input.Below(std::size(views))];
     if (input.Flip()) bitmap.LowBit = input.Near(16), bitmap.HighBit = input.Near(16);
     if (input.Flip()) Z_SetPaintContrast(&bitmap, input.Below(2001) - 1000);
     const uint32_t mode = static_cast<uint32_t>(input.Below(512));
@@ -98,6 +93,5 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     work.Paint(halves.Context, &left);
     work.Paint(halves.Context, &right);
     FUZZ_EXPECT(!ordered || result != Z_SUCCESS || halves.Equals(whole));
-    Z_FreeBitmap(&bitmap);
     return 0;
 }

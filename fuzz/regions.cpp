@@ -9,32 +9,10 @@ using namespace fuzz;
 
 namespace {
 
-struct Bitmap : BitmapHandle {
-    explicit Bitmap(Input& input) : BitmapHandle{} {
-        const int32_t bits = input.Depth(), order = bits == 12 ? 2 : input.Below(bits == 16 ? 3 : 2);
-        constexpr int32_t views[] = {0, 1, 2, 3, 4, 5, 7, 8};
-        FUZZ_EXPECT(Z_CreateBitmap(this, input.Flip() ? MemoryConventional : MemoryTiled, 1 + input.Below(90),
-                                   1 + input.Below(30), bits, order, nullptr, views[input.Byte() % 8],
-                                   nullptr, 0) == 1);
-        const Exact row(BytesPerLine);
-        for (int32_t y = 0; y < Height; ++y) {
-            input.Fill(row.Get(), row.Count);
-            for (size_t i = 0; i < row.Count; ++i)
-                row.Get()[i] &= 0xC3; // colours that meet again
-            Z_PutBitmapRow(this, row.Get(), y, BytesPerLine);
-        }
-        if (input.Byte() < 60) Flags |= Z_FLAG_REGION_UNCLIPPED;
-        LowBit = input.Near(16);
-        HighBit = input.Near(16);
-    }
-    ~Bitmap() { Z_FreeBitmap(this); }
-    Bitmap(const Bitmap&) = delete;
-    Bitmap& operator=(const Bitmap&) = delete;
-};
-
 void CheckForm(const BitmapHandle& bitmap) {
     const auto* const region = static_cast<const RegionHandle*>(bitmap.Region);
     if (region == nullptr) return;
+    NoteEach({region->Left, region->Top, region->Right, region->Bottom, region->SegmentBytes});
     const auto rows = static_cast<size_t>(int64_t{region->Bottom} - region->Top);
     FUZZ_EXPECT(region->RowTableBytes == rows * sizeof(RegionRowEntry));
     FUZZ_EXPECT(rows != 0 ||
@@ -49,6 +27,7 @@ void CheckForm(const BitmapHandle& bitmap) {
         const int32_t* const ends = region->Segments + entry.Offset / 4;
         for (uint32_t i = 1; i < entry.Count; ++i)
             FUZZ_EXPECT(ends[i - 1] < ends[i]);
+        Note(ends, entry.Count * sizeof(int32_t));
         left = std::min(left, ends[0]);
         right = std::max(right, ends[entry.Count - 1]);
     }
@@ -89,15 +68,20 @@ void SetCurve(Input& input, BitmapHandle& bitmap, const RegionXform* xform, uint
                          input.Below(300) / 200.0,
                          static_cast<uint32_t>(input.Near(3)),
                          input.Word()};
-    Z_SetBitmapRgnCurve(&bitmap, xform, &curve, mode);
+    if (!IsExactOnly) Z_SetBitmapRgnCurve(&bitmap, xform, &curve, mode);
     int32_t count = -1;
     POINT bezier[40];
     if (Z_CurveToBezier(&curve, &count, nullptr) == 1) {
         FUZZ_EXPECT(count >= 4 && count <= 28);
-        Z_CurveToBezier(&curve, &count, bezier);
+        if (Note(Z_CurveToBezier(&curve, &count, bezier)) == 1)
+            Note(bezier, static_cast<size_t>(count) * sizeof(POINT));
     }
 }
 
+#ifdef _WIN32
+void SetPlatformRegion(Input&, BitmapHandle&, const RegionXform*, uint32_t) {}
+void AskHandles(Input&, BitmapHandle&, const RegionXform*) {}
+#else
 void SetPlatformRegion(Input& input, BitmapHandle& bitmap, const RegionXform* xform, uint32_t mode) {
     std::vector<RECT> rects(static_cast<size_t>(input.Below(9)));
     for (RECT& rect : rects)
@@ -122,12 +106,18 @@ void AskHandles(Input& input, BitmapHandle& bitmap, const RegionXform* xform) {
         Z_DeleteObject(region);
 }
 
+#endif
+
 void Step(Input& input, BitmapHandle& bitmap) {
     const RegionXform random = Xform(input, bitmap);
     const RegionXform* const xform = input.Byte() < 90 ? &random : nullptr;
     const auto mode = static_cast<uint32_t>(input.Near(7));
     const RECT rect = Rect(input, bitmap);
-    switch (input.Byte() % 14) {
+    const int choice = input.Byte() % 14;
+    if (IsExactOnly && (choice == 12 || (choice >= 1 && choice <= 5 && choice != 4))) return;
+    const uint32_t first = input.Word();
+    const int32_t x = input.Near(90), row = RowOf(input, bitmap);
+    switch (choice) {
     case 0: Z_SetBitmapRgnRect(&bitmap, xform, &rect, mode); break;
     case 1:
         // Ellipses as wide as all columns are the platform's own matter.
@@ -145,11 +135,11 @@ void Step(Input& input, BitmapHandle& bitmap) {
     }
     case 4: SetCurve(input, bitmap, xform, mode); break;
     case 5: SetPlatformRegion(input, bitmap, xform, mode); break;
-    case 6: Z_SetBitmapRgnColor(&bitmap, input.Word(), mode); break;
-    case 7: Z_SetBitmapRgnColorRGBRange(&bitmap, input.Word(), input.Word(), mode); break;
-    case 8: Z_SetBitmapRgnColorHSVRange(&bitmap, input.Word(), input.Word(), mode); break;
-    case 9: Z_SetBitmapRgnMagicWand(&bitmap, input.Near(90), input.Near(30), input.Word(), mode); break;
-    case 10: Z_OffsetBitmapRgn(&bitmap, RowOf(input, bitmap), input.Near(90, -40)); break;
+    case 6: Z_SetBitmapRgnColor(&bitmap, first, mode); break;
+    case 7: Z_SetBitmapRgnColorRGBRange(&bitmap, first, input.Word(), mode); break;
+    case 8: Z_SetBitmapRgnColorHSVRange(&bitmap, first, input.Word(), mode); break;
+    case 9: Z_SetBitmapRgnMagicWand(&bitmap, x, input.Near(30), first, mode); break;
+    case 10: Z_OffsetBitmapRgn(&bitmap, row, input.Near(90, -40)); break;
     case 11: {
         BitmapHandle mask{};
         if (Z_CreateMaskFromBitmapRgn(&bitmap, &mask) == 1)
@@ -176,8 +166,12 @@ void Step(Input& input, BitmapHandle& bitmap) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
-    Bitmap bitmap(input);
+    AnyBitmap bitmap(input, {90, 30, input.Flip() ? +MemoryConventional : +MemoryTiled});
+    if (input.Byte() < 60) bitmap.Flags |= Z_FLAG_REGION_UNCLIPPED;
+    bitmap.LowBit = input.Near(16);
+    bitmap.HighBit = input.Near(16);
     for (int step = 0; step < 12 && !input.IsEmpty() && bitmap.Width < 2000 && bitmap.Height < 2000; ++step)
         Step(input, bitmap);
+    NotePixels(bitmap);
     return 0;
 }

@@ -2,26 +2,12 @@
 // nearest pixels are those that a walk step by step finds.
 #include "input.h"
 
-#include "support/pixel_bits.h"
-
 #include <algorithm>
 #include <vector>
 
 using namespace fuzz;
 
 namespace {
-
-struct Bitmap : BitmapHandle {
-    Bitmap(int32_t type, int32_t width, int32_t height, int32_t bits, int32_t order, int32_t view)
-        : BitmapHandle{} {
-        IsMade =
-            Z_CreateBitmap(this, type, width, height, bits, order, nullptr, view, nullptr, 0) == Z_SUCCESS;
-    }
-    ~Bitmap() { Z_FreeBitmap(this); }
-    Bitmap(const Bitmap&) = delete;
-    Bitmap& operator=(const Bitmap&) = delete;
-    bool IsMade;
-};
 
 using Pixels = std::vector<uint64_t>;
 
@@ -69,21 +55,16 @@ void CheckNearest(const Pixels& source, int32_t width, int32_t height, BitmapHan
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
-    const int32_t bits = input.Depth(), width = 1 + input.Below(300), height = 1 + input.Below(200);
-    constexpr int32_t views[] = {0, 1, 2, 3, 4, 5, 7, 8};
-    const int32_t view = views[input.Byte() % 8], order = bits == 12 ? 2 : input.Below(bits == 16 ? 3 : 2);
     const int32_t angle = input.Flip() ? input.Hostile() : static_cast<int32_t>(input.Word());
     const auto flags = static_cast<uint32_t>(input.Below(8));
-
-    Bitmap user(MemoryUser, width, height, bits, order, view);
-    Exact exact(user.Size);
-    input.Fill(exact.Get(), exact.Count);
-    FUZZ_EXPECT(user.IsMade && Z_SetBitmapDataPointer(&user, exact.Get(), exact.Count) == Z_SUCCESS);
+    AnyBitmap user(input, {300, 200, MemoryUser});
+    const int32_t bits = user.BitsPerPixel, width = user.Width, height = user.Height,
+                  view = user.ViewPerspective;
+    Z_OsFree(user.LevelLUT), user.LevelLUT = nullptr; // which the copy has not
     constexpr int32_t types[] = {MemoryDisk, MemoryTiled, MemoryCompressed | MemoryConventional};
-    Z_SetMemoryThresholds(0, 0, 1000, 1, 1,
-                          Z_THRESHOLD_TILE_SIZE | Z_THRESHOLD_CONVENTIONAL_TILES | Z_THRESHOLD_MAPPED_TILES);
-    Bitmap other(types[input.Byte() % 3], width, height, bits, order, view);
-    FUZZ_EXPECT(other.IsMade && Z_CopyBitmapData(&other, &user) == Z_SUCCESS);
+    BitmapHandle other;
+    FUZZ_EXPECT(Z_CopyBitmap2(&other, &user, types[input.Byte() % 3]) == Z_SUCCESS);
+    other.LowBit = user.LowBit, other.HighBit = user.HighBit;
     const Pixels before = PixelsOf(user);
 
     const auto rotate = [&](BitmapHandle& bitmap) {
@@ -98,5 +79,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         const auto turned = static_cast<int32_t>(mirrors ? 36000 - anticlockwise : anticlockwise);
         CheckNearest(before, width, height, user, turned);
     }
+    Z_FreeBitmap(&other);
+    NotePixels(user);
     return 0;
 }

@@ -8,16 +8,6 @@
 namespace zkr::test {
 namespace {
 
-constexpr ReturnCode Memory = code::OutOfMemory, Seek = code::SeekFailed, Read = code::ReadFailed,
-                     Write = code::WriteFailed, Argument = code::InvalidArgument;
-
-std::function<void(Ground&)> With(int32_t type, int32_t bits, int32_t order, int32_t view) {
-    return [=](Ground& g) {
-        ASSERT_EQ(Z_CreateBitmap(&g.Subject, type, 19, 37, bits, order, nullptr, view, nullptr, 0), 1);
-        Fill(g.Subject, 3);
-    };
-}
-
 // What a thread keeps for good is made before anything fails.
 void RunWarm(const std::vector<Scenario>& scenarios) {
     for (const Scenario& scenario : scenarios) {

@@ -21,14 +21,9 @@
 namespace zkr::test {
 namespace {
 
-constexpr ReturnCode Memory = code::OutOfMemory, DiskSpace = code::OutOfDiskSpace, Seek = code::SeekFailed,
-                     Read = code::ReadFailed, Write = code::WriteFailed;
-
 ReturnCode Found(bool good) {
     return good ? code::Success : Memory;
 }
-
-void Nothing(Ground&) {}
 
 // A gray bitmap of 8 bits with everything that a record can hold.
 void Furnish(BitmapHandle& bitmap, bool blockPalette) {
@@ -146,15 +141,15 @@ TEST(Failures, OfWorkOnOneBitmap) {
         add("rectangle into a file", {Memory, Write},
             [](Ground& g) { return Z_CopyBitmapRect2(nullptr, &g.Subject, -1, 2, 7, 6, MemoryDisk); });
         if (storage.Type == MemoryDisk || storage.Type == MemoryTiled)
-            add("pixel bytes", {Memory}, [](Ground& g) {
+            add("pixel bytes", OfMemory, [](Ground& g) {
                 uint8_t bytes[1] = {};
                 const ReturnCode read = Z_GetPixelData(&g.Subject, bytes, 3, 2, 1);
                 return read == code::Success ? Z_PutPixelData(&g.Subject, bytes, 3, 2, 1) : read;
             });
         add("cut", {Memory, Write}, [](Ground& g) { return Z_TrimBitmap(&g.Subject, 1, 1, 5, 4); });
-        add("fill", {Memory}, [](Ground& g) { return Z_FillBitmap(&g.Subject, 0x010000EE); });
-        add("clear", {Memory}, [](Ground& g) { return Z_ClearBitmap(&g.Subject); });
-        add("duplicate without data", {Memory}, [](Ground& g) {
+        add("fill", OfMemory, [](Ground& g) { return Z_FillBitmap(&g.Subject, 0x010000EE); });
+        add("clear", OfMemory, [](Ground& g) { return Z_ClearBitmap(&g.Subject); });
+        add("duplicate without data", OfMemory, [](Ground& g) {
             const ReturnCode result = Z_DupBitmapNewDim(&g.Made, &g.Subject, 3, 3, 8, Z_DUP_PALETTE);
             Z_FreeDuplicateBitmap(&g.Made, Z_DUP_PALETTE);
             return result;
@@ -164,7 +159,7 @@ TEST(Failures, OfWorkOnOneBitmap) {
             if (result == code::Success) Z_FreeDuplicateBitmap(&g.Made, Z_DUP_DATA);
             return result;
         });
-        add("copied pixels", {Memory}, [](Ground& g) {
+        add("copied pixels", OfMemory, [](Ground& g) {
             BitmapHandle to = {};
             Z_InitBitmap(&to, 7, 6, 8);
             ReturnCode result = Z_AllocateBitmap(&to, MemoryConventional);
@@ -207,7 +202,7 @@ TEST(Failures, OfRuns) {
     std::vector<Scenario> scenarios;
     const auto add = [&](const char* name, auto call, Kept kept = Kept::Everything) {
         scenarios.push_back(
-            {name, {Memory}, runs(MemoryCompressed, 1), call, kept, [](Ground& g, ReturnCode) {
+            {name, OfMemory, runs(MemoryCompressed, 1), call, kept, [](Ground& g, ReturnCode) {
                  if (HasFlag(g.Subject, flag::Compressed)) ExpectConsistent(g.Subject);
              }});
     };
@@ -249,13 +244,12 @@ TEST(Failures, OfRuns) {
         const auto plain = [&](const char* name, std::vector<ReturnCode> failures, auto call) {
             scenarios.push_back({name, failures, runs(type, 4), call});
         };
-        plain("into runs", {Memory, Seek, Read},
-              [](Ground& g) { return Z_ToggleBitmapCompression(&g.Subject); });
-        plain("list from a plain bitmap", {Memory, Seek, Read},
+        plain("into runs", OfReading, [](Ground& g) { return Z_ToggleBitmapCompression(&g.Subject); });
+        plain("list from a plain bitmap", OfReading,
               [=](Ground& g) { return Z_GetBitmapRowCompressed(&g.Subject, nullptr, list(g), 3, 1); });
         plain("list into a plain bitmap", {Memory, Seek, Write},
               [=](Ground& g) { return Z_PutBitmapRowCompressed(&g.Subject, nullptr, list(g), 3, 1); });
-        plain("part of a list into a plain bitmap", {Memory, Seek, Read, Write}, [=](Ground& g) {
+        plain("part of a list into a plain bitmap", OfFiles, [=](Ground& g) {
             return Z_PutBitmapRowColCompressed(&g.Subject, nullptr, list(g), 3, 0, 65536);
         });
     }
@@ -274,7 +268,7 @@ TEST(Failures, OfLists) {
         ASSERT_EQ(Z_CopyBitmap(&g.Made, &g.Subject), 1);
     };
     std::vector<Scenario> scenarios = {
-        {"new list", {Memory}, Nothing, [](Ground& g) { return Z_CreateBitmapList(&g.List); }}};
+        {"new list", OfMemory, Nothing, [](Ground& g) { return Z_CreateBitmapList(&g.List); }}};
     // What the list of three items has after success; it keeps three when the call fails.
     const auto add = [&](const char* name, uint32_t items, auto call) {
         const auto check = [=](Ground& g, ReturnCode result) {
@@ -288,7 +282,7 @@ TEST(Failures, OfLists) {
                 EXPECT_EQ(Rows(item), Rows(g.Subject));
             }
         };
-        scenarios.push_back({name, {Memory}, list, call, Kept::Everything, check});
+        scenarios.push_back({name, OfMemory, list, call, Kept::Everything, check});
     };
     add("insert", 4, [](Ground& g) {
         const ReturnCode result = Z_InsertBitmapListItem(g.List, 1, &g.Made);
@@ -332,13 +326,13 @@ TEST(Failures, OfPalettes) {
             };
             scenarios.push_back({std::string(name) + (block ? ", block" : ""), failures, prepare, call});
         };
-        fresh("given", {Memory}, [](Ground& g) { return Z_CreateBitmapPalette(&g.Subject, colours, 2); });
-        fresh("gray", {Memory}, [](Ground& g) { return Z_CreateBitmapGrayPalette(&g.Subject); });
-        fresh("fixed", {Memory}, [](Ground& g) { return Z_CreateBitmapFixedPalette(&g.Subject); });
+        fresh("given", OfMemory, [](Ground& g) { return Z_CreateBitmapPalette(&g.Subject, colours, 2); });
+        fresh("gray", OfMemory, [](Ground& g) { return Z_CreateBitmapGrayPalette(&g.Subject); });
+        fresh("fixed", OfMemory, [](Ground& g) { return Z_CreateBitmapFixedPalette(&g.Subject); });
         fresh("copied", {0}, [](Ground& g) { return Z_CopyBitmapPalette(&g.Subject, &g.Made); });
-        add("duplicate", {Memory},
+        add("duplicate", OfMemory,
             [](Ground& g) { return Found((g.NewPalette = Z_DupBitmapPalette(&g.Subject)) != nullptr); });
-        add("other form", {Memory}, [=](Ground& g) { return Z_SetPaletteType(&g.Subject, block ? 0 : 1); });
+        add("other form", OfMemory, [=](Ground& g) { return Z_SetPaletteType(&g.Subject, block ? 0 : 1); });
         add(
             "set", {}, [](Ground& g) { return Z_SetBitmapPalette(&g.Subject, g.Palette); }, Kept::Nothing);
         add(
@@ -355,16 +349,16 @@ TEST(Failures, OfPalettes) {
     const auto makes = [&](const char* name, auto call) {
         const auto prepare = [](Ground& g) { g.Palette = Z_CreateFixedPalette(4); };
         scenarios.push_back(
-            {name, {Memory}, prepare, [=](Ground& g) { return Found((g.NewPalette = call(g)) != nullptr); }});
+            {name, OfMemory, prepare, [=](Ground& g) { return Found((g.NewPalette = call(g)) != nullptr); }});
     };
     makes("from colours", [](Ground&) { return Z_CreatePalette(colours, 256); });
     makes("gray ramp", [](Ground&) { return Z_CreateGrayPalette(0); });
     makes("fixed palette", [](Ground&) { return Z_CreateFixedPalette(8); });
     makes("duplicate of an object", [](Ground& g) { return Z_DupPalette(g.Palette); });
-    scenarios.push_back({"match table", {Memory}, Nothing, [](Ground& g) {
+    scenarios.push_back({"match table", OfMemory, Nothing, [](Ground& g) {
                              return Found((g.Buffer = Z_CreateUserMatchTable(colours, 256)) != nullptr);
                          }});
-    scenarios.push_back({"gray window", {Memory}, In(Plain), [](Ground& g) {
+    scenarios.push_back({"gray window", OfMemory, In(Plain), [](Ground& g) {
                              const ReturnCode result = Z_CopyGrayParams(&g.Made, &g.Subject);
                              EXPECT_EQ(g.Made.LevelLUTLength, result == code::Success ? 10u : 0u);
                              Z_FreeGrayParams(&g.Made); // nobody else does so for a record without storage
@@ -390,7 +384,7 @@ TEST(Failures, OfDithering) {
                 EXPECT_EQ(Z_DitherLine(&g.Subject, g.Row.data(), indices), 1);
                 return Z_StopDithering(&g.Subject);
             };
-            scenarios.push_back({"method " + std::to_string(method), {Memory}, prepare, call});
+            scenarios.push_back({"method " + std::to_string(method), OfMemory, prepare, call});
         }
     }
     RunAll(scenarios);
@@ -419,15 +413,10 @@ TEST(Failures, OfColourResolution) {
     const std::vector<ReturnCode> failures = {Memory, Write, Seek, Read};
     RunAll(
         {{"to another", failures, disk, [=](Ground& g) { return resolve(g.Subject, &g.Made, 4, diffused); }},
-         {"to a stream",
-          {Memory, Seek, Read},
-          disk,
-          [=](Ground& g) { return resolve(g.Subject, nullptr, 8, 0x400); }},
+         {"to a stream", OfReading, disk, [=](Ground& g) { return resolve(g.Subject, nullptr, 8, 0x400); }},
          {"converted", failures, disk, [=](Ground& g) { return resolve(g.Subject, &g.Made, 48, 0); }},
          {"in place", failures, disk, [=](Ground& g) { return resolve(g.Subject, &g.Subject, 8, diffused); }},
-         {"palette of a list",
-          {Memory},
-          listed,
+         {"palette of a list", OfMemory, listed,
           [](Ground& g) {
               RGBQUAD palette[16];
               uint32_t count = 16, *table = nullptr;
@@ -437,9 +426,8 @@ TEST(Failures, OfColourResolution) {
               g.Buffer = table;
               return result;
           }},
-         {"list", {Memory}, listed, [](Ground& g) {
-              return Z_ColorResBitmapList(g.List, 4, diffused, nullptr, nullptr, 0);
-          }}});
+         {"list", OfMemory, listed,
+          [](Ground& g) { return Z_ColorResBitmapList(g.List, 4, diffused, nullptr, nullptr, 0); }}});
 }
 
 TEST(Failures, OfBlocks) {
@@ -457,11 +445,11 @@ TEST(Failures, OfBlocks) {
         const auto check = [=](Ground& g, ReturnCode) {
             EXPECT_EQ(0, std::memcmp(g.*place, "\0\0\0\0\0\0\0", 8));
         };
-        scenarios.push_back({name, {Memory}, prepare, call, Kept::Nothing, check});
+        scenarios.push_back({name, OfMemory, prepare, call, Kept::Nothing, check});
     };
     const auto makes = [&](const char* name, void* Ground::*place, auto make) {
         const auto call = [=](Ground& g) { return Found((g.*place = make()) != nullptr); };
-        scenarios.push_back({name, {Memory}, Nothing, call});
+        scenarios.push_back({name, OfMemory, Nothing, call});
     };
     makes("Z_Malloc", &Ground::Buffer, [] { return Z_Malloc(9); });
     makes("Z_Calloc", &Ground::Buffer, [] { return Z_Calloc(9, 9); });
@@ -559,7 +547,7 @@ TEST(Failures, OfThreads) {
 
 #ifndef _WIN32
 TEST(Failures, OfTheDisplay) {
-    RunAll({{"surface and its palette", {Memory}, Nothing, [](Ground& g) {
+    RunAll({{"surface and its palette", OfMemory, Nothing, [](Ground& g) {
                  uint8_t pixels[4] = {};
                  const SurfaceDescription description = {
                      sizeof description, 4, 1, 8, 4, 1, pixels, nullptr, 0, 20};

@@ -63,6 +63,24 @@ struct Scenario {
     uint32_t Kinds = fault::All;
 };
 
+constexpr ReturnCode Memory = code::OutOfMemory, DiskSpace = code::OutOfDiskSpace, Seek = code::SeekFailed,
+                     Read = code::ReadFailed, Write = code::WriteFailed, Argument = code::InvalidArgument;
+inline const std::vector<ReturnCode> OfMemory = {Memory}, OfReading = {Memory, Seek, Read},
+                                     OfFiles = {Memory, Seek, Read, Write};
+
+inline void Nothing(Ground&) {}
+
+// Random pixels of a form.
+inline void Make(BitmapHandle& bitmap, int32_t type, int32_t bits, int32_t order, int32_t view, int32_t width,
+                 int32_t height) {
+    ASSERT_EQ(Z_CreateBitmap(&bitmap, type, width, height, bits, order, nullptr, view, nullptr, 0), 1);
+    Fill(bitmap, 3);
+}
+inline std::function<void(Ground&)> With(int32_t type, int32_t bits, int32_t order = Z_ORDER_BGR,
+                                         int32_t view = 0, int32_t width = 19, int32_t height = 37) {
+    return [=](Ground& g) { Make(g.Subject, type, bits, order, view, width, height); };
+}
+
 // The subject as the caller sees it. The row cache may change.
 class Picture {
   public:

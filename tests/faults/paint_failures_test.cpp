@@ -10,13 +10,11 @@
 namespace zkr::test {
 namespace {
 
-constexpr ReturnCode Memory = code::OutOfMemory, Seek = code::SeekFailed, Read = code::ReadFailed;
 constexpr uint32_t Copy = 0x00CC0020;
 
-std::function<void(Ground&)> With(int32_t type, int32_t bits, int32_t view) {
+std::function<void(Ground&)> Painted(int32_t type, int32_t bits, int32_t view) {
     return [=](Ground& g) {
-        ASSERT_EQ(Z_CreateBitmap(&g.Subject, type, 32, 40, bits, 1, nullptr, view, nullptr, 0), 1);
-        Fill(g.Subject, 3);
+        Make(g.Subject, type, bits, 1, view, 32, 40);
         Z_SetPaintContrast(&g.Subject, 100);
     };
 }
@@ -36,24 +34,23 @@ TEST(PaintFailures, LeaveTheBitmapAndLeakNothing) {
     };
     const RECT same = {0, 0, 32, 40}, turned = {0, 0, 40, 32}, other = {0, 0, 19, 60},
                quarter = {0, 0, 8, 10};
-    const auto add = [&](const char* name, std::vector<ReturnCode> failures, auto prepare, auto call) {
+    const auto add = [&](const char* name, const std::vector<ReturnCode>& failures, auto prepare, auto call) {
         scenarios.push_back({name, failures, prepare, call});
     };
-    const std::vector<ReturnCode> files = {Memory, Seek, Read};
-    add("disk", files, With(MemoryDisk, 24, 0), paint(deep.context, 8, same));
-    add("disk, turned and scaled", files, With(MemoryDisk, 12, 5), paint(deep.context, 8, other));
-    add("turned", {Memory}, With(MemoryConventional, 16, 4), paint(deep.context, 8, turned));
-    add("in levels of gray", {Memory}, With(MemoryConventional, 1, 0), paint(deep.context, 0x10, other));
-    add("in squares", files, With(MemoryDisk, 1, 0), paint(deep.context, 0x10, quarter));
+    add("disk", OfReading, Painted(MemoryDisk, 24, 0), paint(deep.context, 8, same));
+    add("disk, turned and scaled", OfReading, Painted(MemoryDisk, 12, 5), paint(deep.context, 8, other));
+    add("turned", OfMemory, Painted(MemoryConventional, 16, 4), paint(deep.context, 8, turned));
+    add("in levels of gray", OfMemory, Painted(MemoryConventional, 1, 0), paint(deep.context, 0x10, other));
+    add("in squares", OfReading, Painted(MemoryDisk, 1, 0), paint(deep.context, 0x10, quarter));
     if (shallowBits == 8) {
-        add("compared", {Memory}, With(MemoryConventional, 32, 2), paint(shallow.context, 9, same));
-        add("diffused", {Memory}, With(MemoryConventional, 24, 2), paint(shallow.context, 8, same));
-        add("diffused from disk", files, With(MemoryDisk, 48, 0), paint(shallow.context, 0x108, same));
+        add("compared", OfMemory, Painted(MemoryConventional, 32, 2), paint(shallow.context, 9, same));
+        add("diffused", OfMemory, Painted(MemoryConventional, 24, 2), paint(shallow.context, 8, same));
+        add("diffused from disk", OfReading, Painted(MemoryDisk, 48, 0), paint(shallow.context, 0x108, same));
     }
     add(
-        "in a region", {Memory},
+        "in a region", OfMemory,
         [](Ground& g) {
-            With(MemoryConventional, 24, 2)(g);
+            Painted(MemoryConventional, 24, 2)(g);
             const RECT part = {3, 3, 20, 20};
             ASSERT_EQ(Z_SetBitmapRgnRect(&g.Subject, nullptr, &part, Z_RGN_SET), 1);
         },
@@ -63,7 +60,7 @@ TEST(PaintFailures, LeaveTheBitmapAndLeakNothing) {
     std::vector<uint16_t> runs(40 * 36);
     const std::vector<uint8_t> bits(40 * 4, 0x5A);
     Z_CompressRows(runs.data(), bits.data(), 32, 40);
-    add("compressed rows", {Memory}, With(MemoryConventional, 1, 0), [&](Ground& g) {
+    add("compressed rows", OfMemory, Painted(MemoryConventional, 1, 0), [&](Ground& g) {
         return Z_PaintDCBuffer(deep.context, &g.Subject, nullptr, nullptr, &same, nullptr, Copy, runs.data(),
                                0, -40);
     });
@@ -72,12 +69,12 @@ TEST(PaintFailures, LeaveTheBitmapAndLeakNothing) {
 
 TEST(PaintFailures, OfATableThatIsToBeMade) {
     const auto bare = [](Ground& g) {
-        With(MemoryConventional, 8, 0)(g);
+        Painted(MemoryConventional, 8, 0)(g);
         Z_OsFree(g.Subject.PaintLUT);
         g.Subject.PaintLUT = nullptr;
     };
-    RunAll({{"contrast", {Memory}, bare, [](Ground& g) { return Z_SetPaintContrast(&g.Subject, 300); }},
-            {"intensity", {Memory}, bare, [](Ground& g) { return Z_SetPaintIntensity(&g.Subject, 300); }}});
+    RunAll({{"contrast", OfMemory, bare, [](Ground& g) { return Z_SetPaintContrast(&g.Subject, 300); }},
+            {"intensity", OfMemory, bare, [](Ground& g) { return Z_SetPaintIntensity(&g.Subject, 300); }}});
 }
 
 } // namespace

@@ -13,18 +13,14 @@
 namespace zkr::test {
 namespace {
 
-constexpr ReturnCode Memory = code::OutOfMemory, Seek = code::SeekFailed, Read = code::ReadFailed,
-                     Write = code::WriteFailed;
-
 PixelSet Present() {
     Seeded seeded(71);
     return PixelSet::Random(seeded, {0, 0, 30, 8});
 }
 
-std::function<void(Ground&)> With(int32_t type, int32_t bits) {
+std::function<void(Ground&)> Selected(int32_t type, int32_t bits) {
     return [=](Ground& g) {
-        ASSERT_EQ(Z_CreateBitmap(&g.Subject, type, 30, 8, bits, Z_ORDER_BGR, nullptr, 1, nullptr, 0), 1);
-        Fill(g.Subject, 3);
+        Make(g.Subject, type, bits, Z_ORDER_BGR, 1, 30, 8);
         g.Subject.Region = RegionFrom(Present());
     };
 }
@@ -52,7 +48,7 @@ TEST(RegionFailures, OfShapes) {
     Scenarios scenarios;
     // A platform region that cannot be read is a bad one, whatever the cause.
     const auto add = [&](const char* name, std::function<ReturnCode(Ground&)> call) {
-        scenarios.Add(name, {Memory, code::InvalidArgument}, With(MemoryConventional, 8), call);
+        scenarios.Add(name, {Memory, code::InvalidArgument}, Selected(MemoryConventional, 8), call);
     };
     static constexpr RegionXform xform = {4, 3, 2, 1, 2, 1, 1};
     static constexpr RECT rectangle = {3, 2, 25, 7};
@@ -109,7 +105,7 @@ TEST(RegionFailures, OfShapes) {
 // A failure of the handle for hosts is 0 or, where the copy fails, a lack of memory.
 TEST(RegionFailures, OfPlatformRegions) {
     Scenarios scenarios;
-    scenarios.Add("handle", {Memory, 0}, With(MemoryConventional, 8), [](Ground& g) {
+    scenarios.Add("handle", {Memory, 0}, Selected(MemoryConventional, 8), [](Ground& g) {
         HRGN made = nullptr;
         const ReturnCode result = Z_GetBitmapRgnHandle(&g.Subject, nullptr, &made);
         EXPECT_EQ(made != nullptr, result == code::Success);
@@ -123,19 +119,19 @@ TEST(RegionFailures, OfPixels) {
     for (const int32_t type : {int32_t{MemoryConventional}, int32_t{MemoryDisk}}) {
         const auto add = [&](const char* name, int32_t bits, std::vector<ReturnCode> failures,
                              std::function<ReturnCode(Ground&)> call) {
-            scenarios.Add(name, failures, With(type, bits), call);
+            scenarios.Add(name, failures, Selected(type, bits), call);
         };
-        add("colour", 8, {Memory, Seek, Read},
+        add("colour", 8, OfReading,
             [](Ground& g) { return Z_SetBitmapRgnColor(&g.Subject, 0x0100003A, Z_RGN_OR); });
-        add("hues", 48, {Memory, Seek, Read},
+        add("hues", 48, OfReading,
             [](Ground& g) { return Z_SetBitmapRgnColorHSVRange(&g.Subject, 0, 0xC0FFC0, Z_RGN_SET); });
-        add("wand over words", 16, {Memory, Seek, Read},
+        add("wand over words", 16, OfReading,
             [](Ground& g) { return Z_SetBitmapRgnMagicWand(&g.Subject, 5, 5, 160, Z_RGN_SET); });
-        add("wand", 24, {Memory, Seek, Read},
+        add("wand", 24, OfReading,
             [](Ground& g) { return Z_SetBitmapRgnMagicWand(&g.Subject, 5, 5, 200, Z_RGN_XOR); });
-        add("mask of another depth", 24, {Memory, Seek, Read, Write},
+        add("mask of another depth", 24, OfFiles,
             [](Ground& g) { return Z_SetBitmapRgnFromMask(&g.Subject, nullptr, &g.Subject, Z_RGN_SET); });
-        add("mask made", 8, {Memory, Seek, Read, Write}, [](Ground& g) {
+        add("mask made", 8, OfFiles, [](Ground& g) {
             BitmapHandle mask{};
             const ReturnCode result = Z_CreateMaskFromBitmapRgn(&g.Subject, &mask);
             EXPECT_EQ(IsAllocated(&mask), result == code::Success);
@@ -143,7 +139,7 @@ TEST(RegionFailures, OfPixels) {
             Z_FreeBitmap(&mask);
             return result;
         });
-        add("copy of a bitmap", 24, {Memory, Seek, Read, Write}, [](Ground& g) {
+        add("copy of a bitmap", 24, OfFiles, [](Ground& g) {
             BitmapHandle copy{};
             const ReturnCode result = Z_CopyBitmap(&copy, &g.Subject);
             Z_FreeBitmap(&copy);

@@ -7,14 +7,10 @@
 namespace zkr::test {
 namespace {
 
-constexpr ReturnCode Memory = code::OutOfMemory, Seek = code::SeekFailed, Read = code::ReadFailed,
-                     Write = code::WriteFailed;
-
-std::function<void(Ground&)> With(int32_t type, int32_t bits) {
+std::function<void(Ground&)> Sized(int32_t type, int32_t bits) {
     return [=](Ground& g) {
-        ASSERT_EQ(Z_CreateBitmap(&g.Subject, type, 19, 23, bits, 1, nullptr, 0, nullptr, 0), 1);
-        Fill(g.Subject, 3);
-        ASSERT_EQ(Z_CreateBitmap(&g.Made, MemoryConventional, 40, 30, 24, 1, nullptr, 5, nullptr, 0), 1);
+        Make(g.Subject, type, bits, 1, 0, 19, 23);
+        Make(g.Made, MemoryConventional, 24, 1, 5, 40, 30);
     };
 }
 
@@ -36,43 +32,42 @@ ReturnCode Stream(Ground& g, int32_t bits, uint32_t flags) {
 }
 
 TEST(ResizeFailures, OfStreamsAndWholeBitmaps) {
-    std::vector<Scenario> scenarios;
-    const auto add = [&](const std::string& what, std::vector<ReturnCode> failures, auto prepare, auto call,
-                         Kept kept = Kept::Everything) {
-        scenarios.push_back({what, failures, prepare, call, kept});
+    const auto feed = [](Ground&) {
+        ResizeLineState* state = nullptr;
+        const ReturnCode result = Z_StartResize(5, 6, 7, 8, &state);
+        Z_StopResize(state);
+        return result;
     };
-    scenarios.push_back({"fed rows",
-                         {Memory},
-                         [](Ground&) {},
-                         [](Ground&) {
-                             ResizeLineState* state = nullptr;
-                             const ReturnCode result = Z_StartResize(5, 6, 7, 8, &state);
-                             Z_StopResize(state);
-                             return result;
-                         }});
+    std::vector<Scenario> scenarios = {{"fed rows", OfMemory, Nothing, feed}};
+    const auto add = [&](const std::string& name, auto failures, auto prepare, auto call,
+                         Kept kept = Kept::Everything) {
+        scenarios.push_back({name, failures, prepare, call, kept});
+    };
     for (const uint32_t flags : {0u, uint32_t{RESIZE_LINEAR}, uint32_t{RESIZE_SPLINE}}) {
         const std::string name = "stream " + std::to_string(flags);
-        add(name, {Memory}, With(MemoryConventional, 24), [=](Ground& g) { return Stream(g, 24, flags); });
-        add(
-            name + " of a file, dithered", {Memory, Read}, With(MemoryDisk, 8),
-            [=](Ground& g) { return Stream(g, 4, flags); }, Kept::Rows);
-        add(name + " of gray levels, dithered", {Memory}, With(MemoryConventional, 0),
-            [=](Ground& g) { return Stream(g, 2, flags | 1 << RESIZE_DITHER_SHIFT); });
+        const auto stream = [=](int32_t bits, uint32_t more = 0) {
+            return [=](Ground& g) { return Stream(g, bits, flags | more); };
+        };
+        add(name, OfMemory, Sized(MemoryConventional, 24), stream(24));
+        add(name + " of a file, dithered", std::vector{Memory, Read}, Sized(MemoryDisk, 8), stream(4),
+            Kept::Rows);
+        add(name + " of gray levels, dithered", OfMemory, Sized(MemoryConventional, 0),
+            stream(2, 1 << RESIZE_DITHER_SHIFT));
     }
     for (const uint32_t flags :
          {0u, uint32_t{SIZE_LINEAR}, uint32_t{SIZE_CUBIC}, uint32_t{SIZE_KEEP_BLACK}}) {
         const std::string name = "size " + std::to_string(flags);
-        const auto grow = [=](Ground& g) {
-            return g.Subject.Width == 50 ? code::Success : Z_SizeBitmap(&g.Subject, 50, 60, flags);
+        const auto size = [=](int32_t width, int32_t height) {
+            return [=](Ground& g) {
+                return g.Subject.Width == width ? code::Success
+                                                : Z_SizeBitmap(&g.Subject, width, height, flags);
+            };
         };
-        const auto shrink = [=](Ground& g) {
-            return g.Subject.Width == 5 ? code::Success : Z_SizeBitmap(&g.Subject, 5, 6, flags);
-        };
-        add(name + " in memory", {Memory}, With(MemoryConventional, 24), grow);
-        add(name + " of indices", {Memory}, With(MemoryConventional, 4), shrink);
-        add(name + " of runs", {Memory}, With(MemoryCompressed, 1), shrink);
-        add(name + " in a file", {Memory, Seek, Read, Write}, With(MemoryDisk, 1), grow);
-        add(name + " across views", {Memory}, With(MemoryConventional, 24),
+        add(name + " in memory", OfMemory, Sized(MemoryConventional, 24), size(50, 60));
+        add(name + " of indices", OfMemory, Sized(MemoryConventional, 4), size(5, 6));
+        add(name + " of runs", OfMemory, Sized(MemoryCompressed, 1), size(5, 6));
+        add(name + " in a file", OfFiles, Sized(MemoryDisk, 1), size(50, 60));
+        add(name + " across views", OfMemory, Sized(MemoryConventional, 24),
             [=](Ground& g) { return Z_ResizeBitmapExt(&g.Subject, &g.Made, flags); });
     }
     RunAll(scenarios);

@@ -9,38 +9,12 @@
 namespace zkr::test {
 namespace {
 
-constexpr ReturnCode Memory = code::OutOfMemory, Seek = code::SeekFailed, Read = code::ReadFailed,
-                     Write = code::WriteFailed;
-
-std::function<void(Ground&)> With(int32_t type, int32_t bits) {
-    return [=](Ground& g) {
-        ASSERT_EQ(Z_CreateBitmap(&g.Subject, type, 19, 37, bits, 1, nullptr, 0, nullptr, 0), 1);
-        Fill(g.Subject, 3);
-    };
-}
-
-// Rows that a file takes back only half are lost; of runs and strips, Size may change with no row doing so.
-TEST(TurnFailures, InPlace) {
-    std::vector<Scenario> scenarios;
-    const auto add = [&](const char* name, int32_t type, int32_t bits, std::vector<ReturnCode> failures,
-                         Kept kept) {
-        const auto each = [&](const char* what, auto call) {
-            scenarios.push_back({std::string(name) + what, failures, With(type, bits), call, kept});
-        };
-        each(": flip", [](Ground& g) { return Z_FlipBitmap(&g.Subject); });
-        each(": reverse", [](Ground& g) { return Z_ReverseBitmap(&g.Subject); });
-        each(": half turn", [](Ground& g) { return Z_RotateBitmap(&g.Subject, 18000, 0, 0); });
-    };
-    add("disk", MemoryDisk, 24, {Memory, Seek, Read, Write}, Kept::Nothing);
-    RunAll(scenarios);
-}
+constexpr int32_t InMemory = MemoryConventional, OnDisk = MemoryDisk, InRuns = MemoryCompressed;
 
 TEST(TurnFailures, OfWholeBitmaps) {
-    std::vector<Scenario> scenarios;
-    const auto add = [&](const std::string& what, std::vector<ReturnCode> failures, auto prepare, auto call,
-                         Kept kept = Kept::Everything) {
-        scenarios.push_back({what, failures, prepare, call, kept});
-    };
+    const auto flip = [](Ground& g) { return Z_FlipBitmap(&g.Subject); };
+    const auto reverse = [](Ground& g) { return Z_ReverseBitmap(&g.Subject); };
+    const auto half = [](Ground& g) { return Z_RotateBitmap(&g.Subject, 18000, 0, 0); };
     const auto turn = [](Ground& g) { return Z_RotateBitmap90(&g.Subject, 1, 0, 100); };
     const auto rotate = [](Ground& g) { return Z_RotateBitmap(&g.Subject, 3000, ROTATE_CUBIC, 0); };
     const auto change = [](Ground& g) { return Z_ChangeBitmapViewPerspective(nullptr, &g.Subject, 5); };
@@ -55,25 +29,29 @@ TEST(TurnFailures, OfWholeBitmaps) {
         return Z_CombineBitmapWarp(&g.Subject, &points, &g.Subject, 0, 0, 19, 37,
                                    WARP_REQUIRED | WARP_BILINEAR);
     };
-    const std::vector<ReturnCode> files = {Memory, Seek, Read, Write};
-    add("memory: turn", {Memory}, With(MemoryConventional, 24), turn);
-    add("memory: rotation", {Memory}, With(MemoryConventional, 16), rotate);
-    add("memory: view", {Memory}, With(MemoryConventional, 5), change);
-    add("memory: copy in a view", {Memory}, With(MemoryConventional, 8), copy);
-    add("disk: turn", files, With(MemoryDisk, 24), turn);
-    add("disk: rotation", files, With(MemoryDisk, 12), rotate);
-    add("disk: copy in a view", files, With(MemoryDisk, 8), copy);
-    add("runs: turn", {Memory}, With(MemoryCompressed, 1), turn);
-    add("runs: rotation", {Memory}, With(MemoryCompressed, 1), rotate, Kept::Rows);
-    add("memory: shear", {Memory}, With(MemoryConventional, 5), slideColumns);
-    add("disk: shear of rows", files, With(MemoryDisk, 24), slideRows);
-    add("disk: shear of columns", files, With(MemoryDisk, 12), slideColumns);
-    add("runs: shear of rows", {Memory}, With(MemoryCompressed, 1), slideRows);
-    add("runs: shear of columns", {Memory}, With(MemoryCompressed, 1), slideColumns);
-    add("memory: warp", {Memory}, With(MemoryConventional, 24), warp);
-    add("disk: warp", files, With(MemoryDisk, 24), warp, Kept::Nothing);
-    add("runs: warp", {Memory}, With(MemoryCompressed, 1), warp, Kept::Nothing);
-    RunAll(scenarios);
+    // In place, rows that a file takes back only half are lost; of runs, Size may change with no row doing so.
+    RunAll({
+        {"disk: flip", OfFiles, With(OnDisk, 24), flip, Kept::Nothing},
+        {"disk: reverse", OfFiles, With(OnDisk, 24), reverse, Kept::Nothing},
+        {"disk: half turn", OfFiles, With(OnDisk, 24), half, Kept::Nothing},
+        {"memory: turn", OfMemory, With(InMemory, 24), turn},
+        {"memory: rotation", OfMemory, With(InMemory, 16), rotate},
+        {"memory: view", OfMemory, With(InMemory, 5), change},
+        {"memory: copy in a view", OfMemory, With(InMemory, 8), copy},
+        {"disk: turn", OfFiles, With(OnDisk, 24), turn},
+        {"disk: rotation", OfFiles, With(OnDisk, 12), rotate},
+        {"disk: copy in a view", OfFiles, With(OnDisk, 8), copy},
+        {"runs: turn", OfMemory, With(InRuns, 1), turn},
+        {"runs: rotation", OfMemory, With(InRuns, 1), rotate, Kept::Rows},
+        {"memory: shear", OfMemory, With(InMemory, 5), slideColumns},
+        {"disk: shear of rows", OfFiles, With(OnDisk, 24), slideRows},
+        {"disk: shear of columns", OfFiles, With(OnDisk, 12), slideColumns},
+        {"runs: shear of rows", OfMemory, With(InRuns, 1), slideRows},
+        {"runs: shear of columns", OfMemory, With(InRuns, 1), slideColumns},
+        {"memory: warp", OfMemory, With(InMemory, 24), warp},
+        {"disk: warp", OfFiles, With(OnDisk, 24), warp, Kept::Nothing},
+        {"runs: warp", OfMemory, With(InRuns, 1), warp, Kept::Nothing},
+    });
 }
 
 // A heap of runs that cannot grow: rows that are mirrored already are mirrored back.
