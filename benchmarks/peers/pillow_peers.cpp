@@ -32,7 +32,7 @@ palette.putpalette(source.read(768))
 picture = Image.frombytes('RGB', (width, height), source.read(width * height * 3), 'raw', 'BGR')
 def frames():
     made = []
-    for _ in range(int(sys.argv[-1])):
+    for _ in range(int(sys.argv[5])):
         colours = source.read(768)
         made.append(Image.frombytes('P', (int(sys.argv[6]), int(sys.argv[7])), source.read(int(sys.argv[6]) * int(sys.argv[7]))))
         made[-1].putpalette(colours)
@@ -46,7 +46,7 @@ def play(frames, transparent):
 def decibels(made):
     squares = ImageStat.Stat(ImageChops.difference(picture, made.convert('RGB'))).sum2
     return 10 * log10(255 * 255 * 3 * width * height / sum(squares))
-slope = tan(radians(float(sys.argv[-1])))
+slope = tan(radians(float(sys.argv[8])))
 octree = lambda: picture.quantize(256, method=Image.Quantize.FASTOCTREE, dither=Image.Dither.NONE)
 passes = {
     b'octree': octree,
