@@ -69,7 +69,7 @@ int32_t DeviceClassOf(HDC context) {
 
 BitmapHandle WithLevelTableActive(const BitmapHandle& bitmap) {
     BitmapHandle active = bitmap;
-    if (bitmap.LevelLUT == nullptr || HasFlag(bitmap, flag::LevelLUTActive)) return active;
+    if (HasFlag(bitmap, flag::LevelLUTActive)) return active;
     active.LowBit = bitmap.LevelLowBit;
     active.HighBit = bitmap.LevelHighBit;
     active.Flags |= flag::LevelLUTActive;

@@ -28,8 +28,8 @@ PaintMethod ClassifyPainting(const BitmapHandle& bitmap, int32_t deviceClass, ui
 // Gray by its order, with levels that are all gray where there is a level table.
 bool IsGrayForPainting(const BitmapHandle& bitmap);
 
-// The record as painting and that test read it: with its level table in use, whatever its flag says, through the
-// window that goes with it.
+// The record as painting and that test read it: with its level table, where it has one, in use whatever its flag says. Without
+// the flag it is the window of levels that is shown.
 BitmapHandle WithLevelTableActive(const BitmapHandle& bitmap);
 
 // The palette that dithering for a device class takes, which is what the device gets with the rows: 2, 16 or 256

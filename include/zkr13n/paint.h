@@ -69,7 +69,9 @@ Z_API uint32_t Z_CALL Z_GetPaintGamma(const BitmapHandle* bitmap);
  * rasterOperation  in: how pixels meet those of the device, 0x00CC0020 to replace them
  *
  * At another scale the bitmap as a whole is scaled by repeating and dropping rows and columns, and a part of that is shown;
- * bitmaps of 1 bit that are shown in levels of gray get the share of white in the area that a pixel covers. Thresholds
+ * bitmaps of 1 bit that are shown in levels of gray get the share of white in the area that a pixel covers. Of gray of 12 and
+ * 16 bits the values from LowBit to HighBit are shown with Z_FLAG_LEVEL_LUT_ACTIVE, else those from LevelLowBit to
+ * LevelHighBit, through the level table wherever there is one. Thresholds
  * of dithering count from the first stored pixel, so that a part that is painted again has the same dots; errors are
  * diffused along the stored rows from the first one painted on. While the document capability is locked, views but
  * VIEW_BOTTOM_LEFT are painted as VIEW_TOP_LEFT.

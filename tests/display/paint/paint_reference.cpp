@@ -44,8 +44,7 @@ Colour Through(const Picture& p, const Colour& c) {
 
 Colour GrayPixel(const BitmapHandle& b, uint32_t value) {
     const bool active = (b.Flags & Z_FLAG_LEVEL_LUT_ACTIVE) != 0, table = b.LevelLUT != nullptr;
-    const int low = table && !active ? b.LevelLowBit : b.LowBit;
-    const int high = table && !active ? b.LevelHighBit : b.HighBit;
+    const int low = active ? b.LowBit : b.LevelLowBit, high = active ? b.HighBit : b.LevelHighBit;
     uint32_t mask;
     int shift, bits;
     Z_GetGrayParams(b.BitsPerPixel, table ? b.BitsPerPixel : 8, low, high, &bits, &mask, &shift);

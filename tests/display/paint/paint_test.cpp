@@ -95,9 +95,10 @@ class Subject {
     void MakeLevels(Seeded& seeded) {
         bitmap.LowBit = seeded.Below(5);
         bitmap.HighBit = seeded.Between(bitmap.LowBit, bitmap.BitsPerPixel - 1);
-        if (seeded.Below(2) == 0) return;
         bitmap.LevelLowBit = seeded.Below(3);
         bitmap.LevelHighBit = seeded.Between(6, bitmap.BitsPerPixel - 1);
+        if (seeded.Below(2) == 0) bitmap.Flags |= Z_FLAG_LEVEL_LUT_ACTIVE;
+        if (seeded.Below(2) == 0) return;
         constexpr int sizes[] = {3, 64, 5000, 65536};
         const int entries = Pick(seeded, sizes);
         bitmap.LevelLUT = static_cast<RGBQUAD*>(Z_OsAllocInit(static_cast<size_t>(entries) * 4, 1));
@@ -107,7 +108,6 @@ class Subject {
             const uint8_t level = seeded.Byte();
             bitmap.LevelLUT[i] = {level, gray ? level : seeded.Byte(), level, 0};
         }
-        if (seeded.Below(2) == 0) bitmap.Flags |= Z_FLAG_LEVEL_LUT_ACTIVE;
     }
 
     void* lost_ = nullptr;
