@@ -3,6 +3,7 @@
 
 #include "convert.h"
 #include "failure.h"
+#include "picture_surface.h"
 
 #include "zkr13n/dib.h"
 #include "zkr13n/display_modes.h"
@@ -16,33 +17,6 @@
 namespace zkr::app {
 
 namespace {
-
-class Surface {
-  public:
-    explicit Surface(Bitmap& shown) {
-        const BitmapHandle& bitmap = *shown.Handle();
-        const Palette& palette = shown.Format().palette;
-        const SurfaceDescription description = {.StructSize = sizeof description,
-                                                .Width = bitmap.Width,
-                                                .Height = bitmap.Height,
-                                                .BitsPerPixel = bitmap.BitsPerPixel,
-                                                .Pitch = static_cast<int32_t>(bitmap.BytesPerLine),
-                                                .TopDown = 1,
-                                                .Bits = bitmap.Addr,
-                                                .Colors = shown.Format().PaletteOrNull(),
-                                                .ColorCount = static_cast<int32_t>(palette.size()),
-                                                .StaticColors = 0};
-        Check(Z_CreateSurface(&description, &context_), shown.Name());
-    }
-    ~Surface() { Z_DeleteSurface(context_); }
-    Surface(const Surface&) = delete;
-    Surface& operator=(const Surface&) = delete;
-
-    HDC Context() const { return context_; }
-
-  private:
-    HDC context_ = nullptr;
-};
 
 class DisplayMode {
   public:
@@ -84,7 +58,7 @@ Palette PaletteFor(Bitmap& source, const PaintedDevice& device) {
     Palette colours = FixedPalette(device.bits);
     if (device.bits < 8) return colours;
     Bitmap small = NewPicture(source, {.bits = 8, .width = 1, .height = 1}, colours);
-    const Surface surface(small);
+    const PictureSurface surface(small);
     HPALETTE palette = Z_CreatePaintPalette(surface.Context(), source.Handle());
     if (palette == nullptr) return colours;
     std::fill(colours.begin(), colours.end(), RGBQUAD{});
@@ -106,7 +80,7 @@ Bitmap PaintedOn(Bitmap& source, const PaintedDevice& device) {
 
     Bitmap shown = NewPicture(source, device, PaletteFor(source, device));
     {
-        const Surface surface(shown);
+        const PictureSurface surface(shown);
         const RECT whole = {0, 0, shown.Width(), shown.Height()};
         Check(Z_PaintDC(surface.Context(), bitmap, nullptr, nullptr, &whole, nullptr, copy), source.Name());
     }

@@ -4,13 +4,13 @@
 #include "failure.h"
 #include "options.h"
 #include "picture_reader.h"
+#include "picture_surface.h"
 
 #include "zkr13n/fill.h"
 #include "zkr13n/region_colours.h"
 #include "zkr13n/region_paint.h"
 #include "zkr13n/region_shapes.h"
 #include "zkr13n/rows.h"
-#include "zkr13n/surface.h"
 
 #include <sstream>
 #include <utility>
@@ -76,33 +76,6 @@ void SelectMask(Bitmap& picture, const std::string& path, uint32_t mode) {
         throw Failure(path, "the mask is of " + SizeOf(mask) + ", the picture of " + SizeOf(picture));
     Check(Z_SetBitmapRgnFromMask(picture.Handle(), nullptr, mask.Handle(), mode), path);
 }
-
-// A device context on the picture's pixels for a scope.
-class PictureSurface {
-  public:
-    explicit PictureSurface(Bitmap& picture) {
-        const BitmapHandle& bitmap = *picture.Handle();
-        const SurfaceDescription description = {.StructSize = sizeof description,
-                                                .Width = bitmap.Width,
-                                                .Height = bitmap.Height,
-                                                .BitsPerPixel = bitmap.BitsPerPixel,
-                                                .Pitch = static_cast<int32_t>(bitmap.BytesPerLine),
-                                                .TopDown = 1,
-                                                .Bits = bitmap.Addr,
-                                                .Colors = nullptr,
-                                                .ColorCount = 0,
-                                                .StaticColors = 0};
-        Check(Z_CreateSurface(&description, &context_), picture.Name());
-    }
-    ~PictureSurface() { Z_DeleteSurface(context_); }
-    PictureSurface(const PictureSurface&) = delete;
-    PictureSurface& operator=(const PictureSurface&) = delete;
-
-    HDC Context() const { return context_; }
-
-  private:
-    HDC context_ = nullptr;
-};
 
 } // namespace
 
