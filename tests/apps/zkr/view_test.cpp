@@ -131,64 +131,71 @@ class DisplayDump {
     std::string content_;
 };
 
-// A display, the viewer in a window that fills it, and how pictures of it are taken.
-constexpr const char* Display = R"(
-Xvfb -displayfd 3 -fbdir . -screen 0 100x122x24 3>display 2>/dev/null & server=$!
+// Arguments: zkr, how long it may take to paint, the size of the window, the names of pictures. The window fills the display, of which `look` takes a picture;
+// `drag` takes two points and a button, the left one by default, with the keys in $held pressed.
+constexpr const char* Prologue = R"(
+zkr=$1 pause=$2 width=$3 height=$4; shift 4
+Xvfb -displayfd 3 -fbdir . -screen 0 ${width}x${height}x24 3>display 2>/dev/null & server=$!
 trap 'kill $server' EXIT
 for i in {1..100}; do [ -s display ] && break; sleep 0.1; done
 export DISPLAY=:$(cat display)
-look() { sleep 0.7; cp Xvfb_screen0 "$1.xwd"; }
-show() {
-  timeout 60 $zkr view "$@" --width 100 --height 122 & viewer=$!
-  window=$(timeout 30 xdotool search --sync --onlyvisible --name "$1" | head -n 1)
-  xdotool windowfocus "$window" mousemove --window "$window" 20 50
+look() { sleep $pause; cp Xvfb_screen0 "$1.xwd"; }
+drag() {
+  for key in $held; do xdotool keydown $key; done
+  xdotool mousemove --window "$window" $1 $2 mousedown ${5:-1} \
+    mousemove --window "$window" $((($1 + $3) / 2)) $((($2 + $4) / 2)) \
+    mousemove --window "$window" $3 $4 mouseup ${5:-1}
+  for key in $held; do xdotool keyup $key; done
 }
+timeout 60 "$zkr" view "$@" --width $width --height $height & viewer=$!
+window=$(timeout 30 xdotool search --sync --onlyvisible --name "$1" | head -n 1)
+xdotool windowfocus "$window" mousemove --window "$window" 20 50
 )";
-
-// Pictures after each thing that is done.
-constexpr const char* Drive = R"(
-show red.png halves.png
-look first
-xdotool key Next; look next
-xdotool type m; look mirrored
-xdotool click 4 click 4 click 4 click 4; look larger
-xdotool mousemove --window "$window" 80 50 mousedown 1 mousemove --window "$window" 40 50 \
-  mousemove --window "$window" 20 50 mouseup 1; look moved
-xdotool type f; xdotool keydown Shift mousemove --window "$window" 20 50 click 1 keyup Shift; look selected
+constexpr const char* Epilogue = R"(
 xdotool type q
 wait $viewer
 )";
 
-// How often the display changes at the slowest speed, in a pause, and at the highest; then pictures of single frames.
-constexpr const char* DriveAnimation = R"(
-changes() { sleep 0.3; for i in {1..50}; do cksum <Xvfb_screen0; sleep 0.01; done | uniq | wc -l >"$1"; }
-show walk.gif
-xdotool type '<<<<'; changes slow
-xdotool key space; changes paused
-xdotool key space; xdotool type '>>>>>>>>'; changes fast
-for i in 0 1 2 3; do xdotool key period; look step$i; done
-xdotool type q
-wait $viewer
-)";
+#ifdef __SANITIZE_ADDRESS__
+constexpr const char* Pause = " 2 "; // seconds
+#else
+constexpr const char* Pause = " 0.7 ";
+#endif
+constexpr int LineHeight = 22; // of the line below the picture
 
+// Runs zkr view on a display of its own.
 class WindowTest : public ViewTest {
   protected:
     void SetUp() override {
-#ifdef __SANITIZE_ADDRESS__
-        GTEST_SKIP() << "the libraries of windows leak at their end";
-#endif
+        ViewTest::SetUp();
         if (std::system("command -v Xvfb >/dev/null && command -v xdotool >/dev/null") != 0)
             GTEST_SKIP() << "needs Xvfb and xdotool";
         if (RunZkr({"view", Path("missing.png")}).errors.find("SDL2") != std::string::npos)
             GTEST_SKIP() << "zkr was built without windows";
     }
-
-    void Do(const std::string& drive) const {
-        WriteText("drive.sh", "zkr=" ZKR_PROGRAM + std::string(Display) + drive);
-        const std::string command = "cd " + Path("") + " && bash drive.sh >told 2>&1";
+    void Drive(int width, int height, const std::string& pictures, const std::string& steps) {
+        WriteText("drive.sh", Prologue + steps + Epilogue);
+        // The libraries of windows leak at their end.
+        const std::string command = "cd " + Path("") + " && ASAN_OPTIONS=detect_leaks=0 bash drive.sh " +
+                                    ZKR_PROGRAM + Pause + std::to_string(width) + " " +
+                                    std::to_string(height + LineHeight) + " " + pictures + " >told 2>&1";
         ASSERT_EQ(std::system(command.c_str()), 0) << ReadText("told");
     }
+    DisplayDump Look(const std::string& name) const { return DisplayDump(ReadText(name + ".xwd")); }
 };
+
+constexpr uint32_t WhiteShown = 0xFFFFFF, BlackShown = 0;
+
+// How many pixels of a rectangle are black, and how many white.
+std::pair<int, int> Stripes(const DisplayDump& dump, size_t left, size_t top, size_t right, size_t bottom) {
+    int black = 0, white = 0;
+    for (size_t y = top; y < bottom; ++y)
+        for (size_t x = left; x < right; ++x) {
+            black += dump.At(x, y) == BlackShown ? 1 : 0;
+            white += dump.At(x, y) == WhiteShown ? 1 : 0;
+        }
+    return {black, white};
+}
 
 } // namespace
 
@@ -198,7 +205,14 @@ TEST_F(WindowTest, TakesKeysAndMouse) {
     WritePng(Path("halves.png"), PictureOf(100, 100, 8, PNG_COLOR_TYPE_RGB, [](size_t i) {
                  return i % 3 == (i / 3 % 100 < 50 ? 1 : 2) ? 255u : 0u;
              }));
-    Do(Drive);
+    ASSERT_NO_FATAL_FAILURE(Drive(100, 100, "red.png halves.png", R"(
+look first
+xdotool key Next; look next
+xdotool type m; look mirrored
+xdotool click 4 click 4 click 4 click 4; look larger
+drag 80 50 20 50; look moved
+xdotool type f; xdotool keydown Shift mousemove --window "$window" 20 50 click 1 keyup Shift; look selected
+)"));
     constexpr uint32_t red = 0xFF0000, green = 0x00FF00, blue = 0x0000FF;
     const struct {
         const char* name;
@@ -209,32 +223,75 @@ TEST_F(WindowTest, TakesKeysAndMouse) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        const DisplayDump dump(ReadText(std::string(c.name) + ".xwd"));
-        EXPECT_EQ(dump.At(10, 50), c.left);
-        EXPECT_EQ(dump.At(90, 50), c.right);
+        EXPECT_EQ(Look(c.name).At(10, 50), c.left);
+        EXPECT_EQ(Look(c.name).At(90, 50), c.right);
     }
-    // The stripes of the outline, black and white, along the border between the halves.
-    const DisplayDump selected(ReadText("selected.xwd"));
-    int black = 0, white = 0;
-    for (size_t y = 0; y < 100; ++y)
-        for (size_t x = 46; x < 54; ++x) {
-            black += selected.At(x, y) == 0 ? 1 : 0;
-            white += selected.At(x, y) == 0xFFFFFF ? 1 : 0;
-        }
+    // The stripes of the outline along the border between the halves.
+    const auto [black, white] = Stripes(Look("selected"), 46, 0, 54, 100);
     EXPECT_GT(black, 30);
     EXPECT_GT(white, 30);
 }
 
+TEST_F(WindowTest, DragsSlidersValuesAndSelections) {
+    constexpr uint32_t level = 128;
+    WritePng(Path("gray.png"), PictureOf(400, 200, 8, PNG_COLOR_TYPE_GRAY, [](size_t) { return level; }));
+    WritePng(Path("deep.png"), PictureOf(400, 200, 16, PNG_COLOR_TYPE_GRAY,
+                                         [](size_t i) { return i % 400 < 200 ? 16000u : 49000u; }));
+    ASSERT_NO_FATAL_FAILURE(Drive(400, 200, "gray.png deep.png", R"(
+look plain
+xdotool type s; drag 202 117 300 117; look brightest
+drag 291 117 100 117; look darkest
+xdotool type 0s; drag 200 80 200 30 3; look brighter
+xdotool type 0; held=Shift drag 50 50 100 100; look one
+held='Shift Control_L' drag 250 50 300 100; look both
+held='Shift Alt_L' drag 40 40 120 120; look other
+held=Shift drag 50 50 100 100; look again
+xdotool key Next; look deep
+drag 50 100 306 100 3; look narrow
+)"));
+    const struct {
+        const char* name;
+        uint32_t level;
+    } cases[] = {{"plain", level}, {"brightest", 255}, {"darkest", 0}, {"brighter", level + 51}}; // 255 * 0.2
+    for (const auto& c : cases)
+        EXPECT_EQ(Look(c.name).At(10, 10), c.level * 0x010101) << c.name;
+    const struct {
+        const char* name;
+        bool left, right; // what is selected
+    } selections[] = {
+        {"one", true, false}, {"both", true, true}, {"other", false, true}, {"again", true, false}};
+    for (const auto& c : selections) {
+        SCOPED_TRACE(c.name);
+        for (const auto& [isThere, from] : {std::pair(c.left, size_t{40}), std::pair(c.right, size_t{240})}) {
+            const auto [black, white] = Stripes(Look(c.name), from, 40, from + 80, 120);
+            EXPECT_EQ(black > 30, isThere);
+            EXPECT_EQ(white > 30, isThere);
+        }
+    }
+    EXPECT_EQ(Look("deep").At(10, 10), 16000u / 256 * 0x010101);
+    EXPECT_EQ(Look("deep").At(390, 10), 49000u / 256 * 0x010101);
+    // The window of half the width, 16384 to 49152.
+    EXPECT_EQ(Look("narrow").At(10, 10), BlackShown);
+    EXPECT_NEAR(Look("narrow").At(390, 10) & 255, 255 * (49000 - 16384) / 32768, 1);
+}
+
+// How often the display changes at the slowest speed, in a pause, and at the highest; then pictures of single frames.
 TEST_F(WindowTest, PlaysPausesAndSteps) {
     WriteGif(Path("walk.gif"), 100, 100);
-    Do(DriveAnimation);
+    ASSERT_NO_FATAL_FAILURE(Drive(100, 100, "walk.gif", R"(
+changes() { sleep 0.3; for i in {1..50}; do cksum <Xvfb_screen0; sleep 0.01; done | uniq | wc -l >"$1"; }
+xdotool type '<<<<'; changes slow
+xdotool key space; changes paused
+xdotool key space; xdotool type '>>>>>>>>'; changes fast
+for i in 0 1 2 3; do xdotool key period; look step$i; done
+)"));
     const auto changes = [&](const char* name) { return std::stoi(ReadText(name)); };
     EXPECT_EQ(changes("paused"), 1);
     EXPECT_LE(changes("slow"), 5);
     EXPECT_GT(changes("fast"), 10);
     int frames[4];
     for (int i = 0; i < 4; ++i) {
-        const DisplayDump dump(ReadText("step" + std::to_string(i) + ".xwd"));
+        const DisplayDump dump = Look("step" + std::to_string(i));
         frames[i] = dump.At(98, 98) == 0x0000FF ? 2 : dump.At(51, 50) == 0x00FF00 ? 1 : 0;
         EXPECT_EQ(frames[i], (frames[0] + i) % 3) << i;
     }
