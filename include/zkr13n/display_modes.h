@@ -11,7 +11,7 @@ Z_BEGIN_DECLS
 /* Bits of the display mode. A thread begins with DISPLAY_INDEXED and DISPLAY_DITHERED. */
 enum {
     DISPLAY_ORDERED = 0x1,        /* dithered rows compare with thresholds; clear: they diffuse errors */
-    DISPLAY_INDEXED = 0x4,        /* pictures of up to 8 bits go to the device as indices into its palette */
+    DISPLAY_INDEXED = 0x4,        /* up to 8 bits, dithered too, indices go to the device: see below */
     DISPLAY_DITHERED = 0x8,       /* pictures may be dithered for devices of up to 8 bits */
     DISPLAY_SCALE_TO_GRAY = 0x10, /* gray pictures of 1 bit are shown in levels of gray */
     DISPLAY_CLUSTERED = 0x20,     /* thresholds of clustered dots; clear: of dispersed dots */
@@ -20,6 +20,13 @@ enum {
     DISPLAY_DITHER_8 = 0x80, /* devices of 8 bits get dithered pictures too */
     DISPLAY_CUBE = 0x100 /* dithering for 8 bits takes the cube of 216 colours; clear: the fixed palette */
 };
+
+/*
+ * With DISPLAY_INDEXED an index means the entry of the palette that is selected into the device context, on devices of every
+ * depth. That has to be the one of Z_CreatePaintPalette (dib.h) for the bitmap, whose colours are then those that would be
+ * shown without the mode; a context into which nothing was selected has the platform's 20 colours, of which the first ones are
+ * dark. Who selects no palettes takes the mode back: Z_SetDisplayMode(DISPLAY_INDEXED, 0).
+ */
 
 /*
  * Changes the calling thread's display mode.

@@ -5,6 +5,7 @@
 
 #include "zkr13n/allocation.h"
 #include "zkr13n/compressed_rows.h"
+#include "zkr13n/dib.h"
 #include "zkr13n/display_modes.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/locks.h"
@@ -415,6 +416,27 @@ TEST_F(PaintCases, IndicesMeanTheSelectedPalette) {
     }
     platform::SelectPalette(canvas_.context, standing, 0);
     platform::DeleteObject(palette);
+}
+
+TEST_F(PaintCases, IndicesIntoThePaintPaletteShowWhatColoursShow) {
+    Make(20, 16, 24);
+    const RECT to = {0, 0, 20, 16};
+    for (const int bits : {1, 4, 8}) {
+        SCOPED_TRACE(bits);
+        Canvas canvas(20, 16, bits, 3);
+        const auto painted = [&](uint32_t mode) {
+            Z_SetDisplayMode(0xFFFFFFFF, mode);
+            EXPECT_EQ(Z_PaintDC(canvas.context, &bitmap_, nullptr, nullptr, &to, nullptr, Copy), 1);
+            return canvas.Pixels();
+        };
+        const std::vector<uint32_t> shown = painted(DISPLAY_DITHERED);
+        const HPALETTE palette = Z_CreatePaintPalette(canvas.context, &bitmap_);
+        const HPALETTE standing = platform::SelectPalette(canvas.context, palette, 0);
+        platform::RealizePalette(canvas.context);
+        EXPECT_EQ(painted(DISPLAY_DITHERED | DISPLAY_INDEXED), shown);
+        platform::SelectPalette(canvas.context, standing, 0);
+        platform::DeleteObject(palette);
+    }
 }
 
 TEST_F(PaintCases, RegionsAreClips) {
