@@ -1,6 +1,6 @@
 #include "colour/convert/reference_convert.h"
 
-#include "colour/palettes/reference_palettes.h"
+#include "colour/pixels/pixel_model.h"
 #include "support/pixel_bits.h"
 
 #include <cstring>
@@ -22,10 +22,6 @@ bool IsDepth(int bits) {
 bool IsColourOrder(int order) {
     return order == 0 || order == 1;
 }
-uint64_t Ones(int bits) {
-    return (uint64_t{1} << bits) - 1;
-}
-
 // ---- the gray window
 
 struct Window {
@@ -166,30 +162,6 @@ uint64_t ScaleGray(uint64_t gray, int bits) {
     return bits < 8 ? gray >> (8 - bits) : ((gray << bits) - gray) / 255;
 }
 
-// ---- colours in and out of pixels of 16 bits (5 a channel), 24 and 32 (8), 48 and 64 (16)
-
-int ChannelBits(int depth) {
-    return depth == 16 ? 5 : depth <= 32 ? 8 : 16;
-}
-bool HasAlpha(int depth) {
-    return depth == 16 || depth == 32 || depth == 64;
-}
-
-uint64_t Pack(int depth, int order, Colour c, uint64_t alpha) {
-    const int n = ChannelBits(depth);
-    const uint64_t low = order == 0 ? c.red : c.blue;
-    const uint64_t high = order == 0 ? c.blue : c.red;
-    const uint64_t colour = low | (uint64_t{c.green} << n) | (high << 2 * n);
-    return HasAlpha(depth) ? colour | (alpha << 3 * n) : colour;
-}
-
-Colour Unpack(int depth, int order, uint64_t pixel) {
-    const int n = ChannelBits(depth);
-    const auto channel = [&](int i) { return static_cast<unsigned>((pixel >> (i * n)) & Ones(n)); };
-    return order == 0 ? Colour{channel(0), channel(1), channel(2)}
-                      : Colour{channel(2), channel(1), channel(0)};
-}
-
 uint64_t AlphaOf(int from, int to, uint64_t alpha) {
     if (from == to) return alpha;
     if (from == 16) return alpha == 0 ? 0 : to == 32 ? 0xFF : 0xFFFF;
@@ -199,19 +171,6 @@ uint64_t AlphaOf(int from, int to, uint64_t alpha) {
     return 0;
 }
 
-Colour ForEach(Colour c, unsigned (*change)(unsigned)) {
-    return {change(c.red), change(c.green), change(c.blue)};
-}
-Colour GrayColour(uint64_t value) {
-    const auto v = static_cast<unsigned>(value);
-    return {v, v, v};
-}
-unsigned WidenFive(unsigned c) {
-    return (c << 3) | (c >> 2);
-}
-unsigned HighByte(unsigned c) {
-    return c >> 8;
-}
 unsigned ByteToWord(unsigned c) {
     return c * 257;
 }

@@ -2,7 +2,7 @@
 // carried from pixel to pixel. Shares nothing with the library.
 #pragma once
 
-#include "colour/palettes/reference_palettes.h"
+#include "colour/pixels/pixel_model.h"
 
 #include "support/pixel_bits.h"
 
@@ -77,7 +77,8 @@ class ReferenceDither {
     enum Kind { Matched, Fixed1 = 2, Fixed2, Fixed3, Fixed4, Fixed5, Fixed6, Fixed7, Fixed8, Cube };
 
   public:
-    explicit ReferenceDither(const DitherRequest& request) : request_(request), table_(request.MatchTable) {
+    explicit ReferenceDither(const DitherRequest& request)
+        : request_(request), record_(RecordOf(request_)), model_(record_), table_(request.MatchTable) {
         const int bits = BitsFor(request.Colors);
         const std::vector<RGBQUAD> fixed = ReferenceFixedPalette(bits);
         const std::vector<RGBQUAD>& palette = request.Palette.empty() ? fixed : request.Palette;
@@ -147,32 +148,8 @@ class ReferenceDither {
     }
 
     Triple Read(const uint8_t* row, int x) const {
-        const BitmapHandle& b = request_.Bitmap;
-        const uint64_t pixel = ReadPixel(row, b.BitsPerPixel, x);
-        const auto part = [pixel](int shift, uint64_t mask) {
-            return static_cast<int>(pixel >> shift & mask);
-        };
-        const auto triple = [](const RGBQUAD& q) { return Triple{q.rgbRed, q.rgbGreen, q.rgbBlue}; };
-        if (b.BitsPerPixel <= 8) return triple(request_.SourcePalette[static_cast<size_t>(pixel)]);
-        if (b.BitsPerPixel == 12 || (b.BitsPerPixel == 16 && b.Order == Z_ORDER_GRAY)) {
-            const bool lookup = !request_.Levels.empty() && (b.Flags & Z_FLAG_LEVEL_LUT_ACTIVE);
-            const int high = b.HighBit < 0 ? b.BitsPerPixel - 1 : b.HighBit;
-            const int bits = std::min(high - std::max(b.LowBit, 0) + 1, lookup ? b.BitsPerPixel : 8);
-            const int mask = (1 << bits) - 1, value = part(high - bits + 1, static_cast<uint64_t>(mask));
-            if (!lookup) return Triple(3, value * 255 / mask);
-            return static_cast<size_t>(value) < request_.Levels.size()
-                       ? triple(request_.Levels[static_cast<size_t>(value)])
-                       : Triple(3);
-        }
-        Triple channels; // from the lowest
-        for (int i = 0; i < 3; ++i) {
-            if (b.BitsPerPixel == 16)
-                channels.push_back(part(5 * i, 31) * 8 + part(5 * i, 31) / 4);
-            else
-                channels.push_back(b.BitsPerPixel >= 48 ? part(16 * i + 8, 255) : part(8 * i, 255));
-        }
-        if (b.Order == Z_ORDER_BGR) std::swap(channels[0], channels[2]);
-        return channels;
+        const Colour c = model_.Shown(ReadPixel(row, model_.Bits(), x));
+        return {static_cast<int>(c.red), static_cast<int>(c.green), static_cast<int>(c.blue)};
     }
 
     unsigned MatchedIndex(const Triple& c) {
@@ -218,7 +195,19 @@ class ReferenceDither {
         return IndexOf(moved);
     }
 
+    static BitmapHandle RecordOf(DitherRequest& request) {
+        BitmapHandle record = request.Bitmap;
+        record.Palette = request.SourcePalette.data();
+        record.ColorsUsed = static_cast<uint32_t>(request.SourcePalette.size());
+        record.Flags |= Z_FLAG_PALETTE_IS_BLOCK;
+        record.LevelLUT = request.Levels.data();
+        record.LevelLUTLength = static_cast<uint32_t>(request.Levels.size());
+        return record;
+    }
+
     DitherRequest request_;
+    BitmapHandle record_;
+    PixelModel model_;
     int kind_;
     std::vector<RGBQUAD> target_ = std::vector<RGBQUAD>(256);
     std::vector<RGBQUAD> match_;

@@ -1,14 +1,48 @@
-// What a stored pixel means, plainly: the one model that the tests of single pixels, of gray, of counts and of
-// histograms share. The palette is taken from the bitmap as it is when the model is made.
+// What a stored pixel means, plainly: the one model that the tests of single pixels, rows, dithering, gray, counts and
+// painting share. The palette is taken from the bitmap as it is when the model is made.
 #pragma once
 
 #include "colour/palettes/reference_palettes.h"
-#include "core/flags.h"
-#include "core/predicates.h"
 
 #include <algorithm>
 
 namespace zkr::test {
+
+// Colours in pixels of 16 bits (5 a channel), 24 and 32 (8), 48 and 64 (16); the lowest is red in order 0.
+inline uint64_t Ones(int bits) {
+    return (uint64_t{1} << bits) - 1;
+}
+inline int ChannelBits(int depth) {
+    return depth == 16 ? 5 : depth <= 32 ? 8 : 16;
+}
+inline bool HasAlpha(int depth) {
+    return depth == 16 || depth == 32 || depth == 64;
+}
+inline uint64_t Pack(int depth, int order, Colour c, uint64_t alpha) {
+    const int n = ChannelBits(depth);
+    const uint64_t low = order == 0 ? c.red : c.blue, high = order == 0 ? c.blue : c.red;
+    const uint64_t colour = low | (uint64_t{c.green} << n) | (high << 2 * n);
+    return HasAlpha(depth) ? colour | (alpha << 3 * n) : colour;
+}
+inline Colour Unpack(int depth, int order, uint64_t pixel) {
+    const int n = ChannelBits(depth);
+    const auto channel = [&](int i) { return static_cast<unsigned>((pixel >> (i * n)) & Ones(n)); };
+    return order == 0 ? Colour{channel(0), channel(1), channel(2)}
+                      : Colour{channel(2), channel(1), channel(0)};
+}
+inline Colour ForEach(Colour c, unsigned (*change)(unsigned)) {
+    return {change(c.red), change(c.green), change(c.blue)};
+}
+inline unsigned WidenFive(unsigned c) {
+    return (c << 3) | (c >> 2);
+}
+inline unsigned HighByte(unsigned c) {
+    return c >> 8;
+}
+inline Colour GrayColour(uint64_t value) {
+    const auto v = static_cast<unsigned>(value);
+    return {v, v, v};
+}
 
 struct PixelModel {
     explicit PixelModel(const BitmapHandle& bitmap) : Record(bitmap) {
@@ -17,7 +51,9 @@ struct PixelModel {
 
     int Bits() const { return Record.BitsPerPixel; }
     bool IsGray() const { return Bits() == 12 || (Bits() == 16 && Record.Order == Z_ORDER_GRAY); }
-    bool HasLevels() const { return HasFlag(Record, flag::LevelLUTActive) && Record.LevelLUTLength > 0; }
+    bool HasLevels() const {
+        return (Record.Flags & Z_FLAG_LEVEL_LUT_ACTIVE) != 0 && Record.LevelLUTLength > 0;
+    }
     int Low() const { return std::max(Record.LowBit, 0); }
     int High() const { return Record.HighBit < 0 ? Bits() - 1 : Record.HighBit; }
 
@@ -38,18 +74,19 @@ struct PixelModel {
             const uint64_t value = GrayValue(pixel).Value;
             return value < Record.LevelLUTLength ? ColourOf(Record.LevelLUT[value]) : Colour{};
         }
-        const int step = Bits() == 16 ? 5 : Bits() <= 32 ? 8 : 16;
-        unsigned c[3]; // from the low end
-        for (int i = 0; i < 3; ++i) {
-            c[i] = static_cast<unsigned>(pixel >> (i * step) & ((1u << step) - 1));
-            if (step == 5) c[i] = c[i] << 3 | c[i] >> 2;
-        }
-        return Record.Order == Z_ORDER_BGR ? Colour{c[2], c[1], c[0]} : Colour{c[0], c[1], c[2]};
+        const Colour c = Unpack(Bits(), Record.Order == Z_ORDER_BGR, pixel);
+        return Bits() == 16 ? ForEach(c, WidenFive) : c;
     }
     // With 8 bits a channel at every depth.
     Colour Colour8(uint64_t pixel) const {
         const Colour c = Channels(pixel);
-        return Bits() < 48 ? c : Colour{c.red >> 8, c.green >> 8, c.blue >> 8};
+        return Bits() < 48 ? c : ForEach(c, HighByte);
+    }
+    // As it is shown: gray without a table by its upper 8 bits, stretched where there are fewer.
+    Colour Shown(uint64_t pixel) const {
+        if (!IsGray() || HasLevels()) return Colour8(pixel);
+        const auto [value, largest] = GrayValue(pixel, 8);
+        return GrayColour(value * 255 / largest);
     }
 
     const BitmapHandle& Record;

@@ -1,88 +1,55 @@
 #include "display/paint/paint_reference.h"
 
+#include "colour/dither/reference_dither.h"
 #include "support/pixel_bits.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/palettes.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
+#include <cstring>
 
 namespace zkr::test {
 namespace {
-
-constexpr int Dispersed[8][8] = {
-    {0, 128, 32, 160, 8, 136, 40, 168},   {192, 64, 224, 96, 200, 72, 232, 104},
-    {48, 176, 16, 144, 56, 184, 24, 152}, {236, 112, 208, 80, 244, 120, 216, 88},
-    {12, 140, 44, 172, 4, 132, 36, 164},  {204, 76, 232, 108, 196, 68, 228, 100},
-    {60, 188, 28, 156, 52, 180, 20, 148}, {248, 124, 220, 92, 240, 116, 212, 84}};
-constexpr int Clustered[8][8] = {
-    {112, 40, 72, 104, 144, 176, 208, 136}, {88, 8, 16, 48, 192, 232, 240, 168},
-    {56, 24, 0, 80, 160, 224, 248, 200},    {96, 64, 32, 120, 128, 216, 184, 152},
-    {148, 180, 212, 140, 116, 44, 76, 108}, {196, 236, 244, 172, 92, 12, 20, 52},
-    {164, 228, 252, 204, 60, 28, 4, 84},    {132, 220, 188, 156, 100, 68, 36, 124}};
 
 bool IsTurned(int view) {
     return view == 4 || view == 5 || view == 7 || view == 8;
 }
 
-int GrayOf(const Colour& c) {
-    return (2 * c.Red + 5 * c.Green + c.Blue + 4) >> 3;
-}
-
-Colour ColourOf(const RGBQUAD& entry) {
-    return {entry.rgbRed, entry.rgbGreen, entry.rgbBlue};
-}
-
-int Through(const Picture& p, int level) {
+unsigned Through(const Picture& p, unsigned level) {
     const bool active = (p.Record.Flags & Z_FLAG_PAINT_LUT_ACTIVE) != 0;
     return active ? p.Record.PaintLUT[level] : level;
 }
 Colour Through(const Picture& p, const Colour& c) {
-    return {Through(p, c.Red), Through(p, c.Green), Through(p, c.Blue)};
+    return {Through(p, c.red), Through(p, c.green), Through(p, c.blue)};
 }
 
-Colour GrayPixel(const BitmapHandle& b, uint32_t value) {
-    const bool active = (b.Flags & Z_FLAG_LEVEL_LUT_ACTIVE) != 0, table = b.LevelLUT != nullptr;
-    const int low = active ? b.LowBit : b.LevelLowBit, high = active ? b.HighBit : b.LevelHighBit;
-    uint32_t mask;
-    int shift, bits;
-    Z_GetGrayParams(b.BitsPerPixel, table ? b.BitsPerPixel : 8, low, high, &bits, &mask, &shift);
-    const uint32_t level = value >> shift & mask;
-    if (table) return level < b.LevelLUTLength ? ColourOf(b.LevelLUT[level]) : Colour::Gray(0);
-    return Colour::Gray(static_cast<int>(mask < 255 ? level * 255 / mask : level));
-}
+// Stored pixels, before the paint table. Levels of gray count whether they are active or not.
+class StoredPixels {
+  public:
+    explicit StoredPixels(const Picture& p)
+        : picture_(p), palette_(p.Palette), record_(RecordOf(p, palette_)), model_(record_) {}
 
-// A stored pixel, before the paint table.
-Colour Stored(const Picture& p, int column, int row) {
-    const BitmapHandle& b = p.Record;
-    const auto value =
-        ReadPixel(p.Rows.data() + static_cast<size_t>(row) * b.BytesPerLine, b.BitsPerPixel, column);
-    const auto byte = [&](int place) { return static_cast<int>(value >> place & 255); };
-    const bool redFirst = b.Order == Z_ORDER_RGB;
-    const auto ordered = [&](int first, int second, int third) {
-        return redFirst ? Colour{first, second, third} : Colour{third, second, first};
-    };
-    switch (b.BitsPerPixel) {
-    case 12: return GrayPixel(b, static_cast<uint32_t>(value));
-    case 16: {
-        if (b.Order == Z_ORDER_GRAY) return GrayPixel(b, static_cast<uint32_t>(value));
-        const auto wide = [&](int place) {
-            const int c = static_cast<int>(value >> place & 31);
-            return c << 3 | c >> 2;
-        };
-        return ordered(wide(0), wide(5), wide(10));
+    Colour At(int column, int row) const {
+        const uint8_t* const bytes = picture_.Rows.data() + static_cast<size_t>(row) * record_.BytesPerLine;
+        const uint64_t pixel = ReadPixel(bytes, record_.BitsPerPixel, column);
+        return record_.BitsPerPixel <= 8 && palette_.empty() ? GrayColour(pixel) : model_.Shown(pixel);
     }
-    case 24:
-    case 32: return ordered(byte(0), byte(8), byte(16));
-    case 48:
-    case 64: return ordered(byte(8), byte(24), byte(40));
-    default: break;
+
+  private:
+    static BitmapHandle RecordOf(const Picture& p, std::vector<RGBQUAD>& palette) {
+        BitmapHandle b = p.Record;
+        if ((b.Flags & Z_FLAG_LEVEL_LUT_ACTIVE) == 0) b.LowBit = b.LevelLowBit, b.HighBit = b.LevelHighBit;
+        b.Flags |= Z_FLAG_PALETTE_IS_BLOCK | (b.LevelLUT != nullptr ? Z_FLAG_LEVEL_LUT_ACTIVE : 0);
+        b.Palette = palette.data(), b.ColorsUsed = static_cast<uint32_t>(palette.size());
+        return b;
     }
-    const auto index = static_cast<size_t>(value);
-    if (p.Palette.empty()) return Colour::Gray(static_cast<int>(index));
-    return index < p.Palette.size() ? ColourOf(p.Palette[index]) : Colour::Gray(0);
-}
+
+    const Picture& picture_;
+    std::vector<RGBQUAD> palette_;
+    BitmapHandle record_;
+    PixelModel model_;
+};
 
 int CeilDiv(long long a, long long b) {
     return static_cast<int>((a + b - 1) / b);
@@ -127,28 +94,31 @@ struct Grid {
     }
 };
 
-int Index(const Colour& c, int deviceClass, uint32_t mode) {
+unsigned Index(const Colour& c, int deviceClass, uint32_t mode) {
     if (deviceClass == 1) return GrayOf(c) >> 7;
     if (deviceClass == 4) {
-        const int v = c.Red >> 7 | c.Green >> 7 << 1 | c.Blue >> 7 << 2;
+        const unsigned v = c.red >> 7 | c.green >> 7 << 1 | c.blue >> 7 << 2;
         return v != 0 ? v | 8 : 0;
     }
-    if ((mode & 0x100) != 0) return c.Red / 51 * 36 + c.Green / 51 * 6 + c.Blue / 51;
-    return (c.Red & 0xE0) | (c.Green & 0xE0) >> 3 | (c.Blue & 0xC0) >> 6;
+    if ((mode & 0x100) != 0) return c.red / 51 * 36 + c.green / 51 * 6 + c.blue / 51;
+    return (c.red & 0xE0) | (c.green & 0xE0) >> 3 | (c.blue & 0xC0) >> 6;
 }
 
-int OrderedIndex(const Picture& p, const Colour& stored, int deviceClass, uint32_t mode, int column,
-                 int row) {
-    const int t = ((mode & 0x20) != 0 ? Clustered : Dispersed)[row & 7][column & 7];
-    if (deviceClass == 1) return t < Through(p, GrayOf(stored));
+unsigned OrderedIndex(const Picture& p, const Colour& stored, int deviceClass, uint32_t mode, int column,
+                      int row) {
+    const int t = ((mode & 0x20) != 0 ? Clustered : Dispersed)[(row & 7) * 8 + (column & 7)];
+    const auto over = [t](unsigned level) { return t < static_cast<int>(level) ? 1u : 0u; };
+    if (deviceClass == 1) return over(Through(p, GrayOf(stored)));
     const Colour c = Through(p, stored);
     if (deviceClass == 4) {
-        const int v = (t < c.Red) | (t < c.Green) << 1 | (t < c.Blue) << 2;
+        const unsigned v = over(c.red) | over(c.green) << 1 | over(c.blue) << 2;
         return v != 0 ? v | 8 : 0;
     }
     const int move = (mode & 0x100) != 0 ? t / 6 - 21 : (t >> 3) - 16;
-    const auto moved = [move](int channel) { return std::clamp(channel + move, 0, 255); };
-    return Index({moved(c.Red), moved(c.Green), moved(c.Blue)}, deviceClass, mode);
+    const auto moved = [move](unsigned channel) {
+        return static_cast<unsigned>(std::clamp(static_cast<int>(channel) + move, 0, 255));
+    };
+    return Index({moved(c.red), moved(c.green), moved(c.blue)}, deviceClass, mode);
 }
 
 class Diffusion {
@@ -160,14 +130,15 @@ class Diffusion {
     Colour Next(const Picture& p, Colour c, int x, int y, int deviceClass, uint32_t mode,
                 const std::vector<RGBQUAD>& palette) {
         if (deviceClass != 1) c = Through(p, c);
-        int* channels[3] = {&c.Red, &c.Green, &c.Blue};
+        unsigned* channels[3] = {&c.red, &c.green, &c.blue};
         for (int i = 0; i < 3; ++i)
-            *channels[i] = std::clamp(*channels[i] + Sum(x, y, i) / 16, 0, 255);
-        const int index = deviceClass == 1 ? Through(p, GrayOf(c)) >> 7 : Index(c, deviceClass, mode);
-        const Colour chosen = ColourOf(palette[static_cast<size_t>(index)]);
-        const int targets[3] = {chosen.Red, chosen.Green, chosen.Blue};
+            *channels[i] =
+                static_cast<unsigned>(std::clamp(static_cast<int>(*channels[i]) + Sum(x, y, i) / 16, 0, 255));
+        const unsigned index = deviceClass == 1 ? Through(p, GrayOf(c)) >> 7 : Index(c, deviceClass, mode);
+        const Colour chosen = ColourOf(palette[index]);
+        const unsigned targets[3] = {chosen.red, chosen.green, chosen.blue};
         for (int i = 0; i < 3; ++i) {
-            const int d = *channels[i] - targets[i];
+            const int d = static_cast<int>(*channels[i]) - static_cast<int>(targets[i]);
             if (x + 1 < columns_) Sum(x + 1, y, i) += 7 * d;
             Sum(x - 1, y + 1, i) += 3 * d;
             Sum(x, y + 1, i) += 5 * d;
@@ -204,7 +175,7 @@ Colour Coverage(const Picture& p, const Grid& grid, int column, int row, Method 
             if ((ReadPixel(bits, 1, x) != 0) != reversed) white += area;
         }
     }
-    return Through(p, Colour::Gray(static_cast<int>((510 * white + total) / (2 * total))));
+    return Through(p, GrayColour(static_cast<uint64_t>((510 * white + total) / (2 * total))));
 }
 
 Axis MakeAxis(int old, int from, int to, int clipFrom, int clipTo, int target, bool coverage) {
@@ -219,7 +190,7 @@ Axis MakeAxis(int old, int from, int to, int clipFrom, int clipTo, int target, b
 
 bool HasEntries(const Picture& p, const std::vector<RGBQUAD>& palette) {
     for (size_t i = 0; i < p.Palette.size(); ++i) {
-        if (ColourOf(p.Palette[i]).Word() != ColourOf(palette[i]).Word()) return false;
+        if (std::memcmp(&p.Palette[i], &palette[i], 3) != 0) return false;
     }
     return true;
 }
@@ -229,9 +200,7 @@ bool HasEntries(const Picture& p, const std::vector<RGBQUAD>& palette) {
 std::vector<RGBQUAD> DitheredPalette(int deviceClass, uint32_t mode) {
     std::vector<RGBQUAD> palette(size_t{1} << deviceClass);
     if (deviceClass == 8 && (mode & 0x100) != 0) {
-        for (unsigned i = 0; i < 216; ++i)
-            palette[i] = {static_cast<uint8_t>(i % 6 * 51), static_cast<uint8_t>(i / 6 % 6 * 51),
-                          static_cast<uint8_t>(i / 36 * 51), 0};
+        palette = Cube216();
     } else {
         Z_GetFixedPalette(palette.data(), deviceClass);
     }
@@ -308,6 +277,7 @@ std::vector<std::optional<Colour>> Painted(const Picture& p, const Shown& shown,
     if (part.right == 0) return device;
     const std::vector<RGBQUAD> palette =
         method == Method::Dithered ? DitheredPalette(deviceClass, mode) : std::vector<RGBQUAD>();
+    const StoredPixels pixels(p);
     Diffusion diffusion(part.right - part.left, part.bottom - part.top);
     for (int y = part.top; y < part.bottom; ++y) {
         for (int x = part.left; x < part.right; ++x) {
@@ -316,20 +286,19 @@ std::vector<std::optional<Colour>> Painted(const Picture& p, const Shown& shown,
                 colour = Coverage(p, grid, x, y, method);
             } else {
                 const int column = grid.Columns.Nearest(x, false), row = grid.Rows.Nearest(y, true);
-                const Colour stored = Stored(p, column, row);
+                const Colour stored = pixels.At(column, row);
                 if (method == Method::Scale || method == Method::ScaleReversed) {
                     const uint8_t* bits = p.Rows.data() + static_cast<size_t>(row) * b.BytesPerLine;
                     colour = Through(
-                        p, Colour::Gray((ReadPixel(bits, 1, column) != 0) == (method == Method::Scale) ? 255
-                                                                                                       : 0));
+                        p,
+                        GrayColour((ReadPixel(bits, 1, column) != 0) == (method == Method::Scale) ? 255 : 0));
                 } else if (method != Method::Dithered) {
                     colour = Through(p, stored);
                 } else if ((mode & 1) == 0) {
                     colour =
                         diffusion.Next(p, stored, x - part.left, y - part.top, deviceClass, mode, palette);
                 } else {
-                    colour = ColourOf(
-                        palette[static_cast<size_t>(OrderedIndex(p, stored, deviceClass, mode, x, y))]);
+                    colour = ColourOf(palette[OrderedIndex(p, stored, deviceClass, mode, x, y)]);
                 }
             }
             const POINT at = grid.OnDevice(x - originX, y - originY);

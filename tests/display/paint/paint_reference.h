@@ -1,6 +1,7 @@
 // What a paint leaves on a device, worked out pixel by pixel.
 #pragma once
 
+#include "colour/pixels/pixel_model.h"
 #include "zkr13n/bitmap.h"
 
 #include <array>
@@ -9,13 +10,6 @@
 #include <vector>
 
 namespace zkr::test {
-
-struct Colour {
-    int Red, Green, Blue;
-
-    static Colour Gray(int level) { return {level, level, level}; }
-    uint32_t Word() const { return static_cast<uint32_t>(Red << 16 | Green << 8 | Blue); }
-};
 
 // A picture as its pixels lie in storage, and all else that painting looks at.
 struct Picture {

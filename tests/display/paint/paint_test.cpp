@@ -158,7 +158,8 @@ void ExpectPainted(Canvas& canvas, const std::vector<uint32_t>& before,
     for (size_t i = 0; i < after.size(); ++i) {
         uint32_t value = before[i];
         if (expected[i]) {
-            const uint32_t shown = canvas.info.Nearest(expected[i]->Word());
+            const uint32_t shown =
+                canvas.info.Nearest(expected[i]->red << 16 | expected[i]->green << 8 | expected[i]->blue);
             value = operation == Copy ? shown : value ^ shown;
         }
         const uint32_t mask = canvas.info.Bits() > 16 ? 0xFFFFFF : 0xFFFFFFFF;
