@@ -174,10 +174,11 @@ def test_colours_of_single_pixels():
 
 
 def test_storage_moves():
-    bitmap = noisy(24)
-    for storage in (Storage.DISK, Storage.STRIPS, Storage.MEMORY):
-        assert bitmap.store(storage).storage == storage
-        assert numpy.array_equal(bitmap.to_array(), noise(24))
+    for bits in (1, 24):
+        bitmap = noisy(bits)
+        for storage in [Storage.RUNS] * (bits == 1) + [Storage.DISK, Storage.STRIPS, Storage.MEMORY]:
+            assert bitmap.store(storage).storage == storage
+            assert numpy.array_equal(bitmap.to_array(), noise(bits))
 
 
 def test_without_numpy_and_pillow():

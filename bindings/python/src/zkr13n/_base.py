@@ -207,6 +207,7 @@ class BitmapBase:
 
     @property
     def closed(self) -> bool:
+        """Whether `close` has given the pixels back."""
         return self._record is None
 
     def __enter__(self: Self) -> Self:

@@ -80,10 +80,15 @@ CLASSES: Dict[int, Type[Error]] = {
 }
 
 
+def error_of(code: int, text: str, function: str = "") -> Error:
+    """The exception for a code, with a text of one's own."""
+    return CLASSES.get(code, Error)(code, text, function)
+
+
 def failure(code: int, function: Optional[Any] = None) -> Error:
-    """The exception for a code."""
+    """The exception for a code that a function has returned."""
     text = lib.Z_GetErrorText(code)
-    return CLASSES.get(code, Error)(code, text.decode("ascii", "replace") if text else "", getattr(function, "__name__", ""))
+    return error_of(code, text.decode("ascii", "replace") if text else "", getattr(function, "__name__", ""))
 
 
 def check(code: int, function: Optional[Any] = None) -> None:

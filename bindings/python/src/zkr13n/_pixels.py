@@ -281,7 +281,8 @@ def _put_row(record: Record, y: int, content: bytes) -> None:
 
 
 def _get_pixel(record: Record, y: int, x: int) -> Value:
-    bits, data = record.handle.BitsPerPixel, Eight()
+    bits: int = record.handle.BitsPerPixel
+    data = Eight()
     code = lib.Z_GetPixelData(record.reference, data, y, x, 2 if bits < 8 else (bits + 7) // 8)
     if code != c.Z_SUCCESS:
         raise failure(code, lib.Z_GetPixelData)

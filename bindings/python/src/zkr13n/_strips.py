@@ -9,7 +9,7 @@ from functools import lru_cache
 from typing import TYPE_CHECKING, Any, Dict, List, Optional, Tuple
 
 from ._base import BitmapBase, Guard, Record
-from ._errors import Error, check
+from ._errors import check, error_of
 from ._library import lib, strip_module
 from ._pixels import PixelAccess
 from ._records import BITMAPINFOHEADER, RGBQUAD, FilterLoadBuffer, FilterSaveBuffer
@@ -68,7 +68,7 @@ def expand(strips: List[bytes], width: int, height: int, bits: int) -> bytearray
     """The padded rows of strips."""
     module = _module(bits)
     if module is None:
-        raise Error(c.Z_ERROR_FAX_FILTER if bits == 1 else c.Z_ERROR_COLOUR_FILTER,
+        raise error_of(c.Z_ERROR_FAX_FILTER if bits == 1 else c.Z_ERROR_COLOUR_FILTER,
                     "the module that restores compressed strips is not beside the library")
     row = (width * bits + 31) // 32 * 4
     pixels = bytearray(row * height)
@@ -77,7 +77,7 @@ def expand(strips: List[bytes], width: int, height: int, bits: int) -> bytearray
         rows = min(STRIP_ROWS, height - number * STRIP_ROWS)
         if rows < 1 or module[1](bytes(strip), len(strip), place + number * STRIP_ROWS * row, QUALITY[bits], width, rows,
                                  bits, 0, 0) != c.Z_FILTER_SUCCESS:
-            raise Error(c.Z_ERROR_READ, f"strip {number} of the pickled pixels is damaged")
+            raise error_of(c.Z_ERROR_READ, f"strip {number} of the pickled pixels is damaged")
     return pixels
 
 
