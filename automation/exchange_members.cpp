@@ -4,7 +4,6 @@
 
 #include "platform/graphics.h"
 #include "zkr13n/clipboard.h"
-#include "zkr13n/copy.h"
 #include "zkr13n/dib.h"
 
 #include <cstring>
@@ -31,19 +30,27 @@ HGLOBAL CopyOfBlock(HGLOBAL block, ReturnCode* status) {
     return copy;
 }
 
-// A bitmap with storage of its own, whose size is held against the block's.
+// A copy is adopted first, which holds what the header tells against the size of the block. Rows of other forms are
+// converted then; those that a bitmap can lie on are converted from the block itself.
 ReturnCode FromBlock(HGLOBAL block, BitmapHandle* made) {
     ReturnCode status;
     HGLOBAL copy = CopyOfBlock(block, &status);
     if (status != Z_SUCCESS) return status;
-    BitmapHandle window{};
-    status = Z_ChangeFromDIB(&window, copy);
+    BitmapHandle adopted{};
+    status = Z_ChangeFromDIB(&adopted, copy);
     if (status != Z_SUCCESS) {
         platform::GlobalFree(copy);
         return status;
     }
-    status = Z_CopyBitmap(made, &window);
-    Z_FreeBitmap(&window);
+    if (adopted.StorageHandle != copy) {
+        *made = adopted;
+        return Z_SUCCESS;
+    }
+    const auto* header = static_cast<const uint8_t*>(platform::GlobalLock(block));
+    status =
+        header != nullptr ? Z_ConvertFromDIB(made, header, header + adopted.AlignOffset) : Z_ERROR_ARGUMENT;
+    if (header != nullptr) platform::GlobalUnlock(block);
+    Z_FreeBitmap(&adopted);
     return status;
 }
 

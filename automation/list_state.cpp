@@ -30,7 +30,7 @@ void RasterObject::ClampIndex(uint32_t count) {
 
 // Others may have changed the list, where they know its handle: its length tells.
 void RasterObject::WatchList() {
-    if (!ownList_ || listShown_) LookAtList();
+    if (!IsSecret()) LookAtList();
 }
 
 void RasterObject::LookAtList() {
@@ -163,13 +163,13 @@ ReturnCode RasterObject::AdoptList(BitmapList list) {
     }
     if (list_ == nullptr) {
         Z_FreeBitmap(&current_);
-    } else if (ownList_ && !listShown_) {
+    } else if (IsSecret()) {
         StoreRecord();
         Z_DestroyBitmapList(list_); // nobody else could
     }
     current_ = {};
+    ownList_ = ownList_ && list == list_;
     list_ = list;
-    ownList_ = false;
     return Z_SUCCESS;
 }
 
@@ -184,7 +184,7 @@ ReturnCode RasterObject::ReplaceList(BitmapList list, bool freeFirst) {
                                 : Z_CopyBitmapListItems(&made, list, 0, ToEnd);
         if (status == Z_SUCCESS) {
             if (list_ == nullptr) Z_FreeBitmap(&current_);
-            if (list_ != nullptr && freeFirst) Z_DestroyBitmapList(list_);
+            if (list_ != nullptr && (freeFirst || IsSecret())) Z_DestroyBitmapList(list_);
             list_ = made;
             ownList_ = true;
             listShown_ = false;
@@ -217,13 +217,21 @@ ReturnCode RasterObject::Fetch(LockedToken& source, BitmapHandle* made) {
     return Z_SUCCESS;
 }
 
+// Finds the item that waits for a bitmap, when others before it may have been taken out of a list that is shared.
+void RasterObject::FollowEmptyItem() {
+    BitmapHandle item;
+    while (listIndex_ > 0 &&
+           (Z_GetBitmapListItem(list_, Index(), &item) != Z_SUCCESS || (item.Flags & Z_FLAG_ALLOCATED) != 0))
+        --listIndex_;
+}
+
 Result RasterObject::GetBitmap(intptr_t* value) {
     if (value == nullptr) return Map(Z_ERROR_ARGUMENT);
     WatchList();
     *value = Test(Needs::Bitmap) == Z_SUCCESS ? token_.Handle() : 0;
     if (*value != 0) {
         StoreRecord();
-        token_.Token()->OwnerUser = 0;
+        token_.Fill(&current_, OwnerNotified, this); // clients can write to it
     }
     return 0;
 }
@@ -237,9 +245,11 @@ Result RasterObject::PutBitmap(intptr_t value) {
     bool badHandle = false;
     BitmapHandle made{};
     if (value != 0) {
+        const uint32_t count = CountItems();
         LockedToken source(value);
         badHandle = !source;
         status = badHandle ? Z_ERROR_BITMAP : Fetch(source, &made);
+        if (CountItems() < count && !readOnlyList_) FollowEmptyItem();
     }
     if (value != 0 && status == Z_SUCCESS) {
         status = Install(made);
@@ -308,6 +318,7 @@ Result RasterObject::DeleteBitmapListItems(int16_t index, int32_t count, int16_t
 
 ReturnCode RasterObject::InsertFetched(int16_t index, BitmapHandle& made) {
     if (list_ == nullptr) return Install(made);
+    LookAtList(); // what was taken may have been an item of this list
     StoreInList();
     const uint32_t count = CountItems();
     const uint32_t place = index < 0 ? count : std::min(static_cast<uint32_t>(index), count);

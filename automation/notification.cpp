@@ -36,6 +36,21 @@ ReturnCode Z_CALL RasterObject::OwnerNotified(uint32_t kind, BitmapToken* token,
     return status;
 }
 
+// The item that the record was stored in, wherever others have moved it; the count when it is gone.
+uint32_t RasterObject::FindItem() const {
+    const uint32_t count = CountItems();
+    const auto isIt = [&](uint32_t index) {
+        BitmapHandle item;
+        return Z_GetBitmapListItem(list_, index, &item) == Z_SUCCESS && item.Addr == stored_.Addr &&
+               item.StorageHandle == stored_.StorageHandle;
+    };
+    if (isIt(Index())) return Index();
+    uint32_t index = 0;
+    while (index < count && !isIt(index))
+        ++index;
+    return index;
+}
+
 // Another object has taken the bitmap out of the record. The item still has it and must not free it.
 ReturnCode RasterObject::BitmapTaken() {
     if (HasBitmap()) Z_FreeBitmap(&current_);
@@ -45,8 +60,9 @@ ReturnCode RasterObject::BitmapTaken() {
         Z_FreeBitmap(&current_);
         current_ = {};
     } else {
-        StorePlainly();
-        Z_DeleteBitmapListItems(list_, Index(), 1);
+        const uint32_t item = FindItem();
+        if (Z_SetBitmapListItem(list_, item, &current_) != Z_SUCCESS) Z_FreeBitmap(&current_);
+        Z_DeleteBitmapListItems(list_, item, 1);
         listCount_ = CountItems();
         ClampIndex(listCount_);
         Reload();
@@ -56,6 +72,7 @@ ReturnCode RasterObject::BitmapTaken() {
 }
 
 ReturnCode RasterObject::Handle(uint32_t kind, BitmapToken* token) {
+    if (kind == RASTEREVENT_CHANGED || kind == RASTEREVENT_RGNCHANGED) WatchList();
     switch (kind) {
     case 1: return BitmapTaken();
     case RASTEREVENT_CHANGED:
@@ -123,6 +140,11 @@ Result RasterObject::GetChangeInfo(int32_t type, intptr_t info, int16_t* result)
 
 ReturnCode RasterObject::Attach(ChangeCallback callback, BitmapList list) {
     if (callback == nullptr || changeCallback_ != nullptr) return Z_ERROR_ARGUMENT;
+    WatchList();
+    uint32_t count;
+    ReturnCode status = Test(Needs::NoContext);
+    if (status == Z_SUCCESS && list != nullptr) status = Z_GetBitmapListCount(list, &count);
+    if (status != Z_SUCCESS) return status;
     EmptyList();
     if (!readOnlyList_) listShown_ = false; // the empty list ends with the change
     changeCallback_ = callback;
@@ -138,19 +160,16 @@ ReturnCode RasterObject::Detach(int32_t mode) {
     if (list_ == nullptr) Z_FreeBitmap(&current_);
     current_ = {};
     list_ = nullptr;
-    ReturnCode status = FreshList();
+    const ReturnCode status = FreshList();
     Commit();
-    if (mode == 1 && status == Z_SUCCESS) {
-        refBitmapList_ = true;
-        status = ReplaceList(nullptr, true);
-        refBitmapList_ = true;
-    }
+    if (mode == 1) refBitmapList_ = true; // to put the object's own list, which changes nothing else
     return status;
 }
 
 ReturnCode RasterObject::ReplaceListOnly(BitmapList list) {
     WatchList();
-    return ReplaceList(list, false);
+    const ReturnCode status = Test(Needs::NoContext);
+    return status == Z_SUCCESS ? ReplaceList(list, false) : status;
 }
 
 void RasterObject::ReloadFromList() {

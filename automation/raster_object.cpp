@@ -12,7 +12,7 @@ RasterObject::~RasterObject() {
     if (list_ == nullptr) {
         Z_FreeBitmap(&current_);
     } else if (OwnsList()) {
-        StoreRecord();
+        if (CountItems() == listCount_) StoreRecord(); // else the item may be another one
         Z_DestroyBitmapList(list_);
     }
     Z_FreeBitmap(&alpha_);
@@ -21,11 +21,8 @@ RasterObject::~RasterObject() {
 
 ReturnCode RasterObject::Make() {
     if (!token_.Make() || !alphaToken_.Make()) return Z_ERROR_MEMORY;
-    BitmapToken& token = *token_.Token();
-    token.Record = &current_;
-    token.OwnerNotify = OwnerNotified;
-    token.Owner = this;
-    alphaToken_.Token()->Record = &alpha_;
+    token_.Fill(&current_, OwnerNotified, this);
+    alphaToken_.Fill(&alpha_, nullptr, nullptr);
     const ReturnCode status = FreshList();
     if (status == Z_SUCCESS) SetDisplayDispatch();
     return status;

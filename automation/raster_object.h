@@ -295,7 +295,9 @@ class RasterObject {
     ReturnCode Translate(uint32_t colour, RGBQUAD* entry);
 
     // list_state.cpp
-    bool OwnsList() const { return list_ != nullptr && (!readOnlyList_ || (ownList_ && !listShown_)); }
+    // A list of the object's own whose handle nobody else has.
+    bool IsSecret() const { return ownList_ && !listShown_; }
+    bool OwnsList() const { return list_ != nullptr && (!readOnlyList_ || IsSecret()); }
     uint32_t CountItems() const;
     uint32_t Index() const { return static_cast<uint32_t>(listIndex_); }
     void ClampIndex(uint32_t count);
@@ -314,6 +316,7 @@ class RasterObject {
     ReturnCode AdoptList(BitmapList list);
     ReturnCode ReplaceList(BitmapList list, bool freeFirst);
     ReturnCode Fetch(LockedToken& source, BitmapHandle* made);
+    void FollowEmptyItem();
     bool IsSameBitmap(intptr_t handle) const;
     ReturnCode InsertFetched(int16_t index, BitmapHandle& made);
 
@@ -322,6 +325,7 @@ class RasterObject {
     void NotifyRegion();
     static ReturnCode Z_CALL OwnerNotified(uint32_t kind, BitmapToken* token, void* owner);
     ReturnCode Handle(uint32_t kind, BitmapToken* token);
+    uint32_t FindItem() const;
     ReturnCode BitmapTaken();
 
     // scale_members.cpp

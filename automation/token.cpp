@@ -24,10 +24,16 @@ bool TokenBlock::Make() {
     block_ = platform::GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, sizeof(BitmapToken));
     if (block_ == nullptr) return false;
     token_ = static_cast<BitmapToken*>(platform::GlobalLock(block_));
-    if (token_ == nullptr) return false;
+    return token_ != nullptr;
+}
+
+void TokenBlock::Fill(BitmapHandle* record, decltype(BitmapToken::OwnerNotify) notify, void* owner) {
     std::memcpy(token_->Magic, Magic, sizeof Magic);
     token_->BlockSize = sizeof(BitmapToken);
-    return true;
+    token_->Record = record;
+    token_->OwnerNotify = notify;
+    token_->Owner = owner;
+    token_->OwnerUser = 0;
 }
 
 LockedToken::LockedToken(intptr_t handle) : block_(reinterpret_cast<HGLOBAL>(handle)) {

@@ -13,8 +13,9 @@ class TokenBlock {
     TokenBlock(const TokenBlock&) = delete;
     TokenBlock& operator=(const TokenBlock&) = delete;
 
-    // False where memory is short.
+    // False where memory is short. The block is empty until it is filled.
     bool Make();
+    void Fill(BitmapHandle* record, decltype(BitmapToken::OwnerNotify) notify, void* owner);
     intptr_t Handle() const { return reinterpret_cast<intptr_t>(block_); }
     // Null before Make. The block stays locked, so that the address is good as long as the block.
     BitmapToken* Token() { return token_; }

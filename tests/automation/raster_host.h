@@ -1,11 +1,15 @@
-// A raster object without a face that clients see: what it tells is written down, and what the whole process holds is
-// counted.
+// Raster objects for tests: behind the face that clients see here, with the members of the logic, so that one test tells
+// the same of all faces; and bare, for what no client reaches. What they tell is written down, and what the whole
+// process holds is counted.
 #pragma once
 
+#include "automation/plain_types.h"
 #include "automation/raster_object.h"
 #include "platform/faults.h"
 #include "platform/graphics.h"
 #include "zkr13n/pixels.h"
+
+#include <tested_face.h>
 
 #include <gtest/gtest.h>
 
@@ -18,7 +22,6 @@
 namespace zkr::test {
 
 using automation::Array;
-using automation::RasterObject;
 
 constexpr int NewBitmap = 0x10F;
 constexpr int RegionChange = -1; // among the changes
@@ -27,34 +30,53 @@ inline int32_t Failure(ReturnCode code) {
     return static_cast<int32_t>(0x800A0000u | static_cast<uint32_t>(20000 - code));
 }
 
-struct Raster final : automation::Face {
-    Raster() { EXPECT_EQ(object.Make(), Z_SUCCESS); }
-    Raster(int32_t width, int32_t height, int16_t bits) : Raster() {
-        EXPECT_EQ(object.CreateBitmap(float(width), float(height), bits, &result), 0);
-        Told.clear();
-    }
-    virtual ~Raster() = default;
+class RasterObject final : public TestedFace, private automation::PlainTypes {
+    using ArrayIn = const Array&;
+    using ArrayOut = Array*;
 
-    void Keep() override { ++references; }
-    void Drop() override { --references; }
-    void ReportFailure(const char* text) override { Text = text; }
-    void FireChange(int32_t change, int32_t, int32_t) override {
-        Told.push_back(change);
-        if (OnChange) OnChange(change);
+  public:
+#define LIST(...) __VA_ARGS__
+#define MEMBER(member, logic, parameters, arguments)                                                         \
+    int32_t logic parameters {                                                                               \
+        return Call(&Interface::member, LIST arguments);                                                     \
     }
+#include "automation/members.inc"
+#undef LIST
+};
+
+class BareObject final : private automation::Face, public automation::RasterObject {
+  public:
+    BareObject() : automation::RasterObject(static_cast<Face&>(*this)) { EXPECT_EQ(Make(), Z_SUCCESS); }
+    virtual ~BareObject() = default;
+
+    std::string LastText() { return text_; }
+    std::vector<int> Told;
+    std::function<void(int)> OnChange;
+
+  private:
+    void Keep() override {}
+    void Drop() override {}
+    void ReportFailure(const char* text) override { text_ = text; }
+    void FireChange(int32_t change, int32_t, int32_t) override { Told.push_back(change); }
     void FireRegionChange() override { Told.push_back(RegionChange); }
-    bool TranslateColour(uint32_t colour, uint32_t* plain) override {
-        *plain = colour;
-        return colour >> 24 <= 2;
+    bool TranslateColour(uint32_t colour, uint32_t* plain) override { return *plain = colour, true; }
+
+    std::string text_;
+};
+
+template <typename Object> struct RasterOf {
+    RasterOf() = default;
+    RasterOf(int32_t width, int32_t height, int16_t bits) {
+        EXPECT_EQ(object.CreateBitmap(float(width), float(height), bits, &result), 0);
+        object.Told.clear();
     }
 
     // What was told since the last call.
-    std::vector<int> Changes() { return std::exchange(Told, {}); }
+    std::vector<int> Changes() { return std::exchange(object.Told, {}); }
 
     // Properties, as a script reads them.
-    template <typename T> T Get(automation::Result (RasterObject::*member)(T*)) {
+    template <typename T, typename Class> T Get(int32_t (Class::*member)(T*)) {
         T value{};
-        Text.clear();
         status = (object.*member)(&value);
         return value;
     }
@@ -63,11 +85,11 @@ struct Raster final : automation::Face {
         status = object.GetPixel(x, y, &colour);
         return colour;
     }
-    intptr_t Bitmap() { return Get(&RasterObject::GetBitmap); }
-    BitmapList List() { return reinterpret_cast<BitmapList>(Get(&RasterObject::GetBitmapList)); }
-    int32_t Count() { return Get(&RasterObject::GetBitmapListCount); }
-    int16_t Index() { return Get(&RasterObject::GetBitmapListIndex); }
-    float Width() { return Get(&RasterObject::GetBitmapWidth); }
+    intptr_t Bitmap() { return Get(&Object::GetBitmap); }
+    BitmapList List() { return reinterpret_cast<BitmapList>(Get(&Object::GetBitmapList)); }
+    int32_t Count() { return Get(&Object::GetBitmapListCount); }
+    int16_t Index() { return Get(&Object::GetBitmapListIndex); }
+    float Width() { return Get(&Object::GetBitmapWidth); }
     BitmapHandle& Record() {
         const automation::LockedToken token(Bitmap());
         return *token->Record;
@@ -75,10 +97,10 @@ struct Raster final : automation::Face {
     // Appends copies of bitmaps of these widths, 1 row of 8 bits.
     void Append(std::initializer_list<int> widths) {
         for (const int width : widths) {
-            Raster other(width, 1, 8);
+            RasterOf other(width, 1, 8);
             EXPECT_EQ(object.InsertBitmapListItem(-1, other.Bitmap(), &result), 0);
         }
-        Told.clear();
+        object.Told.clear();
     }
     // The widths of the items, and that the working record is its item's.
     std::vector<int> Items() {
@@ -95,14 +117,13 @@ struct Raster final : automation::Face {
         return widths;
     }
 
-    int references = 1;
     int16_t result = 0;
-    automation::Result status = 0;
-    std::string Text;
-    std::vector<int> Told;
-    std::function<void(int)> OnChange;
-    RasterObject object{*this};
+    int32_t status = 0;
+    Object object;
 };
+
+using Raster = RasterOf<RasterObject>;
+using BareRaster = RasterOf<BareObject>;
 
 // Nothing that a test makes may be left behind.
 class RasterTest : public testing::Test {

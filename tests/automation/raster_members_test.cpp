@@ -63,9 +63,8 @@ TEST_F(RasterTest, ScaleMembersSetTheUsersSystem) {
     EXPECT_EQ(raster.Width(), 0);
     // A number that is too large is cut, reported, and the member goes on.
     EXPECT_EQ(raster.object.PutScaleMode(3), 0);
-    raster.Text.clear();
     EXPECT_EQ(raster.Pixel(1e20f, 0), Z_NO_COLOR);
-    EXPECT_EQ(raster.Text, "Overflow in converting float to long/int");
+    EXPECT_EQ(raster.object.LastText(), "Overflow in converting float to long/int");
     EXPECT_EQ(raster.object.PutBitmapLeft(-1e20f), 0);
     EXPECT_EQ(raster.Record().PlaybackLeft, INT32_MIN);
     EXPECT_EQ(raster.object.PutBitmapLeft(std::numeric_limits<float>::quiet_NaN()), 0);
