@@ -3,6 +3,7 @@
 
 #include "zkr13n/alpha.h"
 #include "zkr13n/compressed_rows.h"
+#include "zkr13n/copy.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/locks.h"
 #include "zkr13n/palettes.h"
@@ -163,7 +164,12 @@ Result RasterObject::PutBitmapAlpha(intptr_t value) {
         const LockedToken alpha(value);
         if (!alpha) return Z_ERROR_BITMAP;
         if ((alpha->Record->Flags & Z_FLAG_ALLOCATED) == 0) return Z_ERROR_ARGUMENT;
-        const ReturnCode status = Z_SetBitmapAlpha(&current_, alpha->Record);
+        // The bitmap itself changes on the way.
+        BitmapHandle copy{};
+        const bool isOwn = IsSameBitmap(value);
+        ReturnCode status = isOwn ? Z_CopyBitmap(&copy, &current_) : Z_SUCCESS;
+        if (status == Z_SUCCESS) status = Z_SetBitmapAlpha(&current_, isOwn ? &copy : alpha->Record);
+        if (isOwn) Z_FreeBitmap(&copy);
         Z_FreeBitmap(&alpha_);
         return Changed(status, CHANGE_ALL);
     });

@@ -56,9 +56,9 @@ ReturnCode FromBlock(HGLOBAL block, BitmapHandle* made) {
 
 } // namespace
 
+// A context that cannot be deleted, where memory is short, waits for the next one and for the object's end.
 void RasterObject::ReleaseContext() {
-    if (bitmapContext_ != nullptr) Z_DeleteZircDC(bitmapContext_);
-    bitmapContext_ = nullptr;
+    if (bitmapContext_ != nullptr && Z_DeleteZircDC(bitmapContext_) != 0) bitmapContext_ = nullptr;
     contextCount_ = 0;
 }
 
@@ -95,6 +95,8 @@ Result RasterObject::GetBitmapDC(intptr_t* context) {
         if (!HasBitmap()) return Z_ERROR_BITMAP;
         if (contextCount_ == INT16_MAX) return Z_ERROR_MEMORY;
         if (contextCount_ == 0) {
+            ReleaseContext();
+            if (bitmapContext_ != nullptr) return Z_ERROR_MEMORY;
             bitmapContext_ = Z_CreateZircDC(&current_);
             StoreRecord();
         }

@@ -84,23 +84,34 @@ void RasterObject::ShowFirst() {
 void RasterObject::EmptyList() {
     if (readOnlyList_) return;
     if (list_ == nullptr) {
-        Z_FreeBitmap(&current_);
+        FreeBitmap();
         current_ = {};
     } else {
         StoreInList();
-        Z_DeleteBitmapListItems(list_, 0, ToEnd);
+        DeleteItems(0, ToEnd);
         listCount_ = 0;
         listIndex_ = 0;
         Reload();
     }
     Z_FreeBitmap(&alpha_);
-    FreeUserData(this);
+}
+
+void RasterObject::FreeBitmap() {
+    ReleaseUserData(current_);
+    Z_FreeBitmap(&current_);
+}
+
+ReturnCode RasterObject::DeleteItems(uint32_t index, uint32_t count) {
+    BitmapHandle item;
+    for (uint32_t step = 0; step < count && Z_GetBitmapListItem(list_, index + step, &item) == Z_SUCCESS;
+         ++step)
+        ReleaseUserData(item);
+    return Z_DeleteBitmapListItems(list_, index, count);
 }
 
 void RasterObject::FreeForReplacement() {
     if (readOnlyList_ || !HasBitmap()) return;
-    ReleaseUserData(current_);
-    Z_FreeBitmap(&current_);
+    FreeBitmap();
     StorePlainly();
     Notify(CHANGE_ALL);
 }
@@ -136,7 +147,7 @@ ReturnCode RasterObject::Install(BitmapHandle& made) {
     if (list_ != nullptr && readOnlyList_) {
         Z_FreeBitmap(&made); // the item that is shared stays
     } else {
-        if (HasBitmap()) Z_FreeBitmap(&current_);
+        if (HasBitmap()) FreeBitmap();
         current_ = made;
     }
     return Commit();
@@ -163,7 +174,7 @@ ReturnCode RasterObject::AdoptList(BitmapList list) {
     }
     if (list_ == nullptr) {
         Z_FreeBitmap(&current_);
-    } else if (IsSecret()) {
+    } else if (IsSecret() && list != list_) {
         StoreRecord();
         Z_DestroyBitmapList(list_); // nobody else could
     }
@@ -201,9 +212,13 @@ bool RasterObject::IsSameBitmap(intptr_t handle) const {
     const LockedToken other(handle);
     if (!other || !HasBitmap()) return false;
     const BitmapHandle& record = *other->Record;
-    if ((record.Flags & (Z_FLAG_ALLOCATED | Z_FLAG_USER_DATA)) != Z_FLAG_ALLOCATED) return false;
-    return record.Addr == current_.Addr && record.StorageHandle == current_.StorageHandle &&
-           (record.Addr != nullptr || record.StorageHandle != nullptr);
+    const auto isOne = [](const void* one, const void* another) { return one != nullptr && one == another; };
+    // Bytes of the user's may lie below several bitmaps.
+    return (record.Flags & Z_FLAG_ALLOCATED) != 0 &&
+           (isOne(record.StorageHandle, current_.StorageHandle) ||
+            isOne(record.PaintLUT, current_.PaintLUT) || isOne(record.Palette, current_.Palette) ||
+            isOne(record.Region, current_.Region) ||
+            ((record.Flags & Z_FLAG_USER_DATA) == 0 && isOne(record.Addr, current_.Addr)));
 }
 
 // A copy of another object's bitmap, or the bitmap itself.
@@ -309,8 +324,7 @@ Result RasterObject::DeleteBitmapListItems(int16_t index, int32_t count, int16_t
     const Result mapped = Member(Needs::NoContext, result, [&] {
         StoreRecord();
         // Negative numbers are beyond every list's end.
-        return Z_DeleteBitmapListItems(list_, static_cast<uint32_t>(int32_t{index}),
-                                       static_cast<uint32_t>(count));
+        return DeleteItems(static_cast<uint32_t>(int32_t{index}), static_cast<uint32_t>(count));
     });
     LookAtList();
     return mapped;

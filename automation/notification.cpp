@@ -146,7 +146,7 @@ ReturnCode RasterObject::Attach(ChangeCallback callback, BitmapList list) {
     if (status == Z_SUCCESS && list != nullptr) status = Z_GetBitmapListCount(list, &count);
     if (status != Z_SUCCESS) return status;
     EmptyList();
-    if (!readOnlyList_) listShown_ = false; // the empty list ends with the change
+    if (!readOnlyList_ && list != list_) listShown_ = false; // the empty list ends with the change
     changeCallback_ = callback;
     readOnlyList_ = true;
     return ReplaceList(list, true);
@@ -169,7 +169,8 @@ ReturnCode RasterObject::Detach(int32_t mode) {
 ReturnCode RasterObject::ReplaceListOnly(BitmapList list) {
     WatchList();
     const ReturnCode status = Test(Needs::NoContext);
-    return status == Z_SUCCESS ? ReplaceList(list, false) : status;
+    const bool isOwn = list != nullptr && list == list_ && !readOnlyList_;
+    return status == Z_SUCCESS && !isOwn ? ReplaceList(list, false) : status;
 }
 
 void RasterObject::ReloadFromList() {

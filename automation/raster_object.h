@@ -309,6 +309,8 @@ class RasterObject {
     void StoreInList();
     void ShowFirst();
     void EmptyList();
+    void FreeBitmap();
+    ReturnCode DeleteItems(uint32_t index, uint32_t count);
     void FreeForReplacement();
     ReturnCode Commit();
     ReturnCode Install(BitmapHandle& made);

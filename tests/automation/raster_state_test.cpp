@@ -1,5 +1,6 @@
 // The raster object's bitmap and list: what replaces what, what is told, what is shared and taken over.
 #include "automation/raster_host.h"
+#include "zkr13n/copy.h"
 #include "zkr13n/locks.h"
 
 #include <cstring>
@@ -47,9 +48,10 @@ TEST_F(RasterTest, EveryCodeHasItsText) {
         EXPECT_EQ(mapped, Failure(code));
         EXPECT_EQ(number, 20000 - code);
         const char* text = Z_GetErrorText(code);
-        EXPECT_EQ(raster.object.LastText(), text != nullptr ? "ZIRC Error: " + std::string(text)
-                                                        : "ZIRC Error: Internal Error " +
-                                                              std::to_string(20000 - code) + " - call ZIRC");
+        EXPECT_EQ(raster.object.LastText(),
+                  text != nullptr
+                      ? "ZIRC Error: " + std::string(text)
+                      : "ZIRC Error: Internal Error " + std::to_string(20000 - code) + " - call ZIRC");
     }
     EXPECT_EQ(static_cast<uint32_t>(raster.object.Map(0)), 0x800A4E20u);
 }
@@ -263,6 +265,84 @@ TEST_F(RasterTest, CompanionsShareTheList) {
     EXPECT_EQ(guest.object.Detach(2), Z_SUCCESS);
     EXPECT_EQ(guest.object.Detach(0), Z_ERROR_ARGUMENT);
     EXPECT_EQ(owner.Items(), (std::vector<int>{1, 2}));
+}
+
+TEST_F(RasterTest, SharedListsLoseNothing) {
+    // An object takes over what a companion shows of the list that both work on.
+    const struct {
+        int16_t Owner, Guest; // the items that they show
+        bool Inserts;
+        std::vector<int> Left;
+        int16_t Shown;
+    } cases[] = {{1, 1, true, {2, 1, 3}, 1}, {2, 0, true, {1, 2, 3}, 1}, {0, 2, true, {3, 1, 2}, 0},
+                 {1, 0, false, {1, 3}, 0},   {1, 2, false, {1, 3}, 1},   {2, 0, false, {2, 1}, 1},
+                 {1, 1, false, {1, 2, 3}, 1}};
+    for (const auto& c : cases) {
+        BareRaster owner, guest;
+        owner.Append({1, 2, 3});
+        EXPECT_EQ(guest.object.Attach(Record, owner.List()), Z_SUCCESS);
+        EXPECT_EQ(owner.object.PutBitmapListIndex(c.Owner), 0);
+        EXPECT_EQ(guest.object.PutBitmapListIndex(c.Guest), 0);
+        EXPECT_EQ(owner.object.PutRefBitmap(1), 0);
+        EXPECT_EQ(c.Inserts ? owner.object.InsertBitmapListItem(0, guest.Bitmap(), nullptr)
+                            : owner.object.PutBitmap(guest.Bitmap()),
+                  0);
+        EXPECT_EQ(owner.Items(), c.Left);
+        EXPECT_EQ(owner.Index(), c.Shown);
+    }
+    // A client changes the list behind the object's back: what is taken is found, and what is no longer there is not
+    // stored.
+    Raster taker;
+    taker.object.PutRefBitmap(1);
+    BitmapHandle removed;
+    {
+        Raster raster, other(9, 1, 8);
+        raster.Append({1, 2, 3});
+        const intptr_t handle = raster.Bitmap();
+        const BitmapList list = raster.List();
+        EXPECT_EQ(Z_CopyBitmap(&removed, &other.Record()), Z_SUCCESS);
+        EXPECT_EQ(Z_InsertBitmapListItem(list, 0, &removed), Z_SUCCESS);
+        EXPECT_EQ(taker.object.PutBitmap(handle), 0);
+        EXPECT_EQ(raster.Items(), (std::vector<int>{9, 2, 3}));
+        BitmapHandle& record = raster.Record();
+        EXPECT_EQ(Z_RemoveBitmapListItem(list, 0, &removed), Z_SUCCESS);
+        record.PlaybackTop = 7;
+    }
+    EXPECT_EQ(taker.Items(), std::vector<int>{1});
+    Z_FreeBitmap(&removed);
+    // Lists that nobody else knows end with their objects.
+    BareRaster known, secret(4, 4, 8);
+    known.Append({1});
+    EXPECT_EQ(secret.object.ReplaceListOnly(known.List()), Z_SUCCESS);
+    EXPECT_EQ(secret.Items(), std::vector<int>{1});
+    EXPECT_EQ(secret.object.ReplaceListOnly(secret.List()), Z_SUCCESS);
+    EXPECT_EQ(secret.Items(), std::vector<int>{1});
+    EXPECT_EQ(secret.object.Attach(Record, reinterpret_cast<BitmapList>(&known)), Z_ERROR_ARGUMENT);
+    EXPECT_EQ(secret.Items(), std::vector<int>{1});
+    EXPECT_EQ(secret.Get(&BareObject::GetBitmapDC) != 0, true);
+    EXPECT_EQ(secret.object.Attach(Record, nullptr), Z_ERROR_BITMAP);
+    EXPECT_EQ(secret.object.ReplaceListOnly(known.List()), Z_ERROR_BITMAP);
+}
+
+TEST_F(RasterTest, TokensTellTheObject) {
+    Raster raster(2, 2, 8);
+    for (int round = 0; round < 2; ++round) {
+        const automation::LockedToken token(raster.Bitmap());
+        ASSERT_TRUE(token);
+        EXPECT_EQ(std::memcmp(token->Magic, "zirc", 4), 0);
+        EXPECT_EQ(token->BlockSize, 8 + 4 * sizeof(void*));
+        EXPECT_EQ(token->Record->Width, 2);
+        EXPECT_EQ(token->OwnerUser, 0u);
+        // A change that a client tells of by the token.
+        raster.Changes();
+        token->OwnerUser = CHANGE_DATA;
+        EXPECT_EQ(token->OwnerNotify(RASTEREVENT_CHANGED, token.get(), token->Owner), Z_SUCCESS);
+        EXPECT_EQ(token->OwnerNotify(RASTEREVENT_CHANGED, nullptr, token->Owner), Z_SUCCESS);
+        EXPECT_EQ(token->OwnerNotify(RASTEREVENT_RGNCHANGED, nullptr, token->Owner), Z_SUCCESS);
+        EXPECT_EQ(token->OwnerNotify(2, nullptr, token->Owner), Z_ERROR_FEATURE);
+        EXPECT_EQ(raster.Changes(), (Tells{CHANGE_DATA, 7, RegionChange}));
+        token->OwnerNotify = nullptr, token->BlockSize = 1; // which the next get mends
+    }
 }
 
 TEST_F(RasterTest, AReadOnlyObjectWithoutAListOwnsItsBitmap) {
