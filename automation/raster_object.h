@@ -35,6 +35,10 @@ class RasterObject {
 
     // For what faces find out by themselves. A short result may be null; force overrides EnableMethodErrors.
     Result Map(ReturnCode status, int16_t* shortResult = nullptr, bool force = false);
+    // The frame of a member that a face has by itself, which ended in this way.
+    Result OwnMember(ReturnCode status) {
+        return Member(Needs::Nothing, nullptr, [=] { return status; });
+    }
 
     // Companions.
     ReturnCode Attach(ChangeCallback callback, BitmapList list);

@@ -65,10 +65,12 @@ ZResult NativeObject::UnadviseSink(uint32_t cookie) {
 }
 
 ZResult NativeObject::GetInterfacePointer(IZIRCRaster** raster) {
-    if (raster == nullptr) return object_.Map(Z_ERROR_ARGUMENT);
-    AddRef();
-    *raster = this;
-    return 0;
+    const Held held(*this);
+    if (raster != nullptr) {
+        *raster = this;
+        AddRef();
+    }
+    return object_.OwnMember(raster != nullptr ? Z_SUCCESS : Z_ERROR_ARGUMENT);
 }
 
 void NativeObject::ReportFailure(const char* text) {

@@ -37,21 +37,20 @@ Passed<VARIANT>::~Passed() {
     if (locked_ != nullptr) SafeArrayUnaccessData(locked_);
 }
 
-Passed<VARIANT*>::~Passed() {
-    if (variant_ == nullptr) return;
-    VariantInit(variant_);
-    if (array_.Elements == Array::Kind::None) return;
-    const VARTYPE type = array_.Elements == Array::Kind::Floats ? VT_R4 : VT_UI1;
-    SAFEARRAY* array = SafeArrayCreateVector(type, 0, static_cast<ULONG>(array_.Count));
-    if (array == nullptr) return;
+bool CopyArray(const Array& from, VARIANT* variant) {
+    VariantInit(variant);
+    if (from.Elements == Array::Kind::None) return true;
+    const VARTYPE type = from.Elements == Array::Kind::Floats ? VT_R4 : VT_UI1;
+    SAFEARRAY* array = SafeArrayCreateVector(type, 0, static_cast<ULONG>(from.Count));
+    if (array == nullptr) return false;
     void* data = nullptr;
-    if (array_.Count != 0 && SUCCEEDED(SafeArrayAccessData(array, &data))) {
-        std::memcpy(data, array_.Data,
-                    static_cast<size_t>(array_.Count) * (type == VT_R4 ? sizeof(float) : 1));
+    if (from.Count != 0 && SUCCEEDED(SafeArrayAccessData(array, &data))) {
+        std::memcpy(data, from.Data, static_cast<size_t>(from.Count) * (type == VT_R4 ? sizeof(float) : 1));
         SafeArrayUnaccessData(array);
     }
-    V_VT(variant_) = VT_ARRAY | type;
-    V_ARRAY(variant_) = array;
+    V_VT(variant) = VT_ARRAY | type;
+    V_ARRAY(variant) = array;
+    return true;
 }
 
 } // namespace zkr::automation

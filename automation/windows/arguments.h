@@ -49,17 +49,7 @@ template <> struct Passed<VARIANT> {
     SAFEARRAY* locked_ = nullptr;
 };
 
-// An array for a client, which gets a copy of its own.
-template <> struct Passed<VARIANT*> {
-    explicit Passed(VARIANT* variant) : variant_(variant) {}
-    ~Passed();
-    Passed(const Passed&) = delete;
-    Passed& operator=(const Passed&) = delete;
-    operator Array*() { return variant_ != nullptr ? &array_ : nullptr; }
-
-  private:
-    VARIANT* variant_;
-    Array array_;
-};
+// An array for a client, which gets a copy of its own, or the empty variant for none. False where memory is short.
+bool CopyArray(const Array& from, VARIANT* variant);
 
 } // namespace zkr::automation

@@ -13,7 +13,7 @@ HRESULT Create(BSTR className, BSTR licence, REFIID iid, void** object) {
     CLSID id;
     HRESULT result = CLSIDFromProgID(className, &id);
     if (FAILED(result)) return result;
-    char narrow[2] = {};
+    char narrow[8] = {}; // the first character, which may need several
     const bool licensed =
         licence != nullptr &&
         WideCharToMultiByte(CP_ACP, 0, licence, 1, narrow, sizeof narrow, nullptr, nullptr) != 0 &&

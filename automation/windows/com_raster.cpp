@@ -111,10 +111,12 @@ HRESULT ComRaster::GetGUID(DWORD kind, GUID* guid) {
 }
 
 HRESULT ComRaster::GetInterfacePointer(IZIRCRaster** raster) {
-    if (raster == nullptr) return object_.Map(Z_ERROR_ARGUMENT);
-    *raster = this;
-    AddRef();
-    return S_OK;
+    const Held held(*this);
+    if (raster != nullptr) {
+        *raster = this;
+        AddRef();
+    }
+    return object_.OwnMember(raster != nullptr ? Z_SUCCESS : Z_ERROR_ARGUMENT);
 }
 
 void ComRaster::ReportFailure(const char* text) {

@@ -87,6 +87,21 @@ class ComRaster final : public IZIRCRaster,
         const Held held(*this);
         return (object_.*member)(Passed<Arguments>{arguments}...);
     }
+    template <typename Member> HRESULT Call(Member member, float y, VARIANT* variant) {
+        return CallForArray(variant, member, y);
+    }
+    template <typename Member> HRESULT Call(Member member, float x, float y, VARIANT* variant) {
+        return CallForArray(variant, member, x, y);
+    }
+    // The client's copy of an array is made last, and may fail.
+    template <typename Member, typename... Arguments>
+    HRESULT CallForArray(VARIANT* variant, Member member, Arguments... arguments) {
+        const Held held(*this);
+        Array array;
+        const HRESULT result = (object_.*member)(arguments..., variant != nullptr ? &array : nullptr);
+        if (variant == nullptr || CopyArray(array, variant)) return result;
+        return object_.Map(Z_ERROR_MEMORY);
+    }
 
     ModuleUse use_;
     std::atomic<ULONG> references_{1};

@@ -95,7 +95,7 @@ HRESULT ConnectionPoint::EnumConnections(IEnumConnections** connections) {
 
 void ConnectionPoint::Fire(DISPID member, const int32_t* numbers, UINT count) {
     const Entered entered(lock_);
-    sinks_.ForEach([=](IDispatch* sink, uint32_t) {
+    const auto tell = [=](IDispatch* sink) {
         VARIANTARG arguments[3];
         for (UINT index = 0; index < count; ++index) { // the last one comes first
             VariantInit(&arguments[count - 1 - index]);
@@ -103,11 +103,24 @@ void ConnectionPoint::Fire(DISPID member, const int32_t* numbers, UINT count) {
             V_I4(&arguments[count - 1 - index]) = numbers[index];
         }
         DISPPARAMS parameters = {arguments, nullptr, count, 0};
-        sink->AddRef();
         sink->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr, nullptr,
                      nullptr);
         sink->Release();
+    };
+    // Who is here now is told, whoever comes and goes meanwhile.
+    Values<IDispatch*> told;
+    const bool copied = told.Resize(sinks_.Count());
+    int32_t held = 0;
+    sinks_.ForEach([&](IDispatch* sink, uint32_t) {
+        sink->AddRef();
+        if (copied) {
+            told[held++] = sink;
+        } else {
+            tell(sink);
+        }
     });
+    for (int32_t index = 0; index < held; ++index)
+        tell(told[index]);
 }
 
 HRESULT MakePointEnumerator(IConnectionPoint* point, IEnumConnectionPoints** enumerator) {

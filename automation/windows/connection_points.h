@@ -26,8 +26,8 @@ class ConnectionPoint final : public IConnectionPoint {
     STDMETHODIMP Unadvise(DWORD cookie) override;
     STDMETHODIMP EnumConnections(IEnumConnections** connections) override;
 
-    // Calls a member of all sinks, with up to three numbers. The lock is held meanwhile; the same thread may come in
-    // again. What a sink answers plays no part.
+    // Calls a member of the sinks that are there now, with up to three numbers. The lock is held meanwhile; the same
+    // thread may come in again. What a sink answers plays no part.
     void Fire(DISPID member, const int32_t* numbers, UINT count);
 
   private:

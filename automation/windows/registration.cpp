@@ -44,8 +44,10 @@ constexpr LCID English = 0x409;
 
 #ifdef _WIN64
 constexpr SYSKIND System = SYS_WIN64;
+constexpr wchar_t LibraryVersion[] = L"\\1.0\\0\\win64";
 #else
 constexpr SYSKIND System = SYS_WIN32;
+constexpr wchar_t LibraryVersion[] = L"\\1.0\\0\\win32";
 #endif
 
 // The component model for a scope, whether or not the caller has begun it.
@@ -80,8 +82,8 @@ HRESULT RegisterLibrary() {
     wchar_t path[MAX_PATH];
     if (!ModulePath(path)) return E_UNEXPECTED;
     Pointer<ITypeLib> library;
-    const HRESULT result = LoadTypeLibEx(path, REGKIND_REGISTER, library.Out());
-    return result;
+    const HRESULT result = LoadOwnLibrary(library.Out());
+    return SUCCEEDED(result) ? RegisterTypeLib(library.get(), path, nullptr) : result;
 }
 
 bool KeyExists(const wchar_t* path) {
@@ -91,11 +93,12 @@ bool KeyExists(const wchar_t* path) {
     return true;
 }
 
-bool KeyOfIdExists(const wchar_t* folder, const GUID& id) {
+bool KeyOfIdExists(const wchar_t* folder, const GUID& id, const wchar_t* below = L"") {
     wchar_t path[80], text[40];
     StringFromGUID2(id, text, static_cast<int>(std::size(text)));
     std::wcscpy(path, folder);
     std::wcscat(path, text);
+    std::wcscat(path, below);
     return KeyExists(path);
 }
 
@@ -135,7 +138,8 @@ HRESULT Unregister() {
     };
     for (const Class& of : Classes)
         note(Run(UndoScript, of));
-    if (KeyOfIdExists(L"TypeLib\\", LIBID_ZIRCRasterLib))
+    // Versions and widths that others have entered stay.
+    if (KeyOfIdExists(L"TypeLib\\", LIBID_ZIRCRasterLib, LibraryVersion))
         note(UnRegisterTypeLib(LIBID_ZIRCRasterLib, 1, 0, 0, System));
     // The class has taken its categories with it, unless removing it has failed.
     if (KeyOfIdExists(L"CLSID\\", CLSID_ZIRCRaster)) {
