@@ -1,5 +1,5 @@
 """What Doxygen reads in place of a public header: the same declarations, with each comment in Doxygen's form. Lines stay where they
-are. Usage: headers.py HEADER (Doxygen's INPUT_FILTER)"""
+are, for the most part. Of a page: the page, with its names of functions as links. Usage: headers.py FILE (Doxygen's filter)"""
 
 import re
 import sys
@@ -10,8 +10,16 @@ ENTRY = re.compile(r"^(?P<names>\w+(?:(?:, | \.\.\. )\w+)*)(?: {2,}(?P<text>\S.*
 TABLE = re.compile(r"^(?P<word>\S(?:.*?\S)?) {2,}(?P<text>\S.*)$")
 
 
+EXPORTS = Path(__file__).resolve().parents[2] / "include/zkr13n/exports.list"
+FUNCTIONS = {line.split()[0] for line in EXPORTS.read_text(encoding="utf-8").splitlines() if line.startswith("Z_")}
+
+
+def linked(text):
+    return re.sub(r"(?<![\w`])Z_\w+", lambda found: f'@ref {found[0]} "{found[0]}"' if found[0] in FUNCTIONS else found[0], text)
+
+
 def escaped(text):
-    return re.sub(r"([\\@<>&#%~])", r"\\\1", text)
+    return linked(re.sub(r"([\\@<>&#%~])", r"\\\1", text))
 
 
 def parameters_of(declaration):
@@ -62,6 +70,10 @@ def block(comment, declaration, also):
 def main():
     file = Path(sys.argv[1])
     text = file.read_text(encoding="utf-8")
+    if file.suffix == ".md":
+        code = re.split(r"(^```.*?^```$|`[^`\n]+`)", text, flags=re.M | re.S)
+        sys.stdout.write("".join(part if number % 2 else linked(part) for number, part in enumerate(code)))
+        return
     if file.name == "raster_component.h":  # of Windows alone, where nobody else declares what is in it
         text = text.replace("#ifdef _WIN32", "#if 1")
     parts, last = [], 0
@@ -77,7 +89,7 @@ def main():
         else:
             # One comment stands for all declarations up to the next empty line.
             declared = re.match(r"\s*((?:[^;{}]*;[ \t]*\n)+)", rest.split("\n\n")[0] + "\n")
-            several = re.findall(r"Z_API[^;]*;[ \t]*\n?", declared[1]) if declared else []
+            several = re.findall(r"(?:Z_API|virtual|typedef)[^;]*;[ \t]*\n?", declared[1]) if declared else []
             parts.append(block(found[1], several[0] if several else rest.partition(";")[0], ""))
             if len(several) > 1:
                 parts.append("\n" + several[0].rstrip("\n"))

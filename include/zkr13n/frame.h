@@ -29,10 +29,10 @@ enum { Z_PRODUCT_DOCUMENT = 0, Z_PRODUCT_STANDARD = 1, Z_PRODUCT_MEDICAL = 2 };
 typedef struct VersionRecord {
     char Product[60];     /* zero-padded text */
     int32_t ProductLevel; /* Z_PRODUCT_..., by the capabilities that are unlocked at the moment of the call */
-    int32_t VersionMajor;
-    int32_t VersionMinor;
-    char Date[16]; /* zero-padded text */
-    char Time[16]; /* zero-padded text */
+    int32_t VersionMajor; /* 13 */
+    int32_t VersionMinor; /* from 0 */
+    char Date[16];        /* zero-padded text */
+    char Time[16];        /* zero-padded text */
 } VersionRecord;
 
 /*

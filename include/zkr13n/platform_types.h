@@ -31,39 +31,39 @@
 
 /* A palette entry: four bytes, blue first. */
 typedef struct tagRGBQUAD {
-    uint8_t rgbBlue;
-    uint8_t rgbGreen;
-    uint8_t rgbRed;
-    uint8_t rgbReserved;
+    uint8_t rgbBlue;     /* 0 to 255 */
+    uint8_t rgbGreen;    /* likewise */
+    uint8_t rgbRed;      /* likewise */
+    uint8_t rgbReserved; /* travels with the entry */
 } RGBQUAD;
 
 /* A pixel's place. */
 typedef struct tagPOINT {
-    int32_t x;
-    int32_t y;
+    int32_t x; /* column */
+    int32_t y; /* row */
 } POINT;
 
 /* A rectangle; right and bottom are not part of it. */
 typedef struct tagRECT {
-    int32_t left;
-    int32_t top;
-    int32_t right;
-    int32_t bottom;
+    int32_t left;   /* the first column */
+    int32_t top;    /* the first row */
+    int32_t right;  /* behind the last column */
+    int32_t bottom; /* behind the last row */
 } RECT;
 
 /* The form of a bitmap outside the library; negative heights count rows from the top down. */
 typedef struct tagBITMAPINFOHEADER {
-    uint32_t biSize; /* bytes of this record: 40 */
-    int32_t biWidth;
-    int32_t biHeight;
-    uint16_t biPlanes;
-    uint16_t biBitCount;
-    uint32_t biCompression;
-    uint32_t biSizeImage;
-    int32_t biXPelsPerMeter;
-    int32_t biYPelsPerMeter;
-    uint32_t biClrUsed;
-    uint32_t biClrImportant;
+    uint32_t biSize;         /* bytes of this record: 40 */
+    int32_t biWidth;         /* pixels */
+    int32_t biHeight;        /* rows */
+    uint16_t biPlanes;       /* 1 */
+    uint16_t biBitCount;     /* bits of a pixel */
+    uint32_t biCompression;  /* how rows are stored, 0 for plain ones */
+    uint32_t biSizeImage;    /* bytes of all rows, may be 0 where they are plain */
+    int32_t biXPelsPerMeter; /* resolution across */
+    int32_t biYPelsPerMeter; /* resolution down */
+    uint32_t biClrUsed;      /* colours, 0 for all that the depth can have */
+    uint32_t biClrImportant; /* not looked at */
 } BITMAPINFOHEADER;
 
 /* Handles are opaque and pointer-sized; a handle is never an address that a caller may follow. */
@@ -77,6 +77,7 @@ typedef struct HWND__* HWND;
 
 #endif
 
+/* Around the declarations of functions, which have C linkage. */
 #ifdef __cplusplus
 #define Z_BEGIN_DECLS extern "C" {
 #define Z_END_DECLS }

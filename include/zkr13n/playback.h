@@ -27,6 +27,7 @@ Z_BEGIN_DECLS
  */
 Z_API ReturnCode Z_CALL Z_CopyPlaybackParms(BitmapHandle* destination, const BitmapHandle* source);
 
+/* A playback, as Z_CreatePlayback makes it. */
 typedef struct PlaybackHandle__* PlaybackHandle;
 
 /* What a playback does next, or waits for. */

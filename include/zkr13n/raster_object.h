@@ -44,7 +44,7 @@ enum {
 typedef struct ZVariant {
     int32_t Type;  /* Z_VARIANT_... */
     int32_t Count; /* elements */
-    void* Data;
+    void* Data;    /* the first of them */
 } ZVariant;
 
 /* What an object tells of its bitmap. A sink may take itself away, call the object and release it meanwhile. */
@@ -58,6 +58,7 @@ struct ZRasterEvents {
     ~ZRasterEvents() {}
 };
 
+/* The object. */
 struct IZIRCRaster {
     /* Adds a reference, takes one; the number of those left. With the last one the object ends. */
     virtual uint32_t AddRef() = 0;

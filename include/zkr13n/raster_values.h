@@ -95,7 +95,7 @@ typedef struct BitmapToken {
     /* Tells the owner that another object has taken the bitmap out of the record (kind 1), or that somebody has
        changed it (RASTEREVENT_...); the token may be null. May be null. */
     ReturnCode(Z_CALL* OwnerNotify)(uint32_t kind, struct BitmapToken* token, void* owner);
-    void* Owner;
+    void* Owner;         /* handed to OwnerNotify */
     uintptr_t OwnerUser; /* a word of the caller's: of RASTEREVENT_CHANGED what has changed */
 } BitmapToken;
 

@@ -15,12 +15,12 @@ Z_BEGIN_DECLS
  */
 typedef struct RegionXform {
     int32_t ViewPerspective; /* VIEW_... */
-    int32_t XNumerator;
-    int32_t XDenominator;
-    int32_t YNumerator;
-    int32_t YDenominator;
-    int32_t XOffset;
-    int32_t YOffset;
+    int32_t XNumerator;      /* of the scale */
+    int32_t XDenominator;    /* other than 0 */
+    int32_t YNumerator;      /* likewise */
+    int32_t YDenominator;    /* likewise */
+    int32_t XOffset;         /* pixels, added after the scale */
+    int32_t YOffset;         /* pixels */
 } RegionXform;
 
 /* One row of a region. */
@@ -42,13 +42,13 @@ typedef struct RegionHandle {
     RegionXform MaskXform;     /* that MaskBitmap was made for */
     int32_t MaskView;          /* the bitmap's view then */
     int32_t Left;              /* bounds; all zero for an empty region */
-    int32_t Top;
-    int32_t Right;          /* not included */
-    int32_t Bottom;         /* not included */
-    uint32_t RowTableBytes; /* 8 for each row from Top to Bottom */
-    RegionRowEntry* RowTable;
-    uint32_t SegmentBytes;
-    int32_t* Segments; /* the end points of all rows */
+    int32_t Top;               /* likewise */
+    int32_t Right;             /* not included */
+    int32_t Bottom;            /* not included */
+    uint32_t RowTableBytes;    /* 8 for each row from Top to Bottom */
+    RegionRowEntry* RowTable;  /* the rows */
+    uint32_t SegmentBytes;     /* of all runs */
+    int32_t* Segments;         /* the end points of all rows */
 } RegionHandle;
 
 /* How a new region is merged with the bitmap's present one, or without one with the whole bitmap. */

@@ -44,12 +44,12 @@ enum {
 typedef struct Curve {
     uint32_t StructSize; /* sizeof(Curve): 36, or 40 with pointers of 64 bits */
     uint32_t CurveType;  /* Z_CURVE_BEZIER or Z_CURVE_CARDINAL */
-    int32_t PointCount;
-    const POINT* Points;
-    uint32_t FillMode; /* Z_POLY_... */
-    double Tension;    /* 0 to 1: how far a spline swings out; 0 gives straight lines */
-    uint32_t Close;    /* Z_CURVE_OPEN, Z_CURVE_CLOSED or Z_CURVE_CLOSED_ON_LAST */
-    uint32_t Reserved; /* not read */
+    int32_t PointCount;  /* in Points */
+    const POINT* Points; /* the ends and controls, or the points that it goes through */
+    uint32_t FillMode;   /* Z_POLY_... */
+    double Tension;      /* 0 to 1: how far a spline swings out; 0 gives straight lines */
+    uint32_t Close;      /* Z_CURVE_OPEN, Z_CURVE_CLOSED or Z_CURVE_CLOSED_ON_LAST */
+    uint32_t Reserved;   /* not read */
 } Curve;
 #pragma pack(pop)
 

@@ -13,6 +13,7 @@
 
 Z_BEGIN_DECLS
 
+/* What a surface is made of. */
 typedef struct SurfaceDescription {
     uint32_t StructSize;  /* sizeof(SurfaceDescription) */
     int32_t Width;        /* pixels, 1 and more */

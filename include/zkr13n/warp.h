@@ -12,10 +12,10 @@ Z_BEGIN_DECLS
  * The corners of a quadrilateral, in pixels of the destination as it is seen with its first row on top (view 0), walked once around.
  */
 typedef struct WarpPoints {
-    POINT TopLeft; /* where the source's corners go, as the source is seen */
-    POINT TopRight;
-    POINT BottomRight;
-    POINT BottomLeft;
+    POINT TopLeft;     /* where the source's corners go, as the source is seen */
+    POINT TopRight;    /* likewise */
+    POINT BottomRight; /* likewise */
+    POINT BottomLeft;  /* likewise */
 } WarpPoints;
 
 /* Bits of the flags argument. */

@@ -16,7 +16,7 @@ def expect(command, status, words):
 
 
 with tempfile.TemporaryDirectory() as folder:
-    for name in ("run", "test", "bench", "package"):
+    for name in ("run", "test", "bench", "package", "manual"):
         link = Path(folder) / name
         link.symlink_to(top / name)
         expect([link, "--help"], 0, f"./{name} ")

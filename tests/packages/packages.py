@@ -72,13 +72,13 @@ def check_wheel(folder):
         return
     wheel = the(f"zkr13n-*-py3-none-linux_{MACHINE}.whl")
     names = zipfile.ZipFile(wheel).namelist()
-    for name in ("libZKR13N.so", "libZFCMP13S.so", "libZFFAX13S.so", "py.typed"):
+    for name in ("_lib/libZKR13N.so.13", "_lib/libZFCMP13S.so", "_lib/libZFFAX13S.so", "py.typed"):
         expect(f"zkr13n/{name}" in names, f"the wheel has no {name}")
     run("/usr/bin/python3", "-m", "venv", folder / "venv")
     python = folder / "venv/bin/python"
     alone = {"PATH": "/usr/bin:/bin", "LC_ALL": "C.UTF-8"}
     run(python, "-m", "pip", "install", "--no-index", wheel, env=alone)
-    print(run(python, top / "tests/packages/wheel.py", folder / "venv", cwd=folder, env=alone), end="")
+    print(run(python, top / "tests/packages/wheel.py", folder / "venv", top / "README.md", cwd=folder, env=alone), end="")
 
 
 def check_windows(folder):
