@@ -41,6 +41,7 @@ class RasterObject {
     }
 
     // Companions.
+    bool HasCompanion() const { return changeCallback_ != nullptr; }
     ReturnCode Attach(ChangeCallback callback, BitmapList list);
     ReturnCode Detach(int32_t mode);
     ReturnCode ReplaceListOnly(BitmapList list);

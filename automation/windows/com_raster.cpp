@@ -70,7 +70,7 @@ HRESULT ComRaster::Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* p
     ITypeInfo* info = nullptr;
     const HRESULT found = OwnTypeInfo(IID_IZIRCRaster, &info);
     if (FAILED(found)) return found;
-    const Held held(*this);
+    const Holding holding(*this, false);
     return info->Invoke(static_cast<IZIRCRaster*>(this), member, flags, parameters, result, exception,
                         argument);
 }
@@ -111,7 +111,7 @@ HRESULT ComRaster::GetGUID(DWORD kind, GUID* guid) {
 }
 
 HRESULT ComRaster::GetInterfacePointer(IZIRCRaster** raster) {
-    const Held held(*this);
+    const Holding holding(*this, false);
     if (raster != nullptr) {
         *raster = this;
         AddRef();
@@ -138,15 +138,16 @@ void ComRaster::ReportFailure(const char* text) {
 
 void ComRaster::FireChange(int32_t change, int32_t reserved1, int32_t reserved2) {
     const int32_t numbers[] = {change, reserved1, reserved2};
-    events_.Fire(1, numbers, 3);
+    if (events_.IsWatched()) events_.Fire(1, numbers, 3);
 }
 
 void ComRaster::FireRegionChange() {
-    events_.Fire(2, nullptr, 0);
+    if (events_.IsWatched()) events_.Fire(2, nullptr, 0);
 }
 
 bool ComRaster::TranslateColour(uint32_t colour, uint32_t* plain) {
-    COLORREF translated = 0;
+    COLORREF translated = colour;
+    if (colour <= 0xFFFFFF) return *plain = colour, true; // as the system has it
     if (FAILED(OleTranslateColor(colour, nullptr, &translated))) return false;
     *plain = translated;
     return true;

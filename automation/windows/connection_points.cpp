@@ -70,13 +70,16 @@ HRESULT ConnectionPoint::Advise(IUnknown* sink, DWORD* cookie) {
     *cookie = sinks_.Add(dispatch.get());
     if (*cookie == 0) return E_OUTOFMEMORY;
     dispatch.HandOver();
+    watched_ = true;
     return S_OK;
 }
 
 HRESULT ConnectionPoint::Unadvise(DWORD cookie) {
     Pointer<IDispatch> sink;
     const Entered entered(lock_);
-    return sinks_.Remove(cookie, sink.Out()) ? S_OK : CONNECT_E_NOCONNECTION;
+    if (!sinks_.Remove(cookie, sink.Out())) return CONNECT_E_NOCONNECTION;
+    watched_ = sinks_.Count() != 0;
+    return S_OK;
 }
 
 HRESULT ConnectionPoint::EnumConnections(IEnumConnections** connections) {

@@ -7,6 +7,8 @@
 #include <ole2.h>
 #include <olectl.h>
 
+#include <atomic>
+
 namespace zkr::automation {
 
 // The one connection point of a raster object, for its events. It shares the object's references.
@@ -29,11 +31,14 @@ class ConnectionPoint final : public IConnectionPoint {
     // Calls a member of the sinks that are there now, with up to three numbers. The lock is held meanwhile; the same
     // thread may come in again. What a sink answers plays no part.
     void Fire(DISPID member, const int32_t* numbers, UINT count);
+    // Whether there may be sinks, told without the lock.
+    bool IsWatched() const { return watched_.load(std::memory_order_relaxed); }
 
   private:
     IConnectionPointContainer& owner_;
     CRITICAL_SECTION lock_;
     SinkList<IDispatch*> sinks_;
+    std::atomic<bool> watched_{false};
 };
 
 // One connection point after the other, of which there is one.

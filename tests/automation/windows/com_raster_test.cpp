@@ -270,7 +270,7 @@ TEST_F(ComRaster, CompanionsAttach) {
 // Prints what a member costs in calls of the function behind it, the fastest of several runs; asserts nothing of it.
 template <typename Body> double Nanoseconds(Body body) {
     double best = 1e300;
-    for (int run = 0; run < 7; ++run) {
+    for (int run = 0; run < 25; ++run) {
         constexpr int calls = 20000;
         const auto start = std::chrono::steady_clock::now();
         for (int call = 0; call < calls; ++call)
