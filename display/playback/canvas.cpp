@@ -115,7 +115,6 @@ bool Canvas::IsInForm(const BitmapHandle& frame) const {
 }
 
 void Canvas::Render(BitmapHandle& frame) {
-    if (!IsAllocated(&frame)) return;
     if (frame.DisposalMethod == PLAYBACK_DISPOSE_PREVIOUS) {
         DropSaved();
         savedPlace_ = PlaceOf(frame);
@@ -170,8 +169,9 @@ void Canvas::FillPlace(const PixelRect& place) {
 void Canvas::RestorePlace(const PixelRect& place) {
     RECT shown = place.AsRect();
     if (Z_RectFromBitmap(target_, view::TopLeft, &shown) != code::Success) return;
-    Z_CombineBitmap(target_, shown.left, shown.top, shown.right - shown.left, shown.bottom - shown.top,
-                    &saved_, 0, 0, Copy);
+    const PixelRect all = PixelRect::Of(shown); // one that lies far away may come back inverted
+    Z_CombineBitmap(target_, all.Left, all.Top, Saturated(all.Width()), Saturated(all.Height()), &saved_, 0,
+                    0, Copy);
 }
 
 void Canvas::Record(BitmapHandle& frame) {

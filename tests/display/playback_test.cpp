@@ -8,6 +8,7 @@
 #include "zkr13n/color_resolution.h"
 #include "zkr13n/copy.h"
 #include "zkr13n/region_shapes.h"
+#include "zkr13n/views.h"
 
 #include <algorithm>
 
@@ -171,6 +172,37 @@ TEST(Playback, FramesOfOtherFormsAndRegionsAreDrawnAsTheyCanBe) {
         for (int x = 0; x < 20; ++x)
             EXPECT_EQ(disposed.At(x, y) == 0x777777u, x >= 6 && x < 11 && y >= 2 && y < 10) << x << ',' << y;
     EXPECT_EQ(target.Region, own);
+}
+
+TEST(Playback, PassesFramesOverThatCannotBeDrawn) {
+    for (const int32_t view : AllViews) {
+        Bitmap target;
+        ASSERT_EQ(
+            Z_CreateBitmap(&target, MemoryConventional, 20, 30, 24, Z_ORDER_BGR, nullptr, view, nullptr, 0),
+            1);
+        Player player(&target);
+        BitmapHandle bare, far;
+        ASSERT_EQ(Z_InitBitmap(&bare, 5, 4, 24), 1); // without storage
+        bare.ViewPerspective = VIEW_TOP_LEFT;
+        bare.PlaybackLeft = 3, bare.PlaybackTop = 2;
+        ASSERT_EQ(Z_CreateBitmap(&far, MemoryConventional, 5, 4, 24, Z_ORDER_BGR, nullptr, 0, nullptr, 0), 1);
+        far.PlaybackLeft = INT32_MAX - 2, far.PlaybackTop = INT32_MIN + 2;
+        bare.DisposalMethod = far.DisposalMethod = PLAYBACK_DISPOSE_PREVIOUS;
+        player.Add(bare);
+        player.Add(far);
+        player.Step();
+        const Picture before = player.Shown();
+        RECT changed = {3, 2, 8, 6};
+        Z_RectToBitmap(&target, VIEW_TOP_LEFT, &changed);
+        for (const RECT& expected : {changed, RECT{}}) {
+            ASSERT_EQ(Z_ClearPlaybackUpdateRect(player.handle), 1);
+            player.StepTo(PlaybackDisposed);
+            RECT update;
+            ASSERT_EQ(Z_GetPlaybackUpdateRect(player.handle, &update, 0), 1);
+            EXPECT_EQ(std::memcmp(&update, &expected, sizeof update), 0) << view;
+            EXPECT_EQ(player.Shown(), before);
+        }
+    }
 }
 
 TEST(Playback, WaitsForDelaysInputAndLines) {
