@@ -122,7 +122,9 @@ class TurnedRegion {
           row_(BitRowWords(static_cast<size_t>(area.Width()))) {}
 
     ReturnCode Make(OwnedRegion& result) {
-        if (!picture_ || !row_) return code::OutOfMemory;
+        // Places in the picture are counted in 32 bits.
+        if (!picture_ || !row_ || seen_.Width() > INT32_MAX || seen_.Height() > INT32_MAX)
+            return code::OutOfMemory;
         RegionBuilder builder;
         ReturnCode status = builder.Begin(area_, EntriesOf(region_));
         if (status != code::Success) return status;

@@ -129,6 +129,22 @@ TEST(RotateRegion, WalksLongLines) {
     }
 }
 
+TEST(RotateRegion, RefusesRegionsWiderThanANumber) {
+    const PixelRect wide = {INT32_MIN + 10, 0, 100, 1};
+    OwnedRegion region;
+    RegionBuilder builder;
+    ASSERT_EQ(builder.Begin(wide, 2), code::Success);
+    builder.AddRun(wide.Left, wide.Right);
+    ASSERT_EQ(builder.EndRow(), code::Success);
+    builder.Finish(region);
+    BitmapHandle bitmap{};
+    bitmap.Width = bitmap.Height = 20;
+    bitmap.Flags = flag::RegionUnclipped;
+    bitmap.Region = region.get();
+    EXPECT_EQ(RotateRegion(&bitmap, 20, 20, 18000), code::OutOfMemory);
+    EXPECT_EQ(region->Left, wide.Left);
+}
+
 TEST(ShearRegion, SlidesRows) {
     Seeded seeded(12);
     for (int round = 0; round < 2000; ++round) {
