@@ -38,9 +38,10 @@ struct TargetWindow {
         Z_GetGrayParams(bitmap.BitsPerPixel, bitmap.BitsPerPixel, bitmap.LowBit, bitmap.HighBit, &ValueBits,
                         &Mask, &Shift);
     }
-    // A value of so many bits cut to those of the window, in its place.
+    // A value of so many bits cut to those of the window, in its place. A window of no bits holds nothing, however far its
+    // ends lie apart.
     uint32_t Place(uint32_t value, int32_t bits) const {
-        return ShiftLeft(ShiftRight(value, bits - ValueBits), Shift);
+        return ValueBits <= 0 ? 0 : ShiftLeft(ShiftRight(value, bits - ValueBits), Shift);
     }
     int32_t ValueBits;
     uint32_t Mask;

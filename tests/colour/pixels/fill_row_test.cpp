@@ -75,6 +75,7 @@ const PixelCase pixelCases[] = {
     {12, gray, 2, 9, true, 0x00B0B0B0, 2 << 2},
     {12, gray, 2, 9, true, 0x0400B0FF, 2 << 2},
     {12, gray, 2, 9, true, 0x01000ABC, 0x2AC},
+    {12, gray, INT32_MAX, -1, false, 0x00FFFFFF, 0}, // a window without bits
     // 16 bits gray: bits 24 and 26 mark a gray value, top byte 2 is a plain colour.
     {16, gray, 0, 15, false, 0x0100ABCD, 0xABCD},
     {16, gray, 0, 15, false, 0x0400ABCD, 0xABCD},
