@@ -168,7 +168,8 @@ def records_file(interface: Interface) -> Iterator[str]:
     kinds = [kind for callback in interface.callbacks.values() for kind in callback]
     yield from head("The records that cross the interface, and the types of the functions that the library calls.",
                     "import ctypes", "import sys", wrapped("from ctypes import ", names_of_types(fields + kinds), ""),
-                    "", "# Their calling convention is that of the exported functions.", 'if sys.platform == "win32":', "    CALLBACK = ctypes.WINFUNCTYPE", "else:",
+                    "", "# Their calling convention is that of the exported functions.",
+                    'if sys.platform == "win32":', "    CALLBACK = ctypes.WINFUNCTYPE", "else:",
                     "    CALLBACK = ctypes.CFUNCTYPE")
     for name, record in interface.records.items():
         yield ""

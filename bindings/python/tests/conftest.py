@@ -1,4 +1,5 @@
-"""Lets pytest alone do, in the tree: the package as it stands, and the library of the native build unless another is named."""
+"""Lets pytest alone do, in the tree: it takes the package as it stands, and the library of the native build unless another
+is named."""
 
 import os
 import sys

@@ -137,7 +137,8 @@ def test_a_second_thread_is_refused_and_the_first_goes_on():
     worker.start()
     assert entered.wait(10)
     for touch in (lambda: bitmap.flip(), lambda: bitmap.row(0), bitmap.tobytes, bitmap.close, lambda: numpy.asarray(bitmap),
-                  lambda: bitmap.region, lambda: Bitmap(3, 3).underlay(bitmap), lambda: pickle.dumps(bitmap)):
+                  lambda: bitmap.region, lambda: setattr(bitmap, "view", 1), lambda: setattr(bitmap, "delay", 1),
+                  lambda: Bitmap(3, 3).underlay(bitmap), lambda: pickle.dumps(bitmap)):
         with pytest.raises(BusyError):
             touch()
     go.set()
@@ -163,6 +164,21 @@ def test_threads_that_fight_for_a_bitmap():
     for thread in threads:
         thread.join()
     assert len(done) + len(refused) == 240 and len(bitmap.tobytes()) > 0
+
+
+def test_threads_share_a_region():
+    region, other = Region.ellipse((0, 0, 900, 900)), Region.rectangle((400, 400, 2000, 2000))
+    expected, results = region ^ other, []
+
+    def join():
+        results.extend(region ^ other == expected for _ in range(20))
+
+    threads = [threading.Thread(target=join) for _ in range(4)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert results == [True] * 80
 
 
 def test_calls_leave_the_interpreter_to_other_threads():

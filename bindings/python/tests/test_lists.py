@@ -16,7 +16,8 @@ def test_a_list_is_a_sequence():
     pages.append(three)
     assert list(pages) == [one, two, three] and pages[-1] is three and len(pages) == 3 and two in pages
     assert list(pages[::2]) == [one, three] and pages.index(two) == 1
-    for wrong in (lambda: pages.append(one), lambda: pages.__setitem__(0, two), lambda: pages.__setitem__(slice(0, 1), [two])):
+    for wrong in (lambda: pages.append(one), lambda: pages.__setitem__(0, two),
+                  lambda: pages.__setitem__(slice(0, 1), [two])):
         with pytest.raises(ValueError, match="already"):
             wrong()
     with pytest.raises(TypeError):
@@ -64,8 +65,9 @@ def animation():
     """Frames of which each disposal occurs, and the same as a file that Pillow reads."""
     random = numpy.random.default_rng(3)
     frames = []
-    for number, (disposal, box) in enumerate([(1, (0, 0, 40, 30)), (2, (5, 6, 20, 20)), (1, (10, 3, 30, 22)),
-                                              (3, (0, 10, 25, 30)), (1, (20, 20, 40, 30)), (2, (2, 2, 12, 9)), (1, (1, 1, 9, 9))]):
+    places = [(1, (0, 0, 40, 30)), (2, (5, 6, 20, 20)), (1, (10, 3, 30, 22)), (3, (0, 10, 25, 30)), (1, (20, 20, 40, 30)),
+              (2, (2, 2, 12, 9)), (1, (1, 1, 9, 9))]
+    for number, (disposal, box) in enumerate(places):
         left, top, right, bottom = box
         array = random.integers(1 if number == 0 else 0, 8, (bottom - top, right - left), dtype=numpy.uint8)
         frame = Bitmap.from_array(array, palette=Palette([(30 * i, 255 - 20 * i, i) for i in range(256 // 32)]))
@@ -86,7 +88,8 @@ def gif_of(frames):
         codes = [code for at in range(0, frame.width * frame.height, 200) for code in (256, *frame.tobytes()[at:at + 200])]
         bits = sum(code << 9 * place for place, code in enumerate([*codes, 257]))
         packed = bits.to_bytes((9 * (len(codes) + 1) + 7) // 8, "little")
-        data += b"".join(bytes([len(packed[at:at + 255])]) + packed[at:at + 255] for at in range(0, len(packed), 255)) + b"\0"
+        blocks = [packed[at:at + 255] for at in range(0, len(packed), 255)]
+        data += b"".join(bytes([len(block)]) + block for block in blocks) + b"\0"
     return data + b"\x3B"
 
 

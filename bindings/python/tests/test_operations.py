@@ -196,7 +196,8 @@ def test_palettes_of_bitmaps():
     assert Palette.gray(2).grayness == Gray.NORMAL and not colours.grayness
     assert Palette.from_array(colours.to_array()) == colours and len({colours, Palette(colours)}) == 1
     short = Bitmap(4, 4, 8, palette=Palette([BLACK, WHITE, (9, 9, 9)]))
-    assert len(short.palette) >= 3 and short.palette[2] == (9, 9, 9)
+    assert list(short.palette) == [BLACK, WHITE, (9, 9, 9)] and short[0:2].palette == short.palette
+    assert short.fill(index(200)).colour(0, 0) == BLACK and short.fill(colours.to_array()[4])[0, 0] in range(3)
     for wrong in (lambda: Palette([]), lambda: Palette([BLACK] * 257), lambda: Palette.fixed(9), lambda: Palette.gray(0)):
         with pytest.raises(ValueError):
             wrong()

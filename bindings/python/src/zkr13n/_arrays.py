@@ -43,8 +43,8 @@ class ArrayAccess(PixelAccess):
         try:
             handle = record.handle
             if handle.BitsPerPixel not in ELEMENTS:
-                raise BufferError(f"pixels of {handle.BitsPerPixel} bits are no elements of an array: to_array unpacks them, "
-                                  "and memoryviews (bitmap.data) show the packed rows")
+                raise BufferError(f"pixels of {handle.BitsPerPixel} bits are no elements of an array: to_array "
+                                  "unpacks them, and memoryviews (bitmap.data) show the packed rows")
             kind, channels = ELEMENTS[handle.BitsPerPixel]
             item = int(kind[-1])
             last = ((channels,), (item,)) if channels else ((), ())

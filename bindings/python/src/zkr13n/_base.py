@@ -14,10 +14,11 @@ from types import TracebackType
 from typing import Any, List, Optional, Tuple, Type, TypeVar
 
 from . import _constants as c
-from ._errors import SUCCESS, BusyError, failure
+from ._errors import SUCCESS, BusyError, check, failure
 from ._library import lib
 from ._progress import Progress, run
 from ._records import BitmapHandle
+from ._system import delete_object
 from .enums import Order, Storage, View
 from .palette import Palette
 
@@ -59,6 +60,21 @@ class Record:
 
     def is_viewed(self) -> bool:
         return any(view() is not None for view in self.views)
+
+
+def give_palette(record: Record, palette: Palette) -> None:
+    """Puts a palette in the place of a record's."""
+    if len(palette) > 1 << record.handle.BitsPerPixel:
+        raise ValueError(f"{len(palette)} colours are too many for {record.handle.BitsPerPixel} bits")
+    if len(palette) < 2:
+        raise ValueError("the palette of a bitmap has two colours at least")
+    made = lib.Z_CreatePalette(palette._entries, len(palette))
+    if made is None:
+        raise failure(c.Z_ERROR_MEMORY, lib.Z_CreatePalette)
+    try:
+        check(lib.Z_SetBitmapPalette(record.reference, made), lib.Z_SetBitmapPalette)
+    finally:
+        delete_object(made)
 
 
 class Guard:
@@ -123,12 +139,10 @@ class BitmapBase:
         """A record with storage; memory of the caller's as its owner, address and size in bytes."""
         owner, address, size = memory if memory is not None else (None, None, 0)
         record = Record(owner)
-        code = lib.Z_CreateBitmap(record.reference, storage, width, height, bits if bits else -1, order,
-                                  None if palette is None else palette._padded(bits), view, address, size)
-        if code != SUCCESS:
-            raise failure(code, lib.Z_CreateBitmap)
-        if palette is not None and len(palette) < 1 << bits:
-            record.handle.ColorsUsed = len(palette)
+        check(lib.Z_CreateBitmap(record.reference, storage, width, height, bits if bits else -1, order, None, view, address,
+                                 size), lib.Z_CreateBitmap)
+        if palette is not None:
+            give_palette(record, palette)
         return record
 
     @classmethod
@@ -195,6 +209,15 @@ class BitmapBase:
         if record is None:
             raise ValueError("the bitmap is closed")
         return record.handle
+
+    def _set(self, **fields: int) -> None:
+        """Sets fields of the record."""
+        record = self._take()
+        try:
+            for name, value in fields.items():
+                setattr(record.handle, name, value)
+        finally:
+            self._lock.release()
 
     # ---- Life
 
@@ -264,7 +287,7 @@ class BitmapBase:
 
     @view.setter
     def view(self, view: View) -> None:
-        self._handle.ViewPerspective = View(view)
+        self._set(ViewPerspective=View(view))
 
     @property
     def row_bytes(self) -> int:
@@ -285,8 +308,7 @@ class BitmapBase:
     @resolution.setter
     def resolution(self, dots: Any) -> None:
         across, down = (dots, dots) if isinstance(dots, int) else dots
-        handle = self._handle
-        handle.XResolution, handle.YResolution = across, down
+        self._set(XResolution=across, YResolution=down)
 
     def __repr__(self) -> str:
         name = f"zkr13n.{type(self).__name__}"

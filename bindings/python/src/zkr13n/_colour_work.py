@@ -6,7 +6,7 @@ import ctypes
 from typing import Any, Optional, Tuple, TypeVar
 
 from . import _constants as c
-from ._base import BitmapBase, Guard, Record
+from ._base import BitmapBase, Guard, Record, give_palette
 from ._errors import SUCCESS, check, failure
 from ._library import lib
 from ._progress import Progress, run
@@ -162,11 +162,10 @@ class ColourWork(BitmapBase):
 
     @value_bits.setter
     def value_bits(self, bits: Tuple[int, int]) -> None:
-        handle = self._handle
         low, high = bits
-        if not 0 <= low <= high < handle.BitsPerPixel:
-            raise ValueError(f"bits {low} to {high} are no window in a pixel of {handle.BitsPerPixel}")
-        handle.LowBit, handle.HighBit = low, high
+        if not 0 <= low <= high < self.bits:
+            raise ValueError(f"bits {low} to {high} are no window in a pixel of {self.bits}")
+        self._set(LowBit=low, HighBit=high)
 
     def clear_negative(self: C) -> C:
         """Turns negative values of a bitmap of signed pixels to 0, in place; returns the bitmap."""
@@ -180,8 +179,8 @@ class ColourWork(BitmapBase):
 
     @signed.setter
     def signed(self, signed: bool) -> None:
-        handle = self._handle
-        handle.Flags = handle.Flags | c.Z_FLAG_SIGNED if signed else handle.Flags & ~c.Z_FLAG_SIGNED
+        flags = self._handle.Flags & ~c.Z_FLAG_SIGNED
+        self._set(Flags=flags | c.Z_FLAG_SIGNED if signed else flags)
 
     # ---- Colours
 
@@ -198,16 +197,11 @@ class ColourWork(BitmapBase):
     def palette(self, palette: Palette) -> None:
         if self.bits > 8:
             raise ValueError(f"a bitmap of {self.bits} bits has no palette")
-        from ._system import delete_object
-
-        entries = palette._padded(self.bits)
-        made = lib.Z_CreatePalette(entries, len(palette))
-        if made is None:
-            raise failure(c.Z_ERROR_MEMORY, lib.Z_CreatePalette)
+        record = self._take()
         try:
-            self._call(lib.Z_SetBitmapPalette, made)
+            give_palette(record, palette)
         finally:
-            delete_object(made)
+            self._lock.release()
 
     def count_colours(self, *, progress: Optional[Progress] = None) -> int:
         """The number of distinct colours in the bitmap, or in what its region selects."""

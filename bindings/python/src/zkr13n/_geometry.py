@@ -175,7 +175,7 @@ class Geometry(BitmapBase):
     def paint(self, target: Union[BitmapBase, int], *, to: Optional[Box] = None, source: Optional[Box] = None,
               clip: Optional[Box] = None, inside_region: bool = False, operation: int = 0x00CC0020,
               progress: Optional[Progress] = None) -> None:
-        """Paints the bitmap, or a part of it, as a device shows it: scaled, dithered, and with contrast, intensity and gamma.
+        """Paints the bitmap, or a part of it, as a device shows it: scaled, dithered, with contrast, intensity, gamma.
 
         target         what is painted on: a bitmap, which is brought to the form of a device-independent bitmap in memory,
                        or a device context (HDC) as a number

@@ -12,6 +12,7 @@ from __future__ import annotations
 import ctypes
 import os
 import sys
+from ctypes.util import find_library
 from pathlib import Path
 from typing import Any, Iterator, List, Optional, Tuple
 
@@ -42,7 +43,11 @@ def candidates() -> Iterator[str]:
     if named:
         path = Path(named).resolve()
         yield from (str(path / name) for name in NAMES) if path.is_dir() else (str(path),)
-    yield from NAMES
+    if sys.platform == "win32":
+        found = find_library(NAMES[0])
+        yield from [found] if found else []
+    else:
+        yield from NAMES
 
 
 def load() -> Tuple[ctypes.CDLL, str]:

@@ -4,16 +4,21 @@ neither the region nor the view plays a part."""
 from __future__ import annotations
 
 import ctypes
+from operator import index
+from struct import Struct
 from typing import Any, Iterator, Optional, Tuple, Type, TypeVar, Union
 
 from . import _constants as c
 from ._base import BitmapBase, Record
-from ._errors import failure
+from ._errors import check, failure
 from ._library import lib
+from ._progress import Progress, run
 from .colours import Colour, ColourLike, value_of
 from .enums import Order, Storage, View
 from .palette import Palette
 
+WHOLE_BYTES = {8, 24, 32, 48, 64}
+UNPACK = {6: Struct("<3H").unpack, 8: Struct("<4H").unpack}
 Eight = ctypes.c_ubyte * 8
 Two = ctypes.c_uint32 * 2
 Value = Union[int, Tuple[int, ...]]
@@ -25,20 +30,24 @@ def packed_bytes(width: int, bits: int) -> int:
     return (width * bits + 7) // 8
 
 
-def repeated(value: Value, bits: int, width: int) -> bytes:
+def _within(value: Any, bits: int) -> int:
+    number = index(value)
+    if not 0 <= number < 1 << bits:
+        raise ValueError(f"a pixel of {bits} bits holds a whole number from 0 to {(1 << bits) - 1}, not {value}")
+    return number
+
+
+def repeated(value: Any, bits: int, width: int) -> bytes:
     """A packed row of one stored value."""
     if bits < 8:
         ones = (1 << bits) - 1
-        if not isinstance(value, int) or not 0 <= value <= ones:
-            raise ValueError(f"a pixel of {bits} bits holds a whole number from 0 to {ones}, not {value}")
-        spare = -width * bits % 8
-        return (value * (((1 << bits * width) - 1) // ones) << spare).to_bytes(packed_bytes(width, bits), "big")
+        row = _within(value, bits) * (((1 << bits * width) - 1) // ones) << (-width * bits % 8)
+        return row.to_bytes(packed_bytes(width, bits), "big")
     if bits == 12:
-        if not isinstance(value, int) or not 0 <= value <= 4095:
-            raise ValueError(f"a pixel of 12 bits holds a whole number from 0 to 4095, not {value}")
-        return ((value | value << 12).to_bytes(3, "little") * ((width + 1) // 2))[: packed_bytes(width, 12)]
+        word = _within(value, bits)
+        return ((word | word << 12).to_bytes(3, "little") * ((width + 1) // 2))[: packed_bytes(width, 12)]
     channels = 1 if bits in (8, 16) else bits // 8 if bits in (24, 32) else bits // 16
-    values = (value,) if isinstance(value, int) else tuple(value)
+    values = tuple(value) if hasattr(value, "__len__") else (value,)
     if len(values) != channels:
         raise ValueError(f"a pixel of {bits} bits holds {channels} numbers, not {len(values)}")
     each = bits // 8 // channels
@@ -77,8 +86,9 @@ class PixelAccess(BitmapBase):
             if len(data) == handle.BytesPerLine * handle.Height:
                 row = step = handle.BytesPerLine
             elif len(data) != row * handle.Height:
-                raise ValueError(f"{handle.Height} rows take {row * handle.Height} bytes, or {handle.BytesPerLine * handle.Height} "
-                                 f"with padding, not {len(data)}")
+                padded = handle.BytesPerLine * handle.Height
+                raise ValueError(f"{handle.Height} rows take {row * handle.Height} bytes, or {padded} with padding, "
+                                 f"not {len(data)}")
             address = record.address()
             if address is not None:
                 target = memoryview((ctypes.c_ubyte * (handle.BytesPerLine * handle.Height)).from_address(address)).cast("B")
@@ -169,15 +179,20 @@ class PixelAccess(BitmapBase):
     def set_colour(self: P, x: int, y: int, colour: ColourLike) -> P:
         """Gives a pixel a colour, with indices that of the nearest entry. Returns the bitmap. Outside the bitmap's region
         it is an ArgumentError."""
-        handle = self._handle
-        self._call(lib.Z_PutPixelColor, _place(y, handle.Height), _place(x, handle.Width), value_of(colour))
+        value, record = value_of(colour), self._take()
+        try:
+            handle = record.handle
+            code = lib.Z_PutPixelColor(record.reference, _place(y, handle.Height), _place(x, handle.Width), value)
+        finally:
+            self._lock.release()
+        check(code, lib.Z_PutPixelColor)
         return self
 
     def __getitem__(self: P, item: Index) -> Any:
         """`bitmap[y, x]` is the stored value of a pixel: an index, a level of gray, a 16-bit word, or a tuple of channels in
         the bitmap's order. `bitmap[y0:y1, x0:x1]` is a new bitmap of these rows and columns, with region and palette;
         `bitmap[y0:y1]` has all columns."""
-        if isinstance(item, tuple) and len(item) == 2 and not any(isinstance(part, slice) for part in item):
+        if isinstance(item, tuple) and _is_pixel(item):
             record = self._take()
             try:
                 handle = record.handle
@@ -190,11 +205,10 @@ class PixelAccess(BitmapBase):
     def __setitem__(self, item: Index, value: Union[Value, BitmapBase]) -> None:
         """Writes a stored value into a pixel, or into all of a slice; or a bitmap of the slice's size, of the same depth
         and order, into a slice."""
-        if isinstance(item, tuple) and not any(isinstance(part, slice) for part in item):
-            y, x = (_place(part, size) for part, size in zip(item, (self.height, self.width)))
-            top, bottom, left, right = y, y + 1, x, x + 1
-        else:
-            top, bottom, left, right = self._box(item)
+        if isinstance(item, tuple) and _is_pixel(item):
+            self._put_pixel(item, value)
+            return
+        top, bottom, left, right = self._box(item)
         if isinstance(value, PixelAccess):
             if value.size != (right - left, bottom - top) or (value.bits, value.order) != (self.bits, self.order):
                 raise ValueError(f"{value!r} does not fit into {right - left}x{bottom - top} pixels of {self!r}")
@@ -202,10 +216,26 @@ class PixelAccess(BitmapBase):
             source = value.copy() if value is self else value
             rows = source.rows()
         else:
-            one = repeated(value, self.bits, right - left)  # type: ignore[arg-type]
+            one = repeated(value, self.bits, right - left)
             rows = (one for _ in range(top, bottom))
         for y, content in zip(range(top, bottom), rows):
             self._call(lib.Z_PutBitmapRowSegments, content, y, left, Two(0, right - left), 2, 0)
+
+    def _put_pixel(self, item: Any, value: Any) -> None:
+        record = self._take()
+        try:
+            handle = record.handle
+            bits = handle.BitsPerPixel
+            y, x = _place(item[0], handle.Height), _place(item[1], handle.Width)
+            content = repeated(value, bits, 1)
+            if bits < 8 or bits == 12:
+                function = lib.Z_PutBitmapRowSegments
+                check(function(record.reference, content, y, x, Two(0, 1), 2, 0), function)
+            else:
+                function = lib.Z_PutPixelData
+                check(function(record.reference, content, y, x, len(content)), function)
+        finally:
+            self._lock.release()
 
     def _box(self, item: Index) -> Tuple[int, int, int, int]:
         """Top, bottom, left and right of a slice."""
@@ -224,14 +254,19 @@ class PixelAccess(BitmapBase):
 
     # ---- Copies and fills
 
-    def copy(self: P, storage: Optional[Storage] = None, *, progress: Any = None) -> P:
+    def copy(self: P, storage: Optional[Storage] = None, *, progress: Optional[Progress] = None) -> P:
         """A new bitmap with the same pixels, palette and region; compressed and on disk where this one is, or in the
         storage that is named."""
         if storage is None:
             return self._make(lib.Z_CopyBitmap, progress=progress)
-        made = self._make(lib.Z_CopyBitmap2, storage, progress=progress)
-        made._call(lib.Z_CopyGrayParams, self._record.reference if self._record else None)
-        return made
+        record, made = self._take(), Record()
+        try:
+            function = lib.Z_CopyBitmap2
+            check(run(function, (made.reference, record.reference, storage), progress), function)
+            check(lib.Z_CopyGrayParams(made.reference, record.reference), lib.Z_CopyGrayParams)
+        finally:
+            self._lock.release()
+        return self._adopt(made)
 
     def __copy__(self: P) -> P:
         return self.copy()
@@ -239,23 +274,29 @@ class PixelAccess(BitmapBase):
     def __deepcopy__(self: P, _memo: Any) -> P:
         return self.copy()
 
-    def fill(self: P, colour: ColourLike, *, progress: Any = None) -> P:
+    def fill(self: P, colour: ColourLike, *, progress: Optional[Progress] = None) -> P:
         """Fills the bitmap, or what its region selects, with a colour. Returns the bitmap."""
         self._call(lib.Z_FillBitmap, value_of(colour), progress=progress)
         return self
 
-    def clear(self: P, *, progress: Any = None) -> P:
+    def clear(self: P, *, progress: Optional[Progress] = None) -> P:
         """Fills the bitmap, or what its region selects, with zeros: index 0 or black. Returns the bitmap."""
         self._call(lib.Z_ClearBitmap, progress=progress)
         return self
 
 
+def _is_pixel(item: Tuple[Any, ...]) -> bool:
+    return len(item) == 2 and type(item[0]) is not slice and type(item[1]) is not slice
+
+
 def _place(at: Any, size: int) -> int:
     """A row or column counted from 0, from one that may count from the end."""
-    place = at.__index__()
+    place = index(at)
+    if 0 <= place < size:
+        return place
     if not -size <= place < size:
-        raise IndexError(f"{place} is outside the bitmap's {size}")
-    return int(place + size if place < 0 else place)
+        raise IndexError(f"{place} is outside the bitmap, of {size}")
+    return place + size
 
 
 def get_row(record: Record, y: int, count: int, buffer: Any) -> None:
@@ -282,6 +323,11 @@ def _put_row(record: Record, y: int, content: bytes) -> None:
 
 def _get_pixel(record: Record, y: int, x: int) -> Value:
     bits: int = record.handle.BitsPerPixel
+    address = record.address() if bits in WHOLE_BYTES else None
+    if address is not None:
+        size = bits // 8
+        content = ctypes.string_at(address + y * record.handle.BytesPerLine + x * size, size)
+        return content[0] if size == 1 else tuple(content) if size in (3, 4) else UNPACK[size](content)
     data = Eight()
     code = lib.Z_GetPixelData(record.reference, data, y, x, 2 if bits < 8 else (bits + 7) // 8)
     if code != c.Z_SUCCESS:

@@ -45,8 +45,8 @@ class Bitmap(Exchange, RegionAccess):
 
     @position.setter
     def position(self, place: Tuple[int, int]) -> None:
-        handle = self._handle
-        handle.PlaybackLeft, handle.PlaybackTop = place
+        left, top = place
+        self._set(PlaybackLeft=left, PlaybackTop=top)
 
     @property
     def delay(self) -> int:
@@ -55,7 +55,7 @@ class Bitmap(Exchange, RegionAccess):
 
     @delay.setter
     def delay(self, milliseconds: int) -> None:
-        self._handle.PlaybackDelay = milliseconds
+        self._set(PlaybackDelay=milliseconds)
 
     @property
     def disposal(self) -> Disposal:
@@ -64,7 +64,7 @@ class Bitmap(Exchange, RegionAccess):
 
     @disposal.setter
     def disposal(self, disposal: Disposal) -> None:
-        self._handle.DisposalMethod = Disposal(disposal)
+        self._set(DisposalMethod=Disposal(disposal))
 
     @property
     def background(self) -> Colour:
@@ -73,7 +73,7 @@ class Bitmap(Exchange, RegionAccess):
 
     @background.setter
     def background(self, colour: ColourLike) -> None:
-        self._handle.PlaybackBackColor = value_of(colour)
+        self._set(PlaybackBackColor=value_of(colour))
 
     @property
     def transparent(self) -> Optional[Colour]:
@@ -84,12 +84,11 @@ class Bitmap(Exchange, RegionAccess):
 
     @transparent.setter
     def transparent(self, colour: Optional[ColourLike]) -> None:
-        handle = self._handle
+        flags = self._handle.Flags & ~c.Z_FLAG_PLAYBACK_TRANSPARENCY
         if colour is None:
-            handle.Flags &= ~c.Z_FLAG_PLAYBACK_TRANSPARENCY
+            self._set(Flags=flags)
         else:
-            handle.TransparentColor = value_of(colour)
-            handle.Flags |= c.Z_FLAG_PLAYBACK_TRANSPARENCY
+            self._set(Flags=flags | c.Z_FLAG_PLAYBACK_TRANSPARENCY, TransparentColor=value_of(colour))
 
     # ---- Pickles
 

@@ -10,7 +10,8 @@ Wherever a method takes a colour it may be
 
 from __future__ import annotations
 
-from typing import NamedTuple, Sequence, SupportsIndex, Union
+import operator
+from typing import NamedTuple, Sequence, SupportsIndex, Union, cast
 
 
 class Colour(NamedTuple):
@@ -48,13 +49,13 @@ def gray(level: int) -> int:
 
 def value_of(colour: ColourLike) -> int:
     """The colour value of whatever may stand for a colour."""
-    if isinstance(colour, SupportsIndex):
-        value = colour.__index__()
+    if isinstance(colour, int) or not hasattr(colour, "__len__"):
+        value = operator.index(colour)
         if not 0 <= value <= 0xFFFFFFFF:
             raise ValueError(f"the colour value {value} is outside 32 bits")
         return value
-    red, green, blue = colour
-    for channel in (red, green, blue):
-        if not 0 <= channel <= 255:
-            raise ValueError(f"a channel of the colour {tuple(colour)} is outside 0 to 255")
-    return int(red) | int(green) << 8 | int(blue) << 16
+    try:
+        red, green, blue = cast(Sequence[int], colour)
+        return int.from_bytes(bytes((red, green, blue)), "little")
+    except ValueError:
+        raise ValueError(f"the colour {colour} is not red, green and blue from 0 to 255") from None

@@ -85,7 +85,7 @@ class Playback(Iterator[Bitmap]):
 
     def rewind(self) -> Playback:
         """Goes back before the first frame, on a blank canvas; returns the playback."""
-        check(lib.Z_SetPlaybackIndex(self._handle, -1), lib.Z_SetPlaybackIndex)
+        self._ask(lib.Z_SetPlaybackIndex, -1)
         self._ended = False
         return self
 
@@ -93,28 +93,29 @@ class Playback(Iterator[Bitmap]):
     def index(self) -> int:
         """The number of the current frame, -1 before the first one."""
         index = ctypes.c_int32()
-        check(lib.Z_GetPlaybackIndex(self._handle, index), lib.Z_GetPlaybackIndex)
+        self._ask(lib.Z_GetPlaybackIndex, index)
         return index.value
 
     def changed(self) -> Tuple[int, int, int, int]:
         """Left, top, right, bottom of what has changed on the canvas since this was last asked, pixels."""
         box = RECT()
-        check(lib.Z_GetPlaybackUpdateRect(self._handle, box, 1), lib.Z_GetPlaybackUpdateRect)
+        self._ask(lib.Z_GetPlaybackUpdateRect, box, 1)
         return box.left, box.top, box.right, box.bottom
 
-    @property
-    def _handle(self) -> int:
+    def _ask(self, function: Any, *arguments: Any) -> None:
         if self._playback is None:
             raise ValueError("the playback is closed")
-        return self._playback
+        with Guard(self.canvas):
+            check(function(self._playback, *arguments), function)
 
     def close(self) -> None:
         """Ends the playback; the frames stay the caller's."""
-        playback, self._playback = self._playback, None
-        if playback is not None:
-            frames = ctypes.c_void_p()
-            lib.Z_DestroyPlayback(playback, frames)
-            _forget(frames, len(self._frames))
+        if self._playback is not None:
+            with Guard(self.canvas):
+                playback, self._playback = self._playback, None
+                frames = ctypes.c_void_p()
+                lib.Z_DestroyPlayback(playback, frames)
+                _forget(frames, len(self._frames))
             self.canvas.close()
 
     def __enter__(self) -> Playback:
@@ -132,7 +133,8 @@ class Playback(Iterator[Bitmap]):
         return f"<zkr13n.Playback of {len(self._frames)} frames, {state}>"
 
 
-def _forget(frames: Any, count: int, remove: Any = lib.Z_RemoveBitmapListItem, destroy: Any = lib.Z_DestroyBitmapList) -> None:
+def _forget(frames: Any, count: int, remove: Any = lib.Z_RemoveBitmapListItem,
+            destroy: Any = lib.Z_DestroyBitmapList) -> None:
     """Releases a list of the library without what its records refer to."""
     for _ in range(count):
         remove(frames, 0, None)

@@ -288,9 +288,10 @@ def _points(points: Sequence[Point]) -> Any:
 
 
 def _merge(handle: Any, region: Region, mode: int) -> None:
-    """Merges a region into what a record has."""
-    platform = ctypes.c_void_p()
-    check(lib.Z_GetBitmapRgnHandle(region._record.reference, None, platform), lib.Z_GetBitmapRgnHandle)
+    """Merges a region into what a record has. The region of the system that is made on the way hangs on a copy: there are
+    few of them on Windows, and the region itself may be in use by other threads."""
+    platform, passing = ctypes.c_void_p(), Region._copied(region._record.handle)._record
+    check(lib.Z_GetBitmapRgnHandle(passing.reference, None, platform), lib.Z_GetBitmapRgnHandle)
     assert platform.value is not None
     try:
         check(lib.Z_SetBitmapRgnHandle(handle, None, platform, mode), lib.Z_SetBitmapRgnHandle)
