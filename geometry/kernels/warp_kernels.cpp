@@ -3,6 +3,9 @@
 
 #include "geometry/kernels/pixel_forms.h"
 #include "kernels/family.h"
+#if defined(__AVX2__)
+#include "geometry/kernels/warp_avx2.h"
+#endif
 
 namespace zkr::kernels {
 namespace {
@@ -25,7 +28,7 @@ inline int32_t Floor(double value) {
 }
 
 // The ranges are tested before any value becomes an integer; a place that is no number is outside.
-bool LocateNearest(const WarpMapping& mapping, const WarpSource& source, int32_t x, WarpPiece& piece) {
+bool LocateEachNearest(const WarpMapping& mapping, const WarpSource& source, int32_t x, WarpPiece& piece) {
     const double width = source.Width, height = source.Height;
     int32_t hits = 0;
     for (size_t i = 0; i < piece.Pixels; ++i) {
@@ -40,7 +43,7 @@ bool LocateNearest(const WarpMapping& mapping, const WarpSource& source, int32_t
     return hits != 0;
 }
 
-bool LocateAround(const WarpMapping& mapping, const WarpSource& source, int32_t x, WarpPiece& piece) {
+bool LocateEachAround(const WarpMapping& mapping, const WarpSource& source, int32_t x, WarpPiece& piece) {
     const double width = source.Width, height = source.Height, left = source.Left, top = source.Top;
     double columns[WarpPiecePixels], rows[WarpPiecePixels];
     int32_t hits = 0;
@@ -69,8 +72,46 @@ bool LocateAround(const WarpMapping& mapping, const WarpSource& source, int32_t 
     return true;
 }
 
+void Begin(const WarpMapping& mapping, int32_t x, WarpPiece& piece) {
+    piece.Mapping = &mapping;
+    piece.X = x;
+    piece.IsInner = false;
+}
+
+bool LocateNearest(const WarpMapping& mapping, const WarpSource& source, int32_t x, WarpPiece& piece) {
+    Begin(mapping, x, piece);
+#if defined(__AVX2__)
+    piece.IsInner = piece.Pixels == WarpPiecePixels && FollowNearest(mapping, source, x, piece);
+    if (piece.IsInner) return true;
+#endif
+    return LocateEachNearest(mapping, source, x, piece);
+}
+
+bool LocateAround(const WarpMapping& mapping, const WarpSource& source, int32_t x, WarpPiece& piece) {
+    Begin(mapping, x, piece);
+    return LocateEachAround(mapping, source, x, piece);
+}
+
+#if defined(__AVX2__)
+// For kernels that draw inner pieces by their course.
+bool LocateAroundClosely(const WarpMapping& mapping, const WarpSource& source, int32_t x, WarpPiece& piece) {
+    Begin(mapping, x, piece);
+    piece.IsInner = piece.Pixels == WarpPiecePixels && FollowAround(mapping, source, x, piece);
+    return piece.IsInner || LocateEachAround(mapping, source, x, piece);
+}
+#endif
+
 template <class Copier>
 void DrawNearest(const WarpSource& source, const WarpPiece& piece, uint8_t* target, size_t x) {
+    if constexpr (requires { Copier::CopyWider(target, x, target, x); }) {
+        if (piece.IsInner) {
+            constexpr size_t last = WarpPiecePixels - 1;
+            for (size_t i = 0; i < last; ++i)
+                Copier::CopyWider(source.First + piece.Place[i], 0, target, x + i);
+            Copier::Copy(source.First + piece.Place[last], 0, target, x + last);
+            return;
+        }
+    }
     for (size_t i = 0; i < piece.Pixels; ++i) {
         if (piece.Row[i] == WarpPiece::Outside) continue;
         Copier::Copy(source.Rows[piece.Row[i]], static_cast<size_t>(source.Left + piece.Column[i]), target,
@@ -96,36 +137,62 @@ void LoadPair(const uint8_t* row, size_t x, bool hasRoom, typename Form::Values&
     }
 }
 
-// Where a sample lies outside the rectangle, the pixel that is drawn over stands for it.
+// Draws a pixel over the one at x. Where a sample lies outside the rectangle, the pixel that is drawn over stands for it.
+template <class Form>
+void BlendPixel(const WarpSource& source, int32_t firstColumn, int32_t firstRow, const double (&weight)[4],
+                uint8_t* target, size_t x) {
+    const auto width = static_cast<uint32_t>(source.Width), height = static_cast<uint32_t>(source.Height);
+    const auto column = static_cast<uint32_t>(firstColumn), row = static_cast<uint32_t>(firstRow);
+    const size_t at = static_cast<size_t>(source.Left) + column;
+    typename Form::Values sample[4];
+    if (column + 1 < width && row + 1 < height && column + 1 != 0 && row + 1 != 0) [[likely]] {
+        const bool hasRoom = column + 2 < width;
+        LoadPair<Form>(source.Rows[row], at, hasRoom, sample[0], sample[1]);
+        LoadPair<Form>(source.Rows[row + 1], at, hasRoom, sample[2], sample[3]);
+    } else {
+        for (uint32_t k = 0; k < 4; ++k) {
+            const uint32_t sampleColumn = column + (k & 1), sampleRow = row + (k >> 1);
+            sample[k] =
+                sampleColumn < width && sampleRow < height
+                    ? Form::Load(source.Rows[sampleRow], static_cast<size_t>(source.Left) + sampleColumn)
+                    : Form::Load(target, x);
+        }
+    }
+    Form::Store(target, x,
+                sample[0]
+                    .Times(weight[0])
+                    .Plus(sample[1].Times(weight[1]))
+                    .Plus(sample[2].Times(weight[2]))
+                    .Plus(sample[3].Times(weight[3])));
+}
+
 template <class Form>
 void DrawBlend(const WarpSource& source, const WarpPiece& piece, uint8_t* target, size_t x) {
-    const auto width = static_cast<uint32_t>(source.Width), height = static_cast<uint32_t>(source.Height);
     for (size_t i = 0; i < piece.Pixels; ++i) {
         if (piece.Row[i] == WarpPiece::Outside) continue;
-        const auto column = static_cast<uint32_t>(piece.Column[i]), row = static_cast<uint32_t>(piece.Row[i]);
-        const size_t at = static_cast<size_t>(source.Left) + column;
-        typename Form::Values sample[4];
-        if (column + 1 < width && row + 1 < height && column + 1 != 0 && row + 1 != 0) [[likely]] {
-            const bool hasRoom = column + 2 < width;
-            LoadPair<Form>(source.Rows[row], at, hasRoom, sample[0], sample[1]);
-            LoadPair<Form>(source.Rows[row + 1], at, hasRoom, sample[2], sample[3]);
-        } else {
-            for (uint32_t k = 0; k < 4; ++k) {
-                const uint32_t sampleColumn = column + (k & 1), sampleRow = row + (k >> 1);
-                sample[k] =
-                    sampleColumn < width && sampleRow < height
-                        ? Form::Load(source.Rows[sampleRow], static_cast<size_t>(source.Left) + sampleColumn)
-                        : Form::Load(target, x + i);
-            }
-        }
-        Form::Store(target, x + i,
-                    sample[0]
-                        .Times(piece.Weight[0][i])
-                        .Plus(sample[1].Times(piece.Weight[1][i]))
-                        .Plus(sample[2].Times(piece.Weight[2][i]))
-                        .Plus(sample[3].Times(piece.Weight[3][i])));
+        const double weight[4] = {piece.Weight[0][i], piece.Weight[1][i], piece.Weight[2][i],
+                                  piece.Weight[3][i]};
+        BlendPixel<Form>(source, piece.Column[i], piece.Row[i], weight, target, x + i);
     }
 }
+
+#if defined(__AVX2__)
+// Channels of a byte.
+template <size_t channels>
+void DrawBlendClosely(const WarpSource& source, const WarpPiece& piece, uint8_t* target, size_t x) {
+    using Form = LanesForm<uint8_t, channels>;
+    if (!piece.IsInner) return DrawBlend<Form>(source, piece, target, x);
+    BlendCourse<channels>(source, piece, target + x * channels, [&](size_t i) {
+        const Place place = Map(*piece.Mapping, piece.X + static_cast<int32_t>(i));
+        const double column = (source.Width - 1.0) * place.U + source.Left;
+        const double row = (source.Height - 1.0) * place.V + source.Top;
+        const int32_t firstColumn = Floor(column), firstRow = Floor(row);
+        const double tx = column - firstColumn, ty = row - firstRow;
+        const double weight[4] = {(1 - tx) * (1 - ty), tx * (1 - ty), (1 - tx) * ty, tx * ty};
+        BlendPixel<Form>(source, firstColumn - source.Left, firstRow - source.Top, weight, target, x + i);
+    });
+}
+#endif
 
 #if defined(__AVX2__)
 template <typename Channel, size_t channels> using ColourForm = LanesForm<Channel, channels>;
@@ -137,6 +204,7 @@ constexpr WarpKernels MakeKernels() {
     WarpKernels made = {};
     made.Nearest = LocateNearest;
     made.Around = LocateAround;
+    made.AroundBytes = LocateAround;
     made.Copy[1] = DrawNearest<ByValue<PackedBits<1>>>;
     made.Copy[2] = DrawNearest<ByValue<PackedBits<2>>>;
     made.Copy[3] = DrawNearest<ByValue<PackedBits<3>>>;
@@ -160,6 +228,11 @@ constexpr WarpKernels MakeKernels() {
     made.Blend[48] = DrawBlend<ColourForm<uint16_t, 3>>;
     made.Blend[64] = DrawBlend<ColourForm<uint16_t, 4>>;
     made.BlendColour16 = DrawBlend<Colour16Form>;
+#if defined(__AVX2__)
+    made.AroundBytes = LocateAroundClosely;
+    made.Blend[24] = DrawBlendClosely<3>;
+    made.Blend[32] = DrawBlendClosely<4>;
+#endif
     return made;
 }
 

@@ -24,6 +24,10 @@ struct WarpSource {
     int32_t Top;
     int32_t Width;
     int32_t Height;
+    // Where pixels are whole bytes, and rows lie in memory at one distance and within 2^31 bytes; else Pitch is 0.
+    const uint8_t* First = nullptr; // the corner's pixel
+    int32_t PixelBytes = 0;
+    int32_t Pitch = 0; // from row to row
 };
 
 inline constexpr size_t WarpPiecePixels = 64;
@@ -33,7 +37,15 @@ struct WarpPiece {
     static constexpr int32_t Outside = std::numeric_limits<int32_t>::min();
 
     size_t Pixels;
-    int32_t Row[WarpPiecePixels]; // Outside where the pixel stays as it is; when blending -1 and more
+    // What the piece was located by.
+    const WarpMapping* Mapping;
+    int32_t X;
+    // Of a source with a pitch: a whole piece whose pixels all lie inside, with a column to the right, and when blending
+    // two and the row below. Then Place and Rest take the place of what follows them.
+    bool IsInner;
+    int32_t Place[WarpPiecePixels]; // in bytes from the corner
+    float Rest[2][WarpPiecePixels]; // when blending: of column and row, behind their whole numbers
+    int32_t Row[WarpPiecePixels];   // Outside where the pixel stays as it is; when blending -1 and more
     int32_t Column[WarpPiecePixels];
     double Weight[4]
                  [WarpPiecePixels]; // when blending: of the sample, the one to the right, and the two below
@@ -48,7 +60,8 @@ using DrawPixels = void (*)(const WarpSource& area, const WarpPiece& piece, uint
 
 struct WarpKernels {
     LocatePixels Nearest;
-    LocatePixels Around; // the four samples that are blended
+    LocatePixels Around;      // the four samples that are blended
+    LocatePixels AroundBytes; // likewise, for colours of 24 and 32 bits
     // By bits a pixel; null where there is no such depth, or it is not blended.
     DrawPixels Copy[65];
     DrawPixels Blend[65];

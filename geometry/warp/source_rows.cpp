@@ -19,6 +19,7 @@ ReturnCode SourceRows::Begin() {
     if (LiesInMemory(bitmap_) && ReachRow(bitmap_, area_.Top) != nullptr) {
         for (size_t i = 0; i < height; ++i)
             (*rows_)[i] = ReachRow(bitmap_, area_.Top + static_cast<int32_t>(i));
+        SetPitch();
         return code::Success;
     }
     room_ = std::min(height, std::max(FewestKept, KeptBytes / bitmap_.BytesPerLine));
@@ -27,6 +28,18 @@ ReturnCode SourceRows::Begin() {
     if (!*kept_ || !*rowOf_) return code::OutOfMemory;
     std::fill_n(rows_->data(), height, nullptr);
     return code::Success;
+}
+
+// Where rows follow one another, which the rows of tiles need not do.
+void SourceRows::SetPitch() {
+    const int32_t bits = bitmap_.BitsPerPixel;
+    const uint64_t pitch = bitmap_.BytesPerLine;
+    if (bits % 8 != 0 || pitch * static_cast<uint32_t>(area_.Height) > INT32_MAX) return;
+    for (size_t i = 1; i < static_cast<size_t>(area_.Height); ++i)
+        if ((*rows_)[i] != (*rows_)[i - 1] + pitch) return;
+    area_.PixelBytes = bits / 8;
+    area_.First = (*rows_)[0] + static_cast<size_t>(area_.Left) * static_cast<size_t>(area_.PixelBytes);
+    area_.Pitch = static_cast<int32_t>(pitch);
 }
 
 ReturnCode SourceRows::FetchRow(int32_t row) {

@@ -38,6 +38,7 @@ class SourceRows {
     static constexpr size_t FewestKept = 2 * kernels::WarpPiecePixels;
     static constexpr size_t KeptBytes = size_t{4} << 20;
 
+    void SetPitch();
     ReturnCode Fetch(const kernels::WarpPiece& piece, bool withNextRow);
     ReturnCode FetchRow(int32_t row);
 

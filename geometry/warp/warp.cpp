@@ -133,7 +133,9 @@ class Warp {
         if (isBlended) draw_ = isColour16 ? kernels.BlendColour16 : kernels.Blend[bits];
         isBlended_ = draw_ != nullptr;
         if (!isBlended_) draw_ = kernels.Copy[bits];
-        locate_ = isBlended_ ? kernels.Around : kernels.Nearest;
+        locate_ = !isBlended_                ? kernels.Nearest
+                  : bits == 24 || bits == 32 ? kernels.AroundBytes
+                                             : kernels.Around;
     }
 
     ReturnCode Run() {

@@ -226,6 +226,37 @@ TEST(Warp, DrawsEveryDepthInEveryView) {
     }
 }
 
+// Pieces of a row that lie well inside the source have a way of their own, which must leave where places or blends fall on
+// whole numbers: on pictures at their size and at twice that, and on flat ones.
+TEST(Warp, DrawsLongRowsToTheByte) {
+    Seeded random(3);
+    for (const int bits : {8, 16, 24, 32, 48, 64}) {
+        Bitmap source(300, 60, bits), destination(620, 130, bits);
+        for (Bitmap* bitmap : {&source, &destination}) {
+            Z_AllocateBitmap(bitmap, MemoryConventional);
+            bitmap->ViewPerspective = 0;
+        }
+        Fill(source, 9);
+        Fill(destination, 10);
+        const size_t half = source.Size / 2;
+        for (const bool isFlat : {false, true}) {
+            if (isFlat) std::memset(static_cast<uint8_t*>(source.Addr) + half, 77, source.Size - half);
+            CheckRandomCalls(destination, source, 10, bits > 8, random);
+            for (const int scale : {1, 2}) {
+                const int right = 299 * scale, bottom = 59 * scale;
+                for (const uint32_t flags : {WARP_REQUIRED | 0u, WARP_REQUIRED | WARP_BILINEAR | 0u}) {
+                    const Call call = {
+                        {{0, 0}, {right, 0}, {right, bottom}, {0, bottom}}, 0, 0, 300, 60, flags};
+                    const Picture expected =
+                        Expected(destination, source, call, bits > 8 && (flags & WARP_BILINEAR) != 0);
+                    ASSERT_EQ(test::Run(destination, source, call), 1);
+                    ASSERT_TRUE(PictureOf(destination).rows == expected.rows) << bits << ' ' << scale;
+                }
+            }
+        }
+    }
+}
+
 TEST(Warp, SamplesEveryStorageAndItself) {
     Seeded random(2);
     for (const Storage& storage : AllStorages()) {
