@@ -95,7 +95,7 @@ struct Exact {
 
 // What the library gives back, for those who compare one run with another: parity on two platforms. Nothing that
 // depends on the platform is noted: no addresses, no handles, no memory figures.
-inline void (*Listener)(const void* bytes, size_t count) = nullptr;
+inline thread_local void (*Listener)(const void* bytes, size_t count) = nullptr;
 inline void Note(const void* bytes, size_t count) {
     if (Listener != nullptr) Listener(bytes, count);
 }
