@@ -24,9 +24,10 @@ namespace {
 constexpr const char* About = "zkr takes pictures through the ZKR13N raster image kernel.\n";
 
 constexpr const char* Notes =
-    "Pictures are read from PNG, JPEG, BMP, PBM (P4), PGM (P5) and, where jbgtopbm is installed, JBIG\n"
-    "files, each in the depth that the file has, and upright where a camera noted how it was held. They are\n"
-    "written as PNG, by zkr dib as BMP. Depths that PNG lacks take the next that holds them:\n"
+    "Pictures are read from PNG, JPEG, BMP, PBM (P4), PGM (P5), PPM (P6) and, where jbgtopbm is\n"
+    "installed, JBIG files, each in the depth that the file has, and upright where a camera noted how it\n"
+    "was held. They are written as PNG, by zkr dib as BMP. Depths that PNG lacks take the next that holds "
+    "them:\n"
     "  3, 5, 6, 7 bits   8-bit palette picture with the palette of the depth\n"
     "  12 bits           16-bit gray, marked as 12 significant bits, and read back as 12\n"
     "  16 bits, colour   24-bit colour, marked as 5 significant bits a channel\n"

@@ -49,10 +49,11 @@ std::unique_ptr<PictureReader> OpenPicture(const std::string& path) {
     const std::string_view start(head.data(), length);
     if (start == "\x89PNG\r\n\x1a\n") return OpenPng(path, std::move(file));
     if (start.starts_with("\xff\xd8\xff")) return OpenJpeg(path, std::move(file));
-    if (start.starts_with("P4") || start.starts_with("P5")) return OpenPortable(path, std::move(file));
+    if (start.starts_with("P4") || start.starts_with("P5") || start.starts_with("P6"))
+        return OpenPortable(path, std::move(file));
     if (start.starts_with("BM")) return OpenBmp(path, std::move(file));
     throw Failure(path, length == 0 ? "the file is empty"
-                                    : "not a PNG, JPEG, BMP, PBM (P4), PGM (P5) or JBIG picture");
+                                    : "not a PNG, JPEG, BMP, PBM (P4), PGM (P5), PPM (P6) or JBIG picture");
 }
 
 Bitmap ReadPicture(PictureReader& reader, const std::string& path, const Storage& storage) {

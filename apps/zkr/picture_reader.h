@@ -1,4 +1,4 @@
-// Reading of picture files: PNG, JPEG, BMP, PBM and PGM (P4, P5), and JBIG through the program jbgtopbm. A picture
+// Reading of picture files: PNG, JPEG, BMP, PBM, PGM and PPM (P4, P5, P6), and JBIG through the program jbgtopbm. A picture
 // comes row by row in the depth that the file has; ReadPicture() puts it into a bitmap of that depth.
 #pragma once
 

@@ -1,5 +1,5 @@
-// PBM (P4) and PGM (P5) pictures: 1 bit with a palette of white and black, or gray of 8, 12 or 16 bits by the
-// file's largest value. Other largest values are scaled to the next of 8 and 16 bits.
+// PBM (P4), PGM (P5) and PPM (P6) pictures: 1 bit with a palette of white and black, gray of 8, 12 or 16 bits by the
+// file's largest value, or colours of 24 or 48 bits. Other largest values are scaled to the next of 8 and 16 bits.
 // JBIG pictures come as PBM or PGM from the program jbgtopbm.
 #include "picture_reader.h"
 
@@ -29,12 +29,19 @@ class PortableReader : public PictureReader {
             info_.colours = 2;
         } else {
             largest_ = static_cast<uint32_t>(ReadNumber(65535));
-            if (largest_ == 0) throw Failure(path_, "the largest gray value is 0");
-            info_.format.bits = largest_ < 256 ? 0 : largest_ == 4095 ? 12 : 16;
-            if (largest_ >= 256) info_.format.order = Z_ORDER_GRAY;
+            if (largest_ == 0) throw Failure(path_, "the largest value is 0");
+            if (info_.kind == "PPM") {
+                info_.format.bits = largest_ < 256 ? 24 : 48;
+                info_.format.order = Z_ORDER_RGB;
+            } else {
+                info_.format.bits = largest_ < 256 ? 0 : largest_ == 4095 ? 12 : 16;
+                if (largest_ >= 256) info_.format.order = Z_ORDER_GRAY;
+            }
         }
-        const auto width = static_cast<uint64_t>(info_.width);
-        const uint64_t rowBytes = info_.kind == "PBM" ? (width + 7) / 8 : largest_ < 256 ? width : 2 * width;
+        samples_ = static_cast<size_t>(info_.width) * (info_.kind == "PPM" ? 3 : 1);
+        const uint64_t rowBytes = info_.kind == "PBM" ? (samples_ + 7) / 8
+                                  : largest_ < 256    ? samples_
+                                                      : 2 * samples_;
         RefuseMissingBytes(file_, path_, rowBytes, static_cast<uint64_t>(info_.height));
     }
 
@@ -43,17 +50,15 @@ class PortableReader : public PictureReader {
     }
 
     void ReadRow(uint8_t* row) override {
-        const auto width = static_cast<size_t>(info_.width);
-        switch (info_.format.bits) {
-        case 1: ReadExactly(file_, path_, row, (width + 7) / 8); break;
-        case 0:
-            ReadExactly(file_, path_, row, width);
-            if (largest_ != 255) {
-                for (size_t x = 0; x < width; ++x)
-                    row[x] = static_cast<uint8_t>(Scaled(row[x], 255));
-            }
-            break;
-        default: ReadWords(row, width); break;
+        if (info_.kind == "PBM") {
+            ReadExactly(file_, path_, row, (samples_ + 7) / 8);
+        } else if (largest_ >= 256) {
+            ReadWords(row);
+        } else {
+            ReadExactly(file_, path_, row, samples_);
+            if (largest_ == 255) return;
+            for (size_t i = 0; i < samples_; ++i)
+                row[i] = static_cast<uint8_t>(Scaled(row[i], 255));
         }
     }
 
@@ -61,9 +66,9 @@ class PortableReader : public PictureReader {
     std::string ReadKind() {
         char mark[2];
         ReadExactly(file_, path_, mark, sizeof mark);
-        if (mark[0] != 'P' || (mark[1] != '4' && mark[1] != '5'))
-            throw Failure(path_, "not a P4 or P5 picture");
-        return mark[1] == '4' ? "PBM" : "PGM";
+        if (mark[0] != 'P' || mark[1] < '4' || mark[1] > '6')
+            throw Failure(path_, "not a P4, P5 or P6 picture");
+        return mark[1] == '4' ? "PBM" : mark[1] == '5' ? "PGM" : "PPM";
     }
 
     // One number of the header, with the white space and comments before it and the one separator behind it.
@@ -92,11 +97,11 @@ class PortableReader : public PictureReader {
     }
 
     // Big-endian words of the file become the library's little-endian ones. Twelve bits go by the top of 16.
-    void ReadWords(uint8_t* row, size_t width) {
-        ReadExactly(file_, path_, row, width * 2);
+    void ReadWords(uint8_t* row) {
+        ReadExactly(file_, path_, row, samples_ * 2);
         const bool twelve = info_.format.bits == 12;
-        for (size_t x = 0; x < width; ++x) {
-            uint8_t* pixel = row + 2 * x;
+        for (size_t i = 0; i < samples_; ++i) {
+            uint8_t* pixel = row + 2 * i;
             const uint32_t value = static_cast<uint32_t>(pixel[0] << 8 | pixel[1]);
             const uint32_t word = twelve ? std::min(value, largest_) << 4 : Scaled(value, 65535);
             pixel[0] = static_cast<uint8_t>(word);
@@ -111,6 +116,7 @@ class PortableReader : public PictureReader {
     std::string path_;
     std::FILE* file_;
     uint32_t largest_ = 1;
+    size_t samples_ = 0; // of a row
 };
 
 class PortableFileReader : public PortableReader {

@@ -1,12 +1,15 @@
-"""Runs the examples on small pictures and looks at what they leave. Usage: run_examples.py FOLDER_OF_THE_PROGRAMS"""
+"""Runs the examples, and what the README begins with, on small pictures and looks at what they leave.
+Usage: run_examples.py FOLDER_OF_THE_PROGRAMS README.md C_COMPILER INCLUDE"""
 
 import os
+import re
+import shlex
 import subprocess
 import sys
 import tempfile
 from pathlib import Path
 
-programs = Path(sys.argv[1]).resolve()
+programs, readme, include = (Path(name).resolve() for name in (sys.argv[1], sys.argv[2], sys.argv[4]))
 animation = Path("/usr/lib/python3/dist-packages/imageio/resources/images/newtonscradle.gif")
 
 
@@ -100,7 +103,32 @@ def gray():
     assert header == b"P5 320 200 255" and len(data) == 64000 and data[0] < data[-1]
 
 
-for example in (fax_page, xray, shared_palette, wand_fill, warp_scene, gif_frames, toolkit_window, gray):
+def first_lines():
+    """The README's first lines of C make the picture of its lines of Python, but for the bar; those of the shell run as they stand."""
+    text = readme.read_text(encoding="utf-8")
+    lines = re.search(r"^```c\n(.*?)^```", text, re.M | re.S)[1]
+    assert len(lines.splitlines()) < 10
+    ending = 'WritePicture("disc.ppm", &picture);'
+    Path("disc.c").write_text(f'#include "portable_picture.h"\nint main(void) {{\n{lines}{ending}\nreturn 0;\n}}\n', encoding="utf-8")
+    examples = readme.parent / "examples"
+    library = shlex.split(f"-L{programs} -Wl,-rpath,{programs} -lZKR13N")
+    subprocess.run([sys.argv[3], "-Wall", "-Werror", f"-I{include}", f"-I{examples}", "disc.c", examples / "portable_picture.c", "-o", "disc",
+                    *library], check=True)
+    subprocess.run(["./disc"], check=True)
+    disc = pixels("disc.ppm")
+    assert (len(disc[0]), len(disc), disc[0][0], disc[120][160]) == (320, 240, (30, 60, 90), (255, 160, 0)), disc[120]
+
+    if not (programs / "zkr").exists():
+        print("zkr is not built here")
+        return
+    write(6, 1000, 500, bytes(y * x // 9 % 256 for y in range(500) for x in range(3000))).rename("photo.jpg")
+    for line in re.search(r"^```sh\n(.*?)^```", text, re.M | re.S)[1].splitlines():
+        done = subprocess.run([programs / "zkr", *shlex.split(line)[1:]], capture_output=True, text=True, check=False)
+        assert done.returncode == 0, f"{line}: {done.stderr}"
+    assert "64" in done.stdout, done.stdout
+
+
+for example in (first_lines, fax_page, xray, shared_palette, wand_fill, warp_scene, gif_frames, toolkit_window, gray):
     with tempfile.TemporaryDirectory() as folder:
         os.chdir(folder)
         example()

@@ -138,7 +138,15 @@ TEST_F(ConvertTest, ReadsPortableAndJpegPictures) {
                  {"sixteen.pgm",
                   "P5 2 1 65535\n\x12\x34\xFE\xDC",
                   "16",
-                  {2, 1, 16, PNG_COLOR_TYPE_GRAY, {0x1234, 0xFEDC}}}};
+                  {2, 1, 16, PNG_COLOR_TYPE_GRAY, {0x1234, 0xFEDC}}},
+                 {"colours.ppm",
+                  "P6 2 1 51\n" + std::string("\0\x33\1\2\3\4", 6),
+                  "24",
+                  {2, 1, 8, PNG_COLOR_TYPE_RGB, {0, 255, 5, 10, 15, 20}}},
+                 {"deep.ppm",
+                  "P6 1 1 65535\n\x12\x34\xFE\xDC\xBA\x98",
+                  "48",
+                  {1, 1, 16, PNG_COLOR_TYPE_RGB, {0x1234, 0xFEDC, 0xBA98}}}};
     for (const auto& c : cases) {
         WriteText(c.name, c.content);
         EXPECT_EQ(ConvertedFile(c.name, {"--bits", c.bits}), c.expected) << c.name;
