@@ -17,6 +17,7 @@ set system=%SystemRoot%\System32
 if defined PROCESSOR_ARCHITEW6432 set system=%SystemRoot%\Sysnative
 "%system%\regsvr32.exe" /s %undo% "%here%x64\bin\ZKR13N.dll"
 if errorlevel 1 set failed=1
+if not exist "%SystemRoot%\SysWOW64\regsvr32.exe" goto end
 "%SystemRoot%\SysWOW64\regsvr32.exe" /s %undo% "%here%x86\bin\ZKR13N.dll"
 if errorlevel 1 set failed=1
 goto end

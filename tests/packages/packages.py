@@ -38,6 +38,10 @@ def with_settings(**changes):
     return {**os.environ, **{name: str(value) for name, value in changes.items()}}
 
 
+def on_windows(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
 def consume(folder, prefix, pkgconfig, sysroot=""):
     """Builds the consumer against a prefix by pkg-config and by CMake; gives both programs."""
     settings = with_settings(PKG_CONFIG_LIBDIR=pkgconfig, PKG_CONFIG_SYSROOT_DIR=sysroot)
@@ -92,17 +96,18 @@ def check_windows(folder):
         expect((here / "bin/ZKR13N.tlb").exists(), f"{part} has no type library")
         program = here / "bin/consumer.exe"
         run(compiler, "-std=c99", consumer / "main.c", f"-I{here / 'include'}", f"-L{here / 'lib'}", "-lZKR13N", "-o", program)
-        program.write_bytes(program.read_bytes())  # a program of its own file
         toolchain = top / f"cmake/toolchain-{compiler.removesuffix('-gcc-posix')}.cmake"
         run("cmake", "-S", consumer, "-B", folder / part, "--toolchain", toolchain, f"-DZKR13N_ROOT={here}",
             "-DCMAKE_FIND_ROOT_PATH_MODE_PACKAGE=BOTH")
         run("cmake", "--build", folder / part)
-        wine = [top / "scripts/wine.sh", "exec", bits]
+        wine = [str(top / "scripts/wine.sh"), "exec", str(bits)]
         run(*wine, program, cwd=here / "bin")
-        script = [top / "tests/packages/raster.vbs"]
-        run(*wine, "cmd", "/c", prefix / "register.cmd")
-        expect("640" in run(*wine, "cscript", "/nologo", *script), f"a script cannot create the object of {part}")
-        run(*wine, "cmd", "/c", prefix / "register.cmd", "/u")
+        run(*wine, "cmd", "/c", on_windows(prefix / "register.cmd"))
+        script = [*wine, "cscript", "/nologo", on_windows(top / "tests/packages/raster.vbs")]
+        expect("640" in run(*script), f"a script cannot create the object of {part}")
+        run(*wine, "cmd", "/c", on_windows(prefix / "register.cmd"), "/u")
+        left = subprocess.run(script, capture_output=True, text=True, check=False).stdout
+        expect("640" not in left, f"the object of {part} stays registered")
 
 
 def check_debian(folder):
