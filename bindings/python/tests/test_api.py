@@ -2,11 +2,10 @@
 
 import ctypes
 import os
+import re
 import subprocess
 import sys
 from pathlib import Path
-
-import pytest
 
 from zkr13n import _constants, _records, lib
 from zkr13n._functions import FUNCTIONS, PLATFORMS
@@ -73,10 +72,32 @@ def test_compiler_agrees(tmp_path):
     assert done.returncode == 0, done.stderr[:3000]
 
 
-@pytest.mark.parametrize("record, size", [(_records.BitmapHandle, 39 * 4), (_records.Curve, 36), (_records.RECT, 16)])
-def test_records_of_32_bits(record, size):
-    """On 32 bits pointers and counts of bytes are words, and no field is wider but one in a record without gaps."""
-    words = (ctypes.c_void_p, ctypes.c_size_t)
-    narrow = sum(4 if kind in words or issubclass(kind, ctypes._Pointer) else ctypes.sizeof(kind)
-                 for _, kind in record._fields_)
-    assert narrow == size
+def narrow(kind):
+    """Size and alignment of a type where pointers and counts of bytes have 32 bits, and the places of its fields."""
+    if kind in (ctypes.c_void_p, ctypes.c_size_t, ctypes.c_ssize_t) or issubclass(kind, ctypes._Pointer):
+        return 4, 4, {}
+    if not issubclass(kind, ctypes.Structure):
+        return ctypes.sizeof(kind), ctypes.alignment(kind), {}
+    at, widest, places = 0, 1, {}
+    for name, part in kind._fields_:
+        size, alignment, _ = narrow(part)
+        alignment = min(alignment, getattr(kind, "_pack_", alignment))
+        at += -at % alignment
+        places[name] = (size, at)
+        at, widest = at + size, max(widest, alignment)
+    return at + -at % widest, widest, places
+
+
+def test_records_of_32_bits():
+    """What ctypes lays out on 32 bits is what programs there rely on."""
+    text = (TOP / "tests/interface/windows-32.list").read_text()
+    listed = dict(re.findall(r"^record (\w+): bytes (\d+)$", text, re.M))
+    checked = 0
+    for record in RECORDS:
+        if record.__name__ in listed:
+            size, _, places = narrow(record)
+            assert size == int(listed[record.__name__])
+            fields = re.findall(rf"^field {record.__name__}\.(\w+): .*, bytes (\d+) at (\d+)$", text, re.M)
+            assert places == {name: (int(count), int(at)) for name, count, at in fields}
+            checked += 1
+    assert checked >= 6

@@ -26,6 +26,13 @@ def test_documents_run_as_they_stand(document, needs, tmp_path):
         subprocess.run([sys.executable, "-c", hidden + block], cwd=tmp_path, check=True)
 
 
+def test_readme_says_of_every_method_what_it_gives():
+    text = (PACKAGE / "README.md").read_text(encoding="utf-8").partition("## In place")[2]
+    named = [name for row in re.findall(r"^\| (`.*?) \|", text, re.M) for name in re.findall(r"`(\w+)`", row)]
+    methods = [name for name in dir(zkr13n.Bitmap) if not name.startswith("_") and callable(getattr(zkr13n.Bitmap, name))]
+    assert sorted(named) == methods
+
+
 def test_docstrings_tell_the_truth():
     known = {name: getattr(zkr13n, name) for name in zkr13n.__all__}
     known["frames"] = [colourful()]

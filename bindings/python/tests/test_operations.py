@@ -266,6 +266,13 @@ def test_paint():
         picture.paint(picture)
 
 
+def test_colour_spaces():
+    for colour in ((0, 0, 0), (255, 0, 0), (10, 200, 90), (77, 77, 77)):
+        hue, saturation, value = Colour(*colour).to_hsv()
+        assert value == max(colour) and (saturation == 0) == (len(set(colour)) == 1)
+        assert max(abs(a - b) for a, b in zip(Colour.from_hsv(hue, saturation, value), colour)) <= 6
+
+
 def test_index_colours():
     bitmap = Bitmap(4, 4, 8).fill(index(77))
     assert bitmap[0, 0] == 77 and bitmap.clear()[0, 0] == 0

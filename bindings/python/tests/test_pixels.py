@@ -162,6 +162,7 @@ def test_form():
     bitmap.resolution = 300, 200
     bitmap.region = Region.rectangle((1, 1, 5, 5))
     assert repr(bitmap) == "<zkr13n.Bitmap 30x20, 16 bits BGR, MEMORY, view LEFT_TOP, with a region>"
+    assert sys.getsizeof(bitmap) > 1200
     assert (bitmap.row_bytes, bitmap.nbytes, bitmap.resolution) == (60, 1200, (300, 200))
     bitmap.resolution = 96
     assert bitmap.resolution == (96, 96)

@@ -310,6 +310,10 @@ class BitmapBase:
         across, down = (dots, dots) if isinstance(dots, int) else dots
         self._set(XResolution=across, YResolution=down)
 
+    def __sizeof__(self) -> int:
+        """With its pixels, which is what schedulers of work want to know."""
+        return object.__sizeof__(self) + (0 if self._record is None else self.nbytes)
+
     def __repr__(self) -> str:
         name = f"zkr13n.{type(self).__name__}"
         record = self._record

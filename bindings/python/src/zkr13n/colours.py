@@ -11,7 +11,9 @@ Wherever a method takes a colour it may be
 from __future__ import annotations
 
 import operator
-from typing import NamedTuple, Sequence, SupportsIndex, Union, cast
+from typing import NamedTuple, Sequence, SupportsIndex, Tuple, Union, cast
+
+from ._library import lib
 
 
 class Colour(NamedTuple):
@@ -25,6 +27,22 @@ class Colour(NamedTuple):
     def from_value(cls, value: int) -> Colour:
         """The plain colour of a colour value 0x00BBGGRR."""
         return cls(value & 255, value >> 8 & 255, value >> 16 & 255)
+
+
+    @property
+    def value(self) -> int:
+        """The colour value 0x00BBGGRR."""
+        return self.red | self.green << 8 | self.blue << 16
+
+    @classmethod
+    def from_hsv(cls, hue: int, saturation: int, value: int) -> Colour:
+        """The colour of a hue, where a full turn is 256, a saturation and a value, 0 to 255 each."""
+        return cls.from_value(lib.Z_HSVtoRGB(cls(hue, saturation, value).value))
+
+    def to_hsv(self) -> Tuple[int, int, int]:
+        """Hue, where a full turn is 256, saturation and value, 0 to 255 each."""
+        hue, saturation, value = Colour.from_value(lib.Z_RGBtoHSV(self.value))
+        return hue, saturation, value
 
 
 ColourLike = Union[SupportsIndex, Sequence[int]]
