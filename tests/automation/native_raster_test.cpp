@@ -60,6 +60,15 @@ TEST(NativeRaster, PassesArraysAndColours) {
     EXPECT_EQ(back.Type, Z_VARIANT_FLOATS);
     ASSERT_EQ(back.Count, 2);
     EXPECT_EQ(static_cast<float*>(back.Data)[1], 3);
+    // There are no picture objects here.
+    intptr_t picture = 7;
+    EXPECT_EQ(static_cast<uint32_t>(raster->GetPicture(0, &picture)), 0x800A4E30u);
+    EXPECT_EQ(picture, 0);
+    EXPECT_EQ(static_cast<uint32_t>(raster->SetPicture(reinterpret_cast<intptr_t>(&back), &result)),
+              0x800A4E30u);
+    EXPECT_EQ(result, 20016);
+    EXPECT_EQ(raster->get_Bitmap(&picture), 0);
+    EXPECT_NE(picture, 0);
     int16_t locked = 0;
     EXPECT_EQ(raster->IsSupportLocked(32, &locked), 0);
     EXPECT_EQ(locked, -1);

@@ -1,7 +1,9 @@
 // What the members of the raster object do with units, pixels, regions, levels and the platform, against plain models.
 #include "automation/raster_host.h"
+#include "display/dib/dib_model.h"
 #include "platform/graphics.h"
 #include "zkr13n/clipboard.h"
+#include "zkr13n/dib.h"
 #include "zkr13n/locks.h"
 #include "zkr13n/region_shapes.h"
 
@@ -279,6 +281,71 @@ TEST_F(RasterTest, RangesAreFound) {
     EXPECT_EQ(indexed.Get(&RasterObject::GetMaxVal), (2 * 200 + 4) >> 3);
 }
 
+// Bytes of a pixel, lowest first, as a number.
+uint64_t Stored(Raster& raster, int x, int y) {
+    Array data;
+    EXPECT_EQ(raster.object.GetPixelData(float(x), float(y), &data), 0);
+    uint64_t pixel = 0;
+    std::memcpy(&pixel, data.Data, static_cast<size_t>(data.Count));
+    return pixel;
+}
+
+TEST_F(RasterTest, RangesAreOfGrayAtEveryDepth) {
+    std::mt19937 random(11);
+    for (const int bits : {1, 2, 3, 4, 5, 6, 7, 8, 16, 24, 32, 48, 64})
+        for (int round = 0; round < 4; ++round) {
+            Raster raster(3, 2, static_cast<int16_t>(bits));
+            const auto gray = [](uint64_t red, uint64_t green, uint64_t blue) {
+                return static_cast<int64_t>((2 * red + 5 * green + blue + 4) >> 3);
+            };
+            int64_t least = INT64_MAX, most = -1;
+            for (int entry = 0; bits <= 8 && entry < 1 << bits; ++entry)
+                EXPECT_EQ(raster.object.PutBitmapPalette(int16_t(entry), uint32_t(random() & 0xFFFFFF)), 0);
+            for (int place = 0; place < 6; ++place) {
+                const int x = place % 3, y = place / 3;
+                int64_t value;
+                if (bits <= 8) {
+                    const auto entry = static_cast<uint32_t>(random() % (1u << bits));
+                    uint32_t colour = 0;
+                    EXPECT_EQ(raster.object.PutPixel(float(x), float(y), 0x01000000 + entry), 0);
+                    EXPECT_EQ(raster.object.GetBitmapPalette(int16_t(entry), &colour), 0);
+                    value = gray(colour & 0xFF, colour >> 8 & 0xFF, colour >> 16);
+                } else {
+                    uint8_t bytes[8];
+                    for (uint8_t& byte : bytes)
+                        byte = uint8_t(random());
+                    EXPECT_EQ(raster.object.PutPixelData(float(x), float(y),
+                                                         {Array::Kind::Bytes, bits / 8, bytes, false}),
+                              0);
+                    const uint64_t pixel = Stored(raster, x, y);
+                    const auto wide = [&](int shift) { // 5 bits as 8
+                        const uint64_t channel = pixel >> shift & 31;
+                        return channel << 3 | channel >> 2;
+                    };
+                    value = bits == 16  ? gray(wide(10), wide(5), wide(0))
+                            : bits < 48 ? gray(pixel >> 16 & 0xFF, pixel >> 8 & 0xFF, pixel & 0xFF)
+                                        : gray(pixel >> 32 & 0xFFFF, pixel >> 16 & 0xFFFF, pixel & 0xFFFF);
+                }
+                least = std::min(least, value), most = std::max(most, value);
+            }
+            EXPECT_EQ(raster.object.GetMinMaxVal(nullptr), 0);
+            EXPECT_EQ(raster.Get(&RasterObject::GetMinVal), least) << bits << " bits";
+            EXPECT_EQ(raster.Get(&RasterObject::GetMaxVal), most) << bits << " bits";
+        }
+    // Of a window with a sign, and of the whole pixel without.
+    for (const bool isSigned : {false, true}) {
+        Raster raster(2, 1, 12);
+        BitmapHandle& record = raster.Record();
+        record.LowBit = 4, record.HighBit = 9;
+        record.Flags |= isSigned ? uint32_t{Z_FLAG_SIGNED} : 0;
+        uint8_t bytes[2] = {0xA0, 0x02}; // 101010 in the window
+        EXPECT_EQ(raster.object.PutPixelData(0, 0, {Array::Kind::Bytes, 2, bytes, false}), 0);
+        EXPECT_EQ(raster.object.GetMinMaxVal(nullptr), 0);
+        EXPECT_EQ(raster.Get(&RasterObject::GetMinVal), isSigned ? 42 - 64 : 0);
+        EXPECT_EQ(raster.Get(&RasterObject::GetMaxVal), isSigned ? 0 : 42);
+    }
+}
+
 TEST_F(RasterTest, AlphaPassesFromOneToAnother) {
     Raster source(4, 3, 32), target(4, 3, 24);
     uint8_t pixel[4] = {1, 2, 3, 77};
@@ -293,6 +360,16 @@ TEST_F(RasterTest, AlphaPassesFromOneToAnother) {
     EXPECT_EQ(target.object.GetPixelData(2, 1, &back), 0);
     EXPECT_EQ(static_cast<uint8_t*>(back.Data)[3], 77);
     EXPECT_EQ(target.Items(), std::vector<int>{4});
+    // A bitmap's own grays as its alpha, by its own handle.
+    Raster self(2, 1, 24);
+    EXPECT_EQ(self.object.PutPixel(1, 0, 0x808080), 0);
+    EXPECT_EQ(self.object.PutBitmapAlpha(self.Bitmap()), 0);
+    EXPECT_EQ(self.object.GetPixelData(1, 0, &back), 0);
+    EXPECT_EQ(static_cast<uint8_t*>(back.Data)[3], 0x80);
+    EXPECT_EQ(self.object.PutBitmapAlpha(77), Failure(Z_ERROR_BITMAP));
+    EXPECT_EQ(self.object.PutBitmapAlpha(Raster().Get(&RasterObject::GetBitmapAlpha)),
+              Failure(Z_ERROR_BITMAP));
+    EXPECT_EQ(self.Items(), std::vector<int>{2});
 }
 
 TEST_F(RasterTest, ContextsHoldOffOtherWork) {
@@ -333,6 +410,55 @@ TEST_F(RasterTest, BlocksAndPlatformBitmapsPass) {
     EXPECT_EQ(back.object.SetDDB(0, reinterpret_cast<intptr_t>(ddb), 0, nullptr), 0);
     EXPECT_EQ(back.Width(), 5);
     EXPECT_TRUE(platform::DeleteObject(ddb));
+}
+
+TEST_F(RasterTest, BlocksAreConverted) {
+    Seeded seeded(7);
+    const DibForm forms[] = {{12, 9, 4, 8},
+                             {40, 9, -4, 24},
+                             {124, 9, 4, 4},
+                             {40, 9, 4, 16, 3, {0xF800, 0x7E0, 0x1F}},
+                             {108, 9, -4, 32, 3, {0xFF, 0xFF00, 0xFF0000}},
+                             {40, 9, 4, 8, 1},
+                             {40, 16, 4, 12, CodeOf("I420")}};
+    for (const DibForm& form : forms)
+        for (const int32_t type : {int32_t{MemoryConventional}, int32_t{MemoryDisk}}) {
+            const bool isRaw = form.Compression == 0 || form.HasMasks();
+            DibBytes dib = form.Make(isRaw ? form.RowBytes() * 4 : 96, seeded);
+            for (size_t i = 0; form.Compression == 1 && i < 96; i += 2) // runs, and their end
+                dib.Bits[i] = i < 94 ? dib.Bits[i] | 1 : 0, dib.Bits[95] = 1;
+            HGLOBAL block = dib.Block(), whole = dib.Block(), part = isRaw ? dib.Block(1) : nullptr;
+            Raster raster;
+            BitmapHandle expected;
+            const auto* header = static_cast<const uint8_t*>(platform::GlobalLock(block));
+            Z_SetDefaultMemoryType(type);
+            EXPECT_EQ(Z_ConvertFromDIB(&expected, header, header + dib.Head.size()), 1);
+            EXPECT_EQ(raster.object.SetDIB(reinterpret_cast<intptr_t>(whole), nullptr), 0)
+                << form.Compression;
+            Z_SetDefaultMemoryType(MemoryConventional);
+            const BitmapHandle& made = raster.Record();
+            EXPECT_EQ(made.Flags, expected.Flags);
+            EXPECT_EQ(made.Order, expected.Order);
+            EXPECT_EQ(made.ViewPerspective, expected.ViewPerspective);
+            EXPECT_EQ(made.XResolution, expected.XResolution);
+            EXPECT_EQ(made.ColorsUsed, expected.ColorsUsed);
+            for (int y = 0; y < 4; ++y)
+                for (int x = 0; x < form.Width; ++x)
+                    ASSERT_EQ(Z_GetPixelColor(&raster.Record(), y, x), Z_GetPixelColor(&expected, y, x))
+                        << form.HeaderBytes << " bytes, compression " << form.Compression << ", type "
+                        << type;
+            // The block is as it was; one byte less is too few.
+            EXPECT_EQ(std::memcmp(platform::GlobalLock(whole), header, dib.Head.size() + dib.Bits.size()), 0);
+            if (isRaw) {
+                EXPECT_EQ(raster.object.SetDIB(reinterpret_cast<intptr_t>(part), nullptr),
+                          Failure(Z_ERROR_ARGUMENT));
+            }
+            EXPECT_EQ(raster.Width(), form.Width);
+            Z_FreeBitmap(&expected);
+            platform::GlobalUnlock(block), platform::GlobalUnlock(whole);
+            for (HGLOBAL each : {block, whole, part})
+                if (each != nullptr) platform::GlobalFree(each);
+        }
 }
 
 TEST_F(RasterTest, ClipboardHoldsBitmapAndRegion) {
