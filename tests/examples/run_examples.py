@@ -1,5 +1,5 @@
 """Runs the examples, and what the README begins with, on small pictures and looks at what they leave.
-Usage: run_examples.py FOLDER_OF_THE_PROGRAMS README.md C_COMPILER INCLUDE"""
+Usage: run_examples.py FOLDER_OF_THE_PROGRAMS README.md "C_COMPILER FLAGS" INCLUDE"""
 
 import os
 import re
@@ -108,11 +108,11 @@ def first_lines():
     text = readme.read_text(encoding="utf-8")
     lines = re.search(r"^```c\n(.*?)^```", text, re.M | re.S)[1]
     assert len(lines.splitlines()) < 10
-    ending = 'WritePicture("disc.ppm", &picture);'
+    ending = 'WritePicture("disc.ppm", &picture);\nZ_FreeBitmap(&picture);'
     Path("disc.c").write_text(f'#include "portable_picture.h"\nint main(void) {{\n{lines}{ending}\nreturn 0;\n}}\n', encoding="utf-8")
     examples = readme.parent / "examples"
     library = shlex.split(f"-L{programs} -Wl,-rpath,{programs} -lZKR13N")
-    subprocess.run([sys.argv[3], "-Wall", "-Werror", f"-I{include}", f"-I{examples}", "disc.c", examples / "portable_picture.c", "-o", "disc",
+    subprocess.run([*shlex.split(sys.argv[3]), "-Wall", "-Werror", f"-I{include}", f"-I{examples}", "disc.c", examples / "portable_picture.c", "-o", "disc",
                     *library], check=True)
     subprocess.run(["./disc"], check=True)
     disc = pixels("disc.ppm")
