@@ -17,8 +17,8 @@ class RowProgress {
         : receiver_(StatusReceiver::Status()), counter_(Percent(start), Percent(std::max(start, end)), rows),
           passes_(passes) {}
 
-    ReturnCode Begin() const { return receiver_.Report(counter_.Percent()); }
-    ReturnCode Visit() {
+    [[nodiscard]] ReturnCode Begin() const { return receiver_.Report(counter_.Percent()); }
+    [[nodiscard]] ReturnCode Visit() {
         if (++visits_ < passes_) return code::Success;
         visits_ = 0;
         return counter_.Advance(1) ? receiver_.Report(counter_.Percent()) : code::Success;

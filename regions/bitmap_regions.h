@@ -6,9 +6,9 @@
 namespace zkr {
 
 // Mirrors a bitmap's region top to bottom.
-ReturnCode FlipBitmapRegion(BitmapHandle* bitmap);
+[[nodiscard]] ReturnCode FlipBitmapRegion(BitmapHandle* bitmap);
 
 // For a bitmap that is to become as large as the numerators, and still has its old size.
-ReturnCode ScaleBitmapRegion(BitmapHandle* bitmap, int32_t xNumerator, int32_t yNumerator);
+[[nodiscard]] ReturnCode ScaleBitmapRegion(BitmapHandle* bitmap, int32_t xNumerator, int32_t yNumerator);
 
 } // namespace zkr

@@ -7,18 +7,18 @@
 namespace zkr {
 
 // Moves by (dx, dy); a null record is refused.
-ReturnCode OffsetRegion(RegionHandle* region, int32_t dx, int32_t dy);
+[[nodiscard]] ReturnCode OffsetRegion(RegionHandle* region, int32_t dx, int32_t dy);
 
 // Mirrors top to bottom within a number of rows.
-ReturnCode FlipRegion(RegionHandle* region, int32_t height);
+[[nodiscard]] ReturnCode FlipRegion(RegionHandle* region, int32_t height);
 
 // Mirrors a bitmap's region left to right within the bitmap's width.
-ReturnCode ReverseRegion(BitmapHandle* bitmap);
+[[nodiscard]] ReturnCode ReverseRegion(BitmapHandle* bitmap);
 
 // Takes away what lies outside of a rectangle.
-ReturnCode ClipRegion(RegionHandle* region, const PixelRect& rectangle);
+[[nodiscard]] ReturnCode ClipRegion(RegionHandle* region, const PixelRect& rectangle);
 
 // Cuts a bitmap's region to the bitmap, unless its flag says that this is done by those who read it.
-ReturnCode ClipToBitmap(const BitmapHandle& bitmap, RegionHandle& region);
+[[nodiscard]] ReturnCode ClipToBitmap(const BitmapHandle& bitmap, RegionHandle& region);
 
 } // namespace zkr

@@ -37,7 +37,8 @@ class PixelTest {
     void TakeWords(const uint64_t* words);
     // The colours that pass, above 8 bits: those to which row conversion brings pixels. The levels are those of an
     // active table, or null.
-    ReturnCode TakeColours(const BitmapHandle& bitmap, const ColourRange& range, const RGBQUAD* levels);
+    [[nodiscard]] ReturnCode TakeColours(const BitmapHandle& bitmap, const ColourRange& range,
+                                         const RGBQUAD* levels);
 
     // A row to as many bits; what lies behind them in the last word is not defined.
     void Run(const uint8_t* row, uint64_t* bits);
@@ -65,6 +66,6 @@ class PixelTest {
 
 // The region of the pixels that pass. It is as large as the bitmap and has nothing to do with the region that the
 // bitmap has.
-ReturnCode RegionOfPixels(BitmapHandle& bitmap, PixelTest& test, OwnedRegion& result);
+[[nodiscard]] ReturnCode RegionOfPixels(BitmapHandle& bitmap, PixelTest& test, OwnedRegion& result);
 
 } // namespace zkr

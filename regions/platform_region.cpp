@@ -2,6 +2,7 @@
 // in parts that are united two by two.
 #include "regions/platform_region.h"
 
+#include "core/assertion.h"
 #include "core/scratch.h"
 #include "regions/transforms.h"
 
@@ -86,7 +87,8 @@ size_t ListRectangles(const BitmapHandle* bitmap, const RegionHandle& region, co
             ++next;
         for (size_t i = 0; i < runs.size(); i += 2) {
             RECT rectangle = {runs[i], row, runs[i + 1], next};
-            TransformRect(bitmap, xform, &rectangle);
+            [[maybe_unused]] const ReturnCode status = TransformRect(bitmap, xform, &rectangle);
+            ZKR_ASSERT(status == code::Success); // both have been tested
             const PixelRect shown = PixelRect::Of(rectangle);
             if (shown.IsEmpty()) continue;
             bound = Union(bound, shown);

@@ -32,10 +32,10 @@ class OwnedPlatformRegion {
 HRGN DuplicatePlatformRegion(HRGN region);
 
 // Makes a platform region of a bitmap's region as a transform shows it. A transform of null shows it as it is.
-ReturnCode RegionToPlatform(const BitmapHandle* bitmap, const RegionHandle* region, const RegionXform* xform,
-                            HRGN* result);
+[[nodiscard]] ReturnCode RegionToPlatform(const BitmapHandle* bitmap, const RegionHandle* region,
+                                          const RegionXform* xform, HRGN* result);
 
 // Reads a platform region. Rectangles that do not lie in bands, or that overlap, are refused.
-ReturnCode RegionFromPlatform(HRGN platformRegion, OwnedRegion& result);
+[[nodiscard]] ReturnCode RegionFromPlatform(HRGN platformRegion, OwnedRegion& result);
 
 } // namespace zkr

@@ -87,8 +87,8 @@ class RegionBuilder {
 
     // expectedEntries: end points of the whole region as far as the caller can tell. rowEntries: the most that one
     // row can take, where that is known to be less than the width allows.
-    ReturnCode Begin(const PixelRect& rectangle, uint64_t expectedEntries = 0,
-                     uint64_t rowEntries = std::numeric_limits<uint64_t>::max());
+    [[nodiscard]] ReturnCode Begin(const PixelRect& rectangle, uint64_t expectedEntries = 0,
+                                   uint64_t rowEntries = std::numeric_limits<uint64_t>::max());
 
     // Runs of the current row, from left to right; one that touches its predecessor joins it, an empty one is
     // ignored.
@@ -105,17 +105,17 @@ class RegionBuilder {
     int32_t* Room() { return region_->Segments + used_; }
     static constexpr size_t RowSlack = 8;
 
-    ReturnCode EndRow() { return EndRow(pending_); }
-    ReturnCode EndRow(size_t entries); // of which Room() has been given
-    ReturnCode CopyRow(Runs runs);
-    ReturnCode EndRows(int64_t equalRows); // the current row and its copies
+    [[nodiscard]] ReturnCode EndRow() { return EndRow(pending_); }
+    [[nodiscard]] ReturnCode EndRow(size_t entries); // of which Room() has been given
+    [[nodiscard]] ReturnCode CopyRow(Runs runs);
+    [[nodiscard]] ReturnCode EndRows(int64_t equalRows); // the current row and its copies
     void SkipRows(int64_t rows) { row_ += rows; }
 
     // Hands the record out.
     void Finish(OwnedRegion& result);
 
   private:
-    ReturnCode Grow();
+    [[nodiscard]] ReturnCode Grow();
 
     OwnedRegion region_;
     size_t capacity_ = 0; // entries of Segments
@@ -126,9 +126,9 @@ class RegionBuilder {
 };
 
 // A rectangle as a region: one run in each row. An inverted one is empty.
-ReturnCode RectRegion(OwnedRegion& result, const PixelRect& rectangle);
+[[nodiscard]] ReturnCode RectRegion(OwnedRegion& result, const PixelRect& rectangle);
 
 // A copy with the runs and the platform region of its source, but without its mask.
-ReturnCode DuplicateRegion(OwnedRegion& result, const RegionHandle& source);
+[[nodiscard]] ReturnCode DuplicateRegion(OwnedRegion& result, const RegionHandle& source);
 
 } // namespace zkr

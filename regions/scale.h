@@ -10,9 +10,10 @@ struct RegionScale {
 };
 
 // Rounds coordinates up. Numerators and denominators lose low bits where products would not fit 32 bits.
-ReturnCode ScaleRegion(RegionHandle* region, const RegionScale& scale);
+[[nodiscard]] ReturnCode ScaleRegion(RegionHandle* region, const RegionScale& scale);
 
 // For drawing: rows are rounded up or down, and the fractions stay whole.
-ReturnCode ScaleRegionForDisplay(RegionHandle* region, const RegionScale& scale, bool roundsUpY);
+[[nodiscard]] ReturnCode ScaleRegionForDisplay(RegionHandle* region, const RegionScale& scale,
+                                               bool roundsUpY);
 
 } // namespace zkr

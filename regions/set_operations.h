@@ -5,9 +5,9 @@
 
 namespace zkr {
 
-ReturnCode IntersectRegions(OwnedRegion& result, const RegionHandle& a, const RegionHandle& b);
-ReturnCode UniteRegions(OwnedRegion& result, const RegionHandle& a, const RegionHandle& b);
-ReturnCode SubtractRegions(OwnedRegion& result, const RegionHandle& a, const RegionHandle& b);
-ReturnCode XorRegions(OwnedRegion& result, const RegionHandle& a, const RegionHandle& b);
+[[nodiscard]] ReturnCode IntersectRegions(OwnedRegion& result, const RegionHandle& a, const RegionHandle& b);
+[[nodiscard]] ReturnCode UniteRegions(OwnedRegion& result, const RegionHandle& a, const RegionHandle& b);
+[[nodiscard]] ReturnCode SubtractRegions(OwnedRegion& result, const RegionHandle& a, const RegionHandle& b);
+[[nodiscard]] ReturnCode XorRegions(OwnedRegion& result, const RegionHandle& a, const RegionHandle& b);
 
 } // namespace zkr

@@ -13,12 +13,14 @@ bool IsValidXform(const RegionXform& xform);
 RegionXform NeutralXform(const BitmapHandle& bitmap);
 
 // From the caller's coordinates to the bitmap's: offset, scale, view. On failure the region may have been moved.
-ReturnCode TransformRegionIn(const BitmapHandle* bitmap, const RegionXform* xform, RegionHandle* region);
+[[nodiscard]] ReturnCode TransformRegionIn(const BitmapHandle* bitmap, const RegionXform* xform,
+                                           RegionHandle* region);
 
 // From the bitmap's coordinates to the caller's: view, scale, offset.
-ReturnCode TransformRegionOut(const BitmapHandle* bitmap, const RegionXform* xform, RegionHandle* region);
+[[nodiscard]] ReturnCode TransformRegionOut(const BitmapHandle* bitmap, const RegionXform* xform,
+                                            RegionHandle* region);
 
 // As TransformRegionOut for one rectangle; what leaves 32 bits stands at their end.
-ReturnCode TransformRect(const BitmapHandle* bitmap, const RegionXform* xform, RECT* rectangle);
+[[nodiscard]] ReturnCode TransformRect(const BitmapHandle* bitmap, const RegionXform* xform, RECT* rectangle);
 
 } // namespace zkr

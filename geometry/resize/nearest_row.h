@@ -15,7 +15,7 @@ class NearestRow {
     NearestRow(const NearestRow&) = delete;
     NearestRow& operator=(const NearestRow&) = delete;
 
-    ReturnCode Make(int32_t bitsPerPixel, int32_t oldWidth, int32_t newWidth);
+    [[nodiscard]] ReturnCode Make(int32_t bitsPerPixel, int32_t oldWidth, int32_t newWidth);
 
     // Makes `count` pixels from `first` on. The source begins with pixel `base` of the row, which begins on a byte, and
     // has so many bytes.

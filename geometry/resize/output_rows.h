@@ -24,18 +24,20 @@ class OutputRows {
     OutputRows(const OutputRows&) = delete;
     OutputRows& operator=(const OutputRows&) = delete;
 
-    ReturnCode Make(const BitmapHandle& source, const WorkRows& work, const OutputRequest& request);
+    [[nodiscard]] ReturnCode Make(const BitmapHandle& source, const WorkRows& work,
+                                  const OutputRequest& request);
 
     // Bits of an output pixel.
     int32_t bits() const { return bits_ == 0 ? 8 : bits_; }
 
     // Writes so many bytes behind each other, with the pixels in front; where they are dithered the pixels alone.
-    ReturnCode Write(const uint8_t* row, int32_t pixels, uint8_t* target, uint32_t bytes);
+    [[nodiscard]] ReturnCode Write(const uint8_t* row, int32_t pixels, uint8_t* target, uint32_t bytes);
 
   private:
     void ChooseForm(const BitmapHandle& source, const OutputRequest& request);
-    ReturnCode StartDithering(const BitmapHandle& source, const WorkRows& work, const OutputRequest& request);
-    ReturnCode Convert(uint8_t* row, int32_t pixels) const;
+    [[nodiscard]] ReturnCode StartDithering(const BitmapHandle& source, const WorkRows& work,
+                                            const OutputRequest& request);
+    [[nodiscard]] ReturnCode Convert(uint8_t* row, int32_t pixels) const;
     bool IsConverted() const { return bits_ != work_.Bits || (bits_ != 0 && order_ != work_.Order); }
 
     WorkFormat work_ = {};

@@ -33,7 +33,8 @@ class RowResampler {
     RowResampler& operator=(const RowResampler&) = delete;
 
     // Where rows shrink, linear and spline take averages.
-    ReturnCode Make(Interpolation method, SampleFormat format, int32_t oldWidth, int32_t newWidth);
+    [[nodiscard]] ReturnCode Make(Interpolation method, SampleFormat format, int32_t oldWidth,
+                                  int32_t newWidth);
 
     // Chooses the stretch of the target that Run makes, 1 pixel or more, and says what it is made of.
     SourceSpan Choose(int32_t first, int32_t count);
@@ -44,9 +45,9 @@ class RowResampler {
   private:
     enum class Rule : uint8_t { Nearest, Copy, Linear, Average, Spline };
 
-    ReturnCode MakeLinear();
-    ReturnCode MakeAverage();
-    ReturnCode MakeSpline();
+    [[nodiscard]] ReturnCode MakeLinear();
+    [[nodiscard]] ReturnCode MakeAverage();
+    [[nodiscard]] ReturnCode MakeSpline();
     SourceSpan SpanOfStretch();
     bool Doubles() const { return newWidth_ == int64_t{oldWidth_} * 2; }
 

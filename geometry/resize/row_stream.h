@@ -15,22 +15,22 @@ class RowStream {
     ~RowStream();
 
     // The request's size is complete.
-    ReturnCode Make(BitmapHandle* bitmap, const OutputRequest& request, RowReader reader);
+    [[nodiscard]] ReturnCode Make(BitmapHandle* bitmap, const OutputRequest& request, RowReader reader);
 
-    ReturnCode Get(uint8_t* target, int32_t row, int32_t column, uint32_t bytes);
+    [[nodiscard]] ReturnCode Get(uint8_t* target, int32_t row, int32_t column, uint32_t bytes);
 
   private:
     static constexpr int MostRows = 4;
 
-    ReturnCode MakeRows(const BitmapHandle& bitmap);
-    ReturnCode Reduce(int32_t row);
-    ReturnCode EnlargeNearest(int32_t row, bool isNext);
-    ReturnCode EnlargeLinear(int32_t row, bool isNext);
-    ReturnCode EnlargeSpline(int32_t row, bool isNext);
-    ReturnCode FetchAround();
-    ReturnCode MoveDown();
-    ReturnCode MoveUp();
-    ReturnCode FetchOrCopy(int32_t row, int index, int neighbour);
+    [[nodiscard]] ReturnCode MakeRows(const BitmapHandle& bitmap);
+    [[nodiscard]] ReturnCode Reduce(int32_t row);
+    [[nodiscard]] ReturnCode EnlargeNearest(int32_t row, bool isNext);
+    [[nodiscard]] ReturnCode EnlargeLinear(int32_t row, bool isNext);
+    [[nodiscard]] ReturnCode EnlargeSpline(int32_t row, bool isNext);
+    [[nodiscard]] ReturnCode FetchAround();
+    [[nodiscard]] ReturnCode MoveDown();
+    [[nodiscard]] ReturnCode MoveUp();
+    [[nodiscard]] ReturnCode FetchOrCopy(int32_t row, int index, int neighbour);
     int32_t Shifted(int32_t row) const;
     size_t SampleCount() const;
 

@@ -56,7 +56,8 @@ struct Stepping {
 bool StepRow(int32_t bitsPerPixel, Stepping at, const uint8_t* source, uint8_t* target, size_t pixels);
 
 // Makes a target size of 0 follow the other one, and says whether the sizes can go together.
-inline ReturnCode CompleteSize(int32_t oldWidth, int32_t oldHeight, int32_t& newWidth, int32_t& newHeight) {
+[[nodiscard]] inline ReturnCode CompleteSize(int32_t oldWidth, int32_t oldHeight, int32_t& newWidth,
+                                             int32_t& newHeight) {
     if (oldWidth < 1 || oldHeight < 1 || newWidth < 0 || newHeight < 0 || (newWidth == 0 && newHeight == 0))
         return code::InvalidArgument;
     const auto scale = [](int32_t size, int32_t by, int32_t to) {

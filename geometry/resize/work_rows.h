@@ -33,7 +33,8 @@ class WorkRows {
     WorkRows(const WorkRows&) = delete;
     WorkRows& operator=(const WorkRows&) = delete;
 
-    ReturnCode Make(BitmapHandle* bitmap, RowReader reader, Interpolation method, int32_t newWidth);
+    [[nodiscard]] ReturnCode Make(BitmapHandle* bitmap, RowReader reader, Interpolation method,
+                                  int32_t newWidth);
 
     const WorkFormat& format() const { return format_; }
 
@@ -41,15 +42,15 @@ class WorkRows {
     void Choose(int32_t first, int32_t count);
 
     // Reads a row of the bitmap and makes the chosen columns of it.
-    ReturnCode Fetch(int32_t row, uint8_t* target);
+    [[nodiscard]] ReturnCode Fetch(int32_t row, uint8_t* target);
 
     // Entries of the bitmap's palette, null for none.
     const RGBQUAD* palette() const { return palette_; }
 
   private:
-    ReturnCode MakeTables();
-    ReturnCode Read(int32_t row, const uint8_t*& pixels, int32_t& column);
-    ReturnCode Convert(uint8_t* row, int32_t pixels) const;
+    [[nodiscard]] ReturnCode MakeTables();
+    [[nodiscard]] ReturnCode Read(int32_t row, const uint8_t*& pixels, int32_t& column);
+    [[nodiscard]] ReturnCode Convert(uint8_t* row, int32_t pixels) const;
 
     BitmapHandle* bitmap_ = nullptr;
     RowReader reader_ = {};

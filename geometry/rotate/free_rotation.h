@@ -19,6 +19,6 @@ struct RotationRequest {
 
 // Replaces an allocated bitmap by its rotation. On failure it is as it was, but for compressed storage, which may
 // have become plain.
-ReturnCode RotateFreely(BitmapHandle& bitmap, const RotationRequest& request);
+[[nodiscard]] ReturnCode RotateFreely(BitmapHandle& bitmap, const RotationRequest& request);
 
 } // namespace zkr::geometry

@@ -16,7 +16,7 @@ struct RotationPlan {
 };
 
 // Fills target, which has the source's depth and order. Both are locked.
-ReturnCode RotateRows(BitmapHandle& target, BitmapHandle& source, const RotationPlan& plan,
-                      RowProgress& progress);
+[[nodiscard]] ReturnCode RotateRows(BitmapHandle& target, BitmapHandle& source, const RotationPlan& plan,
+                                    RowProgress& progress);
 
 } // namespace zkr::geometry

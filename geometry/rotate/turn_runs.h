@@ -11,6 +11,7 @@ inline constexpr int32_t RunPasses = 2;
 
 // Fills target, a blank run-compressed bitmap of the turned dimensions. It holds a few words for each of the
 // target's rows beside the lists themselves.
-ReturnCode TurnRuns(BitmapHandle& target, BitmapHandle& source, bool clockwise, RowProgress& progress);
+[[nodiscard]] ReturnCode TurnRuns(BitmapHandle& target, BitmapHandle& source, bool clockwise,
+                                  RowProgress& progress);
 
 } // namespace zkr::geometry

@@ -31,8 +31,9 @@ class SampleRows {
     SampleRows(const SampleRows&) = delete;
     SampleRows& operator=(const SampleRows&) = delete;
 
-    ReturnCode Make(BitmapHandle& source, const BlendFormat& format, Interpolation method, int32_t newWidth);
-    ReturnCode Fetch(int32_t row, uint8_t* target);
+    [[nodiscard]] ReturnCode Make(BitmapHandle& source, const BlendFormat& format, Interpolation method,
+                                  int32_t newWidth);
+    [[nodiscard]] ReturnCode Fetch(int32_t row, uint8_t* target);
 
   private:
     BitmapHandle* source_ = nullptr;
@@ -50,17 +51,18 @@ class BlendedOutput {
     BlendedOutput(const BlendedOutput&) = delete;
     BlendedOutput& operator=(const BlendedOutput&) = delete;
 
-    ReturnCode Make(const BitmapHandle& source, const BitmapHandle& target, const BlendFormat& format);
+    [[nodiscard]] ReturnCode Make(const BitmapHandle& source, const BitmapHandle& target,
+                                  const BlendFormat& format);
 
     // Takes a row of samples; the target's row is then in bytes().
-    ReturnCode Take(const uint8_t* samples);
+    [[nodiscard]] ReturnCode Take(const uint8_t* samples);
     const uint8_t* bytes() { return row_->data(); }
 
   private:
     enum class Way : uint8_t { Convert, Dither, Match };
 
-    ReturnCode StartDithering();
-    ReturnCode Convert(uint8_t* row, int32_t pixels, int32_t bits, int32_t order) const;
+    [[nodiscard]] ReturnCode StartDithering();
+    [[nodiscard]] ReturnCode Convert(uint8_t* row, int32_t pixels, int32_t bits, int32_t order) const;
     void Match(uint8_t* row) const;
 
     const BitmapHandle* target_ = nullptr;

@@ -9,14 +9,15 @@
 
 namespace zkr {
 
-ReturnCode FillNearest(BitmapHandle& source, BitmapHandle& target);
-ReturnCode FillBlended(BitmapHandle& source, BitmapHandle& target, bool isSpline);
+[[nodiscard]] ReturnCode FillNearest(BitmapHandle& source, BitmapHandle& target);
+[[nodiscard]] ReturnCode FillBlended(BitmapHandle& source, BitmapHandle& target, bool isSpline);
 // Of two bitmaps of 1 bit.
-ReturnCode FillKeepingStrokes(BitmapHandle& source, BitmapHandle& target);
+[[nodiscard]] ReturnCode FillKeepingStrokes(BitmapHandle& source, BitmapHandle& target);
 
 // Calls make(row) for each row of the target, which leaves the row where `bytes` is.
 template <typename Make>
-ReturnCode FillRows(BitmapHandle& source, BitmapHandle& target, const uint8_t* bytes, Make make) {
+[[nodiscard]] ReturnCode FillRows(BitmapHandle& source, BitmapHandle& target, const uint8_t* bytes,
+                                  Make make) {
     const bool isMirrored = source.ViewPerspective != target.ViewPerspective;
     const auto visit = [&](int32_t row) {
         const ReturnCode result = make(row);

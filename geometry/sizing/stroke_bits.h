@@ -26,14 +26,14 @@ class StrokeBits {
     }
 
     void Begin();
-    ReturnCode Pass(int32_t row);
+    [[nodiscard]] ReturnCode Pass(int32_t row);
 
   private:
     static constexpr size_t Rows = kernels::MostPlanes + 2;
     static constexpr size_t Slack = 8; // that kernels may read behind a row
 
-    ReturnCode Fetch(int32_t first, int32_t count);
-    ReturnCode Store(int32_t row);
+    [[nodiscard]] ReturnCode Fetch(int32_t first, int32_t count);
+    [[nodiscard]] ReturnCode Store(int32_t row);
 
     BitmapHandle& source_;
     BitmapHandle& target_;

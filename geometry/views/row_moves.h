@@ -16,6 +16,6 @@ enum class RowMove {
 
 // Of an allocated bitmap, with reports from start to end to the thread's status callback. A failure of memory or
 // storage undoes what was done; what a callback stops stays done as far as it went. The region is not touched.
-ReturnCode MoveRows(BitmapHandle& bitmap, RowMove move, uint32_t start, uint32_t end);
+[[nodiscard]] ReturnCode MoveRows(BitmapHandle& bitmap, RowMove move, uint32_t start, uint32_t end);
 
 } // namespace zkr::geometry

@@ -39,8 +39,8 @@ class SourceRows {
     static constexpr size_t KeptBytes = size_t{4} << 20;
 
     void SetPitch();
-    ReturnCode Fetch(const kernels::WarpPiece& piece, bool withNextRow);
-    ReturnCode FetchRow(int32_t row);
+    [[nodiscard]] ReturnCode Fetch(const kernels::WarpPiece& piece, bool withNextRow);
+    [[nodiscard]] ReturnCode FetchRow(int32_t row);
 
     BitmapHandle& bitmap_;
     kernels::WarpSource area_;

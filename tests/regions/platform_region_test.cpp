@@ -145,10 +145,9 @@ TEST(PlatformRegion, IsKept) {
 
     // Whatever moves pixels drops it; what changes nothing keeps it.
     RegionHandle* const record = RegionOf(bitmap);
-    OffsetRegion(record, 0, 0);
-    ClipRegion(record, {0, 0, 20, 20});
+    EXPECT_TRUE(OffsetRegion(record, 0, 0) == 1 && ClipRegion(record, {0, 0, 20, 20}) == 1);
     EXPECT_NE(record->PlatformRegion, nullptr);
-    FlipRegion(record, 12);
+    EXPECT_EQ(FlipRegion(record, 12), code::Success);
     EXPECT_EQ(record->PlatformRegion, nullptr);
     kept.Ask(nullptr);
     RegionHandle* copy = nullptr;

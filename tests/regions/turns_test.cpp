@@ -219,28 +219,29 @@ TEST(Transforms, TakeTheirStepsInOrder) {
                                    xform.YDenominator};
         const PixelSet set = PixelSet::Random(seeded, {0, 0, 15, 15});
         const auto turn = [&](RegionHandle* region, const ViewChange& change, bool in) {
-            if (change.Flip != 0) FlipRegion(region, height);
+            EXPECT_TRUE(change.Flip == 0 || FlipRegion(region, height) == code::Success);
             BitmapHandle scratch{};
             const bool swaps = change.IsQuarter() && !in; // the scratch's dimensions are those after the turn
             scratch.Width = swaps ? height : width;
             scratch.Height = swaps ? width : height;
             scratch.Region = region;
             const bool swapsOld = change.IsQuarter() && in;
-            RotateRegion(&scratch, swapsOld ? height : width, swapsOld ? width : height,
-                         change.Degrees * 100);
+            EXPECT_EQ(RotateRegion(&scratch, swapsOld ? height : width, swapsOld ? width : height,
+                                   change.Degrees * 100),
+                      code::Success);
         };
         for (const bool in : {true, false}) {
             const OwnedRegion expected(RegionFrom(set)), actual(RegionFrom(set));
+            const auto move = [&] { return OffsetRegion(expected.get(), xform.XOffset, xform.YOffset); };
+            const bool turns = xform.ViewPerspective != view;
             if (in) {
-                OffsetRegion(expected.get(), xform.XOffset, xform.YOffset);
-                ScaleRegion(expected.get(), scale);
-                if (xform.ViewPerspective != view) turn(expected.get(), {xform.ViewPerspective, view}, true);
+                ASSERT_TRUE(move() == 1 && ScaleRegion(expected.get(), scale) == 1);
+                if (turns) turn(expected.get(), {xform.ViewPerspective, view}, true);
             } else {
-                if (xform.ViewPerspective != view) turn(expected.get(), {view, xform.ViewPerspective}, false);
-                ScaleRegionForDisplay(expected.get(), scale,
-                                      xform.ViewPerspective == 2 ||
-                                          (xform.ViewPerspective == 0 && view == 4));
-                OffsetRegion(expected.get(), xform.XOffset, xform.YOffset);
+                if (turns) turn(expected.get(), {view, xform.ViewPerspective}, false);
+                const bool roundsUpY =
+                    xform.ViewPerspective == 2 || (xform.ViewPerspective == 0 && view == 4);
+                ASSERT_TRUE(ScaleRegionForDisplay(expected.get(), scale, roundsUpY) == 1 && move() == 1);
             }
             ASSERT_EQ(in ? TransformRegionIn(&bitmap, &xform, actual.get())
                          : TransformRegionOut(&bitmap, &xform, actual.get()),
