@@ -38,11 +38,13 @@ def frames():
         made[-1].putpalette(colours)
     return made
 whole, changes = frames(), frames()
-opaque = [255] * 255 + [0]
-def play(frames, transparent):
+for frame in changes:
+    frame.info['transparency'] = 255
+def play(frames, mode):
     canvas = Image.new('RGB', frames[0].size)
     for frame in frames:
-        canvas.paste(frame.convert('RGB'), (0, 0), frame.point(opaque, 'L') if transparent else None)
+        made = frame.convert(mode)
+        canvas.paste(made, (0, 0), made if mode == 'RGBA' else None)
 def decibels(made):
     squares = ImageStat.Stat(ImageChops.difference(picture, made.convert('RGB'))).sum2
     return 10 * log10(255 * 255 * 3 * width * height / sum(squares))
@@ -57,8 +59,8 @@ passes = {
     b'bitonal': lambda: picture.convert('1'),
     b'box': lambda: picture.resize((int(sys.argv[3]), int(sys.argv[4])), Image.Resampling.BOX),
     b'eighth': lambda: picture.reduce(8),
-    b'play': lambda: play(whole, False),
-    b'changes': lambda: play(changes, True),
+    b'play': lambda: play(whole, 'RGB'),
+    b'changes': lambda: play(changes, 'RGBA'),
     b'shear': lambda: picture.transform((width + int(height * slope), height), Image.Transform.AFFINE,
                                         (1, slope, -height * slope, 0, 1, 0), Image.Resampling.NEAREST),
 }
