@@ -25,8 +25,11 @@ make_base() {
 
 if [ "${2:-}" != --inside ]; then
   make_base
-  as_root unshare --mount --propagation private env "HOME=$HOME" "$0" "$folder" --inside "${@:2}"
-  exit
+  status=0
+  as_root unshare --mount --propagation private env "XDG_CACHE_HOME=${cache%/*}" "$0" "$folder" --inside "${@:2}" || status=$?
+  as_root rm -rf --one-file-system "$root" "$folder/changes"
+  as_root chown -R "$(id -u)" "$folder"
+  exit "$status"
 fi
 
 # From here on as root, in the namespace.
@@ -48,7 +51,6 @@ cp -r /etc/apt/apt.conf.d/. "$root/etc/apt/apt.conf.d/" 2>/dev/null || true
 printf 'APT::Keep-Downloaded-Packages "true";\n' >"$root/etc/apt/apt.conf.d/99keep"
 printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d"
 chmod +x "$root/usr/sbin/policy-rc.d"
-# Sets up what they need, then takes them from the files alone.
 cp "$@" "$root/root/"
 files=()
 for file in "$@"; do files+=("/root/$(basename "$file")"); done
