@@ -230,7 +230,15 @@ TEST(Registration, EntersItsKeysAndLeavesNone) {
     EXPECT_EQ(Listed(Missing(before, there)), "") << "were changed or lost";
     EXPECT_EQ(Listed(Missing(wanted, there)), "") << "were not entered";
     wanted.merge(Categories());
-    EXPECT_EQ(Listed(Missing(Missing(there, before), wanted)), "") << "are of nobody's wish";
+    Keys extra = Missing(Missing(there, before), wanted);
+    // A system of 64 bits shows interfaces and type libraries to programs of 32 bits too.
+    const std::wstring other = L"\\Wow6432Node";
+    std::erase_if(extra, [&](const auto& entry) {
+        const auto& [path, value] = entry;
+        const auto same = path.starts_with(other) ? wanted.find(path.substr(other.size())) : wanted.end();
+        return same != wanted.end() && same->second == value;
+    });
+    EXPECT_EQ(Listed(extra), "") << "are of nobody's wish";
     EXPECT_EQ(Listed(Missing(Categories(), there)), "") << "were not entered";
     RecordProperty("keys", static_cast<int>(Expected().size()));
 

@@ -1,5 +1,6 @@
 // What stands before each script: two raster objects, and what the script holds against its expectations. All of it is
 // told, because the host does not tell where a script breaks off; what is not as it should be counts in the exit status.
+// Handles may be of a type of 64 bits, which the language passes on but does not compare.
 var checked = 0, failed = 0;
 var raster = new ActiveXObject("ZIRCRaster.ZIRCRaster");
 var other = new ActiveXObject("ZIRCRaster.ZIRCRaster");

@@ -15,6 +15,13 @@ Check "the source has nothing", raster.Bitmap & " " & raster.BitmapListCount, "0
 other.Bitmap = other.Bitmap ' which changes nothing
 Check "its own", other.Pixel(3, 1), vbRed
 
+Check "the same context", other.GetBitmapDC() & "", other.GetBitmapDC() & ""
+Check "no handle meanwhile", other.Bitmap, 0
+other.ReleaseBitmapDC
+Check "still none", other.Bitmap, 0
+other.ReleaseBitmapDC
+Check "a handle again", other.Bitmap & "" <> "0", True
+
 Set same = other.GetInterfacePointer()
 same.Pixel(0, 0) = vbGreen
 Check "the same object", other.Pixel(0, 0), vbGreen
