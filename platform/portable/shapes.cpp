@@ -49,9 +49,12 @@ void AddByRows(const RECT& rect, int64_t cornerWidth, int64_t cornerHeight, Band
     };
     for (int64_t k = 0; k < rows; ++k)
         addRow(k, rect.top + k);
-    writer.StartBand(static_cast<int32_t>(rect.top + rows), static_cast<int32_t>(rect.bottom - rows));
-    writer.Add(rect.left, rect.right);
-    writer.EndBand();
+    // A band without rows would be a rectangle of the set for all that.
+    if (rect.top + rows < rect.bottom - rows) {
+        writer.StartBand(static_cast<int32_t>(rect.top + rows), static_cast<int32_t>(rect.bottom - rows));
+        writer.Add(rect.left, rect.right);
+        writer.EndBand();
+    }
     for (int64_t k = rows - 1; k >= 0; --k)
         addRow(k, int64_t{rect.bottom} - 1 - k);
 }

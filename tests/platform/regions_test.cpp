@@ -94,7 +94,7 @@ double FromEllipse(double x, double y, double radiusX, double radiusY) {
 
 TEST(Regions, RoundShapesHoldTheCentresInside) {
     for (const RECT& rect : {RECT{3, 4, 44, 30}, RECT{2, 2, 13, 45}, RECT{5, 6, 25, 26}, RECT{1, 1, 46, 4},
-                             RECT{7, 7, 8, 20}, RECT{0, 0, 2, 2}}) {
+                             RECT{7, 7, 8, 20}, RECT{0, 0, 2, 2}, RECT{2, 3, 39, 7}, RECT{5, 5, 21, 7}}) {
         const int width = rect.right - rect.left, height = rect.bottom - rect.top;
         for (const auto& [cornerWidth, cornerHeight] :
              {std::pair{width, height}, {6, 9}, {11, 4}, {100, 5}, {0, 7}}) {
@@ -102,6 +102,8 @@ TEST(Regions, RoundShapesHoldTheCentresInside) {
             HRGN region = ellipse ? CreateEllipticRgnIndirect(&rect)
                                   : CreateRoundRectRgn(rect.left, rect.top, rect.right, rect.bottom,
                                                        cornerWidth, cornerHeight);
+            for (const RECT& part : RectsOf(region))
+                ASSERT_TRUE(part.left < part.right && part.top < part.bottom) << width << 'x' << height;
             Grid grid = GridOf(region);
             const double radiusX = std::min(cornerWidth, width) / 2.0;
             const double radiusY = std::min(cornerHeight, height) / 2.0;

@@ -46,6 +46,11 @@ TEST(Shapes, HoldPixelsWhoseCentreIsInside) {
         const double dx = std::max(std::abs(x - 18) - 10, 0.0), dy = std::max(std::abs(y - 20) - 10, 0.0);
         return 5 - std::hypot(dx, dy);
     });
+    for (int32_t width = 2; width < 42; ++width)
+        for (int32_t height = 2; height < 8; ++height) {
+            const RECT flat = {1, 1, 1 + width, 1 + height};
+            ASSERT_EQ(Z_SetBitmapRgnEllipse(&sheet, nullptr, &flat, Z_RGN_SET), 1) << width << "x" << height;
+        }
     const POINT corners[] = {{3, 5}, {33, 5}, {33, 15}, {13, 15}, {13, 25}, {3, 25}};
     ASSERT_EQ(Z_SetBitmapRgnPolygon(&sheet, nullptr, corners, 6, Z_POLY_ALTERNATE, Z_RGN_SET), 1);
     EXPECT_EQ(sheet.Set(), PixelSet::Where([](int32_t x, int32_t y) {

@@ -79,6 +79,8 @@ def test_copies_and_small_things():
         assert pickle.loads(pickle.dumps(thing)) == thing
     pages = pickle.loads(pickle.dumps(BitmapList([bitmap, noisy(8)])))
     assert len(pages) == 2 and pages[0].tobytes() == bitmap.tobytes()
+    plain = Bitmap(9, 9).quantize(16)
+    assert len(plain.palette) == 1 and pickle.loads(pickle.dumps(plain)).palette == plain.palette
     bitmap.close()
     with pytest.raises(ValueError, match="closed"):
         pickle.dumps(bitmap)

@@ -119,6 +119,7 @@ def test_operations_keep_to_the_region(bits, storage):
     assert numpy.array_equal(bitmap.to_array(), expected)
     assert bitmap.region == Region.from_mask(mask) == bitmap.copy().region
     assert bitmap[3:20, 4:30].region == Region.from_mask(mask[3:20, 4:30])
+    assert bitmap.copy().set_height(9).region == Region.from_mask(mask[:9])
     assert bitmap.flip().region == Region.from_mask(mask[::-1])
     bitmap.region = None
     assert bitmap.region is None and not bitmap.clear().to_array().any()

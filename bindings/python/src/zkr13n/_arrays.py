@@ -107,7 +107,7 @@ class ArrayAccess(PixelAccess):
         for y in range(self.height):
             ctypes.memmove(row, data[y * step:(y + 1) * step], step)
             _convert_row(row, width, wide, bits, truth)
-            self.set_row(y, bytes(row[: packed_bytes(width, bits)]))
+            self.set_row(y, ctypes.string_at(row, packed_bytes(width, bits)))
 
     @classmethod
     def from_array(cls: Type[A], array: Any, *, bits: Optional[int] = None, order: Optional[Order] = None,

@@ -66,15 +66,10 @@ def give_palette(record: Record, palette: Palette) -> None:
     """Puts a palette in the place of a record's."""
     if len(palette) > 1 << record.handle.BitsPerPixel:
         raise ValueError(f"{len(palette)} colours are too many for {record.handle.BitsPerPixel} bits")
-    if len(palette) < 2:
-        raise ValueError("the palette of a bitmap has two colours at least")
-    made = lib.Z_CreatePalette(palette._entries, len(palette))
-    if made is None:
-        raise failure(c.Z_ERROR_MEMORY, lib.Z_CreatePalette)
-    try:
-        check(lib.Z_SetBitmapPalette(record.reference, made), lib.Z_SetBitmapPalette)
-    finally:
-        delete_object(made)
+    before, is_block = record.handle.Palette, record.handle.Flags & c.Z_FLAG_PALETTE_IS_BLOCK
+    check(lib.Z_CreateBitmapPalette(record.reference, palette._entries, len(palette)), lib.Z_CreateBitmapPalette)
+    if before is not None:
+        (lib.Z_OsFree if is_block else delete_object)(before)
 
 
 class Guard:

@@ -186,7 +186,7 @@ class ColourWork(BitmapBase):
 
     @property
     def palette(self) -> Optional[Palette]:
-        """The colours that indices stand for, up to 8 bits; None for a bitmap without. Can be set, with 2 to 256 colours;
+        """The colours that indices stand for, up to 8 bits; None for a bitmap without. Can be set, also to fewer than the depth can have;
         pixels stay."""
         with Guard(self):
             handle = self._handle

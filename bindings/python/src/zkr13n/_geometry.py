@@ -111,8 +111,11 @@ class Geometry(BitmapBase):
         return self
 
     def set_height(self: G, rows: int) -> G:
-        """Adds zero rows at the end of the bitmap, or takes rows from there, in place; returns it."""
+        """Adds zero rows at the end of the bitmap, or takes rows from there, in place; returns it. The region is cut with
+        it."""
         self._change(lib.Z_ChangeBitmapHeight, rows)
+        if self._handle.Region:
+            self._call(lib.Z_OffsetBitmapRgn, 0, 0)
         return self
 
     # ---- Two bitmaps
