@@ -213,10 +213,61 @@ template <size_t bytes> inline void StorePixels(uint8_t* to, __m256i pixels) {
     }
 }
 
+constexpr size_t StreamedRows = 64;
+
+// Writes whole lines past the caches. `made` has room for a line before it.
+inline void StreamLines(uint8_t* to, uint8_t* made, size_t bytes, uint8_t* pending, bool isFirst) {
+    const size_t before = reinterpret_cast<uintptr_t>(to) % LineBytes;
+    if (before != 0 && isFirst) {
+        // The line begins with what is not of this row.
+        const size_t head = LineBytes - before;
+        std::memcpy(to, made, head);
+        to += head, made += head, bytes -= head;
+    } else {
+        std::memcpy(made - before, pending, before);
+        to -= before, made -= before, bytes += before;
+    }
+    for (; bytes >= LineBytes; to += LineBytes, made += LineBytes, bytes -= LineBytes)
+        for (size_t i = 0; i < LineBytes; i += sizeof(__m256i))
+            _mm256_stream_si256(reinterpret_cast<__m256i*>(to + i),
+                                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(made + i)));
+    std::memcpy(pending, made, bytes);
+}
+
+// Tiles are made beside the target: its rows lie far apart, so that each line would be read before it is written, and
+// written more than once.
+template <size_t bytes> void TurnStreamed(const TurnBlock& block) {
+    constexpr size_t side = bytes <= 4 ? 8 : 4, most = 64, stride = LineBytes + StreamedRows * bytes;
+    alignas(LineBytes) uint8_t tile[most * stride];
+    uint8_t* const made = tile + LineBytes;
+    for (size_t left = 0; left < block.Columns; left += most) {
+        const size_t columns = std::min(most, block.Columns - left), right = columns / side * side;
+        for (size_t y = 0; y < StreamedRows; y += side) {
+            for (size_t x = 0; x < right; x += side) {
+                __m256i rows[side];
+                for (size_t i = 0; i < side; ++i)
+                    rows[i] = LoadPixels<bytes>(SourceRow(block, y + i) + (left + x) * bytes);
+                Transpose(rows);
+                for (size_t i = 0; i < side; ++i)
+                    StorePixels<bytes>(made + (x + i) * stride + y * bytes, rows[i]);
+            }
+            for (size_t x = right; x < columns; ++x)
+                for (size_t i = y; i < y + side; ++i)
+                    std::memcpy(made + x * stride + i * bytes, SourceRow(block, i) + (left + x) * bytes,
+                                bytes);
+        }
+        for (size_t x = 0; x < columns; ++x)
+            StreamLines(TargetRow(block, left + x), made + x * stride, StreamedRows * bytes,
+                        block.Pending + (left + x) * LineBytes, block.IsFirst);
+    }
+    _mm_sfence();
+}
+
 // Squares of pixels, down bands of rows: the lines of a band stay in cache while the squares go through it.
 template <size_t bytes> void TurnSquares(const TurnBlock& block) {
     constexpr size_t side = bytes <= 4 ? 8 : 4, band = 64;
     const size_t right = block.Columns / side * side, bottom = block.Rows / side * side;
+    if (block.Pending != nullptr && block.Rows == StreamedRows) return TurnStreamed<bytes>(block);
     for (size_t top = 0; top < bottom; top += band)
         for (size_t x = 0; x < right; x += side)
             for (size_t y = top; y < std::min(top + band, bottom); y += side) {
@@ -233,6 +284,7 @@ template <size_t bytes> void TurnSquares(const TurnBlock& block) {
 
 #else
 
+constexpr size_t StreamedRows = 0;
 template <size_t bytes> void TurnSquares(const TurnBlock& block) {
     TurnPixels<bytes>(block);
 }
@@ -312,6 +364,7 @@ void Turn1(const TurnBlock& block) {
 
 #else
 
+constexpr size_t StreamedRows = 0;
 constexpr auto Turn1 = TurnFields, Turn4 = TurnFields;
 constexpr auto Turn8 = TurnPixels<1>;
 template <size_t bytes> void TurnSquares(const TurnBlock& block) {
@@ -333,6 +386,7 @@ constinit const TurnKernels Compiled<TurnKernels, ThisSet>::Table = {
     .Turn48 = TurnSquares<6>,
     .Turn64 = TurnSquares<8>,
     .TurnFields = TurnFields,
+    .StreamedRows = static_cast<int32_t>(StreamedRows),
 };
 
 } // namespace zkr::kernels

@@ -17,7 +17,13 @@ struct TurnBlock {
     size_t Columns; // of the source
     size_t Rows;
     int32_t Bits; // of a pixel
+    // A target that is larger than the caches and need not be in them afterwards is written by whole lines of cache. What
+    // of a row is not yet a line waits here for the block that goes on below, LineBytes for each row. Null otherwise.
+    uint8_t* Pending = nullptr;
+    bool IsFirst = false; // of those blocks
 };
+
+inline constexpr size_t LineBytes = 64;
 
 struct TurnKernels {
     void (*Turn1)(const TurnBlock&);
@@ -29,6 +35,7 @@ struct TurnKernels {
     void (*Turn48)(const TurnBlock&);
     void (*Turn64)(const TurnBlock&);
     void (*TurnFields)(const TurnBlock&); // any depth below 8, and 12
+    int32_t StreamedRows;                 // of blocks that are streamed at 24 bits and more; 0 where none are
 
     // The kernel of a depth.
     auto Of(int32_t bits) const {

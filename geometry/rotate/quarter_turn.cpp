@@ -48,11 +48,14 @@ class Turn {
   public:
     Turn(BitmapHandle& target, BitmapHandle& source, bool clockwise)
         : target_(target), source_(source), clockwise_(clockwise), bits_(source.BitsPerPixel),
-          bandRows_(RowsOfBand(source)), bandColumns_(ColumnsOfBand(target_, source_)),
+          isStreamed_(IsStreamed(target_)),
+          bandRows_(isStreamed_ ? Kernels().StreamedRows : RowsOfBand(source)),
+          bandColumns_(isStreamed_ ? source.Width : ColumnsOfBand(target_, source_)),
           rows_(source_.First != nullptr ? 1 : static_cast<size_t>(bandRows_) * source.BytesPerLine),
-          band_(target_.First != nullptr ? 1 : static_cast<size_t>(bandColumns_) * target.BytesPerLine) {}
+          band_(target_.First != nullptr ? 1 : static_cast<size_t>(bandColumns_) * target.BytesPerLine),
+          pending_(isStreamed_ ? static_cast<size_t>(bandColumns_) * kernels::LineBytes : 1) {}
 
-    explicit operator bool() const { return rows_ && band_; }
+    explicit operator bool() const { return rows_ && band_ && pending_; }
 
     int32_t Passes() const { return (source_.Bitmap.Width - 1) / bandColumns_ + 1; }
 
@@ -69,6 +72,14 @@ class Turn {
     }
 
   private:
+    static const kernels::TurnKernels& Kernels() { return kernels::Chosen<kernels::TurnKernels>(); }
+
+    // What is larger than caches are goes past them.
+    static bool IsStreamed(const RowPlace& target) {
+        constexpr size_t larger = size_t{16} << 20;
+        return Kernels().StreamedRows != 0 && target.First != nullptr && target.Bitmap.BitsPerPixel >= 24 &&
+               target.Bitmap.Size >= larger;
+    }
     // Enough rows for whole lines of cache in the result.
     static int32_t RowsOfBand(const BitmapHandle& source) {
         constexpr uint32_t enough = 1u << 20;
@@ -95,19 +106,26 @@ class Turn {
     size_t BytesTo(int32_t pixel) const { return static_cast<size_t>(int64_t{pixel} * bits_ / 8); }
 
     ReturnCode TurnColumns(int32_t x, RowProgress& progress) {
-        const auto turn = kernels::Chosen<kernels::TurnKernels>().Of(bits_);
+        const auto turn = Kernels().Of(bits_);
         kernels::TurnBlock block{};
         block.Columns = static_cast<size_t>(columns_);
         block.Bits = bits_;
+        block.Pending = isStreamed_ ? pending_.data() : nullptr;
         ReturnCode status = code::Success;
         for (int32_t y = 0, rows; y < source_.Bitmap.Height && status == code::Success; y += rows) {
             rows = std::min(bandRows_, source_.Bitmap.Height - y);
             status = FetchRows(x, y, rows, block);
             if (status != code::Success) break;
             PlaceColumns(x, y, block);
+            block.IsFirst = y == 0;
+            if (rows < bandRows_ && !block.IsFirst) WritePending(block);
             turn(block);
             for (int32_t row = 0; row < rows && status == code::Success; ++row)
                 status = progress.Visit();
+        }
+        if (status == code::Success && source_.Bitmap.Height % bandRows_ == 0) {
+            PlaceColumns(x, source_.Bitmap.Height, block);
+            WritePending(block);
         }
         return status;
     }
@@ -137,6 +155,16 @@ class Turn {
         block.TargetStride = inMemory && !clockwise_ ? -stride : stride;
     }
 
+    // The beginnings of the lines of cache in which the placed block begins.
+    void WritePending(const kernels::TurnBlock& block) {
+        if (!isStreamed_) return;
+        uint8_t* to = block.Target;
+        for (size_t column = 0; column < block.Columns; ++column, to += block.TargetStride) {
+            const size_t bytes = reinterpret_cast<uintptr_t>(to) % kernels::LineBytes;
+            std::memcpy(to - bytes, block.Pending + column * kernels::LineBytes, bytes);
+        }
+    }
+
     // Strips are best written from the first row on.
     ReturnCode StoreBand(int32_t x) {
         ReturnCode status = code::Success;
@@ -152,9 +180,11 @@ class Turn {
     RowPlace target_, source_;
     bool clockwise_;
     int32_t bits_;
+    bool isStreamed_;
     int32_t bandRows_, bandColumns_;
     int32_t columns_ = 0; // of the band at hand
     ScratchBuffer<uint8_t> rows_, band_;
+    ScratchBuffer<uint8_t> pending_; // of lines of cache
 };
 
 ReturnCode TurnPlain(BitmapHandle& target, BitmapHandle& source, bool clockwise, uint32_t start,

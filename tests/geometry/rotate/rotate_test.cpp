@@ -175,6 +175,37 @@ TEST(Rotate, ExactTurnsOfEveryDepthAndStorage) {
                 }
 }
 
+// Results larger than caches, which are written by whole lines: rows that begin anywhere in a line, and bands of rows that
+// are whole, left over or both.
+TEST(Rotate, TurnsOfLargePictures) {
+    const struct {
+        int32_t Bits, Width, Height;
+    } cases[] = {{24, 2310, 2433}, {32, 2050, 2049}, {48, 1700, 1664}, {64, 33000, 64}, {64, 33500, 63}};
+    for (const auto& c : cases)
+        for (const int32_t direction : {0, 1}) {
+            SCOPED_TRACE(testing::Message() << c.Bits << " bits, direction " << direction);
+            Bitmap bitmap(c.Width, c.Height, c.Bits);
+            bitmap.ViewPerspective = 0;
+            ASSERT_EQ(Z_AllocateBitmap(&bitmap, MemoryConventional), 1);
+            const Bytes before = Fill(bitmap, 5);
+            const size_t pixel = static_cast<size_t>(c.Bits) / 8, beforeRow = bitmap.BytesPerLine;
+            ASSERT_EQ(Z_RotateBitmap90(&bitmap, direction, 0, 100), 1);
+            size_t wrong = 0;
+            for (int32_t y = 0; y < c.Width; ++y)
+                for (int32_t x = 0; x < c.Height; ++x) {
+                    const int32_t row = direction == 1 ? c.Height - 1 - x : x;
+                    const int32_t column = direction == 1 ? y : c.Width - 1 - y;
+                    const uint8_t* made = static_cast<const uint8_t*>(bitmap.Addr) +
+                                          static_cast<size_t>(y) * bitmap.BytesPerLine;
+                    wrong += std::memcmp(made + static_cast<size_t>(x) * pixel,
+                                         before.data() + static_cast<size_t>(row) * beforeRow +
+                                             static_cast<size_t>(column) * pixel,
+                                         pixel) != 0;
+                }
+            EXPECT_EQ(wrong, 0u);
+        }
+}
+
 // Runs turned as runs: long ones that have to be split, blank columns, and lists with empty runs inside.
 TEST(Rotate, RunsOfLongColumns) {
     Bitmap bitmap(9, 140000, 1);
