@@ -50,6 +50,10 @@ def main():
     def compare(what, left, right):
         faults.extend(f"{what}: {name}" for name in sorted(left - right))
 
+    if platform == "portable":
+        major = re.search(r"^project\(.* VERSION (\d+)", (top / "CMakeLists.txt").read_text(), re.M)[1]
+        own = subprocess.run([tool, "-p", library], check=True, capture_output=True, text=True).stdout
+        faults.extend([] if f" libZKR13N.so.{major}\n" in own else [f"is not named libZKR13N.so.{major}"])
     compare("declared in a header, but not in exports.list", declared(top), listed(top))
     compare("in exports.list, but in no header", listed(top), declared(top))
     compare("in exports.list, but not exported", listed(top, platform), exports)
