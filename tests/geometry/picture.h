@@ -18,6 +18,7 @@ struct Picture {
     bool operator==(const Picture&) const = default;
 
     uint64_t At(int x, int y) const { return Pixels[static_cast<size_t>(y * Width + x)]; }
+    void Set(int x, int y, uint64_t pixel) { Pixels[static_cast<size_t>(y * Width + x)] = pixel; }
 
     // Of the pixels that from(x, y) gives.
     template <typename From> static Picture Made(int width, int height, From from) {
@@ -66,6 +67,8 @@ struct Picture {
         default: return *this;
         }
     }
+    // What a view shows, as it is stored.
+    Picture Stored(int32_t view) const { return Seen(view == 4 ? 8 : view == 8 ? 4 : view); }
 };
 
 inline constexpr int32_t AllViews[] = {0, 1, 2, 3, 4, 5, 7, 8};

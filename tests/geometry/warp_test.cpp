@@ -1,7 +1,6 @@
 // The warp against a plain model that maps and blends pixel after pixel, over all depths, storages and views.
 #include "core/reports.h"
-#include "core/test_bitmaps.h"
-#include "support/pixel_bits.h"
+#include "geometry/picture.h"
 #include "support/seeded.h"
 
 #include "zkr13n/gray.h"
@@ -20,24 +19,6 @@ struct Call {
     int32_t left, top, width, height;
     uint32_t flags;
 };
-
-// Rows of a bitmap as plain bytes, with its pixels as numbers.
-struct Picture {
-    Bytes rows;
-    size_t pitch;
-    int bits;
-
-    uint64_t Get(int x, int y) const {
-        return ReadPixel(rows.data() + pitch * static_cast<size_t>(y), bits, x);
-    }
-    void Set(int x, int y, uint64_t value) {
-        WritePixel(rows.data() + pitch * static_cast<size_t>(y), bits, x, value);
-    }
-};
-
-Picture PictureOf(BitmapHandle& bitmap) {
-    return {Rows(bitmap), bitmap.BytesPerLine, bitmap.BitsPerPixel};
-}
 
 uint64_t Blended(const std::array<uint64_t, 4>& samples, double tx, double ty, int bits, bool isColour16) {
     const int channelBits = bits == 1 || bits == 12    ? bits
@@ -88,9 +69,9 @@ std::array<Corner, 4> StoredCorners(BitmapHandle& destination, const BitmapHandl
 }
 
 Picture Expected(BitmapHandle& destination, BitmapHandle& source, const Call& call, bool isBlended) {
-    Picture result = PictureOf(destination);
+    Picture result = Picture::Of(destination);
     const bool isSame = destination.Addr == source.Addr && destination.StorageHandle == source.StorageHandle;
-    const Picture original = PictureOf(source);
+    const Picture original = Picture::Of(source);
     const auto p = StoredCorners(destination, source, call.points);
     int32_t x0 = call.left, y0 = call.top, x1 = call.left + call.width - 1, y1 = call.top + call.height - 1;
     Z_PointToBitmap(&source, 0, &x0, &y0);
@@ -129,7 +110,7 @@ Picture Expected(BitmapHandle& destination, BitmapHandle& source, const Call& ca
                              row = std::floor((height - 1) * v + 0.5);
                 if (column >= 0 && column <= width - 1 && row >= 0 && row <= height - 1)
                     result.Set(x, y,
-                               sampled.Get(left + static_cast<int>(column), top + static_cast<int>(row)));
+                               sampled.At(left + static_cast<int>(column), top + static_cast<int>(row)));
                 continue;
             }
             const double fx = (width - 1) * u + left, fy = (height - 1) * v + top;
@@ -140,7 +121,7 @@ Picture Expected(BitmapHandle& destination, BitmapHandle& source, const Call& ca
                 const int sampleX = ix + k % 2, sampleY = iy + k / 2;
                 const bool inside =
                     sampleX >= left && sampleX < left + width && sampleY >= top && sampleY < top + height;
-                samples[static_cast<size_t>(k)] = inside ? sampled.Get(sampleX, sampleY) : result.Get(x, y);
+                samples[static_cast<size_t>(k)] = inside ? sampled.At(sampleX, sampleY) : result.At(x, y);
             }
             result.Set(x, y,
                        Blended(samples, fx - ix, fy - iy, source.BitsPerPixel,
@@ -186,13 +167,13 @@ void CheckRandomCalls(BitmapHandle& destination, BitmapHandle& source, int calls
         const uint32_t flags =
             WARP_REQUIRED | (random.Below(2) != 0 ? WARP_BILINEAR : 0) | (random.Below(2) != 0 ? 0x2FE : 0);
         const Call call = RandomCall(random, destination, source, flags);
-        const Picture before = PictureOf(destination);
+        const Picture before = Picture::Of(destination);
         const Picture expected =
             Expected(destination, source, call, mayBlend && (flags & WARP_BILINEAR) != 0);
         const ReturnCode result = Run(destination, source, call);
         ASSERT_TRUE(result == 1 || result == Z_ERROR_ARGUMENT) << result;
         drawn += result == 1;
-        ASSERT_TRUE(PictureOf(destination).rows == (result == 1 ? expected.rows : before.rows))
+        ASSERT_TRUE(Picture::Of(destination) == (result == 1 ? expected : before))
             << destination.BitsPerPixel << " bits, views " << source.ViewPerspective << " to "
             << destination.ViewPerspective << ", call " << i << ", result " << result << ", flags " << flags;
     }
@@ -201,12 +182,11 @@ void CheckRandomCalls(BitmapHandle& destination, BitmapHandle& source, int calls
 
 TEST(Warp, DrawsEveryDepthInEveryView) {
     Seeded random(1);
-    const int views[] = {0, 1, 2, 3, 4, 5, 7, 8};
-    for (const int bits : {1, 2, 3, 4, 5, 6, 7, 8, 12, 16, 24, 32, 48, 64}) {
+    for (const int bits : AllDepths) {
         for (int order = 0; order <= (bits == 16 || bits == 8 ? 2 : 0); order += 2) {
             for (int i = 0; i < 12; ++i) {
                 Bitmap source, destination;
-                const int32_t sourceView = views[random.Below(8)], view = views[random.Below(8)];
+                const int32_t sourceView = AllViews[random.Below(8)], view = AllViews[random.Below(8)];
                 const bool isGrayRamp = bits == 8 && order == 2;
                 RGBQUAD ramp[256];
                 for (int entry = 0; entry < 256; ++entry) {
@@ -250,7 +230,7 @@ TEST(Warp, DrawsLongRowsToTheByte) {
                     const Picture expected =
                         Expected(destination, source, call, bits > 8 && (flags & WARP_BILINEAR) != 0);
                     ASSERT_EQ(test::Run(destination, source, call), 1);
-                    ASSERT_TRUE(PictureOf(destination).rows == expected.rows) << bits << ' ' << scale;
+                    ASSERT_TRUE(Picture::Of(destination) == expected) << bits << ' ' << scale;
                 }
             }
         }
@@ -360,9 +340,9 @@ TEST(Warp, StopsAtAReportAndKeepsTheRowsDrawn) {
                     0, destination.BytesPerLine);
     Reports reports(Z_SetStatusCallBack, 2);
     EXPECT_EQ(Z_CombineBitmapWarp(&destination, &points, &source, 0, 0, 8, 8, 0x100), Reports::Stopped);
-    const Picture picture = PictureOf(destination);
+    const Picture picture = Picture::Of(destination);
     for (int y = 0; y < 9; ++y)
-        EXPECT_EQ(picture.Get(3, y), y < 2 ? 9u : 0u) << y;
+        EXPECT_EQ(picture.At(3, y), y < 2 ? 9u : 0u) << y;
 }
 
 } // namespace

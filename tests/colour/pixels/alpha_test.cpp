@@ -3,6 +3,7 @@
 
 #include "core/predicates.h"
 #include "core/test_regions.h"
+#include "geometry/picture.h"
 #include "zkr13n/alpha.h"
 #include "zkr13n/gray.h"
 #include "zkr13n/locks.h"
@@ -55,50 +56,26 @@ uint64_t WithAlpha(int32_t bits, uint64_t pixel, uint64_t alpha) {
     return bits == 32 ? (pixel & 0xFFFFFF) | alpha << 24 : (pixel & 0xFFFFFFFFFFFF) | alpha << 48;
 }
 
-// Where a stored point lies in another view: rows flipped first, then turned clockwise.
-struct Point {
-    int32_t X, Y;
-};
-Point Moved(uint32_t from, uint32_t to, int32_t width, int32_t height, Point p) {
-    bool flip = from == 2 || from == 5 || from == 7, mirror = from == 1, t = false;
-    const int turns[] = {0, 0, 0, 180, 90, 90, 0, 270, 270};
-    int angle = turns[from] - (to == 1 ? 180 : turns[to]);
-    t = to == 1 || to == 2 || to == 5 || to == 7;
-    if (t) flip = !flip, angle = -angle;
-    if (flip && mirror) flip = mirror = false, angle += 180;
-    if (mirror) flip = true, angle -= 180;
-    angle = (angle + 720) % 360;
-    if (flip) p.Y = height - 1 - p.Y;
-    if (angle == 90) return {height - 1 - p.Y, p.X};
-    if (angle == 180) return {width - 1 - p.X, height - 1 - p.Y};
-    return angle == 270 ? Point{p.Y, width - 1 - p.X} : p;
-}
-
 TEST(SetAlpha, PutsItInThroughEveryView) {
     constexpr int32_t W = 6, H = 9; // of the alpha
     std::vector<RGBQUAD> ramp;
     for (int i = 0; i < 256; ++i)
         ramp.push_back({uint8_t(i), uint8_t(i), uint8_t(i), 0});
     for (const int32_t bits : {16, 32, 64}) {
-        for (const uint32_t from : {0u, 1u, 2u, 3u, 4u, 5u, 7u, 8u}) {
-            for (const uint32_t to : {0u, 1u, 2u, 3u, 4u, 5u, 7u, 8u}) {
-                ColourPicture picture({bits, 1}, 7, 8, from + 1), alpha({bits == 64 ? 16 : 8, 2}, W, H, to);
+        for (const int32_t from : AllViews) {
+            for (const int32_t to : AllViews) {
+                ColourPicture picture({bits, 1}, 7, 8, uint64_t(from)),
+                    alpha({bits == 64 ? 16 : 8, 2}, W, H, uint64_t(to));
                 if (bits != 64) Z_PutBitmapColors(&alpha, 0, 256, ramp.data());
-                picture.ViewPerspective = int32_t(to), alpha.ViewPerspective = int32_t(from);
-                Bytes expected = Rows(picture);
-                for (int32_t y = 0; y < H; ++y) {
-                    for (int32_t x = 0; x < W; ++x) {
-                        const Point p = Moved(from, to, W, H, {x, y});
-                        const bool turned = (from >= 4) != (to >= 4);
-                        const int32_t columns = std::min(7, turned ? H : W);
-                        if (p.Y >= 8 || p.X >= (bits == 64 ? columns / 2 : columns)) continue;
-                        uint8_t* row = expected.data() + size_t(p.Y) * picture.BytesPerLine;
-                        WritePixel(row, bits, p.X,
-                                   WithAlpha(bits, picture.Pixel(p.Y, p.X), alpha.Pixel(y, x)));
-                    }
-                }
+                picture.ViewPerspective = to, alpha.ViewPerspective = from;
+                Picture expected = Picture::Of(picture);
+                const Picture moved = Picture::Of(alpha).Seen(from).Stored(to);
+                const int32_t columns = std::min(7, moved.Width) / (bits == 64 ? 2 : 1);
+                for (int32_t y = 0; y < std::min(8, moved.Height); ++y)
+                    for (int32_t x = 0; x < columns; ++x)
+                        expected.Set(x, y, WithAlpha(bits, expected.At(x, y), moved.At(x, y)));
                 ASSERT_EQ(Z_SetBitmapAlpha(&picture, &alpha), 1);
-                ASSERT_EQ(Rows(picture), expected) << bits << " bits, from " << from << " to " << to;
+                ASSERT_EQ(Picture::Of(picture), expected) << bits << " bits, from " << from << " to " << to;
             }
         }
     }
