@@ -314,6 +314,7 @@ Result RasterObject::PutBitmapList(intptr_t value) {
     return Member(Needs::NoContext, nullptr, [&]() -> ReturnCode {
         const BitmapList list = reinterpret_cast<BitmapList>(value);
         if (list != nullptr && list == list_) return Z_SUCCESS;
+        if (LockedToken(value)) return Z_ERROR_ARGUMENT; // which lists cannot be told from
         return ReplaceList(list, true);
     });
 }

@@ -3,13 +3,11 @@
 // process holds is counted.
 #pragma once
 
-#include "automation/plain_types.h"
+#include "automation/faced_object.h"
 #include "automation/raster_object.h"
 #include "platform/faults.h"
 #include "platform/graphics.h"
 #include "zkr13n/pixels.h"
-
-#include <tested_face.h>
 
 #include <gtest/gtest.h>
 
@@ -21,28 +19,12 @@
 
 namespace zkr::test {
 
-using automation::Array;
-
 constexpr int NewBitmap = 0x10F;
 constexpr int RegionChange = -1; // among the changes
 
 inline int32_t Failure(ReturnCode code) {
     return static_cast<int32_t>(0x800A0000u | static_cast<uint32_t>(20000 - code));
 }
-
-class RasterObject final : public TestedFace, private automation::PlainTypes {
-    using ArrayIn = const Array&;
-    using ArrayOut = Array*;
-
-  public:
-#define LIST(...) __VA_ARGS__
-#define MEMBER(member, logic, parameters, arguments)                                                         \
-    int32_t logic parameters {                                                                               \
-        return Call(&Interface::member, LIST arguments);                                                     \
-    }
-#include "automation/members.inc"
-#undef LIST
-};
 
 class BareObject final : private automation::Face, public automation::RasterObject {
   public:

@@ -162,6 +162,11 @@ TEST_F(RasterTest, ListsMoveAndCopy) {
 }
 
 TEST_F(RasterTest, ItemsComeAndGo) {
+    {
+        Raster raster(2, 2, 8), other(3, 3, 8);
+        EXPECT_EQ(raster.object.PutBitmapList(other.Bitmap()), Failure(Z_ERROR_ARGUMENT));
+        EXPECT_EQ(raster.Width(), 2);
+    }
     Raster raster, other(8, 1, 8);
     EXPECT_EQ(raster.object.InsertBitmapListItem(5, other.Bitmap(), nullptr), 0);
     EXPECT_EQ(raster.Changes(), (Tells{NewBitmap, 0xF}));

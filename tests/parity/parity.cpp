@@ -30,6 +30,7 @@ ZKR_TARGET(run_buffers)
 ZKR_TARGET(filters)
 ZKR_TARGET(arguments)
 ZKR_TARGET(paint)
+ZKR_TARGET(raster)
 
 namespace zkr::test {
 namespace {
@@ -75,6 +76,7 @@ constexpr Family Families[] = {
     {"resize", 2000, Attack_resize},
     {"playback", 300, Attack_playback},
     {"dib", 3000, Attack_dib},
+    {"raster", 3000, Attack_raster},
     {"rows", 1500, Attack_rows, false},
     {"runs", 1500, Attack_run_buffers, false},
     {"filters", 1500, Attack_filters, false},
@@ -83,6 +85,7 @@ constexpr Family Families[] = {
     {"shapes", 600, Attack_regions, false},
     {"arguments", 1500, Attack_arguments, false},
     {"paint", 1500, Attack_paint, false},
+    {"stray_raster", 1500, Attack_raster, false},
 #endif
 };
 

@@ -4,8 +4,7 @@
 #include "automation/array.h"
 #include "zkr13n/raster_object.h"
 
-#include <gtest/gtest.h>
-
+#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
@@ -14,15 +13,19 @@ namespace zkr::test {
 
 using automation::Array;
 
+inline void Demand(bool holds) {
+    if (!holds) std::abort();
+}
+
 class TestedFace : private ZRasterEvents {
   public:
     TestedFace() {
-        EXPECT_EQ(Z_CreateRasterObject(&raster_), Z_SUCCESS);
-        EXPECT_EQ(raster_->AdviseSink(this, &cookie_), 0);
+        Demand(Z_CreateRasterObject(&raster_) == Z_SUCCESS);
+        Demand(raster_->AdviseSink(this, &cookie_) == 0);
     }
     virtual ~TestedFace() {
-        EXPECT_EQ(raster_->UnadviseSink(cookie_), 0);
-        EXPECT_EQ(raster_->Release(), 0u);
+        Demand(raster_->UnadviseSink(cookie_) == 0);
+        Demand(raster_->Release() == 0u);
     }
     TestedFace(const TestedFace&) = delete;
     TestedFace& operator=(const TestedFace&) = delete;

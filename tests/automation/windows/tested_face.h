@@ -6,8 +6,7 @@
 #include "automation/windows/interfaces.h"
 #include "zkr13n/raster_component.h"
 
-#include <gtest/gtest.h>
-
+#include <cstdlib>
 #include <cstring>
 #include <functional>
 #include <string>
@@ -18,27 +17,35 @@ namespace zkr::test {
 
 using automation::Array;
 
+inline void Demand(bool holds) {
+    if (!holds) std::abort();
+}
+
 class TestedFace : private IDispatch {
   public:
     TestedFace() {
-        void* factory = nullptr;
-        EXPECT_EQ(DllGetClassObject(CLSID_ZIRCRaster, IID_IClassFactory, &factory), S_OK);
-        EXPECT_EQ(static_cast<IClassFactory*>(factory)->CreateInstance(nullptr, IID_IZIRCRaster,
-                                                                       reinterpret_cast<void**>(&raster_)),
-                  S_OK);
-        static_cast<IClassFactory*>(factory)->Release();
+        // Of the DLL where there is one; other libraries of the system have a function of this name.
+        const HMODULE library = GetModuleHandleW(L"ZKR13N.dll");
+        auto* getClassObject = &DllGetClassObject;
+        if (library != nullptr)
+            getClassObject = reinterpret_cast<decltype(getClassObject)>(
+                reinterpret_cast<void*>(GetProcAddress(library, "DllGetClassObject")));
+        IClassFactory* factory = nullptr;
+        Demand(getClassObject(CLSID_ZIRCRaster, IID_IClassFactory, reinterpret_cast<void**>(&factory)) ==
+               S_OK);
+        Demand(factory->CreateInstance(nullptr, IID_IZIRCRaster, reinterpret_cast<void**>(&raster_)) == S_OK);
+        factory->Release();
         IConnectionPointContainer* container = nullptr;
-        EXPECT_EQ(
-            raster_->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(&container)),
-            S_OK);
-        EXPECT_EQ(container->FindConnectionPoint(DIID__ZIRCRasterEvents, &point_), S_OK);
+        Demand(raster_->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(&container)) ==
+               S_OK);
+        Demand(container->FindConnectionPoint(DIID__ZIRCRasterEvents, &point_) == S_OK);
         container->Release();
-        EXPECT_EQ(point_->Advise(this, &cookie_), S_OK);
+        Demand(point_->Advise(this, &cookie_) == S_OK);
     }
     virtual ~TestedFace() {
-        EXPECT_EQ(point_->Unadvise(cookie_), S_OK);
+        Demand(point_->Unadvise(cookie_) == S_OK);
         point_->Release();
-        EXPECT_EQ(raster_->Release(), 0u);
+        Demand(raster_->Release() == 0u);
     }
     TestedFace(const TestedFace&) = delete;
     TestedFace& operator=(const TestedFace&) = delete;
@@ -49,7 +56,7 @@ class TestedFace : private IDispatch {
         std::string text;
         if (GetErrorInfo(0, &error) != S_OK) return text;
         BSTR wide = nullptr;
-        EXPECT_EQ(error->GetDescription(&wide), S_OK);
+        Demand(error->GetDescription(&wide) == S_OK);
         for (UINT index = 0; index < SysStringLen(wide); ++index)
             text += static_cast<char>(wide[index]);
         SysFreeString(wide);
@@ -125,7 +132,7 @@ template <> struct TestedFace::Passed<automation::Array> {
         const VARTYPE type = array.Elements == Array::Kind::Floats        ? VT_R4
                              : array.Elements == Array::Kind::SignedBytes ? VT_I1
                                                                           : VT_UI1;
-        EXPECT_EQ(SafeArrayAllocDescriptorEx(type, 1, &array_), S_OK);
+        Demand(SafeArrayAllocDescriptorEx(type, 1, &array_) == S_OK);
         array_->cbElements = type == VT_R4 ? 4 : 1;
         array_->rgsabound[0] = {static_cast<ULONG>(array.Count), 0};
         array_->pvData = array.Data;
@@ -156,7 +163,7 @@ template <> struct TestedFace::Passed<automation::Array*> {
         *array_ = {};
         if ((V_VT(&variant_) & VT_ARRAY) == 0) return;
         const bool floats = V_VT(&variant_) == (VT_ARRAY | VT_R4);
-        EXPECT_TRUE(floats || V_VT(&variant_) == (VT_ARRAY | VT_UI1));
+        Demand(floats || V_VT(&variant_) == (VT_ARRAY | VT_UI1));
         const ULONG count = V_ARRAY(&variant_)->rgsabound[0].cElements;
         face_.given_.resize(count * (floats ? sizeof(float) : 1));
         if (count != 0) std::memcpy(face_.given_.data(), V_ARRAY(&variant_)->pvData, face_.given_.size());
