@@ -123,7 +123,7 @@ class BitmapBase:
             raise ValueError(f"a bitmap of {bits} bits has no palette")
         if order is None:
             order = Order.GRAY if bits == 12 else Order.RGB
-        if bits <= 8 and order == Order.GRAY and palette is None and 1 <= bits:
+        if 1 <= bits <= 8 and order == Order.GRAY and palette is None:
             palette = Palette.gray(bits)
         self._record, self._lock = None, threading.Lock()
         self._record = self._allocated(width, height, bits, order, storage, palette, view, None)
@@ -134,8 +134,9 @@ class BitmapBase:
         """A record with storage; memory of the caller's as its owner, address and size in bytes."""
         owner, address, size = memory if memory is not None else (None, None, 0)
         record = Record(owner)
-        check(lib.Z_CreateBitmap(record.reference, storage, width, height, bits if bits else -1, order, None, view, address,
-                                 size), lib.Z_CreateBitmap)
+        bits = bits if bits != 0 else -1  # 0 means something to the library alone
+        check(lib.Z_CreateBitmap(record.reference, storage, width, height, bits, order, None, view, address, size),
+              lib.Z_CreateBitmap)
         if palette is not None:
             give_palette(record, palette)
         return record

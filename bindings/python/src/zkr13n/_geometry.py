@@ -3,7 +3,7 @@ the bitmap in place and return it; those that make a new bitmap leave this one a
 
 from __future__ import annotations
 
-from typing import Optional, Sequence, Tuple, TypeVar, Union
+from typing import Callable, Optional, Sequence, Tuple, TypeVar, Union
 
 from . import _constants as c
 from ._base import BitmapBase, Guard
@@ -11,6 +11,7 @@ from ._errors import SUCCESS, failure
 from ._library import lib
 from ._progress import Progress, run
 from ._records import POINT, RECT, WarpPoints
+from ._system import finish_drawing
 from .colours import BLACK, ColourLike, value_of
 from .enums import Combine, Operand, Resize, Rotate, View
 
@@ -207,19 +208,20 @@ class Geometry(BitmapBase):
         if code != SUCCESS:
             raise failure(code, function)
 
-    def _on_pixels_of(self, target: BitmapBase, paint: object) -> int:
+    def _on_pixels_of(self, target: BitmapBase, paint: Callable[[int], int]) -> int:
         """Calls what paints with a device context on the pixels of another bitmap."""
         if target is self:
             raise ValueError("a bitmap is not painted on itself")
         with Guard(self, target):
-            assert target._record is not None and callable(paint)
+            assert target._record is not None
             self._refuse_views(target._record)
             context = lib.Z_CreateZircDC(target._record.reference)
             if context is None:
                 raise failure(c.Z_ERROR_MEMORY, lib.Z_CreateZircDC)
             try:
-                return int(paint(context))
+                return paint(context)
             finally:
+                finish_drawing()
                 lib.Z_DeleteZircDC(context)
 
     @property

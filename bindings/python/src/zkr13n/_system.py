@@ -46,6 +46,10 @@ if sys.platform == "win32":
             raise failure(c.Z_ERROR_MEMORY, _gdi.ExtCreateRegion)
         return int(made)
 
+    def finish_drawing() -> None:
+        """Waits until what was drawn stands in the pixels."""
+        _gdi.GdiFlush()
+
     def new_block(data: bytes) -> int:
         """A block of global memory with some bytes."""
         block: Any = _kernel.GlobalAlloc(_GMEM_MOVEABLE, len(data))
@@ -79,6 +83,9 @@ else:
             raise failure(code, lib.Z_CreatePlatformRegion)
         assert made.value is not None
         return made.value
+
+    def finish_drawing() -> None:
+        """Waits until what was drawn stands in the pixels."""
 
     def new_block(data: bytes) -> int:
         """A block of global memory with some bytes."""
