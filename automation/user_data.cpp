@@ -1,6 +1,7 @@
 #include "automation/user_data.h"
 
 #include "platform/fork.h"
+#include "platform/threads.h"
 #include "zkr13n/allocation.h"
 
 #include <atomic>
@@ -23,8 +24,8 @@ constinit std::atomic_flag locked = ATOMIC_FLAG_INIT;
 constinit Copy* copies = nullptr;
 
 void TakeLock() {
-    while (locked.test_and_set(std::memory_order_acquire)) {
-    }
+    while (locked.test_and_set(std::memory_order_acquire))
+        platform::SwitchToThread();
 }
 void GiveLock() {
     locked.clear(std::memory_order_release);
