@@ -517,8 +517,13 @@ template <class Form, RotateMethod method> class RowMaker {
     }
     // Of which the walk needs no place.
     void FillTo(int32_t end) {
-        for (; done_ < end; ++done_, target_ += Form::TargetBytes)
-            CopyPixel<Form>(source_, target_, source_.Fill, 0);
+        if (done_ >= end) return;
+        CopyPixel<Form>(source_, target_, source_.Fill, 0);
+        const size_t bytes = static_cast<size_t>(end - done_) * Form::TargetBytes;
+        for (size_t filled = Form::TargetBytes; filled < bytes; filled *= 2)
+            std::memcpy(target_ + filled, target_, std::min(filled, bytes - filled));
+        target_ += bytes;
+        done_ = end;
     }
     void PixelsTo(int32_t end, const AxisWalk& x, const AxisWalk& y) {
         if (done_ >= end) return;

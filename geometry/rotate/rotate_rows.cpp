@@ -75,6 +75,44 @@ struct Box {
     int32_t Left, Top, Right, Bottom;
 };
 
+// The columns of a source row that a tile looks at: those between two pairs of parallel lines.
+class TileColumns {
+  public:
+    TileColumns(const RotatePosition& first, double cosine, double sine, int32_t columns, int32_t rows)
+        : x_(first.X), y_(first.Y) {
+        Between(cosine, sine, columns - 1);
+        Between(-sine, cosine, rows - 1);
+    }
+
+    // In whole bytes of any depth, within the box.
+    Box InRow(int32_t row, const Box& box) const {
+        double left = box.Left, right = box.Right;
+        for (int i = 0; i < lines_; ++i) {
+            const double middle = x_ + slope_[i] * (row - y_);
+            left = std::max(left, middle + from_[i]);
+            right = std::min(right, middle + to_[i]);
+        }
+        if (left >= right) return {box.Left, row, box.Left, row};
+        return {static_cast<int32_t>(left) / 8 * 8, row,
+                std::min(static_cast<int32_t>(right) / 8 * 8 + 8, box.Right), row + 1};
+    }
+
+  private:
+    // 0 <= x * across + y * down <= most, for places that are counted from the tile's first one.
+    void Between(double across, double down, int32_t most) {
+        constexpr double beside = Reach + 4, steep = 1.0 / 64;
+        if (std::abs(across) < steep) return;
+        const double least = -beside / across, end = (most + beside) / across;
+        slope_[lines_] = -down / across;
+        from_[lines_] = std::min(least, end);
+        to_[lines_++] = std::max(least, end);
+    }
+
+    double x_, y_;
+    double slope_[2] = {}, from_[2] = {}, to_[2] = {};
+    int lines_ = 0;
+};
+
 class RowRotation {
   public:
     RowRotation(BitmapHandle& target, BitmapHandle& source, const RotationPlan& plan)
@@ -184,20 +222,33 @@ class RowRotation {
             box = {0, 0, 0, 0};
             return code::Success;
         }
-        const auto bytes = static_cast<uint32_t>((int64_t{box.Right - box.Left} * bits_ + 7) / 8);
         uint8_t* to = window_.data();
         if (sourceFirst_ != nullptr) {
-            const uint8_t* from = sourceFirst_ + static_cast<size_t>(box.Top) * source_.BytesPerLine +
-                                  static_cast<size_t>(int64_t{box.Left} * bits_ / 8);
-            for (int32_t row = box.Top; row < box.Bottom;
-                 ++row, to += all_.Stride, from += source_.BytesPerLine)
-                std::memcpy(to, from, bytes);
+            CopyWindow(columns, box);
             return code::Success;
         }
+        const auto bytes = static_cast<uint32_t>((int64_t{box.Right - box.Left} * bits_ + 7) / 8);
         ReturnCode status = code::Success;
         for (int32_t row = box.Top; row < box.Bottom && status == code::Success; ++row, to += all_.Stride)
             status = ReadExactly(source_, to, row, box.Left, bytes);
         return status;
+    }
+
+    // Of the corners that the tile leaves empty nothing.
+    void CopyWindow(int32_t columns, const Box& box) {
+        constexpr double unit = kernels::RotateUnit;
+        const TileColumns wanted(positions_[0], plan_.Cosine / unit, plan_.Sine / unit, columns, rows_);
+        const auto bytesTo = [this](int32_t pixels) {
+            return static_cast<size_t>((int64_t{pixels} * bits_ + 7) / 8);
+        };
+        const uint8_t* from = sourceFirst_ + static_cast<size_t>(box.Top) * source_.BytesPerLine;
+        uint8_t* to = window_.data();
+        for (int32_t row = box.Top; row < box.Bottom;
+             ++row, to += all_.Stride, from += source_.BytesPerLine) {
+            const Box part = wanted.InRow(row, box);
+            std::memcpy(to + bytesTo(part.Left - box.Left), from + bytesTo(part.Left),
+                        bytesTo(part.Right - part.Left));
+        }
     }
 
     Box BoxOfTile(int32_t columns) {
