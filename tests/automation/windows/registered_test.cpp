@@ -3,6 +3,7 @@
 #include <ole2.h>
 
 #include <ocidl.h>
+#include <olectl.h>
 
 #include <raster_interfaces.h>
 
@@ -329,6 +330,77 @@ raster.Copy 0, 1
     const std::string example = Contents(std::filesystem::path(ZKR_EXAMPLES) / "wand.vbs");
     EXPECT_EQ(RunScript("wand.vbs", example + picture, " some.bmp"),
               "some.bmp\n24 of 200 pixels\n6 by 4, FFFFFF, 0\n" + Good);
+}
+
+// A class object that this program stands in with for one of the registry, with licences or without.
+class Class final : public IClassFactory2 {
+  public:
+    explicit Class(bool licensing) : licensing_(licensing) {}
+    STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
+        const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IClassFactory) ||
+                           (licensing_ && IsEqualIID(iid, IID_IClassFactory2));
+        *object = known ? this : nullptr;
+        if (known) AddRef();
+        return known ? S_OK : E_NOINTERFACE;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return ++References; }
+    STDMETHODIMP_(ULONG) Release() override { return --References; }
+    STDMETHODIMP CreateInstance(IUnknown*, REFIID iid, void** object) override {
+        Told = L"plain";
+        return QueryInterface(iid, object);
+    }
+    STDMETHODIMP LockServer(BOOL) override { return S_OK; }
+    STDMETHODIMP GetLicInfo(LICINFO*) override { return E_NOTIMPL; }
+    STDMETHODIMP RequestLicKey(DWORD, BSTR*) override { return E_NOTIMPL; }
+    STDMETHODIMP CreateInstanceLic(IUnknown*, IUnknown*, REFIID iid, BSTR key, void** object) override {
+        Told = key;
+        return QueryInterface(iid, object);
+    }
+
+    ULONG References = 1;
+    std::wstring Told;
+
+  private:
+    bool licensing_;
+};
+
+TEST(Factory, HandsLicencesToClassesThatCheckThem) {
+    CoInitialize(nullptr);
+    IZIRCRasterFactory* factory = nullptr;
+    ASSERT_EQ(CoCreateInstance(CLSID_ZIRCRasterFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IZIRCRasterFactory,
+                               reinterpret_cast<void**>(&factory)),
+              S_OK);
+    BSTR name = SysAllocString(L"ZIRCRaster.ZIRCRaster"), foreign = SysAllocString(L"No.Class");
+    const struct {
+        bool Licensing;
+        const wchar_t* Licence;
+        const wchar_t* Told;
+        HRESULT Result;
+    } cases[] = {{true, nullptr, L"plain", S_OK}, {true, L"", L"plain", S_OK},
+                 {true, L"key", L"key", S_OK},    {true, L"\u20AC", L"\u20AC", S_OK},
+                 {false, L"", L"plain", S_OK},    {false, L"key", L"", E_NOINTERFACE}};
+    for (const auto& [licensing, text, told, expected] : cases) {
+        Class standIn(licensing);
+        DWORD cookie = 0;
+        ASSERT_EQ(CoRegisterClassObject(CLSID_ZIRCRaster, &standIn, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
+                                        &cookie),
+                  S_OK);
+        BSTR licence = SysAllocString(text); // null of null
+        IUnknown* made = nullptr;
+        EXPECT_EQ(factory->CreateObject(name, licence, &made), expected);
+        EXPECT_EQ(standIn.Told, told);
+        if (made != nullptr) made->Release();
+        SysFreeString(licence);
+        EXPECT_EQ(CoRevokeClassObject(cookie), S_OK);
+        EXPECT_EQ(standIn.References, 1u);
+    }
+    IDispatch* none = nullptr;
+    EXPECT_EQ(factory->CreateObject2(foreign, nullptr, &none), CO_E_CLASSSTRING);
+    EXPECT_EQ(none, nullptr);
+    SysFreeString(name);
+    SysFreeString(foreign);
+    factory->Release();
+    CoUninitialize();
 }
 
 } // namespace
