@@ -4,6 +4,7 @@
 #include "zkr13n/allocation.h"
 
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <type_traits>
 #include <utility>
@@ -33,18 +34,15 @@ template <typename T> class Values {
 
     // False where memory is short, with everything as it was.
     bool Resize(int32_t count) {
-        const size_t size = static_cast<size_t>(count);
+        const auto size = static_cast<size_t>(count),
+                   kept = static_cast<size_t>(count < count_ ? count : count_);
         if (size > std::numeric_limits<size_t>::max() / sizeof(T)) return false;
-        if (size == 0) {
-            Z_Free(data_);
-            data_ = nullptr;
-        } else {
-            void* grown = Z_Realloc(data_, size * sizeof(T));
-            if (grown == nullptr) return false;
-            data_ = static_cast<T*>(grown);
-        }
-        for (int32_t added = count_; added < count; ++added)
-            data_[added] = T{};
+        // Memory that comes zeroed is not touched before it is used, however much a client asks for.
+        T* made = size != 0 ? static_cast<T*>(Z_Calloc(size, sizeof(T))) : nullptr;
+        if (made == nullptr && size != 0) return false;
+        if (kept != 0) std::memcpy(made, data_, kept * sizeof(T));
+        Z_Free(data_);
+        data_ = made;
         count_ = count;
         return true;
     }

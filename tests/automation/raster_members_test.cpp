@@ -168,6 +168,14 @@ TEST_F(RasterTest, RegionsAreThoseThatTheViewerSees) {
     }
     EXPECT_EQ(raster.object.SetRgnPolygon(Z_POLY_ALTERNATE, Z_RGN_SET, nullptr), 0);
     expect([](int x, int y) { return x >= 1 && x < 7 && y >= 1 && y < 4; });
+    // Points that fit are kept, new ones are 0.
+    EXPECT_EQ(raster.object.PutPolygonSize(2), 0);
+    EXPECT_EQ(raster.object.PutPolygonSize(3), 0);
+    for (int corner = 0; corner < 3; ++corner) {
+        float x = 9;
+        EXPECT_EQ(raster.object.GetPolygonX(corner, &x), 0);
+        EXPECT_EQ(x, corner < 2 ? corners[corner][0] : 0);
+    }
 }
 
 TEST_F(RasterTest, RegionsGrowAndShrinkBySquares) {
