@@ -38,7 +38,7 @@ def kernel_list(bitmaps: Iterable[Bitmap]) -> Iterator[int]:
         lib.Z_DestroyBitmapList(handle)
 
 
-class BitmapList(MutableSequence):  # type: ignore[type-arg]
+class BitmapList(MutableSequence[Bitmap]):
     """A sequence of bitmaps, each at one place only, with the operations that look at all of them together."""
 
     __slots__ = ("_bitmaps",)
@@ -69,6 +69,12 @@ class BitmapList(MutableSequence):  # type: ignore[type-arg]
         """A bitmap; of a slice a new list of the same bitmaps, not of copies."""
         found = self._bitmaps[item]
         return BitmapList(found) if isinstance(found, list) else found
+
+    @overload
+    def __setitem__(self, item: int, value: Bitmap) -> None: ...
+
+    @overload
+    def __setitem__(self, item: slice, value: Iterable[Bitmap]) -> None: ...
 
     def __setitem__(self, item: Any, value: Any) -> None:
         if isinstance(item, slice):
