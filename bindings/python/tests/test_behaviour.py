@@ -235,7 +235,7 @@ def test_ten_thousand_operations_hold_no_memory():
     for _ in range(300):
         round_of_work()
     gc.collect()
-    assert resident() - before < 2_000_000
+    assert resident() - before < 500_000
 
 
 def test_bitmaps_go_without_being_closed():
