@@ -14,7 +14,9 @@ Passed<BSTR>::Passed(BSTR wide) {
 
 Passed<VARIANT>::Passed(const VARIANT& variant) {
     const VARIANT* held = &variant;
-    while (V_VT(held) == (VT_BYREF | VT_VARIANT) && V_VARIANTREF(held) != nullptr)
+    // References may stand behind one another, but not without an end.
+    for (int depth = 0; depth < 8 && V_VT(held) == (VT_BYREF | VT_VARIANT) && V_VARIANTREF(held) != nullptr;
+         ++depth)
         held = V_VARIANTREF(held);
     if (V_VT(held) == VT_EMPTY || V_VT(held) == VT_NULL || V_VT(held) == VT_ERROR) return;
     array_.Elements = Array::Kind::Floats; // what the logic refuses

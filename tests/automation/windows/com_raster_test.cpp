@@ -14,10 +14,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <functional>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -159,10 +161,83 @@ TEST_F(ComRaster, ArraysCrossAsVariants) {
     EXPECT_EQ(raster->GetBitmapClipSegments(0, &back), S_OK);
     EXPECT_EQ(V_VT(&back), VT_ARRAY | VT_R4);
     VariantClear(&back);
+    V_VT(&whole) = VT_BYREF | VT_VARIANT, V_VARIANTREF(&whole) = &whole;
+    EXPECT_EQ(static_cast<uint32_t>(raster->put_PixelData(0, 0, whole)), 0x800A4E2Du);
     V_VT(&data) = VT_BSTR, V_BSTR(&data) = nullptr;
     EXPECT_EQ(static_cast<uint32_t>(raster->put_PixelData(0, 0, data)), 0x800A4E2Du);
     EXPECT_EQ(raster->FreeList(&result), S_OK);
     SafeArrayDestroy(bytes);
+}
+
+// A picture of the system's, which gets the handles.
+IPictureDisp* Picture(PICTDESC description) {
+    void* picture = nullptr;
+    description.cbSizeofstruct = sizeof description;
+    EXPECT_EQ(OleCreatePictureIndirect(&description, IID_IDispatch, TRUE, &picture), S_OK);
+    return static_cast<IPictureDisp*>(picture);
+}
+
+TEST_F(ComRaster, PicturesAreReadOrDrawn) {
+    // An icon whose left half is black and whose right half lets the ground through.
+    std::vector<uint8_t> mask, colours(128, 0);
+    for (int byte = 0; byte < 128; ++byte)
+        mask.push_back(byte % 4 < 2 ? 0 : 0xFF);
+    PICTDESC description = {};
+    description.picType = PICTYPE_ICON;
+    description.icon.hicon = CreateIcon(nullptr, 32, 32, 1, 1, mask.data(), colours.data());
+    IPictureDisp* icon = Picture(description);
+    description.picType = PICTYPE_BITMAP;
+    description.bmp.hbitmap = nullptr;
+    IPictureDisp* hollow = Picture(description);
+    short result = 0;
+    float width = 0, height = 0;
+    OLE_COLOR left = 1, right = 1;
+    EXPECT_EQ(raster->SetPicture(icon, &result), S_OK);
+    EXPECT_EQ(raster->get_BitmapWidth(&width), S_OK);
+    EXPECT_EQ(raster->get_BitmapHeight(&height), S_OK);
+    EXPECT_EQ(width, 32);
+    EXPECT_EQ(height, 32);
+    EXPECT_EQ(raster->get_Pixel(8, 16, &left), S_OK);
+    EXPECT_EQ(raster->get_Pixel(24, 16, &right), S_OK);
+    EXPECT_EQ(left, 0u);
+    EXPECT_EQ(right, 0xFFFFFFu);
+    EXPECT_EQ(static_cast<uint32_t>(raster->SetPicture(hollow, &result)), 0x800A4E22u);
+    EXPECT_EQ(static_cast<uint32_t>(raster->SetPicture(nullptr, &result)), 0x800A4E2Du);
+    icon->Release();
+    hollow->Release();
+}
+
+TEST(ComThreads, HaveObjectsOfTheirOwn) {
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int number = 1; number <= 4; ++number)
+        threads.emplace_back([&wrong, number] {
+            CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+            IClassFactory* factory = nullptr;
+            OF_LIBRARY(DllGetClassObject)
+            (CLSID_ZIRCRaster, IID_IClassFactory, reinterpret_cast<void**>(&factory));
+            for (int round = 0; round < 50; ++round) {
+                IZIRCRaster* raster = nullptr;
+                short result = 0;
+                OLE_COLOR colour = 0;
+                const float width = float(number + round);
+                factory->CreateInstance(nullptr, IID_IZIRCRaster, reinterpret_cast<void**>(&raster));
+                const bool good = raster->CreateBitmap(width, 2, 24, &result) == S_OK &&
+                                  raster->put_Pixel(width - 1, 1, OLE_COLOR(number)) == S_OK &&
+                                  raster->get_Pixel(width - 1, 1, &colour) == S_OK &&
+                                  colour == OLE_COLOR(number) && raster->put_ScaleMode(8) != S_OK;
+                IErrorInfo* error = nullptr; // the thread's
+                if (!good || GetErrorInfo(0, &error) != S_OK) ++wrong;
+                if (error != nullptr) error->Release();
+                raster->Release();
+            }
+            factory->Release();
+            CoUninitialize();
+        });
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(OF_LIBRARY(DllCanUnloadNow)(), S_OK);
 }
 
 struct Sink final : IDispatch {

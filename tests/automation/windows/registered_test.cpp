@@ -1,5 +1,7 @@
 // The component as a machine has it: entered into the registry by regsvr32 and taken out again, created by name from
 // scripts and by a late-bound client. The registry belongs to all programs of a Windows, so one run at a time is here.
+#include "zkr13n/raster_component.h"
+
 #include <ole2.h>
 
 #include <ocidl.h>
@@ -17,6 +19,7 @@
 #include <iterator>
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -400,6 +403,61 @@ TEST(Factory, HandsLicencesToClassesThatCheckThem) {
     SysFreeString(name);
     SysFreeString(foreign);
     factory->Release();
+    CoUninitialize();
+}
+
+// What a client of another apartment does with the object, which the system reaches by the type library.
+void UseFromAfar(IStream* stream) {
+    CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    IZIRCRaster* proxy = nullptr;
+    void* unmarshalled = nullptr;
+    ASSERT_EQ(CoGetInterfaceAndReleaseStream(stream, IID_IZIRCRaster, &unmarshalled), S_OK);
+    proxy = static_cast<IZIRCRaster*>(unmarshalled);
+    short result = 1;
+    float width = 0;
+    OLE_COLOR colour = 0;
+    VARIANT bytes;
+    VariantInit(&bytes);
+    EXPECT_EQ(proxy->CreateBitmap(6.5f, 4, 24, &result), S_OK);
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(proxy->get_BitmapWidth(&width), S_OK);
+    EXPECT_EQ(width, 6);
+    EXPECT_EQ(proxy->put_Pixel(5, 3, 0x332211), S_OK);
+    EXPECT_EQ(proxy->get_PixelData(5, 3, &bytes), S_OK);
+    EXPECT_EQ(V_VT(&bytes), VT_ARRAY | VT_UI1);
+    EXPECT_EQ(proxy->put_PixelData(0, 0, bytes), S_OK);
+    EXPECT_EQ(proxy->get_Pixel(0, 0, &colour), S_OK);
+    EXPECT_EQ(colour, 0x332211u);
+    VariantClear(&bytes);
+    BSTR key = SysAllocString(L"key");
+    EXPECT_EQ(proxy->UnlockSupport(3, key, &result), S_OK);
+    SysFreeString(key);
+    EXPECT_EQ(static_cast<uint32_t>(proxy->put_ScaleMode(8)), 0x800A4E2Du);
+    EXPECT_EQ(AdviseChanged(proxy, 3, 1, 0, 0),
+              E_NOINTERFACE); // companions share memory with the object itself
+    proxy->Release();
+    CoUninitialize();
+}
+
+TEST(Apartments, CarryCallsByTheTypeLibrary) {
+    CoInitialize(nullptr);
+    IZIRCRaster* raster = nullptr;
+    IStream* stream = nullptr;
+    ASSERT_EQ(CoCreateInstance(CLSID_ZIRCRaster, nullptr, CLSCTX_INPROC_SERVER, IID_IZIRCRaster,
+                               reinterpret_cast<void**>(&raster)),
+              S_OK);
+    ASSERT_EQ(CoMarshalInterThreadInterfaceInStream(IID_IZIRCRaster, raster, &stream), S_OK);
+    const HANDLE done = CreateEventW(nullptr, FALSE, FALSE, nullptr);
+    std::thread client([&] {
+        UseFromAfar(stream);
+        SetEvent(done);
+    });
+    while (MsgWaitForMultipleObjects(1, &done, FALSE, INFINITE, QS_ALLINPUT) != WAIT_OBJECT_0)
+        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);)
+            DispatchMessageW(&message);
+    client.join();
+    CloseHandle(done);
+    EXPECT_EQ(raster->Release(), 0u);
     CoUninitialize();
 }
 
