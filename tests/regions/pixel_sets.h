@@ -3,6 +3,7 @@
 #pragma once
 
 #include "regions/run_store.h"
+#include "support/region_form.h"
 #include "support/seeded.h"
 
 #include <gtest/gtest.h>
@@ -62,33 +63,7 @@ struct PixelSet {
 };
 
 inline void ExpectStoredForm(const RegionHandle& region) {
-    const size_t rows = region.RowTableBytes / sizeof(RegionRowEntry);
-    ASSERT_EQ(rows, static_cast<size_t>(int64_t{region.Bottom} - region.Top));
-    if (rows == 0) {
-        ASSERT_EQ(BoundsOf(region), PixelRect{});
-        ASSERT_TRUE(region.RowTable == nullptr && region.Segments == nullptr && region.SegmentBytes == 0);
-        return;
-    }
-    int32_t left = INT32_MAX, right = INT32_MIN;
-    size_t entries = 0;
-    for (size_t row = 0; row < rows; ++row) {
-        const RegionRowEntry& entry = region.RowTable[row];
-        ASSERT_EQ(entry.Count % 2, 0u);
-        if (entry.Count == 0) {
-            ASSERT_TRUE(entry.Offset == 0 && row > 0 && row + 1 < rows) << "row " << row;
-            continue;
-        }
-        ASSERT_TRUE(entry.Offset % 4 == 0 &&
-                    uint64_t{entry.Offset} + uint64_t{entry.Count} * 4 <= region.SegmentBytes);
-        const int32_t* const ends = region.Segments + entry.Offset / 4;
-        for (uint32_t i = 1; i < entry.Count; ++i)
-            ASSERT_LT(ends[i - 1], ends[i]) << "row " << row;
-        left = std::min(left, ends[0]);
-        right = std::max(right, ends[entry.Count - 1]);
-        entries += entry.Count;
-    }
-    ASSERT_EQ(entries * sizeof(int32_t), region.SegmentBytes);
-    ASSERT_TRUE(left == region.Left && right == region.Right);
+    ASSERT_TRUE(HasStoredForm(region));
 }
 
 inline PixelSet SetOf(const RegionHandle& region) {
