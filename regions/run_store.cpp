@@ -1,6 +1,7 @@
 // Records and their builder.
 #include "regions/run_store.h"
 
+#include "core/assertion.h"
 #include "regions/platform_region.h"
 #include "zkr13n/allocation.h"
 
@@ -102,6 +103,9 @@ ReturnCode RegionBuilder::EndRow(size_t entries) {
     RegionHandle& region = *region_;
     if ((uint64_t{used_} + entries) * sizeof(int32_t) > MostBytes) return code::OutOfMemory;
     const int32_t* const runs = Room();
+    ZKR_ASSERT(entries % 2 == 0 && entries <= rowEntries_);
+    ZKR_ASSERT(std::adjacent_find(runs, runs + entries, [](int32_t a, int32_t b) { return a >= b; }) ==
+               runs + entries);
     if (used_ == 0) {
         region.Top = static_cast<int32_t>(row);
         region.Left = runs[0];

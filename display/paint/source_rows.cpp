@@ -1,5 +1,6 @@
 #include "display/paint/source_rows.h"
 
+#include "core/assertion.h"
 #include "core/predicates.h"
 #include "core/row_access.h"
 #include "core/sizes.h"
@@ -38,6 +39,7 @@ int32_t SourceRows::RowShown(int64_t scaledRow) const {
 }
 
 ReturnCode SourceRows::Prepare() {
+    ZKR_ASSERT(columns_.From < columns_.To);
     const int32_t bits = bitmap_.BitsPerPixel;
     const auto from = static_cast<int64_t>(ColumnShown(columns_.From));
     const int64_t to = int64_t{ColumnShown(columns_.To - 1)} + 1;
@@ -70,6 +72,7 @@ ReturnCode SourceRows::FetchStored(int32_t row, const uint8_t*& pixels) {
 
 ReturnCode SourceRows::Fetch(int64_t scaledRow, const uint8_t*& pixels) {
     const int32_t row = RowShown(scaledRow);
+    ZKR_ASSERT(row >= 0 && row < bitmap_.Height && (held_.Data == nullptr || row >= held_.First));
     if (row != lastRow_) {
         const uint8_t* found = nullptr;
         lastRow_ = -1;

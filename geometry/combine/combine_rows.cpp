@@ -4,6 +4,7 @@
 // another place in the span, the source is moved to the target's phase.
 #include "geometry/combine/combine_rows.h"
 
+#include "core/assertion.h"
 #include "core/bit_merge.h"
 #include "core/bitmap_lock.h"
 #include "core/dispatch.h"
@@ -13,6 +14,7 @@
 #include "core/row_access.h"
 #include "core/row_copy.h"
 #include "core/scratch.h"
+#include "core/views.h"
 #include "geometry/combine/merged_region.h"
 #include "geometry/combine/row_operation.h"
 #include "zkr13n/rows.h"
@@ -321,6 +323,9 @@ ReturnCode ReportNothingDone() {
 
 ReturnCode CombineAreas(BitmapHandle& target, BitmapHandle* source, const CombinedAreas& areas,
                         uint32_t code) {
+    ZKR_ASSERT(source == nullptr ||
+               (source->BitsPerPixel == target.BitsPerPixel &&
+                DifferInRowOrderAtMost(source->ViewPerspective, target.ViewPerspective)));
     ClippedAreas clipped{};
     if (!Clip(target, source, areas, PixelRect::Whole(target).AsRect(), clipped)) return ReportNothingDone();
 

@@ -1,6 +1,7 @@
 // Chooses the kernel of a width and makes its columns.
 #include "geometry/resize/row_resampler.h"
 
+#include "core/assertion.h"
 #include "geometry/resize/columns.h"
 #include "kernels/family.h"
 
@@ -93,6 +94,7 @@ ReturnCode RowResampler::MakeSpline() {
 }
 
 SourceSpan RowResampler::Choose(int32_t first, int32_t count) {
+    ZKR_ASSERT(first >= 0 && count >= 1 && first <= newWidth_ - count);
     first_ = first;
     count_ = count;
     if (rule_ == Rule::Spline) {
@@ -125,6 +127,7 @@ SourceSpan RowResampler::SpanOfStretch() {
 }
 
 void RowResampler::Run(const uint8_t* source, int32_t base, uint8_t* target) {
+    ZKR_ASSERT(base <= span_.First && span_.End <= oldWidth_);
     const auto& all = kernels::Chosen<ResampleKernels>();
     const size_t type = format_.TypeIndex(), layout = format_.LayoutIndex();
     const auto from = static_cast<uint32_t>(base);
