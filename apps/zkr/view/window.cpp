@@ -54,6 +54,10 @@ class Window {
     std::unique_ptr<SDL_Window, Closer> window_;
     std::string title_;
     bool all_ = true; // the display has lost what it had
+
+    // As they were when the event came that is looked at: the system's own state may be ahead of it.
+    int held_ = 0; // KMOD_...
+    Point pointer_ = {};
 };
 
 Window::Window(Viewer& viewer) : viewer_(viewer) {
@@ -97,26 +101,27 @@ void Window::HandleButton(const SDL_MouseButtonEvent& event) {
         return;
     }
     if (event.button != SDL_BUTTON_LEFT && event.button != SDL_BUTTON_RIGHT) return;
-    const SDL_Keymod held = SDL_GetModState();
     viewer_.Press(event.button == SDL_BUTTON_LEFT ? Button::Left : Button::Right, point,
-                  {(held & KMOD_SHIFT) != 0, (held & KMOD_CTRL) != 0, (held & KMOD_ALT) != 0});
+                  {(held_ & KMOD_SHIFT) != 0, (held_ & KMOD_CTRL) != 0, (held_ & KMOD_ALT) != 0});
 }
 
 void Window::Handle(const SDL_Event& event) {
     switch (event.type) {
     case SDL_QUIT: viewer_.Do(Command::Quit); break;
     case SDL_WINDOWEVENT: HandleWindow(event.window); break;
-    case SDL_KEYDOWN: HandleKey(event.key.keysym); break;
+    case SDL_KEYDOWN:
+        held_ = event.key.keysym.mod;
+        HandleKey(event.key.keysym);
+        break;
+    case SDL_KEYUP: held_ = event.key.keysym.mod; break;
     case SDL_TEXTINPUT: HandleText(event.text.text); break;
-    case SDL_MOUSEMOTION: viewer_.MoveTo({event.motion.x, event.motion.y}); break;
+    case SDL_MOUSEMOTION:
+        pointer_ = {event.motion.x, event.motion.y};
+        viewer_.MoveTo(pointer_);
+        break;
     case SDL_MOUSEBUTTONDOWN:
     case SDL_MOUSEBUTTONUP: HandleButton(event.button); break;
-    case SDL_MOUSEWHEEL: {
-        Point point;
-        SDL_GetMouseState(&point.x, &point.y);
-        viewer_.Wheel(event.wheel.y, point);
-        break;
-    }
+    case SDL_MOUSEWHEEL: viewer_.Wheel(event.wheel.y, pointer_); break;
     default: break;
     }
 }
