@@ -285,4 +285,17 @@ TEST_F(TypeLibrary, ClassesAndLibraryAreNamed) {
                     "ZIRCRasterFactory IZIRCRasterFactory 1\n");
 }
 
+TEST(Resources, AreWhereTheRegistryPoints) {
+    const HMODULE library = LoadLibraryW(L"ZKR13N.dll");
+    for (const int script : {101, 102, 103})
+        EXPECT_NE(FindResourceW(library, MAKEINTRESOURCEW(script), L"REGISTRY"), nullptr) << script;
+    for (const int number : {1, 3}) {
+        const HBITMAP bitmap = LoadBitmapW(library, MAKEINTRESOURCEW(number));
+        EXPECT_NE(bitmap, nullptr) << number;
+        DeleteObject(bitmap);
+        EXPECT_NE(LoadIconW(library, MAKEINTRESOURCEW(number + 1)), nullptr) << number;
+    }
+    FreeLibrary(library);
+}
+
 } // namespace
