@@ -75,6 +75,34 @@ TEST(NativeRaster, PassesArraysAndColours) {
     raster->Release();
 }
 
+TEST(NativeRaster, RefusesStrangeVariants) {
+    IZIRCRaster* raster = nullptr;
+    ASSERT_EQ(Z_CreateRasterObject(&raster), Z_SUCCESS);
+    uint8_t bytes[4] = {1, 2, 3, 4};
+    ASSERT_EQ(raster->CreateUserBitmap(4, 1, 8, {Z_VARIANT_BYTES, 4, bytes}, 0, nullptr), 0);
+    const ZVariant strange[] = {{Z_VARIANT_FLOATS, 4, bytes},
+                                {Z_VARIANT_BYTES, -1, bytes},
+                                {Z_VARIANT_BYTES, 4, nullptr},
+                                {0x2012, 4, bytes},
+                                {0x11, 4, bytes},
+                                {-1, 4, bytes},
+                                {Z_VARIANT_BYTES | 0x8000, 4, bytes},
+                                {Z_VARIANT_SIGNED_BYTES, INT32_MIN, bytes}};
+    for (const ZVariant& variant : strange) {
+        int16_t result = 0;
+        EXPECT_EQ(static_cast<uint32_t>(raster->CreateUserBitmap(4, 1, 8, variant, 0, &result)), 0x800A4E2Du);
+        EXPECT_EQ(result, 20013);
+        EXPECT_EQ(static_cast<uint32_t>(raster->SetBitmapDataPointer(variant, 0, &result)), 0x800A4E2Du);
+        EXPECT_EQ(static_cast<uint32_t>(raster->put_PixelData(0, 0, variant)), 0x800A4E2Du);
+    }
+    for (const int32_t size : {-1, 5, INT32_MAX, INT32_MIN})
+        EXPECT_NE(raster->SetBitmapDataPointer({Z_VARIANT_BYTES, 4, bytes}, size, nullptr), 0);
+    ZVariant back{};
+    EXPECT_EQ(raster->get_PixelData(2, 0, &back), 0);
+    EXPECT_EQ(*static_cast<uint8_t*>(back.Data), 3);
+    raster->Release();
+}
+
 TEST(NativeRaster, TellsSinksThatComeAndGo) {
     IZIRCRaster* raster = nullptr;
     ASSERT_EQ(Z_CreateRasterObject(&raster), Z_SUCCESS);
