@@ -31,7 +31,7 @@ ReturnCode Z_CALL RasterObject::OwnerNotified(uint32_t kind, BitmapToken* token,
     auto& object = *static_cast<RasterObject*>(owner);
     Face& face = object.face_;
     face.Keep();
-    const ReturnCode status = object.Handle(kind, token);
+    const ReturnCode status = object.Hear(kind, token);
     face.Drop();
     return status;
 }
@@ -71,7 +71,7 @@ ReturnCode RasterObject::BitmapTaken() {
     return status;
 }
 
-ReturnCode RasterObject::Handle(uint32_t kind, BitmapToken* token) {
+ReturnCode RasterObject::Hear(uint32_t kind, BitmapToken* token) {
     if (kind == RASTEREVENT_CHANGED || kind == RASTEREVENT_RGNCHANGED) WatchList();
     switch (kind) {
     case 1: return BitmapTaken();
@@ -108,8 +108,8 @@ Result RasterObject::NotifyChange(int32_t notification, int32_t modifyFlags, int
         notifyReserved2_ = reserved2;
         BitmapToken* token = token_.Token();
         token->OwnerUser = static_cast<uint32_t>(modifyFlags);
-        return Handle(static_cast<uint32_t>(notification),
-                      notification == RASTEREVENT_CHANGED ? token : nullptr);
+        return Hear(static_cast<uint32_t>(notification),
+                    notification == RASTEREVENT_CHANGED ? token : nullptr);
     });
 }
 

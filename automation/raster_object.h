@@ -8,6 +8,7 @@
 
 #include "automation/array.h"
 #include "automation/face.h"
+#include "automation/plain_types.h"
 #include "automation/scale.h"
 #include "automation/token.h"
 #include "automation/user_data.h"
@@ -23,7 +24,10 @@ using Result = int32_t;
 // its index in the list.
 using ChangeCallback = void(Z_CALL*)(int32_t change, intptr_t first, intptr_t second);
 
-class RasterObject {
+class RasterObject : private PlainTypes {
+    using ArrayIn = const Array&;
+    using ArrayOut = Array*;
+
   public:
     explicit RasterObject(Face& face) : face_(face) {}
     ~RasterObject();
@@ -47,214 +51,8 @@ class RasterObject {
     ReturnCode ReplaceListOnly(BitmapList list);
     void ReloadFromList();
 
-    // Bitmap and list
-    Result GetBitmap(intptr_t* value);
-    Result PutBitmap(intptr_t value);
-    Result GetBitmapList(intptr_t* value);
-    Result PutBitmapList(intptr_t value);
-    Result GetEnableMethodErrors(int16_t* value);
-    Result PutEnableMethodErrors(int16_t value);
-    Result GetRefBitmap(int16_t* value);
-    Result PutRefBitmap(int16_t value);
-    Result GetRefBitmapList(int16_t* value);
-    Result PutRefBitmapList(int16_t value);
-    Result Free(int16_t* result);
-
-    // Scale
-    Result GetScaleMode(int32_t* value);
-    Result PutScaleMode(int32_t value);
-    Result GetScaleTop(float* value);
-    Result PutScaleTop(float value);
-    Result GetScaleLeft(float* value);
-    Result PutScaleLeft(float value);
-    Result GetScaleHeight(float* value);
-    Result PutScaleHeight(float value);
-    Result GetScaleWidth(float* value);
-    Result PutScaleWidth(float value);
-
-    // Bitmap facts
-    Result GetBitmapWidth(float* value);
-    Result GetBitmapHeight(float* value);
-    Result GetBitmapBits(int16_t* value);
-    Result GetBitmapXRes(int32_t* value);
-    Result PutBitmapXRes(int32_t value);
-    Result GetBitmapYRes(int32_t* value);
-    Result PutBitmapYRes(int32_t value);
-    Result GetIsGrayscale(int32_t* value);
-    Result GetBitmapPalette(int16_t index, uint32_t* value);
-    Result PutBitmapPalette(int16_t index, uint32_t value);
-
-    // Region facts
-    Result GetHasRgn(int16_t* value);
-    Result GetRgnLeft(float* value);
-    Result GetRgnTop(float* value);
-    Result GetRgnWidth(float* value);
-    Result GetRgnHeight(float* value);
-
-    // List index
-    Result GetBitmapListIndex(int16_t* value);
-    Result PutBitmapListIndex(int16_t value);
-    Result GetBitmapListCount(int32_t* value);
-
-    // Transparency and alpha
-    Result GetBitmapEnableTransparency(int16_t* value);
-    Result PutBitmapEnableTransparency(int16_t value);
-    Result GetBitmapTransparentColor(uint32_t* value);
-    Result PutBitmapTransparentColor(uint32_t value);
-    Result GetBitmapAlpha(intptr_t* value);
-    Result PutBitmapAlpha(intptr_t value);
-
-    // Value range
-    Result GetMinVal(int32_t* value);
-    Result GetMaxVal(int32_t* value);
-    Result GetMinBit(int16_t* value);
-    Result GetMaxBit(int16_t* value);
-
-    // Pixel
-    Result GetPixel(float x, float y, uint32_t* value);
-    Result PutPixel(float x, float y, uint32_t value);
-
-    // Polygon
-    Result GetPolygonSize(int32_t* value);
-    Result PutPolygonSize(int32_t value);
-    Result GetPolygonX(int32_t index, float* value);
-    Result PutPolygonX(int32_t index, float value);
-    Result GetPolygonY(int32_t index, float* value);
-    Result PutPolygonY(int32_t index, float value);
-
-    // Capability
-    Result UnlockSupport(int32_t support, const char* key, int16_t* result);
-    Result IsSupportLocked(int32_t support, int16_t* locked);
-
-    // Region edits
-    Result FreeRgn(int16_t* result);
-
-    // List edits
-    Result DeleteBitmapListItems(int16_t index, int32_t count, int16_t* result);
-
-    // Pictures
-    Result GetPicture(intptr_t context, intptr_t* picture);
-    Result SetPicture(intptr_t picture, int16_t* result);
-
-    // Creation
-    Result CreateBitmap(float width, float height, int16_t bits, int16_t* result);
-
-    // Device context
-    Result GetBitmapDC(intptr_t* context);
-    Result ReleaseBitmapDC(int16_t* result);
-
-    // Clipboard
-    Result Copy(intptr_t window, int16_t flags, int16_t* result);
-    Result Paste(intptr_t window, int16_t flags, int16_t* result);
-
-    // Exchange
-    Result SetDIB(intptr_t dib, int16_t* result);
-    Result SetDDB(intptr_t context, intptr_t bitmap, intptr_t palette, int16_t* result);
-    Result GetDIB(intptr_t* dib);
-    Result GetDDB(intptr_t context, intptr_t* bitmap);
-    Result Capture(intptr_t context, float left, float top, float width, float height, int16_t* result);
-
-    // List insert
-    Result InsertBitmapListItem(int16_t index, intptr_t bitmap, int16_t* result);
-
-    // Ranges
-    Result GetMinMaxVal(int16_t* result);
-    Result GetMinMaxBits(int16_t* result);
-
-    // Regions
-    Result DeleteRgnHandle(intptr_t region, int16_t* result);
-    Result GetRgnArea(int32_t* area);
-    Result GetRgnHandle(intptr_t* region);
-    Result IsPtInRgn(float x, float y, int16_t* inside);
-    Result OffsetRgn(float x, float y, int16_t* result);
-    Result SetRgnColor(uint32_t value, int32_t mode, int16_t* result);
-    Result SetRgnHandle(intptr_t region, int32_t mode, int16_t* result);
-    Result SetRgnEllipse(float left, float top, float width, float height, int32_t mode, int16_t* result);
-    Result SetRgnRect(float left, float top, float width, float height, int32_t mode, int16_t* result);
-    Result SetRgnRoundRect(float left, float top, float width, float height, float ellipseWidth,
-                           float ellipseHeight, int32_t mode, int16_t* result);
-    Result SetRgnPolygon(int32_t fillMode, int32_t mode, int16_t* result);
-    Result SetRgnMagicWand(float x, float y, int16_t tolerance, int32_t mode, int16_t* result);
-
-    // Client extent
-    Result GetClientX(int32_t* value);
-    Result PutClientX(int32_t value);
-    Result GetClientY(int32_t* value);
-    Result PutClientY(int32_t value);
-
-    // List ownership
-    Result FreeList(int16_t* result);
-    Result NewList(int16_t* result);
-    Result PutInList(int16_t* result);
-
-    // Events
-    Result EnableChangeEvents(int16_t enable, int16_t* result);
-    Result NotifyChange(int32_t notification, int32_t modifyFlags, int32_t reserved1, int32_t reserved2);
-
-    // Level table
-    Result GetLevelLUTLength(int32_t* value);
-    Result GetLevelLUT(int32_t index, uint32_t* value);
-    Result PutLevelLUT(int32_t index, uint32_t value);
-    Result GetLevelLowBit(int16_t* value);
-    Result PutLevelLowBit(int16_t value);
-    Result GetLevelHighBit(int16_t* value);
-    Result PutLevelHighBit(int16_t value);
-    Result WindowLevelFillLUT(uint32_t first, uint32_t second, int32_t low, int32_t high, int16_t lowBit,
-                              int16_t highBit, int32_t minimum, int32_t maximum, int16_t inside,
-                              int16_t* result);
-
-    // Animation frame
-    Result GetBitmapLeft(float* value);
-    Result PutBitmapLeft(float value);
-    Result GetBitmapTop(float* value);
-    Result PutBitmapTop(float value);
-    Result GetBitmapDelay(int32_t* value);
-    Result PutBitmapDelay(int32_t value);
-    Result GetBitmapDisposalMethod(int32_t* value);
-    Result PutBitmapDisposalMethod(int32_t value);
-
-    // More exchange and regions
-    Result GetDIB2(int32_t type, intptr_t* dib);
-    Result SetRgnColorRGBRange(uint32_t lower, uint32_t upper, int32_t mode, int16_t* result);
-    Result SetRgnColorHSVRange(int32_t lower, int32_t upper, int32_t mode, int16_t* result);
-
-    // Change information
-    Result SetChangeInfo(int32_t type, intptr_t info, int16_t* result);
-    Result GetChangeInfo(int32_t type, intptr_t info, int16_t* result);
-
-    // Curve
-    Result GetCurveSize(int32_t* value);
-    Result PutCurveSize(int32_t value);
-    Result GetCurveType(int32_t* value);
-    Result PutCurveType(int32_t value);
-    Result GetCurveTension(double* value);
-    Result PutCurveTension(double value);
-    Result GetCurveClose(int32_t* value);
-    Result PutCurveClose(int32_t value);
-    Result GetBezierSize(int32_t* value);
-    Result GetCurveX(int32_t index, float* value);
-    Result PutCurveX(int32_t index, float value);
-    Result GetCurveY(int32_t index, float* value);
-    Result PutCurveY(int32_t index, float value);
-    Result GetBezierX(int32_t index, float* value);
-    Result GetBezierY(int32_t index, float* value);
-    Result SetRgnCurve(int32_t fillMode, int32_t mode, int16_t* result);
-    Result CurveToBezier(int16_t* result);
-
-    // Misc
-    Result GetIsSigned(int16_t* value);
-    Result PutIsSigned(int16_t value);
-    Result GetBitmapSize(int32_t* value);
-    Result GetBitmapClipSegments(float y, Array* segments);
-    Result GetPixelData(float x, float y, Array* value);
-    Result PutPixelData(float x, float y, const Array& value);
-    Result ResizeRgn(int32_t mode, float size, int16_t* result);
-    Result GetBitmapCompression(int32_t* value);
-    Result GetReadOnlyBitmapList(int16_t* value);
-    Result PutReadOnlyBitmapList(int16_t value);
-    Result CreateUserBitmap(float width, float height, int16_t bits, const Array& data, int32_t size,
-                            int16_t* result);
-    Result SetBitmapDataPointer(const Array& data, int32_t size, int16_t* result);
+#define MEMBER(member, logic, parameters, arguments) Result logic parameters;
+#include "automation/members.inc"
 
   private:
     enum class Needs { Nothing, NoContext, Bitmap };
@@ -292,7 +90,9 @@ class RasterObject {
 
     // raster_object.cpp
     ReturnCode Test(Needs needs) const;
-    bool HasBitmap() const { return (current_.Flags & Z_FLAG_ALLOCATED) != 0; }
+    bool HasBitmap() const {
+        return (current_.Flags & Z_FLAG_ALLOCATED) != 0;
+    }
     // The end of an edit: the record is stored whatever happened, a success told.
     ReturnCode Changed(ReturnCode status, int32_t change);
     ReturnCode RegionChanged(ReturnCode status);
@@ -301,10 +101,16 @@ class RasterObject {
 
     // list_state.cpp
     // A list of the object's own whose handle nobody else has.
-    bool IsSecret() const { return ownList_ && !listShown_; }
-    bool OwnsList() const { return list_ != nullptr && (!readOnlyList_ || IsSecret()); }
+    bool IsSecret() const {
+        return ownList_ && !listShown_;
+    }
+    bool OwnsList() const {
+        return list_ != nullptr && (!readOnlyList_ || IsSecret());
+    }
     uint32_t CountItems() const;
-    uint32_t Index() const { return static_cast<uint32_t>(listIndex_); }
+    uint32_t Index() const {
+        return static_cast<uint32_t>(listIndex_);
+    }
     void ClampIndex(uint32_t count);
     void WatchList();
     void LookAtList();
@@ -331,7 +137,7 @@ class RasterObject {
     void Notify(int32_t change, intptr_t first = 0, intptr_t second = 0);
     void NotifyRegion();
     static ReturnCode Z_CALL OwnerNotified(uint32_t kind, BitmapToken* token, void* owner);
-    ReturnCode Handle(uint32_t kind, BitmapToken* token);
+    ReturnCode Hear(uint32_t kind, BitmapToken* token);
     uint32_t FindItem() const;
     ReturnCode BitmapTaken();
 
