@@ -5,6 +5,7 @@
 #include "zkr13n/gray.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <utility>
 
@@ -14,24 +15,21 @@ namespace {
 
 constexpr uint32_t ToEnd = UINT32_MAX;
 
-// The bits that differ anywhere. Of a number of bytes that vectors divide a compiler makes vectors.
-template <size_t Bytes> uint32_t Difference(const void* one, const void* other) {
+// The bits in which the words from First to End differ, in line: the system's memcmp takes longer than a pixel does.
+template <size_t First, size_t End> uint32_t Difference(const BitmapHandle& one, const BitmapHandle& other) {
     uint32_t difference = 0;
-    for (size_t word = 0; word < Bytes / sizeof(uint32_t); ++word) {
-        uint32_t words[2];
-        std::memcpy(&words[0], static_cast<const char*>(one) + word * sizeof(uint32_t), sizeof words[0]);
-        std::memcpy(&words[1], static_cast<const char*>(other) + word * sizeof(uint32_t), sizeof words[1]);
-        difference |= words[0] ^ words[1];
-    }
+    const auto compare = [&](size_t from, size_t to) {
+        for (size_t byte = from; byte < to; byte += sizeof(uint32_t)) {
+            uint32_t words[2];
+            std::memcpy(&words[0], reinterpret_cast<const char*>(&one) + byte, sizeof words[0]);
+            std::memcpy(&words[1], reinterpret_cast<const char*>(&other) + byte, sizeof words[1]);
+            difference |= words[0] ^ words[1];
+        }
+    };
+    constexpr size_t vectors = First + (End - First) / 16 * 16; // of which a compiler makes vectors
+    compare(First, vectors);
+    compare(vectors, End);
     return difference;
-}
-
-// In line: the system's memcmp takes longer than a pixel does.
-bool IsSame(const BitmapHandle& one, const BitmapHandle& other) {
-    constexpr size_t vectors = sizeof one / 16 * 16;
-    return (Difference<vectors>(&one, &other) |
-            Difference<sizeof one - vectors>(reinterpret_cast<const char*>(&one) + vectors,
-                                             reinterpret_cast<const char*>(&other) + vectors)) == 0;
 }
 
 } // namespace
@@ -71,11 +69,11 @@ void RasterObject::StorePlainly() {
 void RasterObject::StoreRecord() {
     if (!HasBitmap()) return;
     constexpr uint32_t elsewhere = Z_FLAG_DISK | Z_FLAG_TILED | Z_FLAG_COMPRESSED | Z_FLAG_SUPER_COMPRESSED;
-    if ((current_.Flags & elsewhere) == 0) {
-        stored_.CurrentRow = current_.CurrentRow;
-        stored_.CurrentRowOffset = current_.CurrentRowOffset;
-    }
-    if (!IsSame(stored_, current_)) StorePlainly();
+    constexpr size_t row = offsetof(BitmapHandle, CurrentRowOffset), behind = offsetof(BitmapHandle, Flags);
+    uint32_t difference =
+        Difference<0, row>(stored_, current_) | Difference<behind, sizeof(BitmapHandle)>(stored_, current_);
+    if ((current_.Flags & elsewhere) != 0) difference |= Difference<row, behind>(stored_, current_);
+    if (difference != 0) StorePlainly();
 }
 
 void RasterObject::Reload() {
