@@ -1,9 +1,12 @@
 // One operation on any picture, with arguments of which most make sense: what it does to any depth, order, storage class,
-// view, palette and level table. No result is known here; parity holds those of two platforms together.
+// view, palette and level table. What comes of it must not depend on where the pixels are stored. What it is, is not
+// known here; parity holds the results of two platforms together.
 #include "input.h"
 
+#include "support/global_blocks.h"
 #include "support/memory_device.h"
 
+#include <utility>
 #include <vector>
 
 using namespace fuzz;
@@ -37,9 +40,11 @@ void NotePalette(HPALETTE palette) {
     entries.Note();
 }
 
+thread_local bool isCompared = false; // with the same picture in memory, so that storage does not count
+
 void NotePicture(BitmapHandle& bitmap) {
     Colours entries;
-    NoteRecord(bitmap);
+    if (!isCompared) NoteRecord(bitmap);
     Note(Z_GetBitmapPaletteEntries(&bitmap, 0, 256, entries.data()));
     entries.Note();
     NotePixels(bitmap);
@@ -47,21 +52,22 @@ void NotePicture(BitmapHandle& bitmap) {
 
 // ---- records, pixels, rectangles
 
-void Records(Input& in, AnyBitmap& picture) {
+void Records(Input& in, BitmapHandle& picture) {
     BitmapHandle bitmap;
     std::memset(&bitmap, 0xAA, sizeof bitmap);
     const auto [wide, high, bits, width, height, flags] = in.Each(3000, 3000, 68, 50, 50, 8);
     Note(Z_InitBitmap(&bitmap, wide, high, bits - 1));
     NoteRecord(bitmap);
+    if (isCompared) return; // a duplicate is of its source's class, which has depths of its own
     const ReturnCode code =
         Z_DupBitmapNewDim(&bitmap, &picture, width, height, in.Depth(), static_cast<uint32_t>(flags));
     if (Note(code) != Z_SUCCESS) return;
-    NoteRecord(bitmap);
+    NotePicture(bitmap);
     Note(Z_FreeDuplicateBitmap(&bitmap, static_cast<uint32_t>(flags)));
-    NoteRecord(bitmap);
+    NotePicture(bitmap);
 }
 
-void Pixels(Input& in, AnyBitmap& picture) {
+void Pixels(Input& in, BitmapHandle& picture) {
     for (int i = 0; i < 40; ++i) {
         const auto [x, y, size, form] = in.Each(picture.Width + 2, picture.Height + 2, 8, 7);
         constexpr uint32_t forms[] = {0, 0, 1, 2, 4, 5, 255};
@@ -76,7 +82,7 @@ void Pixels(Input& in, AnyBitmap& picture) {
     }
 }
 
-void Rectangles(Input& in, AnyBitmap& picture) {
+void Rectangles(Input& in, BitmapHandle& picture) {
     for (int i = 0; i < 6; ++i) {
         const int32_t left = in.Below(picture.Width + 22) - 20, top = in.Below(picture.Height + 10) - 8;
         const auto [width, height, operation] = in.Each(picture.Width + 31, picture.Height + 10, 8);
@@ -89,7 +95,7 @@ void Rectangles(Input& in, AnyBitmap& picture) {
             Note(Z_CopyBitmapRect2(&copy, &picture, left, top, width, height,
                                    operation == 5 ? +MemoryDisk : +MemoryTiled));
         if (operation == 7) Note(Z_CopyBitmap2(&copy, &picture, MemoryConventional));
-        Note(copy.Flags);
+        if (!isCompared) Note(copy.Flags);
         NotePixels(copy);
         NotePixels(picture);
         Z_FreeBitmap(&copy);
@@ -97,7 +103,7 @@ void Rectangles(Input& in, AnyBitmap& picture) {
 }
 
 // Which index a colour is nearest to is the platform's business, so that indices are given as such.
-void Fills(Input& in, AnyBitmap& picture) {
+void Fills(Input& in, BitmapHandle& picture) {
     const uint32_t colour = in.Word();
     Note(Z_FillBitmap(&picture, picture.BitsPerPixel <= 8 ? 0x01000000 | (colour & 0xFFFF) : colour));
     NotePixels(picture);
@@ -107,7 +113,7 @@ void Fills(Input& in, AnyBitmap& picture) {
 // ---- palettes and colours
 
 // On one platform the system's own, on the other the library's.
-void PaletteObjects(Input& in, AnyBitmap&) {
+void PaletteObjects(Input& in, BitmapHandle&) {
     const Colours entries(in);
     const auto [kind, bits, count] = in.Each(6, 9, 256);
     HPALETTE palette = kind == 0   ? Z_CreateGrayPalette(bits)
@@ -130,7 +136,7 @@ void PaletteObjects(Input& in, AnyBitmap&) {
     Release(palette);
 }
 
-void BitmapPalettes(Input& in, AnyBitmap& picture) {
+void BitmapPalettes(Input& in, BitmapHandle& picture) {
     const Colours entries(in);
     for (int i = 0; i < 12; ++i) {
         const auto [start, count, operation] = in.Each(picture.ColorsUsed + 1, 40, 7);
@@ -158,7 +164,7 @@ void BitmapPalettes(Input& in, AnyBitmap& picture) {
 }
 
 // A run of rows of noise on a ramp, through a palette of any kind.
-void Dithering(Input& in, AnyBitmap& picture) {
+void Dithering(Input& in, BitmapHandle& picture) {
     const Colours to(in);
     const auto [method, bits, colors, given] = in.Each(9, 8, 256, 2);
     picture.DitheringMethod = method;
@@ -176,7 +182,7 @@ void Dithering(Input& in, AnyBitmap& picture) {
 }
 
 // Into a target or in place, or in a list.
-void ColourResolution(Input& in, AnyBitmap& picture) {
+void ColourResolution(Input& in, BitmapHandle& picture) {
     constexpr uint32_t choices[] = {0, 2, 1, 0x40, 0x10, 0x30, 0x200, 0x400, 0x80, 4, 0x100, 0x120};
     Colours palette(in);
     const auto [choice, method, colors, kind, given, entries] =
@@ -210,7 +216,7 @@ void ColourResolution(Input& in, AnyBitmap& picture) {
     Release(handle);
 }
 
-void Gray(Input& in, AnyBitmap& picture) {
+void Gray(Input& in, BitmapHandle& picture) {
     std::vector<RGBQUAD> colours(300);
     constexpr int32_t bits[] = {8, 12, 16, 10, 24};
     const auto [most, some, kind, sign] = in.Each(300, 2, std::size(bits), 3);
@@ -227,7 +233,7 @@ void Gray(Input& in, AnyBitmap& picture) {
     Note(Z_GrayScaleBitmap(&picture, bits[kind]));
 }
 
-void Levels(Input& in, AnyBitmap& picture) {
+void Levels(Input& in, BitmapHandle& picture) {
     Colours table;
     const auto [low, high, use, length, a, b, bit, highBit, least, most, inside] =
         in.Each(18, 18, 3, 257, 620, 620, 4, 8, 70, 460, 2);
@@ -238,7 +244,7 @@ void Levels(Input& in, AnyBitmap& picture) {
     table.Note();
 }
 
-void Spaces(Input& in, AnyBitmap&) {
+void Spaces(Input& in, BitmapHandle&) {
     std::vector<uint8_t> source(600 * 8), target(600 * 8);
     in.Fill(source.data(), source.size());
     const int32_t deep = in.Flip() ? 16 : 1;
@@ -252,7 +258,7 @@ void Spaces(Input& in, AnyBitmap&) {
     NoteEach({Z_RGBtoHSV(colour), Z_HSVtoRGB(colour)});
 }
 
-void Alpha(Input& in, AnyBitmap& picture) {
+void Alpha(Input& in, BitmapHandle& picture) {
     AnyBitmap other(in);
     BitmapHandle plane{};
     Note(Z_GetBitmapAlpha(&picture, &plane));
@@ -263,7 +269,7 @@ void Alpha(Input& in, AnyBitmap& picture) {
 
 // ---- geometry
 
-void Views(Input& in, AnyBitmap& picture) {
+void Views(Input& in, BitmapHandle& picture) {
     auto [view, x, y, left, top, right, bottom, flips] = in.Each(10, 240, 80, 240, 80, 50, 50, 2);
     RECT rectangle = {left - 20, top - 20, left - 20 + right, top - 20 + bottom};
     Note(Z_PointFromBitmap(&picture, static_cast<uint32_t>(view), &x, &y));
@@ -274,20 +280,20 @@ void Views(Input& in, AnyBitmap& picture) {
     Note(Z_ChangeBitmapViewPerspective(nullptr, &picture, view));
 }
 
-void Turns(Input& in, AnyBitmap& picture) {
+void Turns(Input& in, BitmapHandle& picture) {
     const auto [exact, quarters, flags, across, down] = in.Each(3, 9, 8, 604, 604);
     const int32_t angle = exact == 0 ? (quarters - 4) * 9000 : static_cast<int32_t>(in.Word());
     picture.XResolution = across - 3, picture.YResolution = down - 3;
     Note(Z_RotateBitmap(&picture, angle, static_cast<uint32_t>(flags), in.Word() & 0x05FFFFFF));
 }
 
-void Shears(Input& in, AnyBitmap& picture) {
+void Shears(Input& in, BitmapHandle& picture) {
     const int32_t angle = in.Below(4) == 0 ? static_cast<int32_t>(in.Word()) : in.Below(17999) - 8999;
     const int32_t horizontal = in.Below(2);
     Note(Z_ShearBitmap(&picture, angle, horizontal, in.Word() & 0x05FFFFFF));
 }
 
-void BufferTurns(Input& in, AnyBitmap&) {
+void BufferTurns(Input& in, BitmapHandle&) {
     const auto bits = static_cast<uint32_t>(in.Depth());
     const auto [width, height, kind] = in.Each(200, 150, 3);
     const auto w = static_cast<uint32_t>(width + 1), h = static_cast<uint32_t>(height + 1);
@@ -303,7 +309,7 @@ int32_t NewSize(Input& in, int32_t size) {
     return kind == 0 ? size : kind < 4 ? smaller + 1 : size * (times + 1);
 }
 
-void FedRows(Input& in, AnyBitmap& picture) {
+void FedRows(Input& in, BitmapHandle& picture) {
     ResizeLineState* state = nullptr;
     const int32_t width = NewSize(in, picture.Width), height = NewSize(in, picture.Height);
     Note(Z_StartResize(picture.Width, picture.Height, width, height, &state));
@@ -318,7 +324,7 @@ void FedRows(Input& in, AnyBitmap& picture) {
     Z_StopResize(state);
 }
 
-void Sizes(Input& in, AnyBitmap& picture) {
+void Sizes(Input& in, BitmapHandle& picture) {
     picture.Flags &= ~uint32_t{Z_FLAG_LEVEL_LUT_ACTIVE};
     const int32_t width = NewSize(in, picture.Width), height = NewSize(in, picture.Height);
     const auto [flags, again] = in.Each(8, 8);
@@ -328,7 +334,7 @@ void Sizes(Input& in, AnyBitmap& picture) {
     NotePixels(target);
 }
 
-void Underlays(Input& in, AnyBitmap& picture) {
+void Underlays(Input& in, BitmapHandle& picture) {
     AnyBitmap texture(in);
     const auto [left, top, width, height, flags] = in.Each(100, 20, 100, 20, 2);
     const RECT part = {left, top, left + width, top + height};
@@ -336,9 +342,41 @@ void Underlays(Input& in, AnyBitmap& picture) {
     Note(Z_UnderlayBitmap(&picture, &texture, static_cast<uint32_t>(flags)));
 }
 
+// What is selected shows in what is filled.
+void Selections(Input& in, BitmapHandle& picture) {
+    for (int i = 0; i < 3; ++i) {
+        const auto [kind, x, y, threshold, mode] = in.Each(4, picture.Width, picture.Height, 128, 8);
+        const uint32_t a = in.Word(), b = in.Word(), how = static_cast<uint32_t>(mode);
+        if (kind == 0) Note(Z_SetBitmapRgnColor(&picture, a & 0x01FFFFFF, how));
+        if (kind == 1) Note(Z_SetBitmapRgnColorRGBRange(&picture, a & b & 0xFFFFFF, a | b, how));
+        if (kind == 2)
+            Note(Z_SetBitmapRgnColorHSVRange(&picture, (a & b & 0xFFFF00) | (a & 0xFF), a | b, how));
+        if (kind == 3) Note(Z_SetBitmapRgnMagicWand(&picture, x, y, static_cast<uint32_t>(threshold), how));
+    }
+    Note(Z_FillBitmap(&picture, in.Word() & 0x01FFFF));
+}
+
 // ---- display
 
-void PaintTables(Input& in, AnyBitmap& picture) {
+void Dibs(Input& in, BitmapHandle& picture) {
+    const auto [type, across, down] = in.Each(5, 604, 604);
+    picture.XResolution = across - 3, picture.YResolution = down - 3;
+    HGLOBAL block = Z_ConvertToDIB2(&picture, type - 1);
+    Note(block != nullptr);
+    if (block == nullptr) return;
+    const uint8_t* const bytes = zkr::test::LockGlobal(block);
+    uint32_t headerBytes, colours;
+    std::memcpy(&headerBytes, bytes, 4);
+    std::memcpy(&colours, bytes + 32, 4);
+    Note(bytes, headerBytes + colours * 4);
+    zkr::test::UnlockGlobal(block);
+    BitmapHandle again{};
+    Note(Z_ChangeFromDIB(&again, block));
+    NotePicture(again);
+    Z_FreeBitmap(&again);
+}
+
+void PaintTables(Input& in, BitmapHandle& picture) {
     const auto [contrast, intensity, gamma] = in.Each(2001, 2001, 1000);
     Note(Z_SetPaintContrast(&picture, contrast - 1000));
     Note(Z_SetPaintIntensity(&picture, intensity - 1000));
@@ -353,7 +391,7 @@ RECT Rectangle(Input& in, int32_t width, int32_t height) {
 }
 
 // What contexts of 32 bits get, which no system has a say in.
-void Paints(Input& in, AnyBitmap& picture) {
+void Paints(Input& in, BitmapHandle& picture) {
     const zkr::test::MemoryDevice device(90, 70, 0x3C);
     const auto [contrast, mode, part, cut, clipped, sized, upsideDown] = in.Each(4001, 512, 3, 3, 3, 2, 8);
     if (contrast <= 2000) Z_SetPaintContrast(&picture, contrast - 1000);
@@ -372,10 +410,27 @@ void Paints(Input& in, AnyBitmap& picture) {
     Note(pixels.data(), pixels.size() * sizeof(uint32_t));
 }
 
-constexpr void (*operations[])(Input&, AnyBitmap&) = {
-    Records,          Pixels, Rectangles, Fills,  PaletteObjects, BitmapPalettes, Dithering,
-    ColourResolution, Gray,   Levels,     Spaces, Alpha,          Views,          Turns,
-    BufferTurns,      Shears, FedRows,    Sizes,  Underlays,      PaintTables,    Paints};
+constexpr void (*operations[])(Input&, BitmapHandle&) = {
+    Records, Pixels, Rectangles, Fills,      PaletteObjects, BitmapPalettes, Dithering,   ColourResolution,
+    Gray,    Levels, Spaces,     Alpha,      Views,          Turns,          BufferTurns, Shears,
+    FedRows, Sizes,  Underlays,  Selections, Dibs,           PaintTables,    Paints};
+
+thread_local uint64_t heard;
+
+// A digest of all that an operation notes (FNV-1a; Fowler, Noll and Vo, 1991).
+uint64_t Heard(size_t operation, Input input, BitmapHandle& picture) {
+    const auto listener = std::exchange(Listener, [](const void* bytes, size_t count) {
+        for (size_t i = 0; i < count; ++i)
+            heard = (heard ^ static_cast<const uint8_t*>(bytes)[i]) * 0x100000001B3u;
+    });
+    heard = 0xCBF29CE484222325u;
+    isCompared = true;
+    operations[operation](input, picture);
+    NotePicture(picture);
+    isCompared = false;
+    Listener = listener;
+    return heard;
+}
 
 } // namespace
 
@@ -384,6 +439,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const size_t operation = input.Byte() % std::size(operations);
     Note(static_cast<int64_t>(operation));
     AnyBitmap picture(input);
+    BitmapHandle plain;
+    FUZZ_EXPECT(Z_CopyBitmap2(&plain, &picture, MemoryConventional) == Z_SUCCESS);
+    FUZZ_EXPECT(Z_CopyGrayParams(&plain, &picture) == Z_SUCCESS);
+    const Input same = input;
+    const uint64_t before = Heard(operation, same, plain);
+    FUZZ_EXPECT(Heard(operation, input, picture) == before);
+    Z_FreeBitmap(&plain);
     operations[operation](input, picture);
     NotePicture(picture);
     return 0;

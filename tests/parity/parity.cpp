@@ -21,7 +21,6 @@ ZKR_TARGET(convert)
 ZKR_TARGET(regions)
 ZKR_TARGET(combine)
 ZKR_TARGET(warp)
-ZKR_TARGET(rotate)
 ZKR_TARGET(resize)
 ZKR_TARGET(playback)
 ZKR_TARGET(dib)
@@ -67,12 +66,11 @@ struct Family {
 };
 
 constexpr Family Families[] = {
-    {"operations", 15000, Attack_operations},
+    {"operations", 9000, Attack_operations},
     {"convert", 6000, Attack_convert},
     {"regions", 2000, Attack_regions},
     {"combine", 4000, Attack_combine},
     {"warp", 3000, Attack_warp},
-    {"rotate", 600, Attack_rotate},
     {"resize", 2000, Attack_resize},
     {"playback", 300, Attack_playback},
     {"dib", 3000, Attack_dib},

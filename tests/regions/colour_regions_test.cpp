@@ -218,38 +218,6 @@ TEST(MagicWand, LeavesALonelySeedOut) {
     EXPECT_EQ(Z_SetBitmapRgnMagicWand(nullptr, 0, 0, 0, Z_RGN_SET), code::InvalidBitmap);
 }
 
-class RegionsOfStorages : public testing::TestWithParam<Storage> {};
-
-// Rows are read wherever they lie.
-TEST_P(RegionsOfStorages, AreThoseOfMemory) {
-    for (const int32_t bits : {1, 24}) {
-        Bytes userData;
-        Bitmap bitmap(61, 17, bits);
-        Allocate(bitmap, GetParam(), userData);
-        const Bytes rows = Fill(bitmap, 5);
-        Bitmap twin;
-        ASSERT_EQ(
-            Z_CreateBitmap(&twin, MemoryConventional, 61, 17, bits, Z_ORDER_BGR, nullptr, 2, nullptr, 0), 1);
-        for (int32_t y = 0; y < 17; ++y)
-            Z_PutBitmapRow(&twin, rows.data() + size_t{bitmap.BytesPerLine} * static_cast<size_t>(y), y,
-                           bitmap.BytesPerLine);
-        for (BitmapHandle* each : {static_cast<BitmapHandle*>(&bitmap), static_cast<BitmapHandle*>(&twin)}) {
-            const RGBQUAD blackAndWhite[] = {{}, {255, 255, 255, 0}};
-            if (bits == 1) Z_CreateBitmapPalette(each, blackAndWhite, 2);
-            if (bits == 24)
-                ASSERT_EQ(Z_SetBitmapRgnColorRGBRange(each, 0x101010, 0xE0E0E0, Z_RGN_SET), 1);
-            else
-                ASSERT_EQ(Z_SetBitmapRgnColor(each, 0x01000001, Z_RGN_SET), 1);
-        }
-        EXPECT_EQ(SetOf(*RegionOf(bitmap)), SetOf(*RegionOf(twin)));
-        for (BitmapHandle* each : {static_cast<BitmapHandle*>(&bitmap), static_cast<BitmapHandle*>(&twin)})
-            ASSERT_EQ(Z_SetBitmapRgnMagicWand(each, 30, 8, 120, Z_RGN_SET), 1);
-        EXPECT_EQ(SetOf(*RegionOf(bitmap)), SetOf(*RegionOf(twin)));
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(All, RegionsOfStorages, testing::ValuesIn(AllStorages()), NameOf);
-
 TEST(Masks, GoThereAndBack) {
     for (const PictureForm& form : {PictureForm{8, 0}, {24, 1}, {1, 0}})
         for (const int32_t view : {0, 4}) {
