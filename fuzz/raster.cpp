@@ -106,10 +106,12 @@ class Attack {
         int16_t result = 0;
         const auto [width, height, bits, isUsers] = input_.Each(16, 16, 70, 4);
         const Array bytes{Array::Kind::Bytes, static_cast<int32_t>(std::size(bytes_)), bytes_, input_.Flip()};
+        const Array& given = input_.Below(4) == 0 ? Array{} : bytes; // a bitmap without pixels
         const int32_t depth = input_.Flip() ? bits : input_.Depth();
         if (isUsers == 0)
-            Told(object.CreateUserBitmap(float(width), float(height), Short(depth), bytes,
-                                         (width * depth + 31) / 32 * 4 * height, &result),
+            Told(object.CreateUserBitmap(float(width), float(height), Short(depth), given,
+                                         given.Count == 0 ? 0 : (width * depth + 31) / 32 * 4 * height,
+                                         &result),
                  result);
         else
             Told(object.CreateBitmap(float(width), float(height), Short(depth), &result), result);
