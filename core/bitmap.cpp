@@ -1,5 +1,5 @@
 // The life of a bitmap: records are initialised, created in one call, freed, pointed at a caller's data and
-// changed in height. How they get their storage is in allocate.cpp, how one record is made from another in
+// changed in height. How they get their storage is in storage_choice.cpp, how one record is made from another in
 // duplicate.cpp.
 #include "core/attachments.h"
 #include "core/dispatch.h"

@@ -277,7 +277,7 @@ inline Lanes ColourClasses(int32_t red, int32_t green, Lanes blue) {
     return above | below | ((blue > red) & 4);
 }
 
-// Ties at distance 0 are settled too late by the class rule: the first of the exact entries is to stay.
+// Ties at distance 0 are decided too late by the class rule: the first of the exact entries is to stay.
 void KeepFirstExact(const RGBQUAD* palette, const Candidates& candidates, const CubeCorner& corner,
                     uint8_t* winners) {
     for (int32_t i = candidates.Count - 1; i >= 0; --i) {

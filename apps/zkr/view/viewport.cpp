@@ -27,7 +27,7 @@ int ScaledEdge(int edge, int from, int to) {
 }
 
 // One axis: in the middle where there is room, else without a gap at either end.
-double Settled(double start, int size, int window) {
+double Placed(double start, int size, int window) {
     if (size <= window) return (window - size) / 2;
     return std::clamp(start, static_cast<double>(window - size), 0.0);
 }
@@ -65,8 +65,8 @@ double Viewport::FittingScale() const {
 
 void Viewport::Settle() {
     if (fitted_) scale_ = FittingScale();
-    left_ = Settled(left_, Scaled(picture_.width, scale_), window_.width);
-    top_ = Settled(top_, Scaled(picture_.height, scale_), window_.height);
+    left_ = Placed(left_, Scaled(picture_.width, scale_), window_.width);
+    top_ = Placed(top_, Scaled(picture_.height, scale_), window_.height);
 }
 
 void Viewport::SetWindow(const Size& window) {
