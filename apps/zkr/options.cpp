@@ -128,18 +128,17 @@ CLI::Option* AddPoint(CLI::App& verb, const std::string& name, Point& target, co
     return AddValue(verb, name, target, ParsePoint, "X,Y", PointForm, help);
 }
 
-CLI::Option* AddPoints(CLI::App& verb, const std::string& name, std::vector<Point>& target, int count,
+CLI::Option* AddPoints(CLI::App& verb, const std::string& name, std::span<Point> targets,
                        const std::string& help) {
-    const auto set = [&target, name](const std::vector<std::string>& given) {
-        target.clear();
-        for (const std::string& text : given) {
-            const std::optional<Point> point = ParsePoint(text);
-            if (!point) throw CLI::ValidationError(name, "'" + text + "' is not " + PointForm);
-            target.push_back(*point);
+    const auto set = [targets, name](const std::vector<std::string>& given) {
+        for (size_t i = 0; i < given.size(); ++i) {
+            const std::optional<Point> point = ParsePoint(given[i]);
+            if (!point) throw CLI::ValidationError(name, "'" + given[i] + "' is not " + PointForm);
+            targets[i] = *point;
         }
     };
     return verb.add_option_function<std::vector<std::string>>(name, set, help)
-        ->expected(count)
+        ->expected(static_cast<int>(targets.size()))
         ->type_name("X,Y");
 }
 

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -76,8 +77,8 @@ CLI::Option* AddAngle(CLI::App& verb, const std::string& name, int& hundredths, 
 
 CLI::Option* AddColour(CLI::App& verb, const std::string& name, uint32_t& target, const std::string& help);
 CLI::Option* AddPoint(CLI::App& verb, const std::string& name, Point& target, const std::string& help);
-// `count` points behind one option: --points 0,0 10,0 10,10 0,10.
-CLI::Option* AddPoints(CLI::App& verb, const std::string& name, std::vector<Point>& target, int count,
+// Several points behind one option, as many as there are targets: --points 0,0 10,0 10,10 0,10.
+CLI::Option* AddPoints(CLI::App& verb, const std::string& name, std::span<Point> targets,
                        const std::string& help);
 
 // --width and --height, both or none of them; `of` is whose they are.

@@ -1,5 +1,5 @@
 // The station of exchange: the photograph in several depths goes into a device-independent bitmap and back, and onto a
-// bitmap of the screen and back; a context draws on its pixels.
+// bitmap of the screen and back.
 #include "tour.h"
 
 #include "apps/zkr/compare.h"

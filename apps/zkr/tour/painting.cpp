@@ -46,7 +46,7 @@ ContactSheet::Cell DetailOf(Tour& tour, Bitmap& shown, const char* title) {
     const int width = std::min(detail.Width(), ContactSheet::CellWidth);
     const int height = std::min(detail.Height(), ContactSheet::CellWidth * 3 / 4);
     Crop(detail, {(detail.Width() - width) / 2, (detail.Height() - height) / 2, width, height});
-    return Tour::Cell(detail, title, "a detail of " + SizeOf(shown));
+    return Tour::Cell(detail, title, "detail of " + SizeOf(shown));
 }
 
 void ShowDevices(Tour& tour) {

@@ -26,7 +26,7 @@ RECT Part(const Bitmap& picture, int left, int top, int right, int bottom) {
 // A copy of the photograph on which something is selected and then shown.
 template <typename Choose, typename Show>
 void Add(Tour& tour, ContactSheet::Section& section, const std::string& step, const std::string& file,
-         const char* title, Choose choose, Show show) {
+         const std::string& title, Choose choose, Show show) {
     const StatusBar bar(step);
     Bitmap picture = Converted(tour.photo, {.bits = 24, .order = Z_ORDER_BGR}, Storage{});
     const Stopwatch watch;
@@ -50,7 +50,8 @@ void ShowColours(Tour& tour) {
     for (const int tolerance : {20, 40, 70}) {
         const std::string number = std::to_string(tolerance);
         Add(
-            tour, section, "wand, tolerance " + number, "select-wand-" + number + ".png", "Wand",
+            tour, section, "wand, tolerance " + number, "select-wand-" + number + ".png",
+            "Wand, tolerance " + number,
             [&](BitmapHandle* bitmap) {
                 Z_SetBitmapRgnMagicWand(bitmap, bitmap->Width * 7 / 10, bitmap->Height * 55 / 100,
                                         static_cast<uint32_t>(tolerance), Z_RGN_SET);

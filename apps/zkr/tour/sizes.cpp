@@ -56,7 +56,7 @@ void ShowPhotograph(Tour& tour) {
                                    enlarges ? height * 3 : std::max(height / 3, 1), method};
         Bitmap picture = Sized(tour, tour.photo, name, file, resizing);
         Bitmap detail = DetailOf(picture);
-        section.cells.push_back(Tour::Cell(detail, title, "a detail of " + SizeOf(picture)));
+        section.cells.push_back(Tour::Cell(detail, title, "detail of " + SizeOf(picture)));
     }
     tour.sheet.Add(std::move(section));
 }
@@ -73,7 +73,7 @@ void ShowPage(Tour& tour) {
         Bitmap small = Sized(tour, page, step, file, resizing);
         Bitmap shown = Converted(small, tour.photo.Format(), Storage{});
         Bitmap detail = DetailOf(shown);
-        section.cells.push_back(Tour::Cell(detail, title, "a detail of " + SizeOf(small)));
+        section.cells.push_back(Tour::Cell(detail, title, "detail of " + SizeOf(small)));
     };
     add("page at a quarter", "page-quarter.png", "Nearest", SizeMethod::Nearest);
     add("the same, strokes kept", "page-quarter-strokes.png", "Strokes kept", SizeMethod::Strokes);

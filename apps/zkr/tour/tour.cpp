@@ -4,6 +4,7 @@
 #include "apps/zkr/progress.h"
 #include "apps/zkr/write_png.h"
 
+#include <cctype>
 #include <cstdio>
 
 namespace zkr::app {
@@ -21,7 +22,8 @@ void Tour::Print(const TourStep& step) {
     wrongSteps += step.wrong ? 1 : 0;
 }
 
-ContactSheet::Cell Tour::Cell(Bitmap& bitmap, const std::string& title, const std::string& text) {
+ContactSheet::Cell Tour::Cell(Bitmap& bitmap, std::string title, const std::string& text) {
+    title[0] = static_cast<char>(std::toupper(title[0]));
     return {Thumbnail(bitmap, ContactSheet::CellWidth, ContactSheet::CellHeight), title, text};
 }
 

@@ -35,7 +35,7 @@ struct Tour {
     void PrintHead(const char* title) const;
     void Print(const TourStep& step);
     // A cell with a small copy of a bitmap of the photograph's format.
-    static ContactSheet::Cell Cell(Bitmap& bitmap, const std::string& title, const std::string& text);
+    static ContactSheet::Cell Cell(Bitmap& bitmap, std::string title, const std::string& text);
     void Write(Bitmap& bitmap, const std::string& fileName);
     // A copy of the photograph that is changed: its line, its file and its cell.
     void ShowChanged(ContactSheet::Section& section, const std::string& step, const std::string& fileName,

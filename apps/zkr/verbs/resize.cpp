@@ -24,8 +24,9 @@ void Describe(CLI::App& verb, ResizeOptions& options) {
               "new width, pixels; without it the proportions stay");
     AddNumber(verb, "--height", options.resizing.height, 1, INT_MAX, "H", "new height, likewise");
     AddWord(verb, "--method", options.resizing.method, Methods,
-            "how new pixels are found, linear by default; linear and spline take means where the picture "
-            "shrinks, strokes keeps thin black lines at 1 bit");
+            "how new pixels are found, linear by default; linear and spline\n"
+            "take means where the picture shrinks, strokes keeps thin black\n"
+            "lines at 1 bit");
 }
 
 void Run(const ResizeOptions& options) {

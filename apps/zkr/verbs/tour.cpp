@@ -55,7 +55,7 @@ void Run(const TourOptions& options) {
     std::printf("%s\n%s\n", picture.c_str(), Decibels);
 
     Tour tour = {std::move(photo), options.page, options.animation, options.out,
-                 ContactSheet("ZKR13N: one picture in every depth", picture + ". " + Decibels)};
+                 ContactSheet("ZKR13N: what becomes of one picture", picture + ". " + Decibels)};
     for (const Station* station : Stations) {
         tour.PrintHead(station->title);
         station->run(tour);
@@ -70,6 +70,6 @@ void Run(const TourOptions& options) {
 } // namespace
 
 constexpr Verb TourVerb = VerbOf<TourOptions, Describe, Run>(
-    "tour", "Take a picture through every storage class and depth", "tour photo.png --out pictures");
+    "tour", "Take a picture through all that the library does", "tour photo.png --out pictures");
 
 } // namespace zkr::app

@@ -39,21 +39,24 @@ std::optional<std::vector<Command>> ParseCommands(const std::string& text) {
 std::string WordsOfCommands() {
     std::string list;
     for (const CommandEntry& entry : Commands())
-        list += (list.empty() ? "" : ", ") + std::string(entry.word);
+        list += (list.empty()                          ? "\n"
+                 : list.size() - list.rfind('\n') > 55 ? ",\n"
+                                                       : ", ") +
+                std::string(entry.word);
     return list;
 }
 
 void Describe(CLI::App& verb, ViewOptions& options) {
     verb.add_option("PICTURE", options.pictures, "the pictures or animations (GIF)")
         ->required()
-        ->type_name("FILE ...");
+        ->type_name("FILE");
     AddWord(verb, "--display", options.display, Displays, "bits of the display that is shown (default: 32)");
     verb.add_option("--screenshot", options.screenshot,
                     "write what the window would show to a PNG file, without a window")
         ->type_name("FILE");
     AddValue(verb, "--do", options.commands, ParseCommands, "WORD,...",
              "a list of commands with commas between them (see zkr view --help)",
-             "what is done before the first look, any of " + WordsOfCommands());
+             "what is done before the first look, any of" + WordsOfCommands());
     AddNumber(verb, "--width", options.width, 1, 16384, "W", "of the window in pixels (default: 1000)");
     AddNumber(verb, "--height", options.height, 1, 16384, "H", "likewise (default: 700)");
 }

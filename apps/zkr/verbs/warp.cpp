@@ -22,20 +22,10 @@ void Describe(CLI::App& verb, WarpOptions& options) {
     AddInput(verb, "IN", options.input, "the picture that is drawn");
     AddInput(verb, "SCENE", options.scene, "the picture that it is drawn into");
     AddOutput(verb, options.output);
-    const auto set = [&options](const std::vector<std::string>& given) {
-        for (size_t i = 0; i < given.size(); ++i) {
-            const std::optional<Point> point = ParsePoint(given[i]);
-            if (!point) throw CLI::ValidationError("--points", "'" + given[i] + "' is not a point X,Y");
-            options.warping.points[i] = *point;
-        }
-    };
-    verb.add_option_function<std::vector<std::string>>(
-            "--points", set,
-            "where the corners go, in pixels of the scene, clockwise from the\n"
-            "top left one; must be given")
-        ->expected(4)
-        ->required()
-        ->type_name("X,Y X,Y X,Y X,Y");
+    AddPoints(verb, "--points", options.warping.points,
+              "where the corners go, in pixels of the scene, clockwise from the\n"
+              "top left one; must be given")
+        ->required();
     AddWord(verb, "--method", options.isNearest, Methods, "how pixels are found, linear by default");
 }
 
