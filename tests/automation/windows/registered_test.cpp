@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -109,10 +108,26 @@ std::string Contents(const std::filesystem::path& file) {
 
 // What a program prints, and behind it how it ended. It goes through a file of its own: what the program starts may
 // outlive it and keep that open.
-std::string Output(const std::string& command) {
+std::string Output(std::string command) {
     static int number = 0;
     const std::string file = "registered_test_" + std::to_string(number++) + ".out";
-    const int status = std::system((command + " >" + file + " 2>&1").c_str());
+    SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
+    const HANDLE out = CreateFileA(file.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                   &inherited, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    STARTUPINFOA start = {};
+    start.cb = sizeof start;
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdOutput = start.hStdError = out;
+    PROCESS_INFORMATION process = {};
+    DWORD status = 0;
+    if (CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start,
+                       &process) == 0)
+        return command + " does not start, error " + std::to_string(GetLastError());
+    WaitForSingleObject(process.hProcess, INFINITE);
+    GetExitCodeProcess(process.hProcess, &status);
+    CloseHandle(process.hProcess);
+    CloseHandle(process.hThread);
+    CloseHandle(out);
     std::string text = Contents(file);
     std::remove(file.c_str());
     std::erase(text, '\r');
