@@ -111,7 +111,7 @@ void AddSelection(CLI::App& verb, Selection& selection) {
                                  0};
             return Z_SetBitmapRgnCurve(bitmap, nullptr, &curve, mode);
         });
-    add("--colour", ParseColour, "RRGGBB", "a colour of six hexadecimal digits",
+    add("--color", ParseColour, "RRGGBB", "a colour of six hexadecimal digits",
         "select the pixels of one colour", [](BitmapHandle* bitmap, uint32_t colour, uint32_t mode, int) {
             return Z_SetBitmapRgnColor(bitmap, colour, mode);
         });

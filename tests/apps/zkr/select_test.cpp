@@ -51,7 +51,7 @@ TEST_F(SelectTest, ModesCombineWhatStandsBefore) {
         {"minus", [](bool a, bool b) { return a && !b; }}, {"beyond", [](bool a, bool b) { return b && !a; }},
         {"not", [](bool, bool b) { return !b; }}};
     for (const auto& [mode, combined] : modes) {
-        const Picture mask = Made({"--colour", "646566", "--rect", "4,3,10,9", "--mode", mode});
+        const Picture mask = Made({"--color", "646566", "--rect", "4,3,10,9", "--mode", mode});
         Expect(
             mask, 1, [&, of = combined](int x, int y) { return of(InSquare(x, y), InRectangle(x, y)); },
             mode);
