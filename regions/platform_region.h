@@ -18,6 +18,8 @@ class OwnedPlatformRegion {
 
     HRGN get() const { return region_; }
     explicit operator bool() const { return region_ != nullptr; }
+    // In the place of none.
+    void Take(HRGN region) { region_ = region; }
     HRGN Release() {
         const HRGN region = region_;
         region_ = nullptr;

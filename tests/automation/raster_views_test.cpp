@@ -117,6 +117,10 @@ TEST_F(RasterTest, RegionsMoveAsTheyAreSeen) {
         raster.ExpectRegion("moves out and in", [&](int x, int y) { return x >= 3 && grown(x, y); });
         EXPECT_EQ(raster.object.OffsetRgn(1e9f, -1e9f, nullptr), 0);
         raster.ExpectRegion("a move away", [](int, int) { return false; });
+        // What is much larger than the picture is no work.
+        EXPECT_EQ(raster.object.SetRgnRect(-1e9f, -1e9f, 2e9f, 2e9f, Z_RGN_SET, nullptr), 0);
+        EXPECT_EQ(raster.object.SetRgnRoundRect(-6e7f, -6e7f, 1.2e8f, 1.2e8f, 9, 9, Z_RGN_AND, nullptr), 0);
+        EXPECT_EQ(raster.Get(&RasterObject::GetRgnArea), Columns * Rows);
     }
 }
 
