@@ -4,6 +4,7 @@
 #include "failure.h"
 
 #include "zkr13n/lists.h"
+#include "zkr13n/rows.h"
 #include "zkr13n/storage.h"
 
 #include <gif_lib.h>
@@ -59,9 +60,14 @@ BitmapHandle MakeFrame(const std::string& path, const GifFileType& gif, int inde
     Check(Z_CreateBitmap(&frame, MemoryConventional, place.Width, place.Height, 8, Z_ORDER_RGB,
                          palette.data(), VIEW_TOP_LEFT, nullptr, 0),
           path);
-    for (int32_t y = 0; y < frame.Height; ++y)
-        std::copy_n(image.RasterBits + static_cast<ptrdiff_t>(y) * place.Width, place.Width,
-                    static_cast<uint8_t*>(frame.Addr) + static_cast<size_t>(y) * frame.BytesPerLine);
+    for (int32_t y = 0; y < frame.Height; ++y) {
+        const uint8_t* row = image.RasterBits + static_cast<ptrdiff_t>(y) * place.Width;
+        if (const ReturnCode put = Z_PutBitmapRow(&frame, row, y, static_cast<uint32_t>(place.Width));
+            put < 0) {
+            Z_FreeBitmap(&frame);
+            Check(put, path);
+        }
+    }
     frame.PlaybackLeft = place.Left;
     frame.PlaybackTop = place.Top;
     GraphicsControlBlock control = {};

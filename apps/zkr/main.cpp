@@ -12,9 +12,11 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <fcntl.h>
 #include <new>
 #include <optional>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace zkr::app {
@@ -101,7 +103,8 @@ int Run(int argc, char** argv) {
         if (argc == 3 && std::string(argv[1]) == "--print") {
             const std::optional<std::string> page = PageOf(argv[2], app);
             if (!page) throw UsageFailure(std::string(argv[2]) + ": no page of zkr: man, bash, zsh, fish");
-            return std::fputs(page->c_str(), stdout) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
+            std::fputs(page->c_str(), stdout);
+            return 0;
         }
         app.parse(argc, argv);
         return 0;
@@ -116,17 +119,33 @@ int Run(int argc, char** argv) {
     return 1;
 }
 
+// The numbers of standard streams that are closed would go to pictures, and what is printed into these. Such streams
+// come to take nothing and give nothing.
+void HoldStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) (void)open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
+int AfterPrinting(int status) {
+    const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (isWritten || status != 0) return status;
+    std::fputs("zkr: what is printed cannot be written\n", stderr);
+    return 1;
+}
+
 } // namespace
 
 } // namespace zkr::app
 
 int main(int argc, char** argv) {
     // A reader that goes away and a limit on file sizes become errors of the write that meets them.
+    zkr::app::HoldStandardStreams();
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     zkr::app::StatusBar::WatchInterrupts();
     try {
-        return zkr::app::Run(argc, argv);
+        return zkr::app::AfterPrinting(zkr::app::Run(argc, argv));
     } catch (const std::bad_alloc&) {
         std::fprintf(stderr, "zkr: %s\n", Z_GetErrorText(Z_ERROR_MEMORY));
     } catch (const std::exception& error) {

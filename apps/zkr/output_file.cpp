@@ -1,6 +1,7 @@
 // A file without a name is linked into its folder when it is whole. A link cannot replace an older file, so that it then
 // takes a temporary name, which is renamed at once; no signal comes between. Where the file system has no files without a
 // name, the temporary name is there from the beginning. It holds the process number, so that two programs never share one.
+// Devices and pipes are written as they are: nothing is put in their place.
 #include "output_file.h"
 
 #include "failure.h"
@@ -28,6 +29,11 @@ std::string BesideOf(const std::string& path) {
     return path + "." + std::to_string(getpid()) + ".part";
 }
 
+bool IsDeviceOrPipe(const std::string& path) {
+    struct stat status = {};
+    return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
+}
+
 class SignalsHeld {
   public:
     SignalsHeld() {
@@ -51,8 +57,9 @@ int OpenNameless(const std::string& folder) {
 
 } // namespace
 
-OutputFile::OutputFile(const std::string& path) : path_(path) {
-    int file = OpenNameless(FolderOf(path));
+OutputFile::OutputFile(const std::string& path) : path_(path), isDirect_(IsDeviceOrPipe(path)) {
+    int file = isDirect_ ? open(path.c_str(), O_WRONLY | O_CLOEXEC) : OpenNameless(FolderOf(path));
+    if (file < 0 && isDirect_) Fail();
     if (file < 0) {
         temporary_ = BesideOf(path);
         file = open(temporary_.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, Mode);
@@ -76,7 +83,7 @@ void OutputFile::Fail() const {
 void OutputFile::Commit() {
     if (std::fflush(file_.get()) != 0 || std::ferror(file_.get()) != 0) Fail();
     const SignalsHeld held;
-    if (temporary_.empty()) {
+    if (temporary_.empty() && !isDirect_) {
         const std::string nameless = "/proc/self/fd/" + std::to_string(fileno(file_.get()));
         const auto link = [&](const std::string& name) {
             return linkat(AT_FDCWD, nameless.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
@@ -87,7 +94,7 @@ void OutputFile::Commit() {
         }
     }
     if (std::fclose(file_.release()) != 0) {
-        if (temporary_.empty()) unlink(path_.c_str());
+        if (temporary_.empty() && !isDirect_) unlink(path_.c_str());
         Fail();
     }
     if (!temporary_.empty() && std::rename(temporary_.c_str(), path_.c_str()) != 0) Fail();

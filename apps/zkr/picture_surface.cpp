@@ -7,7 +7,10 @@
 namespace zkr::app {
 
 PictureSurface::PictureSurface(Bitmap& picture) {
+    constexpr uint32_t elsewhere = Z_FLAG_DISK | Z_FLAG_TILED | Z_FLAG_COMPRESSED | Z_FLAG_SUPER_COMPRESSED;
     const BitmapHandle& bitmap = *picture.Handle();
+    // A bitmap that is too large for memory has gone to tiles or a file.
+    if ((bitmap.Flags & elsewhere) != 0) throw Failure(picture.Name(), MessageOf(Z_ERROR_MEMORY));
     const PixelFormat& format = picture.Format();
     const SurfaceDescription description = {.StructSize = sizeof description,
                                             .Width = bitmap.Width,

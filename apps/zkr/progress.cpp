@@ -25,9 +25,13 @@ void OnInterrupt(int) {
 } // namespace
 
 void StatusBar::WatchInterrupts() {
-    // What was ignored for this program, as nohup does, stays so.
+    // Not restarted: a pipe that gives nothing is not waited for any longer.
+    struct sigaction stop = {}, before = {};
+    stop.sa_handler = OnInterrupt;
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        if (std::signal(signal, SIG_IGN) != SIG_IGN) std::signal(signal, OnInterrupt);
+        // What was ignored for this program, as nohup does, stays so.
+        if (sigaction(signal, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
+            sigaction(signal, &stop, nullptr);
     }
 }
 

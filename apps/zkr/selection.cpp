@@ -12,6 +12,8 @@
 #include "zkr13n/region_shapes.h"
 #include "zkr13n/rows.h"
 
+#include <algorithm>
+#include <climits>
 #include <sstream>
 #include <utility>
 
@@ -47,7 +49,10 @@ std::optional<ColourRange> ParseRange(const std::string& text) {
 }
 
 RECT RectOf(const Rectangle& area) {
-    return {area.left, area.top, area.left + area.width, area.top + area.height};
+    const auto end = [](int start, int length) {
+        return static_cast<int>(std::min<int64_t>(int64_t{start} + length, INT_MAX));
+    };
+    return {area.left, area.top, end(area.left, area.width), end(area.top, area.height)};
 }
 
 // An option whose value selects by a call of the library.

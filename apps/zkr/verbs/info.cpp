@@ -2,6 +2,7 @@
 #include "apps/zkr/failure.h"
 #include "apps/zkr/options.h"
 #include "apps/zkr/picture_reader.h"
+#include "apps/zkr/progress.h"
 #include "apps/zkr/selection.h"
 #include "apps/zkr/verb.h"
 
@@ -39,8 +40,13 @@ void Run(const InfoOptions& options) {
     if (format.IsIndexed()) std::printf("  palette  %d colours\n", info.colours);
     std::printf("  bitmap   %" PRIu32 " bytes a row, %zu bytes\n", plan.BytesPerLine, plan.Size);
     if (options.selection.steps.empty()) return;
-    Bitmap picture = ReadUpright(*reader, options.picture, Storage{});
-    Select(picture, options.selection);
+    const auto select = [&] {
+        const StatusBar bar("selecting ");
+        Bitmap read = ReadUpright(*reader, options.picture, Storage{});
+        Select(read, options.selection);
+        return read;
+    };
+    Bitmap picture = select();
     const Rectangle bounds = BoundsOfSelection(picture);
     std::printf("  selected %" PRIu32 " pixels within %d,%d,%d,%d\n", AreaOfSelection(picture), bounds.left,
                 bounds.top, bounds.width, bounds.height);

@@ -4,7 +4,12 @@
 #include "run_program.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
 #include <zlib.h>
 
 namespace {
@@ -141,6 +146,7 @@ TEST_F(BadInputTest, WishesThatCannotBeMet) {
         {"colors --colors 5 --palette fixed", "--colors: ", "optimized"},
         {"gray --bits 10", "--bits: ", "8|12|16"},
         {"window --low 9 --high 8", "good.png: ", "0 to 65535"},
+        {"paint --width 300000 --height 300000", "good.png: ", ""},
         {"alpha --set missing.png", "missing.png: ", "No such file"},
         {"alpha --set small.png", "small.png: ", "64 x 48"},
         {"gray more.png", "'more.png' ", "too many"},
@@ -162,6 +168,45 @@ TEST_F(BadInputTest, PlacesThatTakeNoOutput) {
     FailsOnOutput("folder.png", "directory");
     FailsOnOutput("out.jpg", ".png");
     Refuses({"tour", Path("good.png"), "--out", Path("good.png")}, Path("good.png") + ": ", "");
+}
+
+TEST_F(BadInputTest, WhatIsPrintedAndCannotBeWritten) {
+    const std::string cause = "what is printed cannot be written";
+    for (const char* place : {"/dev/full", ""}) {
+        Refuses({"info", Path("good.png")}, "", cause, {.printsTo = place});
+        Refuses({"--help"}, "", cause, {.printsTo = place});
+        // The file of the bitmap does not become standard output.
+        EXPECT_EQ(
+            RunZkr({"flip", Path("good.png"), Path("out.png"), "--storage", "disk"}, {.printsTo = place})
+                .status,
+            0);
+    }
+}
+
+TEST_F(BadInputTest, APipeIsWrittenAndReadAndNotReplaced) {
+    ASSERT_EQ(mkfifo(Path("pipe.png").c_str(), 0600), 0);
+    std::string got;
+    std::thread reader([&] { got = ReadText("pipe.png"); });
+    Succeeds({"convert", Path("good.png"), Path("pipe.png"), "--bits", "24"});
+    EXPECT_TRUE(std::filesystem::is_fifo(Path("pipe.png")));
+    reader.join();
+    WriteText("again.png", got);
+    EXPECT_EQ(ReadPng(Path("again.png")).width, 64);
+
+    // Nobody writes to it: an interrupt ends the wait.
+    const pid_t child = fork();
+    if (child == 0) {
+        const int quiet = open("/dev/null", O_WRONLY);
+        dup2(quiet, STDERR_FILENO);
+        execl(ZKR_PROGRAM, "zkr", "info", Path("pipe.png").c_str(), nullptr);
+        _exit(127);
+    }
+    int status = 0;
+    while (waitpid(child, &status, WNOHANG) == 0) {
+        kill(child, SIGTERM);
+        usleep(20000);
+    }
+    EXPECT_TRUE(WIFSIGNALED(status) || WEXITSTATUS(status) == 1) << status;
 }
 
 TEST_F(BadInputTest, ADiskThatIsFull) {

@@ -39,6 +39,10 @@ std::string ContentOf(const std::string& path) {
     words.push_back(nullptr);
     dup2(out, STDOUT_FILENO);
     dup2(err, STDERR_FILENO);
+    if (limits.printsTo != nullptr) {
+        close(STDOUT_FILENO);
+        if (*limits.printsTo != 0 && open(limits.printsTo, O_WRONLY) != STDOUT_FILENO) _exit(126);
+    }
     execv(ZKR_PROGRAM, words.data());
     _exit(127);
 }

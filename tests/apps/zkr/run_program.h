@@ -17,9 +17,10 @@ struct Outcome {
 };
 
 struct RunLimits {
-    long fileBytes = -1;   // the largest file that the program may write
-    long memoryBytes = -1; // that it may take up
-    int signalWriting = 0; // sent as soon as the program has begun to write a file
+    long fileBytes = -1;            // the largest file that the program may write
+    long memoryBytes = -1;          // that it may take up
+    int signalWriting = 0;          // sent as soon as the program has begun to write a file
+    const char* printsTo = nullptr; // the file that standard output is; "" where it is closed
 };
 
 // A test with an empty folder, which is gone afterwards.
