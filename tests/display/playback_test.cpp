@@ -181,15 +181,16 @@ TEST(Playback, PassesFramesOverThatCannotBeDrawn) {
             Z_CreateBitmap(&target, MemoryConventional, 20, 30, 24, Z_ORDER_BGR, nullptr, view, nullptr, 0),
             1);
         Player player(&target);
-        BitmapHandle bare, far;
+        BitmapHandle bare, distant;
         ASSERT_EQ(Z_InitBitmap(&bare, 5, 4, 24), 1); // without storage
         bare.ViewPerspective = VIEW_TOP_LEFT;
         bare.PlaybackLeft = 3, bare.PlaybackTop = 2;
-        ASSERT_EQ(Z_CreateBitmap(&far, MemoryConventional, 5, 4, 24, Z_ORDER_BGR, nullptr, 0, nullptr, 0), 1);
-        far.PlaybackLeft = INT32_MAX - 2, far.PlaybackTop = INT32_MIN + 2;
-        bare.DisposalMethod = far.DisposalMethod = PLAYBACK_DISPOSE_PREVIOUS;
+        ASSERT_EQ(Z_CreateBitmap(&distant, MemoryConventional, 5, 4, 24, Z_ORDER_BGR, nullptr, 0, nullptr, 0),
+                  1);
+        distant.PlaybackLeft = INT32_MAX - 2, distant.PlaybackTop = INT32_MIN + 2;
+        bare.DisposalMethod = distant.DisposalMethod = PLAYBACK_DISPOSE_PREVIOUS;
         player.Add(bare);
-        player.Add(far);
+        player.Add(distant);
         player.Step();
         const Picture before = player.Shown();
         RECT changed = {3, 2, 8, 6};
