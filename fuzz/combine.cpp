@@ -7,11 +7,11 @@ using namespace fuzz;
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
     const int32_t bits = input.Depth(), order = input.Order(bits);
-    AnyBitmap target(input, {120, 120, MemoryUser, bits, order}),
-        source(input, {120, 120, MemoryUser, bits, order});
+    AnyBitmap target(input, {300, 60, MemoryUser, bits, order}),
+        source(input, {300, 60, MemoryUser, bits, order});
     for (AnyBitmap* each : {&target, &source}) {
-        const auto [left, top, right, bottom, has] = input.Each(60, 60, 60, 60, 2);
-        const RECT part = {left, top, 60 + right, 60 + bottom};
+        const auto [left, top, right, bottom, has] = input.Each(60, 30, 240, 30, 2);
+        const RECT part = {left, top, 60 + right, 30 + bottom};
         if (has != 0) Z_SetBitmapRgnRect(each, nullptr, &part, Z_RGN_SET);
     }
     const Exact before(target.Data());
@@ -22,9 +22,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         NotePixels(target);
         return 0;
     }
-    RECT area = {input.Near(140, -20), input.Near(140, -20), 0, 0};
-    const int32_t width = input.Near(140, -5), height = input.Near(140, -5);
-    const POINT from = {input.Near(140, -20), input.Near(140, -20)};
+    RECT area = {input.Near(60, -20), input.Near(60, -20), 0, 0};
+    const int32_t width = input.Near(300, -5), height = input.Near(60, -5);
+    POINT from = {input.Near(60, -20), input.Near(60, -20)};
+    if (input.Flip()) { // as whole bytes of packed pixels are combined
+        area.left &= ~7, from.x &= ~7;
+        target.ViewPerspective = source.ViewPerspective = 0;
+    }
     const uint32_t flags = input.Word() & (input.Flip() ? 0x3B33u : 0xFFFFu);
     const ReturnCode result =
         Z_CombineBitmap(&target, area.left, area.top, width, height, other, from.x, from.y, flags);

@@ -29,7 +29,7 @@ int32_t RowOf(Input& input, const BitmapHandle& bitmap) {
 
 // Rows in reasonable number, columns anywhere.
 RECT Rect(Input& input, const BitmapHandle& bitmap) {
-    RECT rect = {input.Near(90, -9), RowOf(input, bitmap), input.Near(100, -9), 0};
+    RECT rect = {input.Near(190, -9), RowOf(input, bitmap), input.Near(200, -9), 0};
     rect.bottom = static_cast<int32_t>(std::min<int64_t>(int64_t{rect.top} + input.Below(60) - 5, INT32_MAX));
     return rect;
 }
@@ -154,7 +154,7 @@ void Step(Input& input, BitmapHandle& bitmap) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     Input input(data, size);
-    AnyBitmap bitmap(input, {90, 30, input.Flip() ? +MemoryConventional : +MemoryTiled});
+    AnyBitmap bitmap(input, {200, 30, input.Flip() ? +MemoryConventional : +MemoryTiled});
     if (input.Byte() < 60) bitmap.Flags |= Z_FLAG_REGION_UNCLIPPED;
     bitmap.LowBit = input.Near(16);
     bitmap.HighBit = input.Near(16);
