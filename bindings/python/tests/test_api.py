@@ -9,6 +9,7 @@ from pathlib import Path
 
 from zkr13n import _constants, _records, lib
 from zkr13n._functions import FUNCTIONS, PLATFORMS
+from zkr13n._numbers import CHECKED
 
 TOP = Path(__file__).resolve().parents[3]
 RECORDS = [kind for kind in vars(_records).values()
@@ -27,7 +28,7 @@ def test_every_exported_function_is_declared_and_there():
     assert PLATFORMS == {words[0]: words[1] for words in listed if len(words) == 2}
     for name in FUNCTIONS:
         if PLATFORMS.get(name) != "windows":
-            assert getattr(lib, name).argtypes == list(FUNCTIONS[name][1:])
+            assert getattr(lib, name).argtypes == [CHECKED.get(kind, kind) for kind in FUNCTIONS[name][1:]]
 
 
 SHAPES = """

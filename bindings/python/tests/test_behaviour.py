@@ -1,5 +1,7 @@
 """What goes wrong, and what threads and progress callables do to each other: exceptions, stops, guards, leaks."""
 
+import contextlib
+import ctypes
 import gc
 import pickle
 import threading
@@ -251,3 +253,42 @@ def test_bitmaps_go_without_being_closed():
 def test_version():
     assert zkr13n.version() == (13, 0) and zkr13n.__version__.startswith("13.")
     assert noise(8).any()
+
+
+def test_numbers_that_do_not_fit_are_refused():
+    far = (1 << 32) + 3
+    bitmap, region = Bitmap(5, 4), Region.rectangle((0, 0, 3, 3))
+    for work in (lambda: Bitmap(far, 1), lambda: bitmap.resize(far), lambda: bitmap.crop((far, 0, far + 2, 2)),
+                 lambda: bitmap.rotate(far / 100), lambda: region.moved(far, 0), lambda: region.to_bitmap(far, 3),
+                 lambda: Region([(far, 0, 5)]), lambda: Region.ellipse((far, 0, far + 2, 9)),
+                 lambda: Region.polygon([(0, 0), (far, 0), (5, 5)]), lambda: setattr(bitmap, "position", (1, far)),
+                 lambda: setattr(bitmap, "resolution", far), lambda: bitmap.paint(Bitmap(5, 4), to=(0, 0, far, 4))):
+        with pytest.raises((OverflowError, ctypes.ArgumentError)):
+            work()
+    assert bitmap.size == (5, 4) and bitmap.position == (0, 0)
+
+
+def test_a_playback_ends_though_its_canvas_is_closed():
+    playback = Playback([Bitmap(8, 8)])
+    playback.canvas.close()
+    with pytest.raises(ValueError):
+        next(playback)
+    playback.close()
+
+
+def test_arrays_and_slices_bear_a_thread_that_changes_the_form():
+    bitmap, until = Bitmap(200, 200, 1), time.monotonic() + 0.5
+
+    def change():
+        while time.monotonic() < until:
+            for width, bits in ((20, 1), (200, 64), (200, 1)):
+                with contextlib.suppress(BusyError, BufferError):
+                    bitmap.resize(width, 200).convert(bits)
+
+    thread = threading.Thread(target=change)
+    thread.start()
+    while time.monotonic() < until:
+        with contextlib.suppress(BusyError, ValueError):
+            bitmap.to_array()
+            bitmap[0:200, 0:20] = 1
+    thread.join()

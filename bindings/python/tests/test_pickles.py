@@ -7,7 +7,7 @@ import numpy
 import pytest
 from support import DEPTHS, colourful, noise, noisy
 
-from zkr13n import Bitmap, BitmapList, Disposal, Dither, Order, Palette, Region, Storage, View
+from zkr13n import Bitmap, BitmapList, Disposal, Dither, Error, Order, Palette, Region, Storage, View
 from zkr13n._strips import compress, expand
 
 PLACES = [(bits, storage) for bits in DEPTHS for storage in (Storage.MEMORY, Storage.DISK)] + [
@@ -84,3 +84,20 @@ def test_copies_and_small_things():
     bitmap.close()
     with pytest.raises(ValueError, match="closed"):
         pickle.dumps(bitmap)
+
+
+def test_damaged_states_raise_or_give_a_sound_bitmap():
+    def state_of(bitmap):
+        restored, (kind, state) = bitmap.__reduce_ex__(2)
+        return lambda: restored(kind, state), state
+
+    restore, state = state_of(Bitmap(20, 10, 8))
+    state["flags"] = 0xFFFFFFFF  # also those that tell where pixels lie
+    assert restore().storage == Storage.MEMORY
+    state["fields"]["LowBit"] = 1 << 40
+    with pytest.raises(OverflowError):
+        restore()
+    restore, state = state_of(Bitmap(64, 64, 24))
+    state["strips"] = state["strips"][:-1]
+    with pytest.raises(Error):
+        restore()

@@ -204,3 +204,10 @@ def test_without_numpy_and_pillow():
             "bitmap = Bitmap.from_array(memoryview(bytes(12)).cast('B', (3, 4)), bits=2)\n"
             "assert bitmap.row(0) == bytes(1)\n")
     subprocess.run([sys.executable, "-c", code], check=True)
+
+
+def test_a_part_of_a_view_is_not_taken_for_the_whole():
+    wide = numpy.arange(120, dtype=numpy.uint8).reshape(10, 12)[:, :11]
+    assert Bitmap.from_array(wide, copy=False).row(3) == bytes(wide[3])
+    with pytest.raises(ValueError):
+        Bitmap.from_array(memoryview(wide)[3:], copy=False)

@@ -9,7 +9,7 @@ from typing import TYPE_CHECKING, Any, Dict, Optional, Tuple, Type, TypeVar
 
 from . import _constants as c
 from ._base import BitmapBase, Self
-from ._errors import check
+from ._errors import BusyError, check
 from ._library import lib
 from ._pixels import PixelAccess, get_row, packed_bytes
 from .enums import Order, Storage, View
@@ -82,9 +82,12 @@ class ArrayAccess(PixelAccess):
     def _plain(self, bits: int, order: Order) -> ArrayAccess:
         """A bitmap of 8 or 16 bits with the values of one whose pixels are packed."""
         wide = 16 if bits == 12 else 8
-        plain = ArrayAccess(self.width, self.height, wide, order=Order.GRAY)
-        target, record = plain._handle, self._take()
+        record = self._take()
         try:
+            if record.handle.BitsPerPixel != bits:
+                raise BusyError("another thread has changed the bitmap meanwhile")
+            plain = ArrayAccess(record.handle.Width, record.handle.Height, wide, order=Order.GRAY)
+            target = plain._handle
             row = ctypes.c_ubyte * max(target.BytesPerLine, record.handle.BytesPerLine)
             for y in range(target.Height):
                 place = row.from_address(target.Addr + y * target.BytesPerLine)
@@ -179,7 +182,7 @@ def _first_byte(view: memoryview) -> Any:
     if view.c_contiguous:
         return ctypes.c_ubyte.from_buffer(view.cast("B"))
     interface = getattr(view.obj, "__array_interface__", None)
-    if interface is None:
+    if interface is None or interface["shape"] != view.shape:  # a part of it has another first byte
         raise ValueError("without a copy the buffer has to be contiguous, or an array of NumPy")
     start = ctypes.c_ubyte.from_address(interface["data"][0])
     start.owner = view  # type: ignore[attr-defined]

@@ -16,6 +16,7 @@ from typing import Any, List, Optional, Tuple, Type, TypeVar
 from . import _constants as c
 from ._errors import SUCCESS, BusyError, check, failure
 from ._library import lib
+from ._numbers import assign
 from ._progress import Progress, run
 from ._records import BitmapHandle
 from ._system import delete_object
@@ -210,8 +211,16 @@ class BitmapBase:
         """Sets fields of the record."""
         record = self._take()
         try:
-            for name, value in fields.items():
-                setattr(record.handle, name, value)
+            assign(record.handle, **fields)
+        finally:
+            self._lock.release()
+
+    def _set_flag(self, flag: int, on: bool, **fields: int) -> None:
+        """Sets or clears a flag of the record, and sets fields."""
+        record = self._take()
+        try:
+            flags = record.handle.Flags
+            assign(record.handle, Flags=flags | flag if on else flags & ~flag, **fields)
         finally:
             self._lock.release()
 

@@ -179,8 +179,7 @@ class ColourWork(BitmapBase):
 
     @signed.setter
     def signed(self, signed: bool) -> None:
-        flags = self._handle.Flags & ~c.Z_FLAG_SIGNED
-        self._set(Flags=flags | c.Z_FLAG_SIGNED if signed else flags)
+        self._set_flag(c.Z_FLAG_SIGNED, signed)
 
     # ---- Colours
 

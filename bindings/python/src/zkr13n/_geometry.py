@@ -10,7 +10,8 @@ from ._base import BitmapBase, Guard
 from ._errors import SUCCESS, failure
 from ._library import lib
 from ._progress import Progress, run
-from ._records import POINT, RECT, WarpPoints
+from ._numbers import point, rectangle
+from ._records import RECT, WarpPoints
 from ._system import finish_drawing
 from .colours import BLACK, ColourLike, value_of
 from .enums import Combine, Operand, Resize, Rotate, View
@@ -24,8 +25,8 @@ def hundredths(degrees: float) -> int:
     return round(degrees * 100)
 
 
-def rectangle(box: Optional[Box]) -> Optional[RECT]:
-    return None if box is None else RECT(*box)
+def optional_rectangle(box: Optional[Box]) -> Optional[RECT]:
+    return None if box is None else rectangle(*box)
 
 
 G = TypeVar("G", bound="Geometry")
@@ -134,7 +135,7 @@ class Geometry(BitmapBase):
         if len(corners) != 4:
             raise ValueError("a quadrilateral has four corners")
         left, top, right, bottom = box if box is not None else (0, 0, *source.size)
-        points = WarpPoints(*(POINT(*corner) for corner in corners))
+        points = WarpPoints(*(point(*corner) for corner in corners))
         flags = c.WARP_REQUIRED | (c.WARP_BILINEAR if smooth else 0)
         self._with(source, lib.Z_CombineBitmapWarp, (points,), (left, top, right - left, bottom - top, flags), progress)
         return self
@@ -197,7 +198,8 @@ class Geometry(BitmapBase):
 
         def on(context: int) -> int:
             assert self._record is not None
-            arguments = (context, self._record.reference, rectangle(source), None, rectangle(to), rectangle(clip), operation)
+            arguments = (context, self._record.reference, optional_rectangle(source), None, optional_rectangle(to),
+                         optional_rectangle(clip), operation)
             return int(run(function, arguments, progress))
 
         if isinstance(target, BitmapBase):

@@ -17,6 +17,7 @@ from pathlib import Path
 from typing import Any, Iterator, List, Optional, Tuple
 
 from ._functions import FUNCTIONS
+from ._numbers import CHECKED
 from ._records import VersionRecord
 
 MAJOR = 13
@@ -78,7 +79,7 @@ class Library:
         if types is None:
             raise AttributeError(f"the library ZKR13N has no function {name}")
         function = getattr(self._library, name)
-        function.restype, function.argtypes = types[0], list(types[1:])
+        function.restype, function.argtypes = types[0], [CHECKED.get(kind, kind) for kind in types[1:]]
         setattr(self, name, function)
         return function
 

@@ -4,12 +4,13 @@ neither the region nor the view plays a part."""
 from __future__ import annotations
 
 import ctypes
+from itertools import repeat
 from operator import index
 from struct import Struct
 from typing import Any, Iterator, Optional, Tuple, Type, TypeVar, Union
 
 from . import _constants as c
-from ._base import BitmapBase, Record
+from ._base import BitmapBase, Guard, Record
 from ._errors import check, failure
 from ._library import lib
 from ._progress import Progress, run
@@ -208,18 +209,24 @@ class PixelAccess(BitmapBase):
         if isinstance(item, tuple) and _is_pixel(item):
             self._put_pixel(item, value)
             return
-        top, bottom, left, right = self._box(item)
+        source: Optional[PixelAccess] = None
         if isinstance(value, PixelAccess):
-            if value.size != (right - left, bottom - top) or (value.bits, value.order) != (self.bits, self.order):
-                raise ValueError(f"{value!r} does not fit into {right - left}x{bottom - top} pixels of {self!r}")
-            # Its own pixels may be what is overwritten.
-            source = value.copy() if value is self else value
-            rows = source.rows()
-        else:
-            one = repeated(value, self.bits, right - left)
-            rows = (one for _ in range(top, bottom))
-        for y, content in zip(range(top, bottom), rows):
-            self._call(lib.Z_PutBitmapRowSegments, content, y, left, Two(0, right - left), 2, 0)
+            source = value.copy() if value is self else value  # its own pixels may be what is overwritten
+        function = lib.Z_PutBitmapRowSegments
+        # One guard from the first look at the form to the last row.
+        with Guard(self, *([] if source is None else [source])):
+            assert self._record is not None
+            top, bottom, left, right = self._box(item)
+            if source is None:
+                rows: Iterator[bytes] = repeat(repeated(value, self.bits, right - left), bottom - top)
+            else:
+                if source.size != (right - left, bottom - top) or (source.bits, source.order) != (self.bits, self.order):
+                    raise ValueError(f"{value!r} does not fit into {right - left}x{bottom - top} pixels of {self!r}")
+                assert source._record is not None
+                count = packed_bytes(right - left, self.bits)
+                rows = map(_get_row, repeat(source._record), range(bottom - top), repeat(count))
+            for y, content in zip(range(top, bottom), rows):
+                check(function(self._record.reference, content, y, left, Two(0, right - left), 2, 0), function)
 
     def _put_pixel(self, item: Any, value: Any) -> None:
         record = self._take()

@@ -11,6 +11,7 @@ from typing import TYPE_CHECKING, Any, Dict, List, Optional, Tuple
 from ._base import BitmapBase, Guard, Record
 from ._errors import check, error_of
 from ._library import lib, strip_module
+from ._numbers import assign
 from ._pixels import PixelAccess
 from ._records import BITMAPINFOHEADER, RGBQUAD, FilterLoadBuffer, FilterSaveBuffer
 from . import _constants as c
@@ -70,6 +71,8 @@ def expand(strips: List[bytes], width: int, height: int, bits: int) -> bytearray
     if module is None:
         raise error_of(c.Z_ERROR_FAX_FILTER if bits == 1 else c.Z_ERROR_COLOUR_FILTER,
                     "the module that restores compressed strips is not beside the library")
+    if len(strips) != -(-height // STRIP_ROWS):
+        raise error_of(c.Z_ERROR_READ, f"{len(strips)} strips do not make {height} rows")
     row = (width * bits + 31) // 32 * 4
     pixels = bytearray(row * height)
     place = ctypes.addressof(ctypes.c_ubyte.from_buffer(pixels))
@@ -93,9 +96,10 @@ def pack(bitmap: Bitmap, protocol: int) -> Dict[str, Any]:
         "flags": handle.Flags & FLAGS,
         "paint": (handle.PaintIntensity, handle.PaintContrast, handle.PaintGamma),
     }
-    if handle.LevelLUT and handle.LevelLUTLength:
-        table = ctypes.string_at(handle.LevelLUT, 4 * handle.LevelLUTLength)
-        state["levels"] = table, bool(handle.Flags & c.Z_FLAG_LEVEL_LUT_ACTIVE)
+    with Guard(bitmap):
+        if handle.LevelLUT and handle.LevelLUTLength:
+            table = ctypes.string_at(handle.LevelLUT, 4 * handle.LevelLUTLength)
+            state["levels"] = table, bool(handle.Flags & c.Z_FLAG_LEVEL_LUT_ACTIVE)
     rows: Any
     try:
         rows = bitmap.data.cast("B")
@@ -121,9 +125,8 @@ def unpack(state: Dict[str, Any]) -> Record:
     rows = expand(state["strips"], width, height, bits) if "strips" in state else state["rows"]
     made._write_rows(memoryview(rows).cast("B"))
     handle = made._handle
-    for name, value in fields.items():
-        setattr(handle, name, value)
-    handle.Flags |= state["flags"]
+    assign(handle, **{name: fields[name] for name in FIELDS})
+    handle.Flags |= state["flags"] & FLAGS
     if "levels" in state:
         table, active = state["levels"]
         levels = (RGBQUAD * (len(table) // 4)).from_buffer_copy(table)

@@ -84,11 +84,10 @@ class Bitmap(Exchange, RegionAccess):
 
     @transparent.setter
     def transparent(self, colour: Optional[ColourLike]) -> None:
-        flags = self._handle.Flags & ~c.Z_FLAG_PLAYBACK_TRANSPARENCY
         if colour is None:
-            self._set(Flags=flags)
+            self._set_flag(c.Z_FLAG_PLAYBACK_TRANSPARENCY, False)
         else:
-            self._set(Flags=flags | c.Z_FLAG_PLAYBACK_TRANSPARENCY, TransparentColor=value_of(colour))
+            self._set_flag(c.Z_FLAG_PLAYBACK_TRANSPARENCY, True, TransparentColor=value_of(colour))
 
     # ---- Pickles
 

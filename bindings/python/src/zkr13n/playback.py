@@ -40,8 +40,9 @@ class Playback(Iterator[Bitmap]):
             self.canvas.background = Colour.from_value(value_of(background))
         elif self._frames:
             first = self._frames[0]
-            self.canvas._handle.PlaybackBackColor = lib.Z_TranslateBitmapColor(
-                self.canvas._handle, first._handle, first._handle.PlaybackBackColor)
+            with Guard(first):
+                self.canvas._handle.PlaybackBackColor = lib.Z_TranslateBitmapColor(
+                    self.canvas._handle, first._handle, first._handle.PlaybackBackColor)
         self._playback: Optional[int] = None
         self._ended = False
         self._begin()
@@ -59,6 +60,7 @@ class Playback(Iterator[Bitmap]):
             _forget(frames, len(self._frames))
             raise
         self._list, self._playback = frames.value, playback.value
+        self._target = self.canvas._record  # which stays as long as the playback, whoever closes the canvas
 
     def __next__(self) -> Bitmap:
         """The next composed frame."""
@@ -66,6 +68,8 @@ class Playback(Iterator[Bitmap]):
         if self._playback is None or self._ended:
             raise StopIteration
         with Guard(self.canvas, *self._frames):
+            if self._playback is None:
+                raise StopIteration
             # The frames are the caller's, who may have changed them.
             for number, frame in enumerate(self._frames):
                 check(lib.Z_SetBitmapListItem(self._list, number, frame._handle), lib.Z_SetBitmapListItem)
@@ -111,7 +115,7 @@ class Playback(Iterator[Bitmap]):
     def close(self) -> None:
         """Ends the playback; the frames stay the caller's."""
         if self._playback is not None:
-            with Guard(self.canvas):
+            with Guard(*([] if self.canvas.closed else [self.canvas])):
                 playback, self._playback = self._playback, None
                 frames = ctypes.c_void_p()
                 lib.Z_DestroyPlayback(playback, frames)

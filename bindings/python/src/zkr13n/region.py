@@ -9,6 +9,7 @@ from . import _constants as c
 from ._base import BitmapBase, Guard, Record
 from ._errors import check
 from ._library import lib
+from ._numbers import assign, point, rectangle
 from ._records import POINT, RECT, Curve, RegionHandle, RegionRowEntry
 from ._system import delete_object, region_of
 from .colours import ColourLike, value_of
@@ -39,7 +40,7 @@ class Region:
     def __init__(self, runs: Iterable[Run] = ()) -> None:
         """The pixels of some runs: row, first column, and the column behind the last. Without runs it is empty."""
         self._record, self._key = _carrier(), None
-        rectangles = [RECT(left, row, right, row + 1) for row, left, right in runs]
+        rectangles = [rectangle(left, row, right, row + 1) for row, left, right in runs]
         if rectangles:
             platform = region_of(rectangles)
             try:
@@ -61,17 +62,17 @@ class Region:
     @classmethod
     def rectangle(cls, box: Box) -> Region:
         """A rectangle: left, top, right, bottom in pixels, the last two not included."""
-        return cls._made(lib.Z_SetBitmapRgnRect, None, RECT(*box))
+        return cls._made(lib.Z_SetBitmapRgnRect, None, rectangle(*box))
 
     @classmethod
     def ellipse(cls, box: Box) -> Region:
         """The ellipse in a rectangle."""
-        return cls._made(lib.Z_SetBitmapRgnEllipse, None, RECT(*box))
+        return cls._made(lib.Z_SetBitmapRgnEllipse, None, rectangle(*box))
 
     @classmethod
     def rounded(cls, box: Box, corner: Tuple[int, int]) -> Region:
         """A rectangle whose corners are quarters of an ellipse of some width and height, pixels."""
-        return cls._made(lib.Z_SetBitmapRgnRoundRect, None, RECT(*box), *corner)
+        return cls._made(lib.Z_SetBitmapRgnRoundRect, None, rectangle(*box), *corner)
 
     @classmethod
     def polygon(cls, points: Sequence[Point], fill: PolygonFill = PolygonFill.ALTERNATE) -> Region:
@@ -234,7 +235,7 @@ class Region:
 
         mask, record = Record(), Region._copied(self._record.handle)._record
         handle = record.handle
-        handle.Width, handle.Height = width, height
+        assign(handle, Width=width, Height=height)
         check(lib.Z_CreateMaskFromBitmapRgn(record.reference, mask.reference), lib.Z_CreateMaskFromBitmapRgn)
         mask.handle.ViewPerspective = View.TOP_LEFT
         return Bitmap._adopt(mask)
@@ -284,7 +285,7 @@ def _carrier() -> Record:
 
 
 def _points(points: Sequence[Point]) -> Any:
-    return (POINT * max(1, len(points)))(*(POINT(*point) for point in points))
+    return (POINT * max(1, len(points)))(*(point(*each) for each in points))
 
 
 def _merge(handle: Any, region: Region, mode: int) -> None:
