@@ -41,11 +41,6 @@ constexpr bool IsMirroredView(int32_t value) {
     return IsViewIn(0b0'1010'0110, value);
 }
 
-// Whether the storage rows are the picture's rows, from the lowest one up.
-constexpr bool HasRowsBottomUp(int32_t value) {
-    return value == view::BottomLeft || value == view::BottomRight;
-}
-
 // Whether two bitmaps of these views can be walked together: equal views, or such as differ only in which row comes
 // first. Equal values need not be views.
 constexpr bool DifferInRowOrderAtMost(int32_t a, int32_t b) {

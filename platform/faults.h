@@ -17,7 +17,7 @@ enum Kind : uint32_t {
     FileOpen = 1u << 4,  // CreateFileA, GetTempFileNameA
     FileRead = 1u << 5,  // ReadFile
     FileWrite = 1u << 6, // WriteFile
-    FileSeek = 1u << 7,  // SetFilePointer, SetFilePointerEx
+    FileSeek = 1u << 7,  // SetFilePointerEx
     FileEnd = 1u << 8,   // SetEndOfFile
     Palette = 1u << 9,   // CreatePalette
     Device = 1u << 10,   // GetDC, SaveDC, the making of device contexts, bitmaps and brushes

@@ -66,10 +66,6 @@ std::optional<double> ParseDecimal(const std::string& text) {
     return number;
 }
 
-std::optional<double> ParsePercent(const std::string& text) {
-    return ParseDecimal(text.ends_with('%') ? text.substr(0, text.size() - 1) : text);
-}
-
 std::optional<uint32_t> ParseColour(const std::string& text) {
     const std::optional<uint32_t> rgb = WholeText<uint32_t>(text, 16);
     if (!rgb || text.size() != 6) return {};
@@ -101,12 +97,6 @@ CLI::Option* AddDecimal(CLI::App& verb, const std::string& name, double& target,
                         const std::string& form, const std::string& help) {
     return AddValue(verb, name, target, Within(ParseDecimal, low, high), form,
                     "a number from " + Brief(low) + " to " + Brief(high), help);
-}
-
-CLI::Option* AddPercent(CLI::App& verb, const std::string& name, double& target, double low, double high,
-                        const std::string& help) {
-    return AddValue(verb, name, target, Within(ParsePercent, low, high), "PERCENT",
-                    "a percentage from " + Brief(low) + " to " + Brief(high), help);
 }
 
 CLI::Option* AddAngle(CLI::App& verb, const std::string& name, int& hundredths, const std::string& help) {

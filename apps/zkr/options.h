@@ -19,7 +19,6 @@ namespace zkr::app {
 // Values from text; nothing where the text, as a whole, is none.
 std::optional<int> ParseNumber(const std::string& text);          // 12, -3
 std::optional<double> ParseDecimal(const std::string& text);      // 12, -3, 0.25
-std::optional<double> ParsePercent(const std::string& text);      // 12, 12%, -3.5%
 std::optional<uint32_t> ParseColour(const std::string& text);     // RRGGBB, as 0x00BBGGRR
 std::optional<Point> ParsePoint(const std::string& text);         // X,Y
 std::optional<Rectangle> ParseRectangle(const std::string& text); // LEFT,TOP,WIDTH,HEIGHT; sizes from 1
@@ -71,8 +70,6 @@ CLI::Option* AddNumber(CLI::App& verb, const std::string& name, int& target, int
                        const std::string& form, const std::string& help);
 CLI::Option* AddDecimal(CLI::App& verb, const std::string& name, double& target, double low, double high,
                         const std::string& form, const std::string& help);
-CLI::Option* AddPercent(CLI::App& verb, const std::string& name, double& target, double low, double high,
-                        const std::string& help);
 CLI::Option* AddAngle(CLI::App& verb, const std::string& name, int& hundredths, const std::string& help);
 
 CLI::Option* AddColour(CLI::App& verb, const std::string& name, uint32_t& target, const std::string& help);

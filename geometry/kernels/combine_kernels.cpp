@@ -1,4 +1,5 @@
-// All operators work on vectors of bytes or words as they lie in the rows; a row that is shorter than a vector fills up one. Where a product or a quotient needs more room, the even and the odd samples are worked out in lanes of twice the
+// All operators work on vectors of bytes or words as they lie in the rows; a row that is shorter than a vector fills up
+// one. Where a product or a quotient needs more room, the even and the odd samples are worked out in lanes of twice the
 // width.
 #include "geometry/kernels/combine_kernels.h"
 

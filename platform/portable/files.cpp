@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
-#include <limits>
 #include <new>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -250,25 +249,6 @@ BOOL SetFilePointerEx(HANDLE handle, LARGE_INTEGER distance, LARGE_INTEGER* posi
     file->position.store(reached);
     if (position != nullptr) position->QuadPart = reached;
     return TRUE;
-}
-
-DWORD SetFilePointer(HANDLE handle, LONG low, LONG* high, DWORD origin) {
-    const Pin<OpenFile> file(handle);
-    if (!file) return INVALID_SET_FILE_POINTER;
-    const int64_t distance =
-        high == nullptr
-            ? low
-            : static_cast<int64_t>(static_cast<uint64_t>(*high) << 32 | static_cast<uint32_t>(low));
-    int64_t reached;
-    if (!FindPosition(*file, distance, origin, reached)) return INVALID_SET_FILE_POINTER;
-    if (high == nullptr && reached > std::numeric_limits<uint32_t>::max()) {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return INVALID_SET_FILE_POINTER;
-    }
-    file->position.store(reached);
-    if (high != nullptr) *high = static_cast<LONG>(reached >> 32);
-    SetLastError(NO_ERROR);
-    return static_cast<DWORD>(reached);
 }
 
 BOOL SetEndOfFile(HANDLE handle) {

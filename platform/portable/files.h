@@ -35,7 +35,6 @@ inline constexpr uint32_t FILE_ATTRIBUTE_NORMAL = 0x80;
 inline constexpr uint32_t FILE_ATTRIBUTE_TEMPORARY = 0x100;
 inline constexpr uint32_t FILE_FLAG_DELETE_ON_CLOSE = 0x04000000;
 inline constexpr uint32_t INVALID_FILE_ATTRIBUTES = 0xFFFFFFFFu;
-inline constexpr uint32_t INVALID_SET_FILE_POINTER = 0xFFFFFFFFu;
 inline constexpr uint32_t FILE_BEGIN = 0;
 inline constexpr uint32_t FILE_CURRENT = 1;
 inline constexpr uint32_t FILE_END = 2;
@@ -56,9 +55,6 @@ BOOL ReadFile(HANDLE file, void* buffer, DWORD count, DWORD* got, void* overlapp
 // All or nothing counts as success; done tells how much went out. A disk that is full and a limit on the size
 // of files are failures, never signals.
 BOOL WriteFile(HANDLE file, const void* buffer, DWORD count, DWORD* done, void* overlapped);
-// The low half of the new position; the upper half goes in and out through high, where that is not null. A
-// result of INVALID_SET_FILE_POINTER is a failure only when GetLastError is not NO_ERROR.
-DWORD SetFilePointer(HANDLE file, LONG low, LONG* high, DWORD origin);
 BOOL SetFilePointerEx(HANDLE file, LARGE_INTEGER distance, LARGE_INTEGER* position, DWORD origin);
 // The file ends at the current position from now on.
 BOOL SetEndOfFile(HANDLE file);

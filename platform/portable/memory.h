@@ -50,20 +50,9 @@ struct MEMORYSTATUSEX {
     uint64_t ullAvailVirtual;
     uint64_t ullAvailExtendedVirtual;
 };
-struct MEMORYSTATUS {
-    DWORD dwLength;
-    DWORD dwMemoryLoad;
-    size_t dwTotalPhys;
-    size_t dwAvailPhys;
-    size_t dwTotalPageFile;
-    size_t dwAvailPageFile;
-    size_t dwTotalVirtual;
-    size_t dwAvailVirtual;
-};
 
 // The system's own figures at this moment, in bytes.
 BOOL GlobalMemoryStatusEx(MEMORYSTATUSEX* status);
-void GlobalMemoryStatus(MEMORYSTATUS* status);
 
 // A mapping of an open file, or with INVALID_HANDLE_VALUE of anonymous memory. Size 0 is the file's own size;
 // a file that is shorter grows. Security and name must be null.

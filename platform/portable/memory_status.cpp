@@ -79,13 +79,4 @@ BOOL GlobalMemoryStatusEx(MEMORYSTATUSEX* status) {
     return TRUE;
 }
 
-void GlobalMemoryStatus(MEMORYSTATUS* status) {
-    MEMORYSTATUSEX figures{};
-    figures.dwLength = sizeof figures;
-    GlobalMemoryStatusEx(&figures);
-    *status = {sizeof *status,          figures.dwMemoryLoad,     figures.ullTotalPhys,
-               figures.ullAvailPhys,    figures.ullTotalPageFile, figures.ullAvailPageFile,
-               figures.ullTotalVirtual, figures.ullAvailVirtual};
-}
-
 } // namespace zkr::platform

@@ -8,7 +8,6 @@ namespace zkr::platform {
 
 using ::BOOL;
 using ::DWORD;
-using ::MEMORYSTATUS;
 using ::MEMORYSTATUSEX;
 using ::UINT;
 
@@ -20,7 +19,6 @@ using ::GlobalLock;
 using ::GlobalSize;
 using ::GlobalUnlock;
 
-using ::GlobalMemoryStatus;
 using ::GlobalMemoryStatusEx;
 
 ZKR_MAKING(CreateFileMappingA, Mapping, nullptr, ERROR_COMMITMENT_LIMIT);

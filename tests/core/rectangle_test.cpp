@@ -19,7 +19,6 @@ TEST(Views, SetsFollowWhatAViewIsMadeOf) {
         }
         const ViewParts parts = PartsOf(value);
         EXPECT_EQ(IsMirroredView(value), parts.IsTurned ^ parts.ReversesX ^ parts.ReversesY) << value;
-        EXPECT_EQ(HasRowsBottomUp(value), !parts.IsTurned && parts.ReversesY) << value;
     }
     EXPECT_TRUE(DifferInRowOrderAtMost(2, 0));
     EXPECT_TRUE(DifferInRowOrderAtMost(6, 6));
