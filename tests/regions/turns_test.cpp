@@ -133,7 +133,7 @@ TEST(RotateRegion, RefusesRegionsWiderThanANumber) {
     const PixelRect wide = {INT32_MIN + 10, 0, 100, 1};
     OwnedRegion region;
     RegionBuilder builder;
-    ASSERT_EQ(builder.Begin(wide, 2), code::Success);
+    ASSERT_EQ(builder.Begin(wide, 2, 2), code::Success);
     builder.AddRun(wide.Left, wide.Right);
     ASSERT_EQ(builder.EndRow(), code::Success);
     builder.Finish(region);
