@@ -17,9 +17,16 @@ namespace {
 constinit Surface unseenScreen{1024, 768, 32, true};
 
 constinit std::mutex screenMutex;
-const ForkPart forkPart(
-    ForkOrder::Inner, [] { screenMutex.lock(); }, [](bool) { screenMutex.unlock(); });
 constinit Surface* screen = nullptr; // held; null: the unseen one
+
+// A thread that was drawing on the screen is not there in the child, where nobody else would give its mutex back. At
+// worst a picture on the child's screen is half drawn.
+const ForkPart forkPart(
+    ForkOrder::Inner, [] { screenMutex.lock(); },
+    [](bool inChild) {
+        if (inChild && screen != nullptr) new (&screen->mutex) std::mutex;
+        screenMutex.unlock();
+    });
 
 // Makes a surface the screen if the one that is meant to go is there, or any with a null going.
 void ReplaceScreen(const Surface* going, Surface* next) {

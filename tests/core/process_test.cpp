@@ -1,4 +1,6 @@
 // The process ends, or makes a child of itself, while its threads are inside the library.
+#include "support/screen.h"
+
 #include "zkr13n/bitmap.h"
 #include "zkr13n/clipboard.h"
 #include "zkr13n/copy.h"
@@ -40,6 +42,15 @@ bool UseClipboard() {
     good &= Z_CopyToClipboardExt(nullptr, &bitmap, COPY_EMPTY | COPY_DIB) == 1;
     good &= Z_CopyFromClipboard(nullptr, &pasted) == 1;
     Z_FreeBitmap(&pasted);
+    Z_FreeBitmap(&bitmap);
+    return good;
+}
+
+// Draws on the screen, which all threads share: the clipboard's other form is made there. Not always done, as above.
+bool UseScreen() {
+    BitmapHandle bitmap;
+    bool good = Z_CreateBitmap(&bitmap, MemoryConventional, 90, 60, 24, 1, nullptr, 0, nullptr, 0) == 1;
+    good &= Z_CopyToClipboardExt(nullptr, &bitmap, COPY_EMPTY | COPY_DDB) == 1;
     Z_FreeBitmap(&bitmap);
     return good;
 }
@@ -132,6 +143,13 @@ TEST(Process, HasChildrenThatWorkOnWhateverItsThreadsWereAbout) {
     const BusyThreads busy(UseEverything);
     for (int round = 0; round < 4 * Rounds; ++round)
         ASSERT_EQ(InChild([] { _exit(UseEverything() && UseClipboard() ? 0 : 1); }), 0) << "round " << round;
+}
+
+TEST(Process, HasChildrenThatDrawOnTheScreenOnWhichItsThreadsDrew) {
+    const Screen screen(32, 0);
+    const BusyThreads busy(UseScreen);
+    for (int round = 0; round < 4 * Rounds; ++round)
+        ASSERT_EQ(InChild([] { _exit(UseScreen() ? 0 : 1); }), 0) << "round " << round;
 }
 #endif
 #endif
