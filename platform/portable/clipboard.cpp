@@ -43,6 +43,16 @@ void Free(Form& form) {
     form = {};
 }
 
+// What lies on the clipboard goes with the library where that is unloaded.
+struct Owner {
+    ~Owner() {
+        if (OthersMayWorkOn()) return;
+        for (Form& form : forms)
+            Free(form);
+    }
+};
+const Owner owner;
+
 bool IsMine() {
     return openedBy != 0 && openedBy == GetCurrentThreadId();
 }
