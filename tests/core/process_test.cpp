@@ -46,8 +46,9 @@ bool UseClipboard() {
     return good;
 }
 
-// Draws on the screen, which all threads share: the clipboard's other form is made there. Not always done, as above.
-bool UseScreen() {
+// Draws on the screen, which all threads share: the clipboard's other form is made there. Not always done, as above;
+// not called at all where the sanitizers cannot bear forks.
+[[maybe_unused]] bool UseScreen() {
     BitmapHandle bitmap;
     bool good = Z_CreateBitmap(&bitmap, MemoryConventional, 90, 60, 24, 1, nullptr, 0, nullptr, 0) == 1;
     good &= Z_CopyToClipboardExt(nullptr, &bitmap, COPY_EMPTY | COPY_DDB) == 1;
