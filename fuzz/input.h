@@ -4,6 +4,7 @@
 #include "support/pixel_bits.h"
 #include "zkr13n.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -80,7 +81,9 @@ class Input {
 
 // Exactly so many bytes, so that one more is found out.
 struct Exact {
-    explicit Exact(size_t count) : Count(count), Bytes(new uint8_t[count]) {}
+    explicit Exact(size_t count) : Count(count), Bytes(new uint8_t[count]) {
+        std::fill_n(Bytes.get(), count, uint8_t{0}); // what nobody writes is noted, too
+    }
     Exact(size_t count, Input& input) : Exact(count) { input.Fill(Bytes.get(), count); }
     Exact(const Exact& other) : Exact(other.Count) {
         if (Count != 0) std::memcpy(Bytes.get(), other.Bytes.get(), Count);
