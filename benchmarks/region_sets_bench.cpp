@@ -6,6 +6,8 @@
 #include "turn_work.h"
 #include "work.h"
 
+#include <cstdlib>
+
 namespace bench {
 
 namespace {
@@ -15,7 +17,7 @@ using SetOperation = ReturnCode (*)(zkr::OwnedRegion&, const RegionHandle&, cons
 void AddSetWork(int number, const char* name, SetOperation operation) {
     AddWork(number, {name, TextPixels, size_t{TextRegion()->SegmentBytes} * 3, [operation] {
                          zkr::OwnedRegion result;
-                         operation(result, *TextRegion(), *OtherTextRegion());
+                         if (operation(result, *TextRegion(), *OtherTextRegion()) != Z_SUCCESS) std::abort();
                          Touch(result.get());
                      }});
 }
@@ -24,7 +26,7 @@ void AddSetWork(int number, const char* name, SetOperation operation) {
 template <typename Change> void AddChange(int number, const char* name, Change change) {
     AddWork(number, {name, TextPixels, size_t{TextRegion()->SegmentBytes} * 2, [change] {
                          BitmapHandle* sheet = SheetWith(TextRegion());
-                         change(sheet);
+                         if (change(sheet) != Z_SUCCESS) std::abort();
                          Touch(sheet->Region);
                          Z_FreeBitmapRgn(sheet);
                          delete sheet;
@@ -36,10 +38,10 @@ const Adds adds([] {
     AddSetWork(IntersectText, "intersection of text regions", zkr::IntersectRegions);
     AddSetWork(SubtractText, "difference of text regions", zkr::SubtractRegions);
     AddChange(RotateText, "rotation of a text region, 30 degrees", [](BitmapHandle* sheet) {
-        zkr::RotateRegion(sheet, TextWidth, TextHeight, RotationDegrees * 100);
+        return zkr::RotateRegion(sheet, TextWidth, TextHeight, RotationDegrees * 100);
     });
     AddChange(ScaleText, "scaling of a text region by 0.37", [](BitmapHandle* sheet) {
-        zkr::ScaleBitmapRegion(sheet, TextWidth * ScaledBy / 100, TextHeight * ScaledBy / 100);
+        return zkr::ScaleBitmapRegion(sheet, TextWidth * ScaledBy / 100, TextHeight * ScaledBy / 100);
     });
 });
 
