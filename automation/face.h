@@ -25,4 +25,21 @@ class Face {
     ~Face() = default;
 };
 
+// A reference to the whole object for the time of a call that may release the client's last one; none where there is no
+// face.
+class KeptFace {
+  public:
+    explicit KeptFace(Face* face) : face_(face) {
+        if (face_ != nullptr) face_->Keep();
+    }
+    ~KeptFace() {
+        if (face_ != nullptr) face_->Drop();
+    }
+    KeptFace(const KeptFace&) = delete;
+    KeptFace& operator=(const KeptFace&) = delete;
+
+  private:
+    Face* face_;
+};
+
 } // namespace zkr::automation

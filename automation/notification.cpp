@@ -29,11 +29,8 @@ void RasterObject::NotifyRegion() {
 ReturnCode Z_CALL RasterObject::OwnerNotified(uint32_t kind, BitmapToken* token, void* owner) {
     if (owner == nullptr) return Z_ERROR_ARGUMENT;
     auto& object = *static_cast<RasterObject*>(owner);
-    Face& face = object.face_;
-    face.Keep();
-    const ReturnCode status = object.Hear(kind, token);
-    face.Drop();
-    return status;
+    const KeptFace kept(&object.face_);
+    return object.Hear(kind, token);
 }
 
 // The item that the record was stored in, wherever others have moved it; the count when it is gone.

@@ -65,7 +65,7 @@ ZResult NativeObject::UnadviseSink(uint32_t cookie) {
 }
 
 ZResult NativeObject::GetInterfacePointer(IZIRCRaster** raster) {
-    const Held held(*this);
+    const KeptFace kept(AtRisk());
     if (raster != nullptr) {
         *raster = this;
         AddRef();

@@ -67,25 +67,14 @@ class NativeObject final : public IZIRCRaster, private Face, private PlainTypes 
     void FireRegionChange() override;
     bool TranslateColour(uint32_t colour, uint32_t* plain) override;
 
-    // A reference for the time of a call, where there are sinks: they may release the last one of the client's.
-    class Held {
-      public:
-        explicit Held(NativeObject& object) : object_(object.sinks_.Count() != 0 ? &object : nullptr) {
-            if (object_ != nullptr) object_->AddRef();
-        }
-        ~Held() {
-            if (object_ != nullptr) object_->Release();
-        }
-        Held(const Held&) = delete;
-        Held& operator=(const Held&) = delete;
-
-      private:
-        NativeObject* object_;
-    };
+    // Sinks may release the last reference of the client's.
+    Face* AtRisk() {
+        return sinks_.Count() != 0 ? this : nullptr;
+    }
 
     template <typename Member, typename... Arguments>
     ZResult Call(Member member, const Arguments&... arguments) {
-        const Held held(*this);
+        const KeptFace kept(AtRisk());
         return (object_.*member)(Passed<Arguments>{arguments}...);
     }
 

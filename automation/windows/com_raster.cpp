@@ -70,7 +70,7 @@ HRESULT ComRaster::Invoke(DISPID member, REFIID, LCID, WORD flags, DISPPARAMS* p
     ITypeInfo* info = nullptr;
     const HRESULT found = OwnTypeInfo(IID_IZIRCRaster, &info);
     if (FAILED(found)) return found;
-    const Holding holding(*this, false);
+    const KeptFace kept(AtRisk());
     return info->Invoke(static_cast<IZIRCRaster*>(this), member, flags, parameters, result, exception,
                         argument);
 }
@@ -111,7 +111,7 @@ HRESULT ComRaster::GetGUID(DWORD kind, GUID* guid) {
 }
 
 HRESULT ComRaster::GetInterfacePointer(IZIRCRaster** raster) {
-    const Holding holding(*this, false);
+    const KeptFace kept(AtRisk());
     if (raster != nullptr) {
         *raster = this;
         AddRef();

@@ -83,28 +83,14 @@ class ComRaster final : public IZIRCRaster,
     ReturnCode MakePicture(HBITMAP bitmap, HPALETTE palette, intptr_t* picture) override;
     ReturnCode ReadPicture(intptr_t picture, BitmapHandle* made) override;
 
-    // A reference for the time of a call, where a sink, a companion or an object of the client's may release its last
-    // one meanwhile.
-    class Holding {
-      public:
-        Holding(ComRaster& object, bool always)
-            : object_(always || object.events_.IsWatched() || object.object_.HasCompanion() ? &object
-                                                                                            : nullptr) {
-            if (object_ != nullptr) object_->AddRef();
-        }
-        ~Holding() {
-            if (object_ != nullptr) object_->Release();
-        }
-        Holding(const Holding&) = delete;
-        Holding& operator=(const Holding&) = delete;
-
-      private:
-        ComRaster* object_;
-    };
+    // A sink, a companion or, in some calls, an object of the client's may release the client's last reference.
+    Face* AtRisk(bool always = false) {
+        return always || events_.IsWatched() || object_.HasCompanion() ? this : nullptr;
+    }
 
     template <typename Member, typename... Arguments>
     HRESULT Call(Member member, const Arguments&... arguments) {
-        const Holding holding(*this, (std::is_same_v<Arguments, PictureIn> || ...));
+        const KeptFace kept(AtRisk((std::is_same_v<Arguments, PictureIn> || ...)));
         return (object_.*member)(Passed<Arguments>{arguments}...);
     }
     template <typename Member> HRESULT Call(Member member, float y, VARIANT* variant) {
@@ -116,7 +102,7 @@ class ComRaster final : public IZIRCRaster,
     // The client's copy of an array is made last, and may fail.
     template <typename Member, typename... Arguments>
     HRESULT CallForArray(VARIANT* variant, Member member, Arguments... arguments) {
-        const Holding holding(*this, false);
+        const KeptFace kept(AtRisk());
         Array array;
         const HRESULT result = (object_.*member)(arguments..., variant != nullptr ? &array : nullptr);
         if (variant == nullptr || CopyArray(array, variant)) return result;
